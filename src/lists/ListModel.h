@@ -1,0 +1,120 @@
+#pragma once
+// A list: columns with header texts and widths, rows of text cells, a per-row tag, row
+// selection with a current row, and the list's kind. Every table of the program is one.
+//
+// Rows and columns are numbered from 1 in this interface, as the list procedures count them;
+// column 1 is the littera and the last column, "Rivi", holds the row number as five digits.
+// The class is also the Qt item model that list views show (0-based, as Qt counts).
+#include <QAbstractTableModel>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+namespace lists {
+
+struct Column {
+    QString header;
+    int width = 0; // twips
+};
+
+struct Row {
+    QStringList cells; // one per column, "Rivi" last
+    QString tag;       // an invisible text per row (the cost estimate's caption subtotals)
+    bool selected = false;
+};
+
+class ListModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    explicit ListModel(QObject* parent = nullptr);
+
+    // The kind of the list ("Määräluettelo ja kustannusarvio", "Laatuvaatimukset", ...).
+    const QString& kind() const { return m_kind; }
+    void setKind(const QString& kind);
+    // Made read-only by the program mode: the editing rules then see the kind "No edit".
+    bool readOnly() const { return m_readOnly; }
+    void setReadOnly(bool readOnly);
+    // The text the editing rules test: "No edit" while read-only, otherwise the kind.
+    QString tag() const;
+
+    // Columns.
+    int cols() const { return static_cast<int>(m_columns.size()); }
+    const Column& column(int c) const { return m_columns[c - 1]; }
+    const std::vector<Column>& columns() const { return m_columns; }
+    void setColumnWidth(int c, int width);
+    // The last data column (the one before "Rivi"); 0 for a list without columns.
+    int lastDataCol() const { return cols() > 0 ? cols() - 1 : 0; }
+
+    // Rows.
+    int rows() const { return static_cast<int>(m_rows.size()); }
+    const Row& row(int r) const { return m_rows[r - 1]; }
+    const std::vector<Row>& allRows() const { return m_rows; }
+    // The cell text; an empty text outside the list.
+    const QString& cell(int r, int c) const;
+    void setCell(int r, int c, const QString& text);
+    const QString& text(int r) const { return cell(r, 1); }
+    const QString& rowNumberText(int r) const { return cell(r, cols()); }
+    const QString& rowTag(int r) const { return m_rows[r - 1].tag; }
+    void setRowTag(int r, const QString& tag) { m_rows[r - 1].tag = tag; }
+
+    // Replaces columns and rows at once (reading a file or a record). Every row is padded or
+    // cut to the column count.
+    void reset(std::vector<Column> columns, std::vector<Row> rows);
+    void clearRows();
+    // Inserts one empty row before position `pos` (1 .. rows() + 1).
+    void insertEmptyRow(int pos);
+    // Inserts rows before position `pos` in one step; each is padded or cut to the columns.
+    void insertRowsAt(int pos, std::vector<Row> rows);
+    void removeRowsAt(int pos, int count);
+    // Replaces the rows with another sequence of rows in one step (batch reformatting).
+    void replaceRows(std::vector<Row> rows);
+    // Sorts rows stably by a key per row computed by the caller.
+    void reorder(const std::vector<int>& newOrder);
+
+    // Selection. The current row is the list's focused row ("the selected row"); any number
+    // of rows may be selected besides it.
+    bool isSelected(int r) const { return m_rows[r - 1].selected; }
+    void setSelected(int r, bool selected);
+    void clearSelection();
+    void selectAll();
+    std::vector<int> selectedRows() const;
+    int selectedCount() const;
+    int currentRow() const { return m_current; }
+    void setCurrentRow(int r);
+    // The row a single-row operation acts on: the current row when it is selected, else the
+    // topmost selected row, else 0.
+    int selectedRow() const;
+    // Makes `r` the only selected row and the current one.
+    void selectOnly(int r);
+    // Asks the views to bring a row into view.
+    void ensureVisible(int r);
+
+    // QAbstractItemModel
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+signals:
+    // The selection or the current row changed through the procedures (not through a view).
+    void selectionChangedByModel();
+    void scrollToRowRequested(int r);
+    void kindChanged();
+
+private:
+    void normalise(Row& row) const;
+
+    QString m_kind;
+    bool m_readOnly = false;
+    std::vector<Column> m_columns;
+    std::vector<Row> m_rows;
+    int m_current = 0;
+};
+
+// "00001" for 1: the five-digit row-number text.
+QString formatRowNumber(long long n);
+// The numeric value of a row-number text; 0 for an empty or non-numeric one.
+long long rowNumberValue(const QString& text);
+
+} // namespace lists

@@ -1,0 +1,62 @@
+#include "platform/CommonDialog.h"
+
+#include "platform/Dialogs.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace platform {
+
+QString filterForExtension(const QString& extension, bool save) {
+    const QString e = extension.toLower();
+    if (e == QLatin1String(".sl")) return QStringLiteral("Projektitiedostot (*.sl)|*.sl|Kaikki tiedostot (*.*)|*.*");
+    if (e == QLatin1String(".sl1"))
+        return QStringLiteral("Yksikköhintaluettelot (*.sl1)|*.sl1|Tekstiedostot (*.csv)|*.csv|Kaikki tiedostot "
+                              "(*.*)|*.*");
+    if (e == QLatin1String(".sl2"))
+        return QStringLiteral("Laatuvaatimusluettelot (*.sl2)|*.sl2|Tekstiedostot (*.csv)|*.csv|Kaikki "
+                              "tiedostot (*.*)|*.*");
+    if (e == QLatin1String(".xls")) {
+        // Export writes the current spreadsheet format; import reads the old and the new ones.
+        if (save) return QStringLiteral("MS-Excel tiedostot (*.xlsx)|*.xlsx");
+        return QStringLiteral("MS-Excel tiedostot (*.xls)|*.xls") +
+               QStringLiteral(";*.xlsx|OpenDocument-laskentataulukot (*.ods)|*.ods");
+    }
+    if (e == QLatin1String(".wmf"))
+        return QStringLiteral("Metatiedosto (*.wmf, *.emf)|*.wmf;*.emf|Bittigrafiikka (*.bmp, *.jpg, *.gif "
+                              ")|*.bmp;*.jpg;*.gif");
+    if (e == QLatin1String(".rtf")) return QStringLiteral("Teksti (*.txt )|*.txt|Rikas teksi (*.rtf)|*.rtf|");
+    if (e == QLatin1String(".*")) return QStringLiteral("Kaikki tiedostot (*.*)|*.*|Teksti (*.txt )|*.txt");
+    return {};
+}
+
+QString ShowCommonDialog(int kind, const QString& extension, bool multiple, CommonDialogState& state) {
+    const bool save = kind == 2;
+    const QString filter = filterForExtension(extension, save);
+    if (!filter.isEmpty()) {
+        state.filter = filter;
+        state.extension = extension;
+    }
+    FileRequest r;
+    r.save = save;
+    r.filters = translateFilter(state.filter);
+    r.multiple = multiple && !save;
+    r.directory = state.directory;
+    if (save) {
+        QString ext = state.extension;
+        if (ext.toLower() == QLatin1String(".xls")) ext = QStringLiteral(".xlsx");
+        if (ext.startsWith(QLatin1Char('.')) && ext != QLatin1String(".*")) r.defaultSuffix = ext.mid(1);
+    }
+    const QStringList chosen = Dialogs::instance().files(r);
+    if (chosen.isEmpty()) return {};
+    QString first = chosen.first();
+    if (save && !r.defaultSuffix.isEmpty() && QFileInfo(first).suffix().isEmpty())
+        first += QLatin1Char('.') + r.defaultSuffix;
+    state.directory = QFileInfo(first).absolutePath();
+    if (chosen.size() == 1) return first;
+    QString result = QFileInfo(first).absolutePath();
+    for (const QString& f : chosen) result += QChar(0) + QFileInfo(f).fileName();
+    return result;
+}
+
+} // namespace platform

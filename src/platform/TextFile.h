@@ -1,0 +1,31 @@
+#pragma once
+// Text files of the program: Windows-1252 with CR LF line ends.
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+namespace platform {
+
+// Splits decoded text into lines. CR LF, a lone CR and a lone LF all end a line, so files
+// from either platform are read alike. A final line end does not start an empty last line.
+QStringList splitLines(const QString& text);
+
+// Reads a whole text file as lines. On failure returns false and puts the system's
+// description of the error, in Finnish where Qt has one, into `error`.
+bool readTextLines(const QString& path, QStringList& lines, QString* error = nullptr);
+
+// Joins lines with CR LF after each line and encodes them.
+QByteArray encodeLines(const QStringList& lines, QString* unencodable = nullptr);
+
+// Writes lines with CR LF after each, replacing the file atomically. Characters outside
+// the code page are written as "?" and listed in `unencodable` when it is given.
+bool writeTextLines(const QString& path, const QStringList& lines, QString* error = nullptr,
+                    QString* unencodable = nullptr);
+
+// Writes raw bytes atomically (a temporary file in the same folder, renamed over the target).
+bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString* error = nullptr);
+
+// Reads a whole file; false with the error description when it cannot be read.
+bool readFileBytes(const QString& path, QByteArray& bytes, QString* error = nullptr);
+
+} // namespace platform

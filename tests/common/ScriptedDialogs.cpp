@@ -1,0 +1,47 @@
+#include "common/ScriptedDialogs.h"
+
+#include <gtest/gtest.h>
+
+namespace testing_support {
+
+using platform::MsgAnswer;
+using platform::MsgButtons;
+
+ScriptedDialogs::ScriptedDialogs() { platform::Dialogs::install(this); }
+
+ScriptedDialogs::~ScriptedDialogs() { platform::Dialogs::install(nullptr); }
+
+MsgAnswer ScriptedDialogs::message(const platform::MessageRequest& request) {
+    m_messages.push_back(request);
+    if (request.buttons == MsgButtons::Ok) return MsgAnswer::Ok;
+    if (m_answers.empty()) {
+        ADD_FAILURE() << "unexpected question: " << request.text.toStdString();
+        return request.buttons == MsgButtons::YesNo ? MsgAnswer::No : MsgAnswer::Cancel;
+    }
+    const MsgAnswer a = m_answers.front();
+    m_answers.pop_front();
+    return a;
+}
+
+QStringList ScriptedDialogs::files(const platform::FileRequest& request) {
+    m_fileRequests.push_back(request);
+    if (m_files.empty()) {
+        ADD_FAILURE() << "unexpected file dialog";
+        return {};
+    }
+    QStringList f = m_files.front();
+    m_files.pop_front();
+    return f;
+}
+
+std::optional<QFont> ScriptedDialogs::font(const QFont&) { return nextFont; }
+
+std::optional<QColor> ScriptedDialogs::color(const QColor&) { return nextColor; }
+
+QStringList ScriptedDialogs::texts() const {
+    QStringList out;
+    for (const auto& m : m_messages) out << m.text;
+    return out;
+}
+
+} // namespace testing_support
