@@ -1,10 +1,56 @@
 // Start of the program: parses the command line, then either runs a command without any
 // window or starts the desktop application.
+#include "app/Commands.h"
+#include "shell/MDIForm1.h"
+
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTimer>
+#include <QTranslator>
 #include <cstdio>
+#include <cstring>
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    std::printf("TAMRIK %s\n", TAMRIK_VERSION);
-    return 0;
+    if (argc >= 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("TAMRIK 2006 %s\n", TAMRIK_VERSION);
+        return 0;
+    }
+    if (argc >= 2 && app::isCommand(argv[1])) return app::runCommand(argc, argv);
+
+    bool smoke = false;
+    QString file;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--smoke") == 0)
+            smoke = true;
+        else if (argv[i][0] != '-')
+            file = QString::fromLocal8Bit(argv[i]);
+        else {
+            std::fprintf(stderr, "tamrik: tuntematon valitsin %s\n", argv[i]);
+            return 1;
+        }
+    }
+    if (smoke && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("TAMRIK 2006"));
+    QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+    // Standard buttons and dialogs in Finnish.
+    QTranslator qtTranslator;
+    if (qtTranslator.load(QLocale(QLocale::Finnish), QStringLiteral("qtbase"), QStringLiteral("_"),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&qtTranslator);
+
+    shell::MDIForm1 main;
+    main.show();
+    main.startUp(!smoke);
+    if (!file.isEmpty()) main.openFromCommandLine(file);
+    if (smoke) {
+        // A smoke run leaves the user's settings as they were.
+        main.appState().settings.SaveSettingsOnExit = false;
+        QTimer::singleShot(0, &application, [&main] { main.close(); });
+        return application.exec();
+    }
+    return application.exec();
 }

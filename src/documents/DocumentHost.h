@@ -1,0 +1,24 @@
+#pragma once
+// What a document window needs from the main window: the application state, and the
+// shared procedures it calls when its content changes or a list gets the focus.
+#include "shell/AppState.h"
+
+class QWidget;
+
+namespace lists {
+class ListView;
+}
+
+namespace documents {
+
+class DocumentHost {
+public:
+    virtual ~DocumentHost() = default;
+    virtual shell::AppState& appState() = 0;
+    // A content change in `window`: marks its project changed unless a file is being read.
+    virtual void contentChanged(QWidget* window) = 0;
+    // A list got the focus or its current row moved: the status bar shows where it stands.
+    virtual void listFocused(lists::ListView* view) = 0;
+};
+
+} // namespace documents

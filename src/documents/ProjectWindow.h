@@ -1,0 +1,59 @@
+#pragma once
+// The common part of the four windows of a project: its kind (1 basic data, 2 detailed data,
+// 3 characteristics card, 4 charge chamber card), its caption, and the control arrays whose
+// indices are the fields' identities in the project file, the cards and the reports.
+#include <QWidget>
+#include <vector>
+
+namespace lists {
+class ListModel;
+class ListView;
+} // namespace lists
+
+namespace documents {
+
+class DocumentHost;
+class TextBox;
+class ComboBox;
+
+class ProjectWindow : public QWidget {
+    Q_OBJECT
+public:
+    ProjectWindow(DocumentHost& host, int kind, QWidget* parent = nullptr);
+    ~ProjectWindow() override;
+
+    int kind() const { return m_kind; }
+    QString caption() const { return windowTitle(); }
+    void setCaption(const QString& caption) { setWindowTitle(caption); }
+
+    // Fills a new project's lists and drop-downs (templates, settings, combo data).
+    virtual void prepareNewProject();
+
+    std::vector<TextBox*> Text1;
+    std::vector<ComboBox*> Combo1;
+    std::vector<lists::ListView*> ListView1;
+    lists::ListModel* list(int i) const;
+    int listCount() const { return static_cast<int>(ListView1.size()); }
+
+    DocumentHost& host() const { return m_host; }
+
+signals:
+    void closing();
+
+protected:
+    // Creates a text box or drop-down of the control array at index `i`, wired to the change
+    // tracking. The arrays grow to hold the index.
+    TextBox* makeText(int i, bool multiLine = false);
+    ComboBox* makeCombo(int i);
+    lists::ListView* makeList(int i, const QString& kind);
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+
+    DocumentHost& m_host;
+
+private:
+    int m_kind;
+};
+
+} // namespace documents

@@ -1,0 +1,222 @@
+#include "shell/Form8.h"
+
+#include "documents/Controls.h"
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/SettingsStore.h"
+#include "shell/MDIForm1.h"
+#include "shell/Settings.h"
+#include "shell/ShellActions.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace shell {
+
+namespace {
+// Enter in a text box of the dialog moves on to the next field.
+void returnMovesOn(QDialog* dialog, documents::TextBox* box) {
+    QObject::connect(box, &documents::TextBox::returnPressed, dialog, [box] { documents::ReturnControl(box); });
+}
+} // namespace
+
+Form8::Form8(MDIForm1& main)
+    : QDialog(&main)
+    , m_main(main) {
+    setWindowTitle(QStringLiteral("Asetukset"));
+    auto* layout = new QVBoxLayout(this);
+    SSTab1 = new QTabWidget(this);
+    layout->addWidget(SSTab1);
+
+    // Yleiset
+    auto* general = new QWidget(SSTab1);
+    auto* grid = new QGridLayout(general);
+    const char* labels[] = {"Rahayksikkö uusille luetteloille", "Yhteiskustannusprosentti uusille kustannusarvioille (%)",
+                            "Arvonlisäveroprosentti uusille kustannusarvioille (%)",
+                            "Yksikköhintojen indeksi uusille luetteloille",
+                            "Kustannusindeksin perusvuosi (i = 100) uusille luetteloille"};
+    Text1.assign(6, nullptr);
+    Command1.assign(6, nullptr);
+    for (int i = 0; i < 5; ++i) {
+        grid->addWidget(new QLabel(QString::fromUtf8(labels[i]), general), i, 0);
+        Text1[i] = new documents::TextBox(false, general);
+        Text1[i]->setMinimumWidth(120);
+        returnMovesOn(this, Text1[i]);
+        grid->addWidget(Text1[i], i, 1);
+    }
+    grid->addWidget(new QLabel(QStringLiteral("Tulostuskirjasinlaji"), general), 5, 0);
+    Combo1.push_back(new QComboBox(general));
+    Combo1[0]->setEditable(true);
+    Combo1[0]->setEnabled(false);
+    grid->addWidget(Combo1[0], 5, 1);
+    Command1[3] = new QPushButton(QStringLiteral("Vaihda..."), general);
+    grid->addWidget(Command1[3], 5, 2);
+    grid->addWidget(new QLabel(QStringLiteral("Logotiedosto tulosteisiin"), general), 6, 0);
+    Text1[5] = new documents::TextBox(false, general);
+    Text1[5]->setLocked(true);
+    grid->addWidget(Text1[5], 6, 1);
+    Command1[4] = new QPushButton(QStringLiteral("Hae..."), general);
+    grid->addWidget(Command1[4], 6, 2);
+    Check1.assign(3, nullptr);
+    Check1[1] = new QCheckBox(QStringLiteral("Tulosta logo"), general);
+    Check1[2] = new QCheckBox(QStringLiteral("Tallenna ohjelman asetukset lopetettaessa"), general);
+    grid->addWidget(Check1[1], 7, 0, 1, 3);
+    grid->addWidget(Check1[2], 8, 0, 1, 3);
+    Command1[5] = new QPushButton(QStringLiteral("Palauta ohjelman alkuperäisasetukset"), general);
+    grid->addWidget(Command1[5], 9, 0, 1, 2, Qt::AlignLeft);
+    grid->setRowStretch(10, 1);
+    SSTab1->addTab(general, QStringLiteral("Yleiset"));
+
+    // Automaattinen muotoilu
+    auto* format = new QWidget(SSTab1);
+    auto* fgrid = new QGridLayout(format);
+    Check2.push_back(new QCheckBox(QStringLiteral("Muotoile luettelot automaattisesti"), format));
+    fgrid->addWidget(Check2[0], 0, 0, 1, 2);
+    const char* blank[] = {"Tyhjiä rivejä 1. ja 2. tason otsikon välissä",
+                           "Tyhjiä rivejä 2. tason otsikon ja tekstirivin välissä", "Tyhjiä rivejä tekstirivien välissä",
+                           "Tyhjiä rivejä ennen 1. tason otsikkoa", "Tyhjiä rivejä ennen 2. tason otsikkoa",
+                           "Tyhjiä rivejä luettelon alussa"};
+    Text2.assign(6, nullptr);
+    for (int i = 0; i < 6; ++i) {
+        Text2[i] = new documents::TextBox(false, format);
+        Text2[i]->setMaximumWidth(60);
+        returnMovesOn(this, Text2[i]);
+        fgrid->addWidget(Text2[i], i + 1, 0);
+        fgrid->addWidget(new QLabel(QString::fromUtf8(blank[i]), format), i + 1, 1);
+    }
+    fgrid->setRowStretch(7, 1);
+    fgrid->setColumnStretch(1, 1);
+    SSTab1->addTab(format, QStringLiteral("Automaattinen muotoilu"));
+
+    // Yritys
+    auto* office = new QWidget(SSTab1);
+    auto* olayout = new QVBoxLayout(office);
+    olayout->addWidget(new QLabel(QStringLiteral("Yrityksen nimi ja yhteystiedot (maks. 4  riviä)"), office));
+    Text3 = new documents::TextBox(true, office);
+    olayout->addWidget(Text3, 1);
+    SSTab1->addTab(office, QStringLiteral("Yritys"));
+
+    auto* buttons = new QHBoxLayout;
+    Command1[0] = new QPushButton(QStringLiteral("Tallenna ja sulje"), this);
+    Command1[1] = new QPushButton(QStringLiteral("Peruuta"), this);
+    Command1[2] = new QPushButton(QStringLiteral("Ohjeet"), this);
+    Command1[0]->setAutoDefault(false);
+    Command1[1]->setAutoDefault(false);
+    Command1[2]->setAutoDefault(false);
+    buttons->addWidget(Command1[0]);
+    buttons->addWidget(Command1[1]);
+    buttons->addStretch(1);
+    buttons->addWidget(Command1[2]);
+    layout->addLayout(buttons);
+
+    connect(Command1[0], &QPushButton::clicked, this, &Form8::saveAndClose);
+    connect(Command1[1], &QPushButton::clicked, this, &QDialog::reject);
+    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100); });
+    connect(Command1[3], &QPushButton::clicked, this, &Form8::changeFont);
+    connect(Command1[4], &QPushButton::clicked, this, &Form8::chooseLogo);
+    connect(Command1[5], &QPushButton::clicked, this, &Form8::restoreDefaults);
+
+    loadFields();
+    GetWinPos(m_main.appState().settings.pos, 8, this);
+}
+
+void Form8::loadFields() {
+    const AppState& state = m_main.appState();
+    const Settings& s = state.settings;
+    Text1[0]->setText(s.MoneyUnit);
+    Text1[1]->setText(s.GeneralCostFraction);
+    Text1[2]->setText(s.VAT);
+    Text1[3]->setText(s.Index);
+    Text1[4]->setText(s.IndexBaseYear);
+    Text1[5]->setText(s.PLogoFile);
+    Combo1[0]->clear();
+    Combo1[0]->addItem(s.PrinterFont);
+    Combo1[0]->setEditText(s.PrinterFont);
+    Check1[1]->setChecked(s.PrintLogo);
+    Check1[2]->setChecked(s.SaveSettingsOnExit);
+    Check2[0]->setChecked(s.AutoFormat);
+    for (int i = 0; i < 6; ++i) Text2[i]->setText(QString::number(s.BlankLines[i]));
+    QStringList office;
+    int last = -1;
+    for (int i = 0; i < 4; ++i)
+        if (!state.OfficeRows[i].isEmpty()) last = i;
+    for (int i = 0; i <= last; ++i) office << state.OfficeRows[i];
+    Text3->setText(office.join(QStringLiteral("\r\n")));
+}
+
+void Form8::saveAndClose() {
+    AppState& state = m_main.appState();
+    Settings& s = state.settings;
+    s.MoneyUnit = Text1[0]->text();
+    s.GeneralCostFraction = Text1[1]->text();
+    s.VAT = Text1[2]->text();
+    s.Index = Text1[3]->text();
+    s.IndexBaseYear = Text1[4]->text();
+    s.PrinterFont = Combo1[0]->currentText();
+    s.PrintLogo = Check1[1]->isChecked();
+    s.SaveSettingsOnExit = Check1[2]->isChecked();
+    s.AutoFormat = Check2[0]->checkState() != Qt::Unchecked;
+    for (int i = 0; i < 6; ++i) {
+        bool ok = false;
+        const double v = Text2[i]->text().trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
+        // A count that is not a number, or a negative one, keeps the value it had.
+        if (ok && v >= 0 && v < 1000) s.BlankLines[i] = static_cast<int>(std::nearbyint(v));
+    }
+    state.OfficeRows = {};
+    const QStringList lines = Text3->text().split(QStringLiteral("\r\n"));
+    for (int k = 0; k < 4 && k < lines.size(); ++k) state.OfficeRows[k] = lines[k];
+    accept();
+}
+
+void Form8::changeFont() {
+    const QString current = m_main.appState().settings.PrinterFont;
+    Combo1[0]->clear();
+    Combo1[0]->addItems(QFontDatabase::families());
+    Combo1[0]->setEnabled(true);
+    Combo1[0]->setEditText(current);
+    const int i = Combo1[0]->findText(current);
+    if (i >= 0) Combo1[0]->setCurrentIndex(i);
+    Combo1[0]->lineEdit()->selectAll();
+    Combo1[0]->setFocus();
+}
+
+void Form8::chooseLogo() {
+    AppState& state = m_main.appState();
+    const QString file = platform::ShowCommonDialog(1, QStringLiteral(".wmf"), false, state.dialog);
+    if (!file.isEmpty()) {
+        state.CurrentFileName = file;
+        state.settings.PLogoFile = file;
+        LoadLogo(m_main);
+    }
+    Text1[5]->setText(state.settings.PLogoFile);
+}
+
+void Form8::restoreDefaults() {
+    m_main.settingsStore().deleteAll();
+    Check1[2]->setChecked(false);
+    // The defaults come back at the next start only if this run does not write its settings.
+    m_main.appState().settings.SaveSettingsOnExit = false;
+    platform::MsgBox(QStringLiteral("Ohjelman alkuperäiset asetukset palautuvat\r\nkun ohjelma käynnistetään uudestaan."),
+                     platform::MsgIcon::Information);
+}
+
+void Form8::done(int result) {
+    UpdateWinPosTable(m_main.appState().settings.pos, 8, this);
+    QDialog::done(result);
+}
+
+void showSettingsDialog(MDIForm1& main) {
+    Form8 dialog(main);
+    dialog.exec();
+}
+
+} // namespace shell

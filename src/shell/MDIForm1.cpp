@@ -1,0 +1,862 @@
+#include "shell/MDIForm1.h"
+
+#include "documents/Form1.h"
+#include "documents/Form2.h"
+#include "documents/Form3.h"
+#include "documents/Form4.h"
+#include "lists/ListModel.h"
+#include "lists/ListView.h"
+#include "platform/Dialogs.h"
+#include "platform/SettingsStore.h"
+#include "shell/Captions.h"
+#include "shell/Modes.h"
+#include "shell/Settings.h"
+#include "shell/ProjectFiles.h"
+#include "shell/ShellActions.h"
+#include "shell/frmSplash.h"
+#include "platform/CommonDialog.h"
+#include "platform/TempDir.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace shell {
+
+using platform::MsgAnswer;
+using platform::MsgButtons;
+using platform::MsgIcon;
+
+std::vector<documents::ProjectWindow*> ProjectWindows::all() const {
+    std::vector<documents::ProjectWindow*> out;
+    for (documents::ProjectWindow* w : {static_cast<documents::ProjectWindow*>(f1), static_cast<documents::ProjectWindow*>(f2),
+                                        static_cast<documents::ProjectWindow*>(f3), static_cast<documents::ProjectWindow*>(f4)})
+        if (w) out.push_back(w);
+    return out;
+}
+
+MDIForm1::MDIForm1(QWidget* parent)
+    : QMainWindow(parent)
+    , m_store(std::make_unique<platform::SettingsStore>()) {
+    setWindowTitle(platform::applicationTitle());
+    resize(1100, 760);
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    mdiArea = new QMdiArea(central);
+    mdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    mdiArea->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+    layout->addWidget(mdiArea, 1);
+    // The progress strip replaces the status bar while a long operation runs.
+    m_progressStrip = new QWidget(central);
+    auto* strip = new QHBoxLayout(m_progressStrip);
+    strip->setContentsMargins(4, 2, 4, 2);
+    ProgressBar1 = new QProgressBar(m_progressStrip);
+    ProgressBar1->setRange(0, 100);
+    ProgressBar1->setTextVisible(false);
+    ProgressBar1->setFixedWidth(240);
+    m_progressText = new QLabel(m_progressStrip);
+    strip->addWidget(ProgressBar1);
+    strip->addSpacing(7); // 100 twips
+    strip->addWidget(m_progressText, 1);
+    m_progressStrip->hide();
+    layout->addWidget(m_progressStrip);
+    setCentralWidget(central);
+
+    createMenus();
+    createToolbar();
+    createStatusBar();
+    connect(mdiArea, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow*) {
+        if (m_shuttingDown) return;
+        EnableControlsMDI();
+        if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
+    });
+}
+
+MDIForm1::~MDIForm1() = default;
+
+QAction* MDIForm1::addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
+                           const QKeySequence& shortcut) {
+    QAction* a = caption == QLatin1String("-") ? menu->addSeparator() : menu->addAction(caption);
+    if (!shortcut.isEmpty()) a->setShortcut(shortcut);
+    array.push_back(a);
+    return a;
+}
+
+void MDIForm1::createMenus() {
+    QMenuBar* bar = menuBar();
+    MainMenu.push_back(bar->addMenu(QStringLiteral("&Tiedosto")));
+    MainMenu.push_back(bar->addMenu(QStringLiteral("&Asetukset")));
+    MainMenu.push_back(bar->addMenu(QStringLiteral("&Muokkaa")));
+    MainMenu.push_back(bar->addMenu(QStringLiteral("&Näytä")));
+    MainMenu.push_back(bar->addMenu(QStringLiteral("&Ohjeet")));
+
+    QMenu* file = MainMenu[0];
+    for (const QString& c : {QStringLiteral("&Uusi"), QStringLiteral("&Avaa..."), QStringLiteral("&Tallenna"),
+                             QStringLiteral("Tallenna &nimellä..."), QStringLiteral("-"), QStringLiteral("&Sulje"),
+                             QStringLiteral("-"), QStringLiteral("Tu&losta"), QStringLiteral("Läh&etä"), QStringLiteral("-"),
+                             QStringLiteral("Tuo ainostataan teksi..."), QStringLiteral("&Vie"), QStringLiteral("-")})
+        addItem(file, SubMenu0, c);
+    SubMenu0[11]->setVisible(false);
+    for (int i = 13; i <= 18; ++i) addItem(file, SubMenu0, QString())->setVisible(false);
+    addItem(file, SubMenu0, QStringLiteral("-"))->setVisible(false);
+    addItem(file, SubMenu0, QStringLiteral("L&opeta"));
+    for (int i = 0; i < static_cast<int>(SubMenu0.size()); ++i) {
+        connect(SubMenu0[i], &QAction::triggered, this, [this, i] {
+            if (i == 20)
+                close();
+            else
+                FileMenuActions(i);
+        });
+    }
+
+    QMenu* settings = MainMenu[1];
+    addItem(settings, SubMenu1, QStringLiteral("&Asetukset"));
+    QMenu* modes = settings->addMenu(QStringLiteral("&Ohjelman moodi"));
+    SubMenu1.push_back(modes->menuAction());
+    connect(SubMenu1[0], &QAction::triggered, this, [this] { showSettingsDialog(*this); });
+    for (const QString& c :
+         {QStringLiteral("&1 Suunnittelija"), QStringLiteral("&2 Urakoitsija"), QStringLiteral("&3 Rakennuttaja")}) {
+        QAction* a = addItem(modes, Submenu10, c);
+        a->setCheckable(true);
+    }
+    for (int i = 0; i < 3; ++i) connect(Submenu10[i], &QAction::triggered, this, [this, i] { Submenu10Click(i); });
+
+    QMenu* edit = MainMenu[2];
+    const std::vector<std::pair<QString, QKeySequence>> editItems = {
+        {QStringLiteral("&Muokkaa..."), {}},
+        {QStringLiteral("&Lisää luettelosta"), {}},
+        {QStringLiteral("Lisää &rivi"), QKeySequence(Qt::CTRL | Qt::Key_I)},
+        {QStringLiteral("Lis&ää rivi luettelon loppuun"), QKeySequence(Qt::CTRL | Qt::Key_L)},
+        {QStringLiteral("Poi&sta rivi"), QKeySequence(Qt::SHIFT | Qt::Key_Delete)},
+        {QStringLiteral("-"), {}},
+        {QStringLiteral("Leikkaa"), QKeySequence(Qt::CTRL | Qt::Key_X)},
+        {QStringLiteral("Kopio"), QKeySequence(Qt::CTRL | Qt::Key_C)},
+        {QStringLiteral("Liitä"), QKeySequence(Qt::CTRL | Qt::Key_V)},
+        {QStringLiteral("Poista"), QKeySequence(Qt::Key_Delete)},
+        {QStringLiteral("-"), {}},
+        {QStringLiteral("Siirry..."), QKeySequence(Qt::CTRL | Qt::Key_F)},
+        {QStringLiteral("-"), {}},
+        {QStringLiteral("&Valitse kaikki"), {}},
+        {QStringLiteral("-"), {}},
+        {QStringLiteral("M&uoteile luettelo"), {}},
+    };
+    for (const auto& [caption, key] : editItems) addItem(edit, SubMenu2, caption, key);
+    for (int i = 0; i < static_cast<int>(SubMenu2.size()); ++i)
+        connect(SubMenu2[i], &QAction::triggered, this, [this, i] { EditMenuClick(i); });
+
+    QMenu* view = MainMenu[3];
+    addItem(view, Submenu3, QStringLiteral("&Perustiedot"), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    addItem(view, Submenu3, QStringLiteral("&Yksityiskohtaiset tiedot"), QKeySequence(Qt::CTRL | Qt::Key_W));
+    addItem(view, Submenu3, QStringLiteral("&Ominaistietokortti"), QKeySequence(Qt::CTRL | Qt::Key_E));
+    addItem(view, Submenu3, QStringLiteral("P&anostilakortti"), QKeySequence(Qt::CTRL | Qt::Key_R));
+    addItem(view, Submenu3, QStringLiteral("-"));
+    QMenu* docs = view->addMenu(QStringLiteral("&Tekstiasiakirjat..."));
+    Submenu3.push_back(docs->menuAction());
+    addItem(view, Submenu3, QStringLiteral("-"));
+    addItem(view, Submenu3, QStringLiteral("&Yksikköhintaluettelo"), QKeySequence(Qt::Key_F7));
+    addItem(view, Submenu3, QStringLiteral("&Laatuvaatimusten perusluettelo"), QKeySequence(Qt::Key_F8));
+    addItem(view, Submenu3, QStringLiteral("Teksti&editori"), QKeySequence(Qt::Key_F9));
+    addItem(view, Submenu3, QStringLiteral("Laatu&vaatimusten yhteenveto"), QKeySequence(Qt::SHIFT | Qt::Key_F8));
+    addItem(view, Submenu3, QStringLiteral("-"));
+    QMenu* windows = view->addMenu(QStringLiteral("&Ikkuna"));
+    Submenu3.push_back(windows->menuAction());
+    connect(windows, &QMenu::aboutToShow, this, [this, windows] {
+        windows->clear();
+        for (QMdiSubWindow* sub : mdiArea->subWindowList()) {
+            if (!sub->isVisible()) continue;
+            QAction* a = windows->addAction(sub->windowTitle());
+            a->setCheckable(true);
+            a->setChecked(sub == mdiArea->currentSubWindow());
+            connect(a, &QAction::triggered, this, [this, sub] { mdiArea->setActiveSubWindow(sub); });
+        }
+        windows->addSeparator();
+        connect(windows->addAction(QStringLiteral("&Limittäin")), &QAction::triggered, mdiArea,
+                &QMdiArea::cascadeSubWindows);
+        connect(windows->addAction(QStringLiteral("&Vierekkäin")), &QAction::triggered, mdiArea,
+                &QMdiArea::tileSubWindows);
+    });
+    const char* keys[] = {"Bridge", "Rulers", "Card", "Dynamite"};
+    for (int i = 0; i < 4; ++i)
+        connect(Submenu3[i], &QAction::triggered, this, [this, key = QString::fromLatin1(keys[i])] {
+            ToolbarMenuActions(key);
+        });
+    connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
+    connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
+
+    for (const QString& c : {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
+                             QStringLiteral("&3 Urakan laatusuunnitelma")}) {
+        QAction* a = addItem(docs, Submenu30, c);
+        a->setCheckable(true);
+    }
+    for (int i = 0; i < 3; ++i) connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
+
+    QMenu* help = MainMenu[4];
+    addItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"));
+    QMenu* helpFiles = help->addMenu(QStringLiteral("Erilliset ohjetiedostot"));
+    SubMenu4.push_back(helpFiles->menuAction());
+    addItem(help, SubMenu4, QStringLiteral("-"));
+    addItem(help, SubMenu4, QStringLiteral("&Tietoja ohjelmasta..."));
+    for (int i = 0; i < 20; ++i) {
+        QAction* a = addItem(helpFiles, SubMenu41, QString::number(i));
+        a->setVisible(i == 0);
+        connect(a, &QAction::triggered, this, [this, i] { openHelpFile(*this, i); });
+    }
+    for (int i = 0; i < static_cast<int>(SubMenu4.size()); ++i)
+        if (i != 1) connect(SubMenu4[i], &QAction::triggered, this, [this, i] { HelpMenuClick(i); });
+}
+
+void MDIForm1::createToolbar() {
+    Toolbar1 = addToolBar(QStringLiteral("Toolbar1"));
+    Toolbar1->setMovable(false);
+    Toolbar1->setIconSize(QSize(20, 20));
+    struct Button {
+        const char* key;
+        const char* tip;
+        QStyle::StandardPixmap icon;
+    };
+    const Button buttons[] = {
+        {"New", "Uusi", QStyle::SP_FileIcon},
+        {"Open", "Avaa...", QStyle::SP_DialogOpenButton},
+        {"Save", "Tallenna", QStyle::SP_DialogSaveButton},
+        {"Cut", "Leikkaa", QStyle::SP_CustomBase},
+        {"Copy", "Kopio", QStyle::SP_CustomBase},
+        {"Paste", "Liitä", QStyle::SP_CustomBase},
+        {"Del", "Poista", QStyle::SP_TrashIcon},
+        {"Print", "Tulosta...", QStyle::SP_CustomBase},
+        {"Bridge", "Perustiedot", QStyle::SP_CustomBase},
+        {"Rulers", "Yksityiskohtaiset tiedot", QStyle::SP_CustomBase},
+        {"Card", "Ominaistietokortti", QStyle::SP_CustomBase},
+        {"Dynamite", "Panostilakortti", QStyle::SP_CustomBase},
+        {"Find", "Siirry kohtaan...", QStyle::SP_FileDialogContentsView},
+    };
+    for (const Button& b : buttons) {
+        const QString key = QString::fromLatin1(b.key);
+        const QString tip = QString::fromUtf8(b.tip);
+        QAction* a = new QAction(toolbarIcon(key, b.icon), tip, this);
+        a->setToolTip(tip);
+        a->setObjectName(key);
+        a->setData(key);
+        Toolbar1->addAction(a);
+        toolbarButtons[key] = a;
+        connect(a, &QAction::triggered, this, [this, key] { ToolbarMenuActions(key); });
+        if (key == QLatin1String("Save") || key == QLatin1String("Del") || key == QLatin1String("Print") ||
+            key == QLatin1String("Dynamite"))
+            Toolbar1->addSeparator();
+    }
+}
+
+void MDIForm1::createStatusBar() {
+    QStatusBar* bar = statusBar();
+    m_panels.assign(6, nullptr);
+    for (int i = 1; i <= 5; ++i) {
+        auto* l = new QLabel(bar);
+        l->setObjectName(QStringLiteral("Panel%1").arg(i));
+        l->setFrameShape(QFrame::Panel);
+        l->setFrameShadow(QFrame::Sunken);
+        l->setTextFormat(Qt::PlainText);
+        if (i == 2 || i == 4) {
+            l->setFixedWidth(4);
+            l->setFrameShape(QFrame::NoFrame);
+        }
+        bar->addWidget(l, (i % 2) ? 1 : 0);
+        m_panels[i] = l;
+    }
+}
+
+QString MDIForm1::statusText(int panel) const {
+    return panel >= 1 && panel <= 5 ? m_panels[panel]->text() : QString();
+}
+
+void MDIForm1::pendingEvents() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+
+// ---------------------------------------------------------------------------------------------
+// Start-up and shutdown
+
+void MDIForm1::startUp(bool showSplash) {
+    std::unique_ptr<frmSplash> splash;
+    if (showSplash) {
+        splash = std::make_unique<frmSplash>();
+        splash->show();
+        pendingEvents();
+    }
+    LoadSettings();
+    if (splash) splash->setProgress(10);
+    loadBaseListWindow(*this, 6);
+    if (splash) splash->setProgress(20);
+    loadBaseListWindow(*this, 7);
+    LoadHelpFiles();
+    if (splash) splash->setProgress(80);
+    GetWinPos(m_state.settings.pos, 1, this);
+    NewProject();
+    if (splash) splash->setProgress(100);
+    m_state.Loading = true;
+    pendingEvents();
+    m_state.Loading = false;
+    splash.reset();
+    setWindowTitle(platform::applicationTitle());
+}
+
+void MDIForm1::closeEvent(QCloseEvent* event) {
+    if (shutDown()) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+}
+
+bool MDIForm1::shutDown() {
+    if (fileOperationRunning()) {
+        const MsgAnswer a = platform::Ask(QStringLiteral("Tiedoston käsittely kesken. Tallentamattomat tiedot menetetään "
+                                                         "jos jatkat.\r\nHaluatko jatkaa?"),
+                                          MsgButtons::YesNo, MsgIcon::Critical, MsgAnswer::No);
+        if (a != MsgAnswer::Yes) return false;
+    }
+    m_tag = QStringLiteral("HardEnd");
+    // The base list windows reset the tag when their own unsaved-changes question is cancelled.
+    const bool sixClosed = closeBaseListWindow(*this, 6);
+    const bool sevenClosed = closeBaseListWindow(*this, 7);
+    while (m_tag == QLatin1String("HardEnd")) {
+        const std::vector<documents::ProjectWindow*> open = projectWindows();
+        if (open.empty()) break;
+        activateWindow(open.front());
+        if (UnloadActiveProject()) m_tag.clear();
+    }
+    if (m_tag != QLatin1String("HardEnd")) {
+        // The program goes on: a base list whose changes the user agreed to drop is read again.
+        restoreBaseListWindow(*this, 6, sixClosed);
+        restoreBaseListWindow(*this, 7, sevenClosed);
+        return false;
+    }
+    m_shuttingDown = true;
+    if (m_state.settings.SaveSettingsOnExit) {
+        UpdateWinPosTable(m_state.settings.pos, 1, this);
+        SaveSettings();
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Settings
+
+void MDIForm1::LoadSettings() {
+    ReadSettingsValues(*m_store, m_state);
+    QString appPath = QCoreApplication::applicationDirPath();
+    if (!appPath.endsWith(QLatin1Char('/'))) appPath += QLatin1Char('/');
+    m_state.AppPath = appPath;
+    Settings& s = m_state.settings;
+    if (s.PLogoFile == QLatin1String("Tamrik2006-logo.wmf")) s.PLogoFile = appPath + s.PLogoFile;
+    LoadLogo(*this);
+    QString error;
+    m_state.TempPath = platform::privateTempPath(&error);
+    if (m_state.TempPath.isEmpty()) platform::MsgBox(error, MsgIcon::Exclamation);
+    bool anyOffice = false;
+    for (const QString& row : m_state.OfficeRows) anyOffice = anyOffice || !row.isEmpty();
+    for (int i = 5; i >= 0; --i) {
+        // The list is already in order; this rebuilds the File menu items.
+        UpdateRecentFiles(QString());
+    }
+    m_state.HelpFile = appPath + QStringLiteral("Tamrik2006.html");
+    if (s.File1 == QLatin1String("Laatuvaatimukset2006.sl2")) s.File1 = appPath + s.File1;
+    if (s.File2 == QStringLiteral("Yksikköhinnat2002.sl1")) s.File2 = appPath + s.File2;
+    m_state.QualityPlanTemplate = appPath + QStringLiteral("Urakan laatusuunnitelma.txt");
+    for (int i = 0; i < 3; ++i) Submenu10[i]->setChecked(i == m_state.ProgramMode - 1);
+    for (int i = 0; i < 3; ++i) Submenu30[i]->setChecked(i == s.StartUpDocument);
+    if (!anyOffice) readOfficeRows(m_state);
+    EnableControlsForm6(*this);
+}
+
+void MDIForm1::SaveSettings() {
+    for (int i = 0; i < 3; ++i) {
+        if (Submenu30[i]->isChecked()) {
+            m_state.settings.StartUpDocument = i;
+            break;
+        }
+    }
+    WriteSettingsValues(*m_store, m_state);
+}
+
+void MDIForm1::LoadHelpFiles() { loadHelpFileMenu(*this); }
+
+// ---------------------------------------------------------------------------------------------
+// Status bar and progress
+
+void MDIForm1::ClearStatusBar() {
+    for (int i : {1, 3, 5}) m_panels[i]->clear();
+}
+
+void MDIForm1::DisplayProgress(int percent, const QString& text) {
+    if (percent == 0) {
+        ProgressBar1->setValue(0);
+        m_progressText->setText(text);
+        statusBar()->hide();
+        ProgressBar1->show();
+        m_progressStrip->show();
+    } else if (percent == 100) {
+        statusBar()->show();
+        m_progressStrip->hide();
+    } else {
+        ProgressBar1->setValue(percent);
+    }
+    pendingEvents();
+}
+
+void MDIForm1::UpdateCaptionText(lists::ListView* view) {
+    if (!view || !view->list()) return;
+    const lists::ListModel& list = *view->list();
+    const QString kind = list.kind();
+    if (kind != QStringLiteral("Määräluettelo ja kustannusarvio") && kind != QStringLiteral("Laatuvaatimukset") &&
+        kind != QStringLiteral("Yksikköhintaluettelo") && kind != QStringLiteral("Laatuvaatimusten perusluettelo"))
+        return;
+    const int row = list.currentRow();
+    ClearStatusBar();
+    if (row < 1) return;
+    const std::array<QString, 3> texts = captionPanelTexts(list, row);
+    for (int i = 0; i < 3; ++i) m_panels[1 + 2 * i]->setText(texts[i]);
+}
+
+void MDIForm1::listFocused(lists::ListView* view) { UpdateCaptionText(view); }
+
+void MDIForm1::setFileOperation(bool running) {
+    for (QMenu* m : MainMenu) m->menuAction()->setEnabled(!running);
+    Toolbar1->setEnabled(!running);
+    if (!running) EnableControlsMDI();
+}
+
+bool MDIForm1::fileOperationRunning() const { return !Toolbar1->isEnabled(); }
+
+// ---------------------------------------------------------------------------------------------
+// Dispatchers
+
+void MDIForm1::FileMenuActions(int index) {
+    switch (index) {
+        case 0: NewProject(); break;
+        case 1:
+        case 10:
+            m_state.CurrentFileName = platform::ShowCommonDialog(1, QStringLiteral(".sl"), false, m_state.dialog);
+            if (m_state.CurrentFileName.isEmpty()) return;
+            openProjectFile(m_state.CurrentFileName, index == 10);
+            break;
+        case 2: {
+            const ParsedCaption c = ParseFileName(ActiveCaption());
+            if (c.name.isEmpty()) return;
+            QString target = c.project();
+            if (c.directory.isEmpty()) {
+                m_state.CurrentFileName = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+                if (m_state.CurrentFileName.isEmpty()) return;
+                target = m_state.CurrentFileName;
+            }
+            WriteSlFile(*this, c.project(), target, false);
+            break;
+        }
+        case 3: {
+            m_state.CurrentFileName = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+            if (m_state.CurrentFileName.isEmpty()) return;
+            const ParsedCaption c = ParseFileName(ActiveCaption());
+            if (c.name.isEmpty()) return;
+            WriteSlFile(*this, c.project(), m_state.CurrentFileName, false);
+            break;
+        }
+        case 5: UnloadActiveProject(); break;
+        case 7:
+        case 8:
+            // Printing and e-mail are not part of this build; their items stay disabled.
+            break;
+        case 13:
+        case 14:
+        case 15:
+        case 16:
+        case 17:
+        case 18: {
+            m_state.CurrentFileName = m_state.RecentFiles[index - 13];
+            if (m_state.CurrentFileName.isEmpty()) return;
+            if (!QFileInfo::exists(m_state.CurrentFileName)) {
+                platform::MsgBox(QStringLiteral("Tiedostoa: ") + m_state.CurrentFileName + QStringLiteral(" ei löydy."),
+                                 MsgIcon::Information);
+                return;
+            }
+            openProjectFile(m_state.CurrentFileName, false);
+            break;
+        }
+        default: break;
+    }
+}
+
+void MDIForm1::openFromCommandLine(const QString& file) {
+    const QFileInfo fi(file);
+    if (!fi.exists()) {
+        platform::MsgBox(QStringLiteral("Tiedostoa: ") + file + QStringLiteral(" ei löydy."), MsgIcon::Information);
+        return;
+    }
+    m_state.CurrentFileName = fi.absoluteFilePath();
+    openProjectFile(m_state.CurrentFileName, false);
+}
+
+void MDIForm1::openProjectFile(const QString& file, bool textOnly) {
+    if (FileNameInUse()) return;
+    ParsedCaption c = ParseFileName(ActiveCaption());
+    bool created = false;
+    if (!(c.directory.isEmpty() && c.unchanged && !c.name.isEmpty())) {
+        const QString name = NewProject();
+        c = ParseFileName(name);
+        created = true;
+    }
+    if (!ReadSlFile(*this, c.project(), file, textOnly) && created) {
+        // A project created only for this open goes away again.
+        ProjectWindows w = projectWindowsOf(c.project());
+        for (documents::ProjectWindow* pw : w.all()) unloadWindow(pw);
+        ClearStatusBar();
+        EnableControlsMDI();
+    }
+}
+
+void MDIForm1::EditMenuClick(int index) {
+    if (index != 1 && index != 7) Touch();
+    EditMenuActions(index);
+}
+
+void MDIForm1::EditMenuActions(int index) { editMenuAction(*this, index); }
+
+void MDIForm1::ToolbarMenuActions(const QString& key) {
+    if (key == QLatin1String("New")) FileMenuActions(0);
+    else if (key == QLatin1String("Open")) FileMenuActions(1);
+    else if (key == QLatin1String("Save")) FileMenuActions(2);
+    else if (key == QLatin1String("Cut")) EditMenuActions(6);
+    else if (key == QLatin1String("Copy")) EditMenuActions(7);
+    else if (key == QLatin1String("Paste")) EditMenuActions(8);
+    else if (key == QLatin1String("Del")) EditMenuActions(9);
+    else if (key == QLatin1String("Find")) EditMenuActions(11);
+    else if (key == QLatin1String("Print")) FileMenuActions(7);
+    else if (key == QLatin1String("Bridge")) showProjectWindow(1);
+    else if (key == QLatin1String("Rulers")) showProjectWindow(2);
+    else if (key == QLatin1String("Card")) showProjectWindow(3);
+    else if (key == QLatin1String("Dynamite")) showProjectWindow(4);
+}
+
+void MDIForm1::Submenu10Click(int index) {
+    if (index == m_state.ProgramMode - 1) {
+        Submenu10[index]->setChecked(true);
+        return;
+    }
+    Submenu10[m_state.ProgramMode - 1]->setChecked(false);
+    m_state.ProgramMode = index + 1;
+    Submenu10[index]->setChecked(true);
+    EnableControlsMDI();
+    EnableControlsForm6(*this);
+    for (documents::ProjectWindow* w : projectWindows()) EnableControlsPage(*this, w, true);
+    // The active window's menu state is the one that counts.
+    if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
+}
+
+void MDIForm1::Submenu30Click(int index) {
+    if (!activeWindow()) {
+        // Keep the check where it was.
+        for (int i = 0; i < 3; ++i)
+            if (Submenu30[i]->isChecked() != (i == m_state.settings.StartUpDocument))
+                Submenu30[i]->setChecked(i == m_state.settings.StartUpDocument);
+        return;
+    }
+    int checked = m_state.settings.StartUpDocument;
+    if (checked != index) {
+        Submenu30[checked]->setChecked(false);
+        Submenu30[index]->setChecked(true);
+        m_state.settings.StartUpDocument = index;
+        UpdateTextDocuments(*this, checked);
+    } else {
+        Submenu30[index]->setChecked(true);
+    }
+    showProjectWindow(2);
+    focusTextDocument(*this);
+}
+
+void MDIForm1::HelpMenuClick(int index) {
+    if (index == static_cast<int>(SubMenu4.size()) - 1) {
+        showAbout(*this);
+        return;
+    }
+    if (index == 0) TamrikHelp(*this, 200);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Projects, captions and changes
+
+std::vector<documents::ProjectWindow*> MDIForm1::projectWindows() const {
+    std::vector<documents::ProjectWindow*> out;
+    for (QMdiSubWindow* sub : mdiArea->subWindowList(QMdiArea::CreationOrder))
+        if (auto* w = qobject_cast<documents::ProjectWindow*>(sub->widget())) out.push_back(w);
+    return out;
+}
+
+documents::ProjectWindow* MDIForm1::activeWindow() const {
+    QMdiSubWindow* sub = mdiArea->currentSubWindow();
+    return sub ? qobject_cast<documents::ProjectWindow*>(sub->widget()) : nullptr;
+}
+
+QString MDIForm1::ActiveCaption() const {
+    documents::ProjectWindow* w = activeWindow();
+    return w ? w->caption() : QString();
+}
+
+ProjectWindows MDIForm1::projectWindowsOf(const QString& project) const {
+    ProjectWindows out;
+    if (project.isEmpty()) return out;
+    for (documents::ProjectWindow* w : projectWindows()) {
+        if (ParseFileName(w->caption()).project() != project) continue;
+        if (auto* f = qobject_cast<documents::Form1*>(w)) out.f1 = f;
+        else if (auto* f = qobject_cast<documents::Form2*>(w)) out.f2 = f;
+        else if (auto* f = qobject_cast<documents::Form3*>(w)) out.f3 = f;
+        else if (auto* f = qobject_cast<documents::Form4*>(w)) out.f4 = f;
+    }
+    return out;
+}
+
+ProjectWindows MDIForm1::ParseFormIndeces() const { return projectWindowsOf(ParseFileName(ActiveCaption()).project()); }
+
+ProjectWindows MDIForm1::ChangeFormCaptions(const QString& oldProject, const QString& newFile, bool mark) {
+    const QString newProject = ParseFileName(newFile).project();
+    ProjectWindows w = projectWindowsOf(ParseFileName(oldProject).project());
+    int kind = 1;
+    for (documents::ProjectWindow* pw : {static_cast<documents::ProjectWindow*>(w.f1), static_cast<documents::ProjectWindow*>(w.f2),
+                                         static_cast<documents::ProjectWindow*>(w.f3), static_cast<documents::ProjectWindow*>(w.f4)}) {
+        if (pw) pw->setCaption(MakeCaption(newProject, kind, mark));
+        ++kind;
+    }
+    emit projectsChanged();
+    return w;
+}
+
+void MDIForm1::Touch() {
+    documents::ProjectWindow* w = activeWindow();
+    if (!w || !CaptionIsUnchanged(w->caption())) return;
+    const QString project = ParseFileName(w->caption()).project();
+    ChangeFormCaptions(project, project, false);
+}
+
+void MDIForm1::touchProjectOf(QWidget* window) {
+    auto* w = qobject_cast<documents::ProjectWindow*>(window);
+    if (!w || !CaptionIsUnchanged(w->caption())) return;
+    const QString project = ParseFileName(w->caption()).project();
+    ChangeFormCaptions(project, project, false);
+}
+
+void MDIForm1::contentChanged(QWidget* window) {
+    if (m_state.Loading) return;
+    if (qobject_cast<documents::ProjectWindow*>(window))
+        touchProjectOf(window);
+    else
+        FormTouch(window);
+}
+
+void MDIForm1::FormTouch(QWidget* window) {
+    if (window) window->setWindowTitle(CaptionTouched(window->windowTitle()));
+}
+
+void MDIForm1::FormUntouch(QWidget* window) {
+    if (window) window->setWindowTitle(CaptionUntouched(window->windowTitle()));
+}
+
+bool MDIForm1::FormTouched(QWidget* window) {
+    if (!window || CaptionIsUnchanged(window->windowTitle())) return false;
+    const MsgAnswer a = platform::Ask(QStringLiteral("Perusluettelotiedostoa: ") + window->windowTitle() +
+                                          QStringLiteral("\non muutettu. Jatka tallentamatta tiedostoa?"),
+                                      MsgButtons::YesNo, MsgIcon::Exclamation, MsgAnswer::Yes);
+    if (a == MsgAnswer::Yes) return false;
+    m_tag.clear();
+    return true;
+}
+
+bool MDIForm1::FormUnload(QWidget* window) {
+    if (!window || CaptionIsUnchanged(window->windowTitle())) return false;
+    const MsgAnswer a = platform::Ask(QStringLiteral("Tallentamattomat tiedot menetetään. Haluatko jatkaa?"),
+                                      MsgButtons::YesNoCancel, MsgIcon::Question, MsgAnswer::No);
+    return a != MsgAnswer::Yes;
+}
+
+void MDIForm1::unloadWindow(documents::ProjectWindow* window) {
+    QMdiSubWindow* sub = qobject_cast<QMdiSubWindow*>(window->parentWidget());
+    window->setProperty("unloading", true);
+    if (sub) {
+        mdiArea->removeSubWindow(window);
+        sub->deleteLater();
+    }
+    window->hide();
+    window->deleteLater();
+    window->setParent(nullptr);
+}
+
+bool MDIForm1::UnloadActiveProject() {
+    documents::ProjectWindow* active = activeWindow();
+    if (!active) return false;
+    const ParsedCaption c = ParseFileName(active->caption());
+    if (!c.unchanged) {
+        const MsgAnswer a = platform::Ask(QStringLiteral("Tiedostoa: ") + c.project() +
+                                              QStringLiteral("\non muutettu. Tallennetaanko tiedosto:"),
+                                          MsgButtons::YesNoCancel, MsgIcon::Exclamation, MsgAnswer::Yes);
+        if (a == MsgAnswer::Cancel) return true;
+        if (a == MsgAnswer::Yes) {
+            const QString file = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+            m_state.CurrentFileName = file;
+            if (file.isEmpty()) return true;
+            // A failed save keeps the project open.
+            if (!WriteSlFile(*this, c.project(), file, false)) return true;
+        }
+    }
+    // The save may have renamed the windows: find them again by the active window.
+    const ProjectWindows w = projectWindowsOf(ParseFileName(active->caption()).project());
+    for (documents::ProjectWindow* pw : w.all()) unloadWindow(pw);
+    ClearStatusBar();
+    // Another project becomes the active one.
+    const auto rest = projectWindows();
+    if (!rest.empty() && !mdiArea->currentSubWindow()) activateWindow(rest.back());
+    EnableControlsMDI();
+    emit projectsChanged();
+    return false;
+}
+
+bool MDIForm1::FileNameInUse() {
+    for (documents::ProjectWindow* w : projectWindows()) {
+        const QString project = ParseFileName(w->caption()).project();
+        if (sameFile(project, m_state.CurrentFileName)) {
+            platform::MsgBox(QStringLiteral("Tiedosto:") + m_state.CurrentFileName + QStringLiteral("\non jo avoinna."),
+                             MsgIcon::Information);
+            return true;
+        }
+    }
+    return false;
+}
+
+void MDIForm1::UpdateRecentFiles(const QString& file) {
+    UpdateRecentFileList(m_state.RecentFiles, file);
+    bool any = false;
+    for (int i = 0; i < 6; ++i) {
+        QAction* a = SubMenu0[13 + i];
+        const QString& f = m_state.RecentFiles[i];
+        if (f.isEmpty()) {
+            a->setVisible(false);
+        } else {
+            QString shown = f;
+            shown.replace(QLatin1Char('&'), QLatin1String("&&"));
+            a->setText(QStringLiteral("&%1 ").arg(i + 1) + shown);
+            a->setVisible(true);
+            any = true;
+        }
+    }
+    SubMenu0[19]->setVisible(any);
+}
+
+QString MDIForm1::NewProject() {
+    m_state.ProjectCounter += 1;
+    m_state.Loading = true;
+    const QString name = QStringLiteral("Projekti%1").arg(m_state.ProjectCounter);
+    for (int kind = 1; kind <= 4; ++kind) CreateDocumentWindow(kind, MakeCaption(name, kind, true));
+    if (m_state.ProgramMode != 2) ShowWindowByCaption(MakeCaption(name, 4, true));
+    ShowWindowByCaption(MakeCaption(name, 3, true));
+    ShowWindowByCaption(MakeCaption(name, 2, true));
+    ShowWindowByCaption(MakeCaption(name, 1, true));
+    EnableControlsMDI();
+    pendingEvents();
+    m_state.Loading = false;
+    emit projectsChanged();
+    return name;
+}
+
+documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString& caption) {
+    documents::ProjectWindow* w = nullptr;
+    switch (kind) {
+        case 1: w = new documents::Form1(*this); break;
+        case 2: w = new documents::Form2(*this); break;
+        case 3: w = new documents::Form3(*this); break;
+        case 4: w = new documents::Form4(*this); break;
+        default: return nullptr;
+    }
+    w->setCaption(caption);
+    QMdiSubWindow* sub = mdiArea->addSubWindow(w);
+    sub->setAttribute(Qt::WA_DeleteOnClose, false);
+    sub->installEventFilter(this);
+    sub->hide();
+    const bool wasLoading = m_state.Loading;
+    m_state.Loading = true;
+    w->prepareNewProject();
+    m_state.Loading = wasLoading;
+    EnableControlsPage(*this, w, true);
+    return w;
+}
+
+void MDIForm1::ShowWindowByCaption(const QString& caption) {
+    const QString wanted = CaptionTouched(caption);
+    for (documents::ProjectWindow* w : projectWindows()) {
+        if (CaptionTouched(w->caption()) != wanted) continue;
+        activateWindow(w);
+        return;
+    }
+}
+
+void MDIForm1::activateWindow(documents::ProjectWindow* window) {
+    auto* sub = qobject_cast<QMdiSubWindow*>(window->parentWidget());
+    if (!sub) return;
+    if (!sub->isVisible()) {
+        sub->show();
+        window->show();
+    }
+    if (sub->isMinimized()) sub->showNormal();
+    mdiArea->setActiveSubWindow(sub);
+    sub->raise();
+}
+
+void MDIForm1::showProjectWindow(int kind) {
+    if (kind == 4 && m_state.ProgramMode == 2) return;
+    const ProjectWindows w = ParseFormIndeces();
+    documents::ProjectWindow* target = nullptr;
+    switch (kind) {
+        case 1: target = w.f1; break;
+        case 2: target = w.f2; break;
+        case 3: target = w.f3; break;
+        case 4: target = w.f4; break;
+        default: break;
+    }
+    if (!target) return;
+    if (kind == 4 && w.f1) copyMunicipality(*this, w);
+    activateWindow(target);
+    if (kind == 2) EnableControlsPage(*this, target, false);
+}
+
+bool MDIForm1::eventFilter(QObject* watched, QEvent* event) {
+    // The close box of a project window closes the whole project, with its question.
+    if (event->type() == QEvent::Close) {
+        auto* sub = qobject_cast<QMdiSubWindow*>(watched);
+        auto* w = sub ? qobject_cast<documents::ProjectWindow*>(sub->widget()) : nullptr;
+        if (w && !w->property("unloading").toBool()) {
+            event->ignore();
+            if (fileOperationRunning()) return true;
+            activateWindow(w);
+            UnloadActiveProject();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MDIForm1::EnableControlsMDI() {
+    const bool any = activeWindow() != nullptr;
+    MainMenu[2]->menuAction()->setEnabled(any);
+    MainMenu[3]->menuAction()->setEnabled(any);
+    for (int i : {2, 3, 5, 7, 8}) SubMenu0[i]->setEnabled(any);
+    for (auto& [key, action] : toolbarButtons)
+        if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
+    applyAvailability(*this);
+}
+
+} // namespace shell

@@ -1,0 +1,158 @@
+#pragma once
+// The main window: the multiple-document frame, its menus, toolbar, status bar and progress
+// strip, the dispatchers of every menu and toolbar action, the project windows and their
+// captions, and the start-up and shutdown sequences.
+#include "documents/DocumentHost.h"
+#include "shell/AppState.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <map>
+#include <memory>
+#include <vector>
+
+class QAction;
+class QLabel;
+class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class QProgressBar;
+class QToolBar;
+
+namespace platform {
+class SettingsStore;
+}
+
+namespace documents {
+class ProjectWindow;
+class Form1;
+class Form2;
+class Form3;
+class Form4;
+} // namespace documents
+
+namespace lists {
+class ListView;
+}
+
+namespace shell {
+
+class frmSplash;
+
+// The four windows of one project; null where a window is not found.
+struct ProjectWindows {
+    documents::Form1* f1 = nullptr;
+    documents::Form2* f2 = nullptr;
+    documents::Form3* f3 = nullptr;
+    documents::Form4* f4 = nullptr;
+    bool complete() const { return f1 && f2 && f3 && f4; }
+    std::vector<documents::ProjectWindow*> all() const;
+};
+
+class MDIForm1 : public QMainWindow, public documents::DocumentHost {
+    Q_OBJECT
+public:
+    explicit MDIForm1(QWidget* parent = nullptr);
+    ~MDIForm1() override;
+
+    // The start-up sequence: splash, settings, base lists, help files, position, Projekti1.
+    void startUp(bool showSplash = true);
+
+    // Opens a project named on the command line, as "&Avaa..." would.
+    void openFromCommandLine(const QString& file);
+
+    // DocumentHost
+    AppState& appState() override { return m_state; }
+    void contentChanged(QWidget* window) override;
+    void listFocused(lists::ListView* view) override;
+
+    platform::SettingsStore& settingsStore() { return *m_store; }
+
+    // Dispatchers.
+    void FileMenuActions(int index);
+    void EditMenuClick(int index);
+    void EditMenuActions(int index);
+    void ToolbarMenuActions(const QString& key);
+    void Submenu10Click(int index);
+    void Submenu30Click(int index);
+    void HelpMenuClick(int index);
+
+    // Status bar and progress strip.
+    void ClearStatusBar();
+    void DisplayProgress(int percent, const QString& text = QString());
+    void UpdateCaptionText(lists::ListView* view);
+    QString statusText(int panel) const;
+    // Disables the top-level menus and the toolbar while a file is processed.
+    void setFileOperation(bool running);
+    bool fileOperationRunning() const;
+
+    // Projects and captions.
+    QString NewProject();
+    documents::ProjectWindow* CreateDocumentWindow(int kind, const QString& caption);
+    QString ActiveCaption() const;
+    documents::ProjectWindow* activeWindow() const;
+    ProjectWindows ParseFormIndeces() const;
+    ProjectWindows projectWindowsOf(const QString& project) const;
+    ProjectWindows ChangeFormCaptions(const QString& oldProject, const QString& newFile, bool mark);
+    void Touch();
+    void touchProjectOf(QWidget* window);
+    void FormTouch(QWidget* window);
+    void FormUntouch(QWidget* window);
+    // Unsaved-change questions of a single window; true when the user cancelled.
+    bool FormTouched(QWidget* window);
+    bool FormUnload(QWidget* window);
+    // Closes the active project; true when the user cancelled.
+    bool UnloadActiveProject();
+    bool FileNameInUse();
+    void UpdateRecentFiles(const QString& file);
+    std::vector<documents::ProjectWindow*> projectWindows() const;
+    void ShowWindowByCaption(const QString& caption);
+    void showProjectWindow(int kind);
+    void activateWindow(documents::ProjectWindow* window);
+
+    // Settings.
+    void LoadSettings();
+    void SaveSettings();
+    void LoadHelpFiles();
+    void EnableControlsMDI();
+
+    // The shutdown sequence; returns true when the program may end.
+    bool shutDown();
+    QString tag() const { return m_tag; }
+    void setTag(const QString& tag) { m_tag = tag; }
+
+    // Menu and toolbar, by the indices of the menu arrays.
+    std::vector<QMenu*> MainMenu;
+    std::vector<QAction*> SubMenu0, SubMenu1, Submenu10, SubMenu2, Submenu3, Submenu30, SubMenu4, SubMenu41;
+    std::map<QString, QAction*> toolbarButtons;
+    QToolBar* Toolbar1 = nullptr;
+    QMdiArea* mdiArea = nullptr;
+    QProgressBar* ProgressBar1 = nullptr;
+
+signals:
+    void projectsChanged();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void createMenus();
+    void createToolbar();
+    void createStatusBar();
+    QAction* addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
+                     const QKeySequence& shortcut = QKeySequence());
+    void openProjectFile(const QString& file, bool textOnly);
+    void pendingEvents();
+    void unloadWindow(documents::ProjectWindow* window);
+
+    AppState m_state;
+    std::unique_ptr<platform::SettingsStore> m_store;
+    QString m_tag;
+    std::vector<QLabel*> m_panels; // index 1..5
+    QWidget* m_progressStrip = nullptr;
+    QLabel* m_progressText = nullptr;
+    bool m_shuttingDown = false;
+};
+
+} // namespace shell

@@ -1,0 +1,155 @@
+#include "shell/Settings.h"
+
+#include "platform/SettingsStore.h"
+
+#include <QMdiSubWindow>
+#include <QWidget>
+#include <cmath>
+
+namespace shell {
+
+namespace {
+
+const QString kGeneral = QStringLiteral("General");
+const QString kFormat = QStringLiteral("Format");
+const QString kWindows = QStringLiteral("WindowsPosition");
+const QString kPrinter = QStringLiteral("Printer");
+const QString kOffice = QStringLiteral("Office");
+const QString kRecent = QStringLiteral("RecentFiles");
+const QString kFiles = QStringLiteral("Files");
+const QString kGui = QStringLiteral("GUI");
+
+// A count as the settings hold it: a number, rounded; anything else keeps the fallback.
+int toInt(const QString& text, int fallback) {
+    bool ok = false;
+    const double v = text.trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
+    if (!ok || !std::isfinite(v) || std::fabs(v) > 2.0e9) return fallback;
+    return static_cast<int>(std::nearbyint(v));
+}
+
+QString winKey(const char* name, int slot) { return QLatin1String(name) + QString::number(slot); }
+
+} // namespace
+
+void ReadSettingsValues(const platform::SettingsStore& store, AppState& state) {
+    Settings& s = state.settings;
+    const Settings d;
+    state.ProjectCounter = 0;
+    s.SaveSettingsOnExit = true;
+    s.MoneyUnit = store.get(kGeneral, QStringLiteral("MoneyUnit"), d.MoneyUnit);
+    s.GeneralCostFraction = store.get(kGeneral, QStringLiteral("GeneralCostFraction"), d.GeneralCostFraction);
+    s.VAT = store.get(kGeneral, QStringLiteral("VAT"), d.VAT);
+    s.Index = store.get(kGeneral, QStringLiteral("Index"), d.Index);
+    s.IndexBaseYear = store.get(kGeneral, QStringLiteral("IndexBaseYear"), d.IndexBaseYear);
+    s.AutoFormat = store.get(kFormat, QStringLiteral("AutoFormat"), QStringLiteral("True")).trimmed().toLower() ==
+                   QLatin1String("true");
+    for (int i = 0; i < 6; ++i) {
+        const QString key = QStringLiteral("BlankLines_%1").arg(i);
+        s.BlankLines[i] = toInt(store.get(kFormat, key, QString::number(d.BlankLines[i])), d.BlankLines[i]);
+    }
+    for (int n = 1; n <= 13; ++n) {
+        s.pos.top[n] = toInt(store.get(kWindows, winKey("Top_", n), QStringLiteral("0")), 0);
+        s.pos.left[n] = toInt(store.get(kWindows, winKey("Left_", n), QStringLiteral("0")), 0);
+        s.pos.height[n] = toInt(store.get(kWindows, winKey("Height_", n), QStringLiteral("0")), 0);
+        s.pos.width[n] = toInt(store.get(kWindows, winKey("Width_", n), QStringLiteral("0")), 0);
+    }
+    bool ok = false;
+    const float scale =
+        store.get(kPrinter, QStringLiteral("PreviewScale"), QStringLiteral("1")).replace(QLatin1Char(','), QLatin1Char('.')).toFloat(&ok);
+    s.PreviewScale = ok && scale > 0 ? scale : d.PreviewScale;
+    s.PLogoFile = store.get(kPrinter, QStringLiteral("PLogoFile"), d.PLogoFile);
+    s.PrinterFont = store.get(kPrinter, QStringLiteral("PrinterFont"), d.PrinterFont);
+    s.PrintLogo = store.get(kPrinter, QStringLiteral("PrintLogo"), QStringLiteral("1")) == QLatin1String("1");
+    for (int i = 0; i < 4; ++i) state.OfficeRows[i] = store.get(kOffice, QStringLiteral("Row_%1").arg(i));
+    for (int i = 5; i >= 0; --i)
+        UpdateRecentFileList(state.RecentFiles, store.get(kRecent, QStringLiteral("File%1").arg(i)));
+    s.File1 = store.get(kFiles, QStringLiteral("File1"), d.File1);
+    s.File2 = store.get(kFiles, QStringLiteral("File2"), d.File2);
+    state.ProgramMode = toInt(store.get(kGeneral, QStringLiteral("ProgramMode"), QStringLiteral("3")), 3);
+    if (state.ProgramMode < 1 || state.ProgramMode > 3) state.ProgramMode = 3;
+    s.StartUpDocument = toInt(store.get(kGui, QStringLiteral("StartUpDocument"), QStringLiteral("0")), 0);
+    if (s.StartUpDocument < 0 || s.StartUpDocument > 2) s.StartUpDocument = 0;
+    for (int i = 0; i < 5; ++i)
+        s.DefaultComboData[i] = store.get(kGeneral, QStringLiteral("DefaultComboData_%1").arg(i));
+}
+
+void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) {
+    const Settings& s = state.settings;
+    store.save(kGeneral, QStringLiteral("MoneyUnit"), s.MoneyUnit);
+    store.save(kGeneral, QStringLiteral("GeneralCostFraction"), s.GeneralCostFraction);
+    store.save(kGeneral, QStringLiteral("VAT"), s.VAT);
+    store.save(kGeneral, QStringLiteral("Index"), s.Index);
+    store.save(kGeneral, QStringLiteral("IndexBaseYear"), s.IndexBaseYear);
+    store.save(kGeneral, QStringLiteral("ProgramMode"), QString::number(state.ProgramMode));
+    store.save(kFormat, QStringLiteral("AutoFormat"), s.AutoFormat ? QStringLiteral("True") : QStringLiteral("False"));
+    for (int i = 0; i < 6; ++i) store.save(kFormat, QStringLiteral("BlankLines_%1").arg(i), QString::number(s.BlankLines[i]));
+    for (int n = 1; n <= 13; ++n) {
+        if (s.pos.width[n] > 3000 && s.pos.height[n] > 1000) {
+            store.save(kWindows, winKey("Top_", n), QString::number(s.pos.top[n]));
+            store.save(kWindows, winKey("Left_", n), QString::number(s.pos.left[n]));
+            store.save(kWindows, winKey("Height_", n), QString::number(s.pos.height[n]));
+            store.save(kWindows, winKey("Width_", n), QString::number(s.pos.width[n]));
+        }
+    }
+    store.save(kPrinter, QStringLiteral("PreviewScale"), QString::number(s.PreviewScale));
+    store.save(kPrinter, QStringLiteral("PLogoFile"), s.PLogoFile);
+    store.save(kPrinter, QStringLiteral("PrintLogo"), s.PrintLogo ? QStringLiteral("1") : QStringLiteral("0"));
+    store.save(kPrinter, QStringLiteral("PrinterFont"), s.PrinterFont);
+    for (int i = 0; i < 6; ++i) store.save(kRecent, QStringLiteral("File%1").arg(i), state.RecentFiles[i]);
+    for (int i = 0; i < 4; ++i) store.save(kOffice, QStringLiteral("Row_%1").arg(i), state.OfficeRows[i]);
+    if (s.StartUpDocument >= 0 && s.StartUpDocument <= 2)
+        store.save(kGui, QStringLiteral("StartUpDocument"), QString::number(s.StartUpDocument));
+    store.sync();
+}
+
+void WriteDefaultComboData(platform::SettingsStore& store, const std::array<QString, 5>& texts) {
+    for (int i = 0; i < 5; ++i) store.save(kGeneral, QStringLiteral("DefaultComboData_%1").arg(i), texts[i]);
+    store.sync();
+}
+
+namespace {
+QRect frameRect(const QWidget* w) {
+    // Sub-windows keep their position in the MDI area, top-level windows on the screen.
+    if (auto* sub = qobject_cast<const QMdiSubWindow*>(w->parentWidget())) return sub->geometry();
+    if (w->isWindow()) return QRect(w->frameGeometry().topLeft(), w->size());
+    return w->geometry();
+}
+} // namespace
+
+void UpdateWinPosTable(WindowPositions& table, int slot, const QWidget* window) {
+    if (slot < 1 || slot > 13 || !window) return;
+    const QRect r = frameRect(window);
+    table.top[slot] = r.top() * kTwipsPerPixel;
+    table.left[slot] = r.left() * kTwipsPerPixel;
+    table.height[slot] = r.height() * kTwipsPerPixel;
+    table.width[slot] = r.width() * kTwipsPerPixel;
+}
+
+void GetWinPos(const WindowPositions& table, int slot, QWidget* window) {
+    if (slot < 1 || slot > 13 || !window) return;
+    QWidget* target = window;
+    if (auto* sub = qobject_cast<QMdiSubWindow*>(window->parentWidget())) target = sub;
+    QPoint pos = target->isWindow() ? target->frameGeometry().topLeft() : target->pos();
+    QSize size = target->size();
+    if (table.top[slot] != 0) pos.setY(table.top[slot] / kTwipsPerPixel);
+    if (table.left[slot] != 0) pos.setX(table.left[slot] / kTwipsPerPixel);
+    if (table.height[slot] != 0) size.setHeight(table.height[slot] / kTwipsPerPixel);
+    if (table.width[slot] != 0) size.setWidth(table.width[slot] / kTwipsPerPixel);
+    target->resize(size);
+    target->move(pos);
+}
+
+void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file) {
+    if (file.isEmpty()) return;
+    int k = 5;
+    for (int i = 0; i < 6; ++i) {
+        if (files[i] == file) {
+            k = i;
+            break;
+        }
+    }
+    for (int i = k; i > 0; --i) files[i] = files[i - 1];
+    files[0] = file;
+}
+
+} // namespace shell

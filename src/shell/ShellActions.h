@@ -1,0 +1,57 @@
+#pragma once
+// Procedures of the main window that live in their own files, by topic.
+#include <QIcon>
+#include <QStyle>
+#include <array>
+
+namespace lists {
+class ListModel;
+}
+
+namespace shell {
+
+class MDIForm1;
+struct AppState;
+struct ProjectWindows;
+
+// Settings dialog (Form8.cpp).
+void showSettingsDialog(MDIForm1& main);
+
+// Help menu, About box and the separate help files (HelpMenu.cpp).
+void loadHelpFileMenu(MDIForm1& main);
+void openHelpFile(MDIForm1& main, int index);
+void TamrikHelp(MDIForm1& main, int context);
+void showAbout(MDIForm1& main);
+
+// The base list windows: slot 6 the unit price list, 7 the requirement base list
+// (BaseListWindows.cpp). Closing returns true when the window agreed to close.
+void loadBaseListWindow(MDIForm1& main, int slot);
+void showBaseListWindow(MDIForm1& main, int slot);
+bool closeBaseListWindow(MDIForm1& main, int slot);
+void restoreBaseListWindow(MDIForm1& main, int slot, bool wasClosed);
+
+// The edit menu's actions on the active control (EditActions.cpp).
+void editMenuAction(MDIForm1& main, int index);
+// Status panels 1, 3 and 5 for a row: its caption, subcaption and entry.
+std::array<QString, 3> captionPanelTexts(const lists::ListModel& list, int row);
+
+// Project windows (ProjectActions.cpp).
+void UpdateTextDocuments(MDIForm1& main, int oldIndex);
+void focusTextDocument(MDIForm1& main);
+void copyMunicipality(MDIForm1& main, const ProjectWindows& windows);
+// Compares two file paths as the same file: canonical paths, letter case ignored.
+bool sameFile(const QString& a, const QString& b);
+
+// Start-up resources (Resources.cpp).
+QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
+void LoadLogo(MDIForm1& main);
+void readOfficeRows(AppState& state);
+// Items whose windows are not part of this build stay disabled.
+void applyAvailability(MDIForm1& main);
+
+} // namespace shell
+
+namespace shell {
+// The unit price window's "Lisää" button and menu items (BaseListWindows.cpp).
+void enableUnitPriceAdding(MDIForm1& main, bool enabled);
+} // namespace shell
