@@ -162,10 +162,9 @@ QString MakeSummaryText(const QualityRecord& rec, const QString& projectFileName
          QStringLiteral(" (100)"));
     line(QString());
 
-    const QString phaseWord = QStringLiteral("Työvaihe");
-    const QString header = QStringLiteral("Littera ") + phaseWord +
-                           QString(std::max(1, rec.longestGroupText + 4 - static_cast<int>(phaseWord.size())),
-                                   QLatin1Char(' ')) +
+    // The captions start under "Työvaihe" (8 characters) and take the longest caption's width.
+    const int gap = std::max(1, rec.longestGroupText + 4 - 8);
+    const QString header = QStringLiteral("Littera Työvaihe") + QString(gap, QLatin1Char(' ')) +
                            QStringLiteral("Pa%  TotPa  MaksPa  Tot%");
     line(header);
     line(QString(header.size(), QLatin1Char('-')));

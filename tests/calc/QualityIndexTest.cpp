@@ -187,6 +187,12 @@ TEST(MakeSummaryText, WithoutWeightedRequirementsTheNumberIsALoneComma) {
     EXPECT_EQ(lineStarting(text, "1 Silta"),
               QStringLiteral("1 Siltakohtainen       0     0                0"));
     EXPECT_EQ(lineStarting(text, "7110"), QStringLiteral("7110    KAIVUT      -      0      0      -"));
+    EXPECT_EQ(lineStarting(text, "Littera"), QStringLiteral("Littera Työvaihe  Pa%  TotPa  MaksPa  Tot%"));
+    // Short captions still leave one space after "Työvaihe".
+    const QString shortCaption = summaryOf({caption("7300", "LVI")});
+    EXPECT_EQ(lineStarting(shortCaption, "Littera"),
+              QStringLiteral("Littera Työvaihe Pa%  TotPa  MaksPa  Tot%"));
+    EXPECT_EQ(lineStarting(shortCaption, "7300"), QStringLiteral("7300    LVI      -      0      0      -"));
 }
 
 TEST(MakeSummaryText, PercentagesRoundHalvesToEvenAndTheNumberAwayFromZero) {
