@@ -1,7 +1,7 @@
 #include "calc/CostEstimate.h"
 
 #include "calc/NumberText.h"
-#include "calc/TextRules.h"
+#include "lists/ListProcedures.h"
 #include "lists/ListModel.h"
 
 #include <charconv>
@@ -37,7 +37,7 @@ bool opensRoadWorks(const QString& phase) {
     // Only "ö" and "Ö" turn into the caption's "Ö" in capitals: without one of them the costly
     // conversion to capitals can be skipped.
     if (!phase.contains(QChar(u'ö')) && !phase.contains(QChar(u'Ö'))) return false;
-    return phase.toUpper().contains(detail::kRoadWorks);
+    return phase.toUpper().contains(lists::kRoadWorksCaption);
 }
 
 } // namespace
@@ -50,8 +50,8 @@ double ConversionFactor(const CostInputs& inputs) {
 
 bool NextIsCaption1(const lists::ListModel& list, int row) {
     for (int r = row + 1; r <= list.rows(); ++r) {
-        if (detail::isCapital(list.cell(r, kPhaseCol))) return true;
-        if (!detail::isBlank(list.cell(r, kQuantityCol)) || !detail::isBlank(list.cell(r, kUnitPriceCol)))
+        if (lists::CapitalString(list.cell(r, kPhaseCol))) return true;
+        if (!lists::BlankString(list.cell(r, kQuantityCol)) || !lists::BlankString(list.cell(r, kUnitPriceCol)))
             return false;
     }
     return true;
@@ -86,12 +86,12 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
 
         // A row without a littera stays in the superstructure block of the row above it.
         const QStringView littera = QStringView(list.cell(i, kLitteraCol)).left(4);
-        if (!detail::isBlank(littera))
+        if (!lists::BlankString(littera))
             superstructure = littera >= kSuperstructureFrom && littera <= kSuperstructureTo;
 
         const QString& quantity = list.cell(i, kQuantityCol);
         const QString& unitPrice = list.cell(i, kUnitPriceCol);
-        if (detail::isBlank(quantity) || detail::isBlank(unitPrice)) {
+        if (lists::BlankString(quantity) || lists::BlankString(unitPrice)) {
             list.setRowTag(i, QString());
             continue;
         }

@@ -1,7 +1,7 @@
 #include "calc/QualityIndex.h"
 
 #include "calc/NumberText.h"
-#include "calc/TextRules.h"
+#include "lists/ListProcedures.h"
 #include "lists/ListModel.h"
 
 #include <QLocale>
@@ -51,11 +51,11 @@ CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionCo
     CaptionInfo info;
     const QString& littera = list.cell(row, kLitteraCol);
     const QString& text = list.cell(row, captionColumn);
-    const bool roadWorks = text == detail::kRoadWorks;
-    if (!roadWorks && detail::isBlank(littera)) return info;
+    const bool roadWorks = text == lists::kRoadWorksCaption;
+    if (!roadWorks && lists::BlankString(littera)) return info;
     info.littera = littera.isEmpty() ? QStringLiteral(" ") : littera;
     info.text = text;
-    info.level = roadWorks || detail::isCapital(text) ? 1 : 2;
+    info.level = roadWorks || lists::CapitalString(text) ? 1 : 2;
     return info;
 }
 
@@ -98,7 +98,7 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
             subMax = subRealized = 0;
             continue;
         }
-        if (detail::isBlank(list.cell(r, kIdentifierCol))) continue;
+        if (lists::BlankString(list.cell(r, kIdentifierCol))) continue;
 
         const QChar type = firstChar(list.cell(r, kTypeCol));
         const QChar result = firstChar(list.cell(r, kResultCol));
@@ -177,7 +177,7 @@ QString MakeSummaryText(const QualityRecord& rec, const QString& projectFileName
         const float realized = rec.groupRealized[g];
         // Only work phases (captions in capitals) show their share of the bridge's weight.
         const QString share =
-            detail::isCapital(text) && rec.totalMax != 0 ? DecimalS(max / rec.totalMax * 100, 0) : none;
+            lists::CapitalString(text) && rec.totalMax != 0 ? DecimalS(max / rec.totalMax * 100, 0) : none;
         const QString achieved = max != 0 ? DecimalS(realized / max * 100, 0) : none;
         line(padRight(rec.groupLittera[g], 8) + padRight(text, rec.longestGroupText) + padLeft(share, 7) +
              padLeft(DecimalS(realized, 0), 7) + padLeft(DecimalS(max, 0), 7) + padLeft(achieved, 7));
