@@ -53,13 +53,13 @@ int detailColumn(const ListModel& list) {
     return columnsOf(list).detail;
 }
 
-bool BlankString(const QString& text) {
+bool BlankString(QStringView text) {
     for (const QChar c : text)
         if (c != QLatin1Char(' ')) return false;
     return true;
 }
 
-bool CapitalString(const QString& text) {
+bool CapitalString(QStringView text) {
     int capitals = 0;
     for (const QChar ch : text) {
         const char16_t c = ch.unicode();

@@ -44,10 +44,10 @@ int entryColumn(const ListModel& list);
 int detailColumn(const ListModel& list);
 
 // Empty or spaces only.
-bool BlankString(const QString& text);
+bool BlankString(QStringView text);
 // No lower-case letter and at least two upper-case ones (a-z, å, ä, ö and their capitals,
 // compared by code; everything else is ignored).
-bool CapitalString(const QString& text);
+bool CapitalString(QStringView text);
 
 struct BlankInfo {
     int firstNonBlankCol = 0; // 0 when the row is blank
