@@ -1,14 +1,75 @@
 #include "app/Commands.h"
 
+#include "calc/CostEstimate.h"
+#include "calc/QualityIndex.h"
+#include "lists/ListConvert.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "persist/ProjectFile.h"
+
 #include <QCoreApplication>
+#include <QDateTime>
+#include <QFileInfo>
 #include <cstdio>
 #include <cstring>
 
 namespace app {
 
 namespace {
+
 const char* const kCommands[] = {"costs", "summary", "print", "convert"};
+
+int fail(const QString& message) {
+    std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
+    return 1;
 }
+
+void print(const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stdout);
+}
+
+bool readProject(const QString& fileName, persist::ProjectFile& project, QString* error) {
+    // Only the text member is needed; pictures are not read.
+    return persist::ReadProjectFile(fileName, true, project, error);
+}
+
+int costs(const QString& fileName) {
+    persist::ProjectFile project;
+    QString error;
+    if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
+    const persist::WindowRecord& basic = project.content.windows[0];
+    auto combo = [&](int i) { return i < basic.combos.size() ? basic.combos[i] : QString(); };
+    calc::CostInputs inputs;
+    inputs.moneyUnit = combo(4);
+    inputs.unitPriceIndex = combo(3);
+    inputs.costIndex = combo(10);
+    inputs.generalPercent = combo(11);
+    inputs.vatPercent = combo(12);
+    auto list = persist::ListFromRecord(project.content.windows[1].lists[0], lists::kind::QuantityList);
+    print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
+    return 0;
+}
+
+int summary(const QString& fileName) {
+    persist::ProjectFile project;
+    QString error;
+    if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
+    auto list = persist::ListFromRecord(project.content.windows[1].lists[1], lists::kind::Requirements);
+    const calc::QualityRecord record = calc::CalculateQualityIndex(*list);
+    QString text = calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    print(text);
+    return 0;
+}
+
+int convert(const QString& in, const QString& out) {
+    QString error;
+    if (!lists::ConvertListFile(in, out, &error)) return fail(error);
+    return 0;
+}
+
+} // namespace
 
 bool isCommand(const char* name) {
     for (const char* c : kCommands)
@@ -18,8 +79,17 @@ bool isCommand(const char* name) {
 
 int runCommand(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    std::fprintf(stderr, "tamrik: komento %s ei ole käytettävissä tässä versiossa\n", argv[1]);
-    return 1;
+    const QStringList args = QCoreApplication::arguments();
+    const QString command = args.value(1);
+    if (command == QLatin1String("costs") || command == QLatin1String("summary")) {
+        if (args.size() != 3) return fail(QStringLiteral("käyttö: tamrik %1 TIEDOSTO.sl").arg(command));
+        return command == QLatin1String("costs") ? costs(args[2]) : summary(args[2]);
+    }
+    if (command == QLatin1String("convert")) {
+        if (args.size() != 4) return fail(QStringLiteral("käyttö: tamrik convert LÄHDE KOHDE"));
+        return convert(args[2], args[3]);
+    }
+    return fail(QStringLiteral("komento %1 ei ole käytettävissä tässä versiossa").arg(command));
 }
 
 } // namespace app

@@ -1,13 +1,72 @@
 // The two base list windows as the main window sees them.
+#include "documents/Form2.h"
+#include "lists/ListModel.h"
+#include "lists/ListView.h"
+#include "platform/CommonDialog.h"
 #include "shell/MDIForm1.h"
+#include "shell/Settings.h"
 #include "shell/ShellActions.h"
 
 namespace shell {
 
-void loadBaseListWindow(MDIForm1&, int) {}
-void showBaseListWindow(MDIForm1&, int) {}
-bool closeBaseListWindow(MDIForm1&, int) { return true; }
-void restoreBaseListWindow(MDIForm1&, int, bool) {}
-void enableUnitPriceAdding(MDIForm1&, bool) {}
+namespace {
+lists::BaseListWindow*& windowOf(MDIForm1& main, int slot) { return slot == 6 ? main.Form6 : main.Form7; }
+} // namespace
+
+void loadBaseListWindow(MDIForm1& main, int slot) {
+    lists::BaseListWindow*& w = windowOf(main, slot);
+    if (!w) {
+        w = new lists::BaseListWindow(main, slot, &main);
+        GetWinPos(main.appState().settings.pos, slot, w);
+    }
+    const Settings& s = main.appState().settings;
+    w->loadFile(slot == 6 ? s.File2 : s.File1);
+    if (slot == 6) w->setAddingEnabled(main.appState().ProgramMode != 2);
+}
+
+void showBaseListWindow(MDIForm1& main, int slot) {
+    lists::BaseListWindow* w = windowOf(main, slot);
+    if (!w) {
+        loadBaseListWindow(main, slot);
+        w = windowOf(main, slot);
+    }
+    w->show();
+    w->raise();
+    w->activateWindow();
+    w->view()->setFocus();
+}
+
+bool closeBaseListWindow(MDIForm1& main, int slot) {
+    lists::BaseListWindow* w = windowOf(main, slot);
+    if (!w) return true;
+    UpdateWinPosTable(main.appState().settings.pos, slot, w);
+    return !main.FormTouched(w);
+}
+
+void restoreBaseListWindow(MDIForm1& main, int slot, bool agreedToClose) {
+    // The shutdown was cancelled: a list whose changes the user agreed to drop is read again.
+    lists::BaseListWindow* w = windowOf(main, slot);
+    if (!w || !agreedToClose || w->windowTitle().endsWith(QStringLiteral(" Ei muutettu"))) return;
+    w->loadFile(w->currentFile());
+}
+
+void enableUnitPriceAdding(MDIForm1& main, bool enabled) {
+    if (main.Form6) main.Form6->setAddingEnabled(enabled);
+}
+
+} // namespace shell
+
+namespace shell {
+
+void MDIForm1::baseListEditAction(lists::BaseListWindow*, int index) { EditMenuActions(index); }
+
+void MDIForm1::baseListHelp(lists::BaseListWindow*) { TamrikHelp(*this, 2200); }
+
+QString MDIForm1::baseListFileDialog(int kind, const QString& extension) {
+    m_state.CurrentFileName = platform::ShowCommonDialog(kind, extension, false, m_state.dialog);
+    return m_state.CurrentFileName;
+}
+
+void MDIForm1::baseListExport(lists::BaseListWindow* window, int mode) { exportFromBaseList(*this, window, mode); }
 
 } // namespace shell

@@ -107,3 +107,7 @@ void editMenuAction(MDIForm1& main, int index) {
 std::array<QString, 3> captionPanelTexts(const lists::ListModel&, int) { return {}; }
 
 } // namespace shell
+
+namespace shell {
+void exportFromBaseList(MDIForm1&, lists::BaseListWindow*, int) {}
+} // namespace shell

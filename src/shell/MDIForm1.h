@@ -3,6 +3,7 @@
 // strip, the dispatchers of every menu and toolbar action, the project windows and their
 // captions, and the start-up and shutdown sequences.
 #include "documents/DocumentHost.h"
+#include "lists/BaseListWindow.h"
 #include "shell/AppState.h"
 
 #include <QMainWindow>
@@ -49,7 +50,7 @@ struct ProjectWindows {
     std::vector<documents::ProjectWindow*> all() const;
 };
 
-class MDIForm1 : public QMainWindow, public documents::DocumentHost {
+class MDIForm1 : public QMainWindow, public documents::DocumentHost, public lists::BaseListHost {
     Q_OBJECT
 public:
     explicit MDIForm1(QWidget* parent = nullptr);
@@ -69,6 +70,19 @@ public:
     void listFocused(lists::ListView* view) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
+
+    // BaseListHost
+    void baseListTouched(lists::BaseListWindow* window) override { FormTouch(window); }
+    void baseListUntouched(lists::BaseListWindow* window) override { FormUntouch(window); }
+    bool baseListCloseCancelled(lists::BaseListWindow* window) override { return FormTouched(window); }
+    void baseListEditAction(lists::BaseListWindow* window, int index) override;
+    void baseListExport(lists::BaseListWindow* window, int mode) override;
+    void baseListHelp(lists::BaseListWindow* window) override;
+    QString baseListFileDialog(int kind, const QString& extension) override;
+
+    // The two base list windows; they live from start-up to shutdown.
+    lists::BaseListWindow* Form6 = nullptr;
+    lists::BaseListWindow* Form7 = nullptr;
 
     // Dispatchers.
     void FileMenuActions(int index);

@@ -55,3 +55,13 @@ namespace shell {
 // The unit price window's "Lisää" button and menu items (BaseListWindows.cpp).
 void enableUnitPriceAdding(MDIForm1& main, bool enabled);
 } // namespace shell
+
+namespace lists {
+class BaseListWindow;
+}
+
+namespace shell {
+// "Lisää" of a base list window: its selected rows into the active detailed data window
+// (EditActions.cpp).
+void exportFromBaseList(MDIForm1& main, lists::BaseListWindow* window, int mode);
+} // namespace shell

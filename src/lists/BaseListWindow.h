@@ -1,0 +1,88 @@
+#pragma once
+// The two base list windows: Form7 the quality requirement base list (".sl2"), Form6 the work
+// phase and unit price list (".sl1", with the choice of working conditions). Each holds one
+// list, a file menu, an edit menu and three buttons, and stays beside the project windows.
+#include <QMainWindow>
+#include <vector>
+
+class QAction;
+class QLabel;
+class QMenu;
+class QPushButton;
+class QRadioButton;
+
+namespace lists {
+
+class ListModel;
+class ListView;
+class BaseListWindow;
+
+// What a base list window needs from the main window.
+class BaseListHost {
+public:
+    virtual ~BaseListHost() = default;
+    // The caption marker procedures.
+    virtual void baseListTouched(BaseListWindow* window) = 0;
+    virtual void baseListUntouched(BaseListWindow* window) = 0;
+    // The unsaved-changes question; true when the user cancelled.
+    virtual bool baseListCloseCancelled(BaseListWindow* window) = 0;
+    // The main window's edit dispatcher, acting on the window's list.
+    virtual void baseListEditAction(BaseListWindow* window, int index) = 0;
+    // "Lisää" and its modes: transfer the selected rows into the active project.
+    virtual void baseListExport(BaseListWindow* window, int mode) = 0;
+    virtual void baseListHelp(BaseListWindow* window) = 0;
+    // The file dialog of the program; the chosen path, empty when cancelled.
+    virtual QString baseListFileDialog(int kind, const QString& extension) = 0;
+};
+
+class BaseListWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // slot 6: the unit price list window (Form6); slot 7: the requirement base list (Form7).
+    BaseListWindow(BaseListHost& host, int slot, QWidget* parent = nullptr);
+
+    int slot() const { return m_slot; }
+    QString extension() const;
+    QString suffix() const; // " (Yksikköhintaluettelo)" or " (Laatuvaatimusluettelo)"
+    ListModel* list() const;
+    ListView* view() const { return ListView1; }
+
+    // Reads a list file into the window; the caption becomes file + suffix + " Ei muutettu".
+    // A missing file is reported and leaves an empty list under that caption.
+    void loadFile(const QString& fileName);
+    // The file named in the caption.
+    QString currentFile() const;
+
+    // The file menu (index as in the menu; 3 and 6 are separators).
+    void ListViewFileMenuActions(int action);
+    // The edit menu (index as in the menu) and the "Lisää &määräten..." modes.
+    void editMenuClick(int index);
+
+    // The unit price column of the chosen working conditions: 4 (A), 5 (B), 6 (C), 0 none.
+    int priceColumn() const;
+    // In the contractor's mode the unit price window cannot add to a project.
+    void setAddingEnabled(bool enabled);
+
+    // Closing by the program's own code skips the question.
+    void closeByProgram();
+
+    ListView* ListView1 = nullptr;
+    std::vector<QPushButton*> Command1;
+    std::vector<QRadioButton*> Option1; // Form6 only
+    QLabel* Label1 = nullptr;           // Form6 only
+    std::vector<QAction*> SubMenu0, SubMenu1, SubMenu12;
+
+signals:
+    void requestEditorAttach(BaseListWindow* window);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void createMenus();
+    BaseListHost& m_host;
+    int m_slot;
+    bool m_programClose = false;
+};
+
+} // namespace lists

@@ -1,0 +1,63 @@
+#include "persist/ProjectFile.h"
+
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "platform/TextFile.h"
+#include "persist/WindowRecord.h"
+
+#include <QFileInfo>
+
+namespace persist {
+
+bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, QString* error) {
+    QByteArray bytes;
+    if (!platform::readFileBytes(fileName, bytes, error)) return false;
+    ProjectFile file;
+    if (textOnly) {
+        if (!UnpackTextMember(bytes, file.members[0].data, error)) return false;
+    } else if (!UnpackContainer(bytes, file.members, error)) {
+        return false;
+    }
+    QString folder = QFileInfo(fileName).absolutePath();
+    if (!folder.endsWith(QLatin1Char('/'))) folder += QLatin1Char('/');
+    if (!ReadProjectText(file.members[0].data, folder, file.content, error)) return false;
+    if (file.content.windows[1].lists.size() < 2 && error) {
+        *error = QStringLiteral("yksityiskohtaisten tietojen luettelot puuttuvat");
+        return false;
+    }
+    out = std::move(file);
+    return true;
+}
+
+std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind) {
+    auto list = std::make_unique<lists::ListModel>();
+    list->setKind(kind);
+    std::vector<lists::Column> columns(record.columns);
+    columns.push_back({QStringLiteral("Rivi"), 0});
+    std::vector<lists::Row> rows;
+    rows.reserve(record.rows.size());
+    long long n = 0;
+    for (const QStringList& cells : record.rows) {
+        lists::Row row;
+        row.cells = cells;
+        while (row.cells.size() < record.columns) row.cells.append(QString());
+        row.cells.append(lists::formatRowNumber(++n));
+        rows.push_back(std::move(row));
+    }
+    list->reset(std::move(columns), std::move(rows));
+    return list;
+}
+
+QStringList PopulateFiles(const lists::ListModel& requirements) {
+    QStringList out;
+    for (int r = 1; r <= requirements.rows(); ++r) {
+        for (int c : {13, 14}) {
+            const QString& cell = requirements.cell(r, c);
+            const bool folder = cell.contains(QLatin1Char('\\')) || cell.contains(QLatin1Char('/'));
+            if (folder && !lists::BlankString(cell) && !out.contains(cell)) out << cell;
+        }
+    }
+    return out;
+}
+
+} // namespace persist

@@ -1,0 +1,31 @@
+#pragma once
+// Reading and writing whole project files: the container and its text member together.
+#include "persist/ProjectText.h"
+#include "persist/SlContainer.h"
+
+#include <memory>
+
+namespace lists {
+class ListModel;
+}
+
+namespace persist {
+
+struct ProjectFile {
+    ProjectContent content;
+    Members members; // the raw members; [1]..[6] the pictures with their type bytes
+};
+
+// Reads a project file completely. With textOnly the picture members are not looked at
+// (they need not even be whole). The file's folder resolves the "{PATH}" cells. On failure
+// returns false with an error that says what failed and where; `out` is left as it was.
+bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, QString* error);
+
+// A list made from a list record, for model code that needs no window: the stored columns
+// with empty headers, then "Rivi" with the row numbers 00001, 00002, ...
+std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind);
+
+// The files the requirement list refers to (columns 13 and 14 holding a folder), each once.
+QStringList PopulateFiles(const lists::ListModel& requirements);
+
+} // namespace persist
