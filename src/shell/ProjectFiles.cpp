@@ -1,17 +1,276 @@
+// Saving and opening a project: the windows' content to and from a ".sl" file.
 #include "shell/ProjectFiles.h"
 
+#include "documents/Controls.h"
+#include "documents/Form1.h"
+#include "documents/Form2.h"
+#include "documents/Form3.h"
+#include "documents/Form4.h"
+#include "lists/ListModel.h"
+#include "lists/ListView.h"
+#include "persist/ProjectFile.h"
+#include "platform/Cp1252.h"
 #include "platform/Dialogs.h"
+#include "platform/PictureBox.h"
+#include "platform/Rtf.h"
+#include "platform/SettingsStore.h"
+#include "platform/TextFile.h"
+#include "shell/Captions.h"
+#include "shell/MDIForm1.h"
+#include "shell/Modes.h"
+#include "shell/Settings.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLockFile>
+#include <QTextDocument>
+#include <QTextEdit>
 
 namespace shell {
 
-bool WriteSlFile(MDIForm1&, const QString&, const QString&, bool) {
-    platform::MsgBox(QStringLiteral("Tallentaminen ei ole käytettävissä."));
-    return false;
+namespace {
+
+using platform::MsgIcon;
+
+// Holds the private temporary folder for one save or open, so that two running programs do
+// not overwrite each other's temporary files.
+class TempLock {
+public:
+    explicit TempLock(const QString& tempPath)
+        : m_lock(tempPath + QStringLiteral("tamrik.lock")) {
+        m_locked = tempPath.isEmpty() || m_lock.tryLock(10000);
+    }
+    bool locked() const { return m_locked; }
+
+private:
+    QLockFile m_lock;
+    bool m_locked = false;
+};
+
+// Menus and toolbar off, progress strip on; both come back however the operation ends.
+class FileOperation {
+public:
+    FileOperation(MDIForm1& main, const QString& text)
+        : m_main(main) {
+        m_main.DisplayProgress(0, text);
+        m_main.setFileOperation(true);
+    }
+    ~FileOperation() {
+        m_main.DisplayProgress(100);
+        m_main.setFileOperation(false);
+    }
+
+private:
+    MDIForm1& m_main;
+};
+
+// The name a user knows a control by: the text of the label beside it, else its array name.
+QString fieldName(const QWidget* field) {
+    const QWidget* window = field->window();
+    for (const QLabel* label : window->findChildren<QLabel*>())
+        if (label->buddy() == field || (label->buddy() && label->buddy() == field->focusProxy()))
+            return label->text().remove(QLatin1Char('&'));
+    return field->objectName().replace(QLatin1Char('_'), QLatin1Char('(')) + QLatin1Char(')');
 }
 
-bool ReadSlFile(MDIForm1&, const QString&, const QString&, bool) {
-    platform::MsgBox(QStringLiteral("Avaaminen ei ole käytettävissä."));
-    return false;
+QString windowName(int kind) {
+    static const char* const names[4] = {"Perustiedot", "Yksityiskohtaiset tiedot", "Ominaistietokortti",
+                                         "Panostilakortti"};
+    return QString::fromUtf8(names[kind - 1]);
+}
+
+// The fields whose text holds characters that the file's code page cannot store.
+QStringList fieldsOutsideCp1252(const ProjectWindows& w) {
+    QStringList out;
+    for (documents::ProjectWindow* pw : w.all()) {
+        for (const documents::TextBox* t : pw->Text1)
+            if (t && !platform::isCp1252(t->text())) out << windowName(pw->kind()) + QStringLiteral(": ") + fieldName(t);
+        for (const documents::ComboBox* c : pw->Combo1)
+            if (c && !platform::isCp1252(c->text())) out << windowName(pw->kind()) + QStringLiteral(": ") + fieldName(c);
+        for (int j = 0; j < pw->listCount(); ++j) {
+            const lists::ListModel* m = pw->list(j);
+            if (!m) continue;
+            for (int r = 1; r <= m->rows(); ++r) {
+                for (int c = 1; c < m->cols(); ++c) {
+                    if (platform::isCp1252(m->cell(r, c))) continue;
+                    out << windowName(pw->kind()) + QStringLiteral(": ") + m->kind() +
+                               QStringLiteral(", rivi %1, sarake \"%2\"").arg(r).arg(m->column(c).header);
+                    break;
+                }
+            }
+        }
+    }
+    if (w.f2) {
+        for (int n = 1; n <= 3; ++n)
+            if (!platform::isCp1252(w.f2->RichTextBox1[n]->toPlainText()))
+                out << windowName(2) + QStringLiteral(": ") + documents::Form2::documentName(n - 1);
+    }
+    return out;
+}
+
+// Writes a temporary file of the save or open; the program does not depend on it.
+void writeTemp(const QString& tempPath, const QString& name, const QByteArray& bytes) {
+    if (!tempPath.isEmpty()) platform::writeFileAtomically(tempPath + name, bytes);
+}
+
+} // namespace
+
+bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bool keepNames) {
+    AppState& state = main.appState();
+    const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
+    if (!w.complete()) return false;
+
+    // The office text of the current party is brought up to date.
+    if (state.ProgramMode == 1) documents::UpdateOfficeText(*w.f1->Text1[9], state.OfficeRows);
+    if (state.ProgramMode == 2) documents::UpdateOfficeText(*w.f1->Text1[10], state.OfficeRows);
+
+    const QStringList outside = fieldsOutsideCp1252(w);
+    if (!outside.isEmpty()) {
+        QStringList shown = outside.mid(0, 12);
+        if (outside.size() > 12) shown << QStringLiteral("...");
+        platform::MsgBox(QStringLiteral("Seuraavissa kentissä on merkkejä, joita tiedostoon ei voi tallentaa. Ne "
+                                        "tallentuvat kysymysmerkkeinä (?):\r\n\r\n") +
+                             shown.join(QStringLiteral("\r\n")),
+                         MsgIcon::Exclamation);
+    }
+
+    TempLock lock(state.TempPath);
+    if (!lock.locked()) {
+        platform::MsgBox(QStringLiteral("Toinen TAMRIK-ohjelma käsittelee parhaillaan tiedostoja. Yritä hetken "
+                                        "kuluttua uudelleen."),
+                         MsgIcon::Exclamation);
+        return false;
+    }
+    FileOperation operation(main, QStringLiteral("Tallentaa tiedostoa..."));
+
+    persist::ProjectContent content;
+    const QComboBox* references = w.f2->Combo1[0];
+    for (int i = 0; i < 18 && i < references->count(); ++i) content.referenceItems << references->itemText(i);
+    main.DisplayProgress(20);
+    content.windows[0] = w.f1->toRecord();
+    main.DisplayProgress(40);
+    content.windows[1] = w.f2->toRecord();
+    main.DisplayProgress(80);
+    content.windows[2] = w.f3->toRecord();
+    main.DisplayProgress(90);
+    content.windows[3] = w.f4->toRecord();
+    for (const QCheckBox* c : w.f4->Check1) content.checks << QString::number(static_cast<int>(c->checkState()));
+    w.f2->StoreRichTextDocument();
+    for (int n = 1; n <= 3; ++n) {
+        content.documents[n - 1] = platform::WriteRtf(*w.f2->RichTextBox1[n]->document());
+        writeTemp(state.TempPath, QStringLiteral("Tamrik2000_tmp%1.rtf").arg(n), content.documents[n - 1]);
+    }
+
+    persist::Members members;
+    members[0].data = persist::WriteProjectText(content, keepNames);
+    writeTemp(state.TempPath, QStringLiteral("~Tamrik30_1.tmp"), members[0].data);
+    for (int k = 0; k < 6; ++k) {
+        const platform::Picture& picture = w.f1->Image1[k]->picture();
+        members[k + 1].type = picture.type();
+        members[k + 1].data = picture.isNull() ? QByteArray() : picture.bytes();
+        writeTemp(state.TempPath, QStringLiteral("~Tamrik30_%1.tmp").arg(k + 2), members[k + 1].data);
+    }
+    const QByteArray container = persist::PackContainer(members);
+    writeTemp(state.TempPath, QStringLiteral("~Tamrik30.tmp"), container);
+
+    QString error;
+    if (!platform::writeFileAtomically(file, container, &error)) {
+        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") + error,
+                         MsgIcon::Critical);
+        return false;
+    }
+    if (!keepNames) {
+        main.UpdateRecentFiles(file);
+        main.ChangeFormCaptions(project, file, true);
+    }
+    // The combo texts of this project feed the drop-down lists of new projects.
+    std::array<QString, 5> defaults;
+    const int comboIndex[5] = {10, 5, 6, 17, 16};
+    for (int i = 0; i < 5; ++i) defaults[i] = w.f1->Combo1[comboIndex[i]]->text();
+    state.settings.DefaultComboData = defaults;
+    WriteDefaultComboData(main.settingsStore(), defaults);
+    return true;
+}
+
+bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, bool textOnly) {
+    AppState& state = main.appState();
+    const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
+    if (!w.complete()) return false;
+
+    auto fail = [&](const QString& what) {
+        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi avata:\r\n") + what,
+                         MsgIcon::Critical);
+        return false;
+    };
+
+    TempLock lock(state.TempPath);
+    if (!lock.locked())
+        return fail(QStringLiteral("toinen TAMRIK-ohjelma käsittelee parhaillaan tiedostoja."));
+
+    // Everything is read and checked before any window changes.
+    persist::ProjectFile project_;
+    std::array<platform::Picture, 6> pictures;
+    std::array<std::unique_ptr<QTextDocument>, 3> documents;
+    {
+        FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
+        QString error;
+        if (!persist::ReadProjectFile(file, textOnly, project_, &error)) return fail(error);
+        main.DisplayProgress(20);
+        if (!textOnly) {
+            for (int m = 1; m <= 7; ++m) {
+                const persist::Member& member = project_.members[m - 1];
+                writeTemp(state.TempPath,
+                          QStringLiteral("~Tamrik30_%1_tmp").arg(m) + persist::FileExtension(member.type), member.data);
+                if (m == 1 || persist::FileExtension(member.type) == QLatin1String(".tmp")) continue;
+                pictures[m - 2] = platform::Picture::fromBytes(member.data, member.type, &error);
+                if (pictures[m - 2].isNull())
+                    return fail(QStringLiteral("kuvaa %1 ei voi lukea: ").arg(m - 1) + error);
+            }
+        }
+        for (int n = 0; n < 3; ++n) {
+            documents[n] = std::make_unique<QTextDocument>();
+            const QByteArray& rtf = project_.content.documents[n];
+            if (!rtf.isEmpty() && !platform::ReadRtf(rtf, *documents[n], &error))
+                return fail(documents::Form2::documentName(n) + QStringLiteral(": ") + error);
+        }
+    }
+
+    const bool wasLoading = state.Loading;
+    state.Loading = true;
+    FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
+    const persist::ProjectContent& c = project_.content;
+    QComboBox* references = w.f2->Combo1[0];
+    references->clear();
+    for (const QString& item : c.referenceItems)
+        if (!item.isEmpty()) references->addItem(item);
+    main.DisplayProgress(30);
+    w.f1->applyRecord(c.windows[0]);
+    main.DisplayProgress(40);
+    w.f2->applyRecord(c.windows[1]);
+    main.DisplayProgress(80);
+    w.f3->applyRecord(c.windows[2]);
+    main.DisplayProgress(90);
+    w.f4->applyRecord(c.windows[3]);
+    for (int i = 0; i < static_cast<int>(w.f4->Check1.size()); ++i) {
+        const int v = i < c.checks.size() ? c.checks[i].toInt() : 0;
+        w.f4->Check1[i]->setCheckState(v == 1 ? Qt::Checked : (v == 2 ? Qt::PartiallyChecked : Qt::Unchecked));
+    }
+    for (int n = 0; n < 3; ++n) {
+        QTextDocument* copy = documents[n]->clone(w.f2->RichTextBox1[n + 1]);
+        w.f2->RichTextBox1[n + 1]->setDocument(copy);
+    }
+    // The shown document comes from its holder; nothing is stored back first.
+    w.f2->showDocument(state.settings.StartUpDocument);
+    if (!textOnly)
+        for (int k = 0; k < 6; ++k) w.f1->Image1[k]->setPicture(pictures[k]);
+    main.UpdateRecentFiles(file);
+    main.ChangeFormCaptions(project, file, true);
+    state.Loading = wasLoading;
+    EnableControlsPage1(main, w.f1);
+    EnableControlsPage(main, w.f2, true);
+    return true;
 }
 
 } // namespace shell

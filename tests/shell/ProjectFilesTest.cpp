@@ -1,0 +1,258 @@
+#include "common/ScriptedDialogs.h"
+#include "common/TestSupport.h"
+#include "documents/Controls.h"
+#include "documents/Form1.h"
+#include "documents/Form2.h"
+#include "documents/Form3.h"
+#include "documents/Form4.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "lists/ListView.h"
+#include "persist/SlContainer.h"
+#include "platform/PictureBox.h"
+#include "platform/SettingsStore.h"
+#include "platform/TextFile.h"
+#include "shell/Captions.h"
+#include "shell/MDIForm1.h"
+#include "shell/ProjectFiles.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <gtest/gtest.h>
+
+using namespace shell;
+using platform::MsgAnswer;
+using testing_support::ScriptedDialogs;
+
+namespace {
+
+class ProjectFilesTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        platform::SettingsStore().deleteAll();
+        main = std::make_unique<MDIForm1>();
+        main->setProgramDirectory(testing_support::dataDir());
+        main->startUp(false);
+    }
+    void TearDown() override {
+        main->appState().settings.SaveSettingsOnExit = false;
+        for (auto* w : main->projectWindows()) main->FormUntouch(w);
+        main.reset();
+    }
+    ProjectWindows project(const QString& name) { return main->projectWindowsOf(name); }
+
+    // Fills a project with something in every kind of field.
+    void fill(const ProjectWindows& w) {
+        w.f1->Text1[0]->setText(QStringLiteral("Kärkölän silta"));
+        w.f1->Text1[11]->setText(QStringLiteral("Väylävirasto\r\nPL 33\r\n00521 HELSINKI"));
+        w.f1->Combo1[9]->setText(QStringLiteral("Kärkölä"));
+        w.f1->Combo1[10]->setText(QStringLiteral("117"));
+        lists::ListModel& quantities = *w.f2->list(0);
+        lists::AddListViewRow(quantities, 1, true);
+        quantities.setCell(1, 1, QStringLiteral("7110"));
+        quantities.setCell(1, 2, QStringLiteral("KAIVUT"));
+        lists::AddListViewRow(quantities, 2, true);
+        quantities.setCell(2, 2, QStringLiteral("Maankaivu"));
+        quantities.setCell(2, 4, QStringLiteral("120"));
+        quantities.setCell(2, 6, QStringLiteral("8,50"));
+        lists::ListModel& requirements = *w.f2->list(1);
+        lists::AddListViewRow(requirements, 1, true);
+        requirements.setCell(1, 2, QStringLiteral("1"));
+        requirements.setCell(1, 3, QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
+        requirements.setCell(1, 13, QStringLiteral("/kuvat/työselostus.pdf"));
+        w.f3->Text1[47]->setText(QStringLiteral("320"));
+        w.f4->Text1[0]->setText(QStringLiteral("U-1234"));
+        w.f4->Check1[1]->setChecked(true);
+        QTextCursor cursor(w.f2->RichTextBox1[0]->document());
+        QTextCharFormat bold;
+        bold.setFontWeight(QFont::Bold);
+        cursor.insertText(QStringLiteral("Rakennussuunnitelman "), bold);
+        cursor.insertText(QStringLiteral("selostus"));
+        QString error;
+        const platform::Picture logo = platform::Picture::fromFile(testing_support::dataDir() +
+                                                                   QStringLiteral("Tamrik2006-logo.wmf"), &error);
+        ASSERT_FALSE(logo.isNull()) << error.toStdString();
+        w.f1->Image1[2]->setPicture(logo);
+    }
+
+    QByteArray bytesOf(const QString& path) {
+        QByteArray b;
+        EXPECT_TRUE(platform::readFileBytes(path, b));
+        return b;
+    }
+
+    ScriptedDialogs dialogs;
+    std::unique_ptr<MDIForm1> main;
+    QTemporaryDir dir;
+};
+
+} // namespace
+
+TEST_F(ProjectFilesTest, SaveOpenSaveIsByteIdenticalAndRestoresEveryField) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString first = dir.filePath(QStringLiteral("Kärkölä.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), first, false));
+    EXPECT_EQ(p1.f1->caption(), first + QStringLiteral(" (Perustiedot) Ei muutettu"));
+    EXPECT_EQ(main->appState().RecentFiles[0], first);
+    const QByteArray saved = bytesOf(first);
+    // A picture member of type 2 (metafile) in slot 3, the others empty.
+    EXPECT_EQ(static_cast<int>(saved[5 * 3 + 4]), 2);
+    EXPECT_EQ(saved.mid(5 * 1, 5), QByteArray(5, '\0'));
+
+    main->NewProject();
+    const ProjectWindows p2 = project(QStringLiteral("Projekti2"));
+    main->activateWindow(p2.f1);
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), first, false));
+    const ProjectWindows back = project(first);
+    ASSERT_TRUE(back.complete());
+    EXPECT_EQ(back.f1, p2.f1);
+    EXPECT_EQ(back.f1->Text1[0]->text(), QStringLiteral("Kärkölän silta"));
+    EXPECT_EQ(back.f1->Text1[11]->text(), QStringLiteral("Väylävirasto\r\nPL 33\r\n00521 HELSINKI"));
+    EXPECT_EQ(back.f1->Combo1[10]->text(), QStringLiteral("117"));
+    EXPECT_EQ(back.f2->list(0)->cell(2, 6), QStringLiteral("8,50"));
+    EXPECT_EQ(back.f2->list(0)->rowNumberText(2), QStringLiteral("00002"));
+    EXPECT_EQ(back.f2->list(1)->cell(1, 3), QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
+    EXPECT_EQ(back.f3->Text1[47]->text(), QStringLiteral("320"));
+    EXPECT_EQ(back.f4->Text1[0]->text(), QStringLiteral("U-1234"));
+    EXPECT_TRUE(back.f4->Check1[1]->isChecked());
+    EXPECT_EQ(back.f1->Image1[2]->picture().type(), 2);
+    EXPECT_TRUE(back.f1->Image1[0]->picture().isNull());
+    EXPECT_EQ(back.f2->RichTextBox1[0]->toPlainText(), QStringLiteral("Rakennussuunnitelman selostus"));
+    QTextCursor c(back.f2->RichTextBox1[0]->document());
+    c.setPosition(3);
+    EXPECT_EQ(c.charFormat().fontWeight(), QFont::Bold);
+    EXPECT_TRUE(CaptionIsUnchanged(back.f2->caption()));
+
+    const QString second = dir.filePath(QStringLiteral("toinen.sl"));
+    main->activateWindow(back.f1);
+    ASSERT_TRUE(WriteSlFile(*main, first, second, false));
+    EXPECT_EQ(bytesOf(second), saved);
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
+}
+
+TEST_F(ProjectFilesTest, OpeningUsesTheUntouchedProjectAndTheSecondOpenMakesANewOne) {
+    fill(project(QStringLiteral("Projekti1")));
+    const QString file = dir.filePath(QStringLiteral("a.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    const QString other = dir.filePath(QStringLiteral("b.sl"));
+    ASSERT_TRUE(QFile::copy(file, other));
+    main->UnloadActiveProject();
+    QCoreApplication::processEvents();
+
+    main->NewProject(); // Projekti2, untouched
+    main->openFromCommandLine(other);
+    EXPECT_EQ(main->projectWindows().size(), 4u);
+    EXPECT_TRUE(project(other).complete());
+    // A changed project is not reused.
+    main->contentChanged(project(other).f1);
+    main->openFromCommandLine(file);
+    EXPECT_EQ(main->projectWindows().size(), 8u);
+    // The same file twice is refused.
+    main->openFromCommandLine(file);
+    EXPECT_EQ(main->projectWindows().size(), 8u);
+    EXPECT_TRUE(dialogs.lastText().endsWith(QStringLiteral("on jo avoinna.")));
+}
+
+TEST_F(ProjectFilesTest, TextOnlyOpenLeavesThePicturesAlone) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString file = dir.filePath(QStringLiteral("kuvat.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    main->NewProject();
+    const ProjectWindows p2 = project(QStringLiteral("Projekti2"));
+    const platform::Picture own = platform::Picture::fromImage(QImage(8, 8, QImage::Format_RGB32));
+    p2.f1->Image1[0]->setPicture(own);
+    main->activateWindow(p2.f1);
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), file, true));
+    EXPECT_EQ(p2.f1->Image1[0]->picture().bytes(), own.bytes());
+    EXPECT_TRUE(p2.f1->Image1[2]->picture().isNull());
+    EXPECT_EQ(p2.f1->Text1[0]->text(), QStringLiteral("Kärkölän silta"));
+}
+
+TEST_F(ProjectFilesTest, DamagedFilesAreReportedAndTheWindowsKeepTheirContent) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString file = dir.filePath(QStringLiteral("ehja.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    const QByteArray good = bytesOf(file);
+    p1.f1->Text1[0]->setText(QStringLiteral("Ennallaan"));
+
+    std::vector<std::pair<QString, QByteArray>> damaged;
+    damaged.emplace_back(QStringLiteral("lyhyt.sl"), good.left(30));
+    damaged.emplace_back(QStringLiteral("katkennut.sl"), good.left(good.size() - 40));
+    QByteArray pastEnd = good;
+    pastEnd[1] = '\x7f';
+    damaged.emplace_back(QStringLiteral("pituus.sl"), pastEnd);
+    QByteArray badCount = good;
+    const qsizetype at = badCount.indexOf("\r\n18\r\n");
+    badCount.replace(at, 6, "\r\nXX\r\n");
+    damaged.emplace_back(QStringLiteral("maara.sl"), badCount);
+    persist::Members members;
+    QString error;
+    ASSERT_TRUE(persist::UnpackContainer(good, members, &error));
+    members[0].data.chop(members[0].data.size() / 3);
+    damaged.emplace_back(QStringLiteral("kesken.sl"), persist::PackContainer(members));
+    ASSERT_TRUE(persist::UnpackContainer(good, members, &error));
+    members[1].data = QByteArray("ei kuva");
+    members[1].type = 1;
+    damaged.emplace_back(QStringLiteral("kuva.sl"), persist::PackContainer(members));
+
+    for (const auto& [name, bytes] : damaged) {
+        const QString path = dir.filePath(name);
+        ASSERT_TRUE(platform::writeFileAtomically(path, bytes));
+        dialogs.clear();
+        main->activateWindow(p1.f1);
+        const QString captionBefore = p1.f1->caption();
+        EXPECT_FALSE(ReadSlFile(*main, ParseFileName(captionBefore).project(), path, false)) << name.toStdString();
+        ASSERT_EQ(dialogs.messages().size(), 1u) << name.toStdString();
+        EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Tiedostoa ") + path + QStringLiteral(" ei voi avata:")))
+            << dialogs.lastText().toStdString();
+        EXPECT_EQ(p1.f1->Text1[0]->text(), QStringLiteral("Ennallaan")) << name.toStdString();
+        EXPECT_EQ(p1.f1->caption(), captionBefore);
+        EXPECT_FALSE(main->fileOperationRunning());
+    }
+    // A project opened into fresh windows that fails goes away again.
+    main->NewProject();
+    main->openFromCommandLine(dir.filePath(QStringLiteral("maara.sl")));
+    EXPECT_EQ(main->projectWindows().size(), 8u);
+}
+
+TEST_F(ProjectFilesTest, AFailedSaveKeepsTheCaptionsAndTheOldFile) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    main->contentChanged(p1.f1);
+    const QString missingFolder = dir.filePath(QStringLiteral("ei/ole/olemassa.sl"));
+    EXPECT_FALSE(WriteSlFile(*main, QStringLiteral("Projekti1"), missingFolder, false));
+    EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Tiedostoa ")));
+    EXPECT_EQ(p1.f1->caption(), QStringLiteral("Projekti1 (Perustiedot)"));
+    EXPECT_TRUE(main->appState().RecentFiles[0].isEmpty());
+    EXPECT_FALSE(main->fileOperationRunning());
+}
+
+TEST_F(ProjectFilesTest, CharactersOutsideTheCodePageAreNamedBeforeSaving) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    p1.f1->Text1[0]->setText(QStringLiteral("Silta \u0101"));
+    const QString file = dir.filePath(QStringLiteral("merkit.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("Perustiedot: Sillan nimi"))) << dialogs.lastText().toStdString();
+    EXPECT_TRUE(bytesOf(file).contains("Silta ?"));
+}
+
+TEST_F(ProjectFilesTest, SavingWithThePathOptionKeepsOnlyFileNames) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString file = dir.filePath(QStringLiteral("laheta.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, true));
+    EXPECT_TRUE(bytesOf(file).contains("{PATH}ty\xF6selostus.pdf"));
+    // A copy for sending leaves the captions and the recent files as they were.
+    EXPECT_EQ(p1.f1->caption(), QStringLiteral("Projekti1 (Perustiedot)"));
+    EXPECT_TRUE(main->appState().RecentFiles[0].isEmpty());
+}
