@@ -1,10 +1,148 @@
 #include "documents/Form2.h"
 
+#include "documents/Controls.h"
+#include "documents/DocumentHost.h"
+#include "lists/ListModel.h"
+#include "lists/ListView.h"
+
+#include <QCheckBox>
+#include <QDragEnterEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSplitter>
+#include <QTextEdit>
+#include <QVBoxLayout>
+
 namespace documents {
 
-Form2::Form2(DocumentHost& host, QWidget* parent)
-    : ProjectWindow(host, 2, parent) {}
+namespace {
+const char* const kDocuments[3] = {"Rakennussuunnitelmaselostus", "Koodaussuunnitelma", "Urakan laatusuunnitelma"};
 
-void Form2::switchDocument(int, int) {}
+// Gives the box a copy of another document, text and formatting, and drops its old copy.
+void replaceDocument(QTextEdit* box, const QTextDocument* source) {
+    QTextDocument* copy = source->clone(box);
+    QTextDocument* old = box->document();
+    box->setDocument(copy);
+    if (old && old->parent() == box) old->deleteLater();
+}
+} // namespace
+
+QString Form2::documentName(int index) {
+    return index >= 0 && index < 3 ? QString::fromUtf8(kDocuments[index]) : QString();
+}
+
+Form2::Form2(DocumentHost& host, QWidget* parent)
+    : ProjectWindow(host, 2, parent) {
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(4, 4, 4, 4);
+    m_splitter = new QSplitter(Qt::Vertical, this);
+    m_splitter->setChildrenCollapsible(false);
+    outer->addWidget(m_splitter);
+
+    Label1.assign(3, nullptr);
+    Check1.assign(2, nullptr);
+    const QString listKinds[2] = {QStringLiteral("Määräluettelo ja kustannusarvio"), QStringLiteral("Laatuvaatimukset")};
+    const QString checks[2] = {QStringLiteral("Muokkaa ainoastaan &rak. osa  ja määräsarakkeita"),
+                               QStringLiteral("Muokkaa ainoastaan &vaatimuksen numeroarvoja")};
+    for (int i = 0; i < 2; ++i) {
+        auto* area = new QWidget(m_splitter);
+        auto* v = new QVBoxLayout(area);
+        v->setContentsMargins(0, 0, 0, 0);
+        v->setSpacing(2);
+        auto* head = new QHBoxLayout;
+        Label1[i] = new QLabel(listKinds[i], area);
+        Label1[i]->setObjectName(QStringLiteral("Label1_%1").arg(i));
+        QFont bold = Label1[i]->font();
+        bold.setBold(true);
+        Label1[i]->setFont(bold);
+        Check1[i] = new QCheckBox(checks[i], area);
+        Check1[i]->setObjectName(QStringLiteral("Check1_%1").arg(i));
+        Check1[i]->setEnabled(i == 0);
+        head->addWidget(Label1[i]);
+        head->addSpacing(24);
+        head->addWidget(Check1[i]);
+        head->addStretch(1);
+        v->addLayout(head);
+        lists::ListView* view = makeList(i, listKinds[i]);
+        view->setParent(area);
+        v->addWidget(view, 1);
+        connect(view, &lists::ListView::focusEntered, this, [this, i] { listFocused(i); });
+        connect(Check1[i], &QCheckBox::clicked, this, [this, i, view] {
+            // The focus goes to the list and its selected row stays selected.
+            m_restrict[i] = Check1[i]->isChecked();
+            view->setFocus(Qt::OtherFocusReason);
+        });
+        m_splitter->addWidget(area);
+    }
+
+    auto* textArea = new QWidget(m_splitter);
+    auto* tv = new QVBoxLayout(textArea);
+    tv->setContentsMargins(0, 0, 0, 0);
+    tv->setSpacing(2);
+    Label1[2] = new QLabel(textArea);
+    Label1[2]->setObjectName(QStringLiteral("Label1_2"));
+    QFont bold = Label1[2]->font();
+    bold.setBold(true);
+    Label1[2]->setFont(bold);
+    tv->addWidget(Label1[2]);
+    RichTextBox1.assign(4, nullptr);
+    for (int i = 0; i < 4; ++i) {
+        RichTextBox1[i] = new QTextEdit(textArea);
+        RichTextBox1[i]->setObjectName(QStringLiteral("RichTextBox1_%1").arg(i));
+        RichTextBox1[i]->setAcceptRichText(true);
+        if (i > 0) {
+            RichTextBox1[i]->hide();
+            RichTextBox1[i]->setProperty("tag", documentName(i - 1));
+        }
+    }
+    tv->addWidget(RichTextBox1[0], 1);
+    connect(RichTextBox1[0], &QTextEdit::textChanged, this, [this] { m_host.contentChanged(this); });
+    m_splitter->addWidget(textArea);
+    m_splitter->setSizes({300, 300, 260});
+
+    // The hidden drop-down and text box of the window's record.
+    ComboBox* combo = makeCombo(0);
+    combo->hide();
+    TextBox* text = makeText(0);
+    text->hide();
+    showDocument(host.appState().settings.StartUpDocument);
+}
+
+void Form2::prepareNewProject() {}
+
+void Form2::listFocused(int index) {
+    m_restrict[index] = Check1[index]->isChecked();
+    Check1[index]->setEnabled(true);
+    Check1[1 - index]->setEnabled(false);
+}
+
+bool Form2::restrictEdit(int listIndex) const {
+    return listIndex >= 0 && listIndex < 2 ? m_restrict[listIndex] : false;
+}
+
+int Form2::shownDocument() const {
+    const QString tag = RichTextBox1[0]->property("tag").toString();
+    for (int i = 0; i < 3; ++i)
+        if (tag == documentName(i)) return i;
+    return -1;
+}
+
+void Form2::StoreRichTextDocument() {
+    const int k = shownDocument();
+    if (k >= 0) replaceDocument(RichTextBox1[k + 1], RichTextBox1[0]->document());
+}
+
+void Form2::showDocument(int index) {
+    if (index < 0 || index > 2) return;
+    const QSignalBlocker block(RichTextBox1[0]);
+    replaceDocument(RichTextBox1[0], RichTextBox1[index + 1]->document());
+    RichTextBox1[0]->setProperty("tag", documentName(index));
+    Label1[2]->setText(documentName(index));
+}
+
+void Form2::switchDocument(int oldIndex, int newIndex) {
+    if (oldIndex >= 0 && oldIndex <= 2) replaceDocument(RichTextBox1[oldIndex + 1], RichTextBox1[0]->document());
+    showDocument(newIndex);
+}
 
 } // namespace documents

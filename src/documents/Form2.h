@@ -1,7 +1,13 @@
 #pragma once
-// The detailed data window: quantity list, requirement list and text documents.
+// The detailed data window: the quantity list and cost estimate, the quality requirement list,
+// and the text documents, one above the other.
 #include "documents/ProjectWindow.h"
 
+#include <array>
+
+class QCheckBox;
+class QLabel;
+class QSplitter;
 class QTextEdit;
 
 namespace documents {
@@ -11,11 +17,33 @@ class Form2 : public ProjectWindow {
 public:
     explicit Form2(DocumentHost& host, QWidget* parent = nullptr);
 
-    // RichTextBox1[0] is the visible document; [1]..[3] hold the three documents.
+    void prepareNewProject() override;
+
+    // RichTextBox1[0] is the visible document; [1]..[3] hold "Rakennussuunnitelmaselostus",
+    // "Koodaussuunnitelma" and "Urakan laatusuunnitelma".
     std::vector<QTextEdit*> RichTextBox1;
+    std::vector<QLabel*> Label1;
+    std::vector<QCheckBox*> Check1;
 
     // Stores the shown document into holder `oldIndex` + 1 and shows holder `newIndex` + 1.
     void switchDocument(int oldIndex, int newIndex);
+    // Shows holder `index` + 1 in the visible box without storing anything first (after a read).
+    void showDocument(int index);
+    // Copies the visible box into the holder of the shown document.
+    void StoreRichTextDocument();
+    // The index (0..2) of the document shown, from the visible box's tag.
+    int shownDocument() const;
+
+    // Restricted editing of the two lists: only the structural part and quantity columns of
+    // the quantity list, or only the numeric values of the requirement list.
+    bool restrictEdit(int listIndex) const;
+
+    static QString documentName(int index);
+
+private:
+    void listFocused(int index);
+    std::array<bool, 2> m_restrict{false, false};
+    QSplitter* m_splitter = nullptr;
 };
 
 } // namespace documents

@@ -4,6 +4,7 @@
 #include "documents/DocumentHost.h"
 #include "lists/ListModel.h"
 #include "lists/ListView.h"
+#include "persist/WindowRecord.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -57,6 +58,49 @@ lists::ListView* ProjectWindow::makeList(int i, const QString& kind) {
     ListView1[i] = view;
     connect(view, &lists::ListView::focusEntered, this, [this, view] { m_host.listFocused(view); });
     return view;
+}
+
+persist::WindowRecord ProjectWindow::toRecord() const {
+    persist::WindowRecord r;
+    for (const TextBox* t : Text1) r.texts.append(t ? t->text() : QString());
+    for (const ComboBox* c : Combo1) r.combos.append(c ? c->text() : QString());
+    for (const lists::ListView* v : ListView1) {
+        persist::ListRecord list;
+        const lists::ListModel* m = v ? v->list() : nullptr;
+        if (m) {
+            list.columns = m->lastDataCol();
+            list.rows.reserve(m->rows());
+            for (const lists::Row& row : m->allRows()) list.rows.push_back(row.cells.mid(0, list.columns));
+        }
+        r.lists.push_back(std::move(list));
+    }
+    return r;
+}
+
+void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
+    for (int i = 0; i < static_cast<int>(Text1.size()); ++i)
+        if (Text1[i]) Text1[i]->setText(i < record.texts.size() ? record.texts[i] : QString());
+    for (int i = 0; i < static_cast<int>(Combo1.size()); ++i)
+        if (Combo1[i]) Combo1[i]->setText(i < record.combos.size() ? record.combos[i] : QString());
+    for (int j = 0; j < static_cast<int>(ListView1.size()); ++j) {
+        lists::ListModel* m = list(j);
+        if (!m) continue;
+        std::vector<lists::Row> rows;
+        if (j < static_cast<int>(record.lists.size())) {
+            const persist::ListRecord& src = record.lists[j];
+            const int keep = std::min(src.columns, m->lastDataCol());
+            rows.reserve(src.rows.size());
+            long long number = 0;
+            for (const QStringList& cells : src.rows) {
+                lists::Row row;
+                row.cells = cells.mid(0, keep);
+                while (row.cells.size() < m->lastDataCol()) row.cells.append(QString());
+                row.cells.append(lists::formatRowNumber(++number));
+                rows.push_back(std::move(row));
+            }
+        }
+        m->reset(m->columns(), std::move(rows));
+    }
 }
 
 void ProjectWindow::closeEvent(QCloseEvent* event) {

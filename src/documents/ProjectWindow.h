@@ -10,6 +10,10 @@ class ListModel;
 class ListView;
 } // namespace lists
 
+namespace persist {
+struct WindowRecord;
+}
+
 namespace documents {
 
 class DocumentHost;
@@ -36,6 +40,13 @@ public:
     int listCount() const { return static_cast<int>(ListView1.size()); }
 
     DocumentHost& host() const { return m_host; }
+
+    // The window's record in a project file: Text1 texts, Combo1 edit texts, the lists.
+    persist::WindowRecord toRecord() const;
+    // Fills the controls from a record. Values for controls the window lacks are dropped;
+    // list cells beyond the window's columns are dropped, missing ones stay empty, and the
+    // row numbers are given anew.
+    void applyRecord(const persist::WindowRecord& record);
 
 signals:
     void closing();

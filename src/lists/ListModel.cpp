@@ -8,13 +8,16 @@ namespace {
 const QString kEmpty;
 }
 
-QString formatRowNumber(long long n) { return QStringLiteral("%1").arg(n, 5, 10, QLatin1Char('0')); }
+QString formatRowNumber(long long n) {
+    return QStringLiteral("%1").arg(n, 5, 10, QLatin1Char('0'));
+}
 
 long long rowNumberValue(const QString& text) {
     // Like Val(): leading blanks skipped, digits read up to the first other character.
     long long v = 0;
     qsizetype i = 0;
-    while (i < text.size() && text[i] == QLatin1Char(' ')) ++i;
+    while (i < text.size() && text[i] == QLatin1Char(' '))
+        ++i;
     for (; i < text.size(); ++i) {
         const QChar c = text[i];
         if (c < QLatin1Char('0') || c > QLatin1Char('9')) break;
@@ -39,7 +42,9 @@ void ListModel::setReadOnly(bool readOnly) {
     emit kindChanged();
 }
 
-QString ListModel::tag() const { return m_readOnly ? QStringLiteral("No edit") : m_kind; }
+QString ListModel::tag() const {
+    return m_readOnly ? QStringLiteral("No edit") : m_kind;
+}
 
 void ListModel::setColumnWidth(int c, int width) {
     m_columns[c - 1].width = width;
@@ -62,17 +67,26 @@ void ListModel::setCell(int r, int c, const QString& text) {
     emit dataChanged(i, i, {Qt::DisplayRole});
 }
 
+void ListModel::updateColumn(int c, const std::function<void(int r, QString& cell)>& fn) {
+    if (c < 1 || c > cols() || m_rows.empty()) return;
+    for (int r = 1; r <= rows(); ++r)
+        fn(r, m_rows[r - 1].cells[c - 1]);
+    emit dataChanged(index(0, c - 1), index(rows() - 1, c - 1), {Qt::DisplayRole});
+}
+
 void ListModel::normalise(Row& row) const {
     const qsizetype n = cols();
     if (row.cells.size() > n) row.cells.resize(n);
-    while (row.cells.size() < n) row.cells.append(QString());
+    while (row.cells.size() < n)
+        row.cells.append(QString());
 }
 
 void ListModel::reset(std::vector<Column> columns, std::vector<Row> rows) {
     beginResetModel();
     m_columns = std::move(columns);
     m_rows = std::move(rows);
-    for (Row& row : m_rows) normalise(row);
+    for (Row& row : m_rows)
+        normalise(row);
     m_current = 0;
     endResetModel();
     emit selectionChangedByModel();
@@ -95,7 +109,8 @@ void ListModel::insertEmptyRow(int pos) {
 void ListModel::insertRowsAt(int pos, std::vector<Row> rows) {
     if (rows.empty()) return;
     pos = std::clamp(pos, 1, this->rows() + 1);
-    for (Row& row : rows) normalise(row);
+    for (Row& row : rows)
+        normalise(row);
     const int count = static_cast<int>(rows.size());
     beginInsertRows(QModelIndex(), pos - 1, pos - 1 + count - 1);
     m_rows.insert(m_rows.begin() + (pos - 1), std::make_move_iterator(rows.begin()),
@@ -119,7 +134,8 @@ void ListModel::removeRowsAt(int pos, int count) {
 void ListModel::replaceRows(std::vector<Row> rows) {
     beginResetModel();
     m_rows = std::move(rows);
-    for (Row& row : m_rows) normalise(row);
+    for (Row& row : m_rows)
+        normalise(row);
     if (m_current > this->rows()) m_current = 0;
     endResetModel();
     emit selectionChangedByModel();
@@ -160,7 +176,8 @@ void ListModel::clearSelection() {
 }
 
 void ListModel::selectAll() {
-    for (Row& row : m_rows) row.selected = true;
+    for (Row& row : m_rows)
+        row.selected = true;
     emit selectionChangedByModel();
 }
 
@@ -172,7 +189,8 @@ std::vector<int> ListModel::selectedRows() const {
 }
 
 int ListModel::selectedCount() const {
-    return static_cast<int>(std::count_if(m_rows.begin(), m_rows.end(), [](const Row& r) { return r.selected; }));
+    return static_cast<int>(
+        std::count_if(m_rows.begin(), m_rows.end(), [](const Row& r) { return r.selected; }));
 }
 
 void ListModel::setCurrentRow(int r) {
@@ -190,7 +208,8 @@ int ListModel::selectedRow() const {
 }
 
 void ListModel::selectOnly(int r) {
-    for (Row& row : m_rows) row.selected = false;
+    for (Row& row : m_rows)
+        row.selected = false;
     if (r >= 1 && r <= rows()) {
         m_rows[r - 1].selected = true;
         m_current = r;
@@ -202,9 +221,13 @@ void ListModel::ensureVisible(int r) {
     if (r >= 1 && r <= rows()) emit scrollToRowRequested(r);
 }
 
-int ListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : rows(); }
+int ListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : rows();
+}
 
-int ListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : cols(); }
+int ListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : cols();
+}
 
 QVariant ListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rows() || index.column() >= cols()) return {};

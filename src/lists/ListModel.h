@@ -8,6 +8,7 @@
 #include <QAbstractTableModel>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 namespace lists {
@@ -54,6 +55,9 @@ public:
     void setCell(int r, int c, const QString& text);
     const QString& text(int r) const { return cell(r, 1); }
     const QString& rowNumberText(int r) const { return cell(r, cols()); }
+    // Rewrites column `c` of every row through `fn` (1-based row, the cell to change) and
+    // tells the views once: renumbering touches every row and must not signal per cell.
+    void updateColumn(int c, const std::function<void(int r, QString& cell)>& fn);
     const QString& rowTag(int r) const { return m_rows[r - 1].tag; }
     void setRowTag(int r, const QString& tag) { m_rows[r - 1].tag = tag; }
 

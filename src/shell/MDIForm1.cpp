@@ -87,7 +87,11 @@ MDIForm1::MDIForm1(QWidget* parent)
     });
 }
 
-MDIForm1::~MDIForm1() = default;
+MDIForm1::~MDIForm1() {
+    // Sub-windows activate one another while they are destroyed; the menus may be gone by then.
+    m_shuttingDown = true;
+    disconnect(mdiArea, nullptr, this, nullptr);
+}
 
 QAction* MDIForm1::addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
                            const QKeySequence& shortcut) {
@@ -355,7 +359,7 @@ bool MDIForm1::shutDown() {
 
 void MDIForm1::LoadSettings() {
     ReadSettingsValues(*m_store, m_state);
-    QString appPath = QCoreApplication::applicationDirPath();
+    QString appPath = m_programDirectory.isEmpty() ? QCoreApplication::applicationDirPath() : m_programDirectory;
     if (!appPath.endsWith(QLatin1Char('/'))) appPath += QLatin1Char('/');
     m_state.AppPath = appPath;
     Settings& s = m_state.settings;

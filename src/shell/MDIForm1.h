@@ -57,6 +57,8 @@ public:
 
     // The start-up sequence: splash, settings, base lists, help files, position, Projekti1.
     void startUp(bool showSplash = true);
+    // The program directory to use instead of the executable's (tests run from elsewhere).
+    void setProgramDirectory(const QString& directory) { m_programDirectory = directory; }
 
     // Opens a project named on the command line, as "&Avaa..." would.
     void openFromCommandLine(const QString& file);
@@ -154,6 +156,7 @@ private:
     QWidget* m_progressStrip = nullptr;
     QLabel* m_progressText = nullptr;
     bool m_shuttingDown = false;
+    QString m_programDirectory;
 };
 
 } // namespace shell

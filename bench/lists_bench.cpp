@@ -1,0 +1,186 @@
+// Benchmarks of the list procedures and list files on lists of 5,000 to 20,000 rows. Each is
+// run at three sizes and reports its complexity: the work must grow linearly with the rows.
+#include "lists/ListFiles.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "lists/Spreadsheet.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <benchmark/benchmark.h>
+
+using namespace lists;
+
+namespace {
+
+// A quantity list as the projects hold it, without blank rows: captions, subcaptions,
+// entries with continuation and remark rows, repeated to the wanted length.
+void makeQuantityList(ListModel& list, int rowCount) {
+    const QStringList headers{"LITTERA", "TYÖVAIHE",  "RAK. OSA",    "MÄÄRÄ",
+                              "YKSIKKÖ", "YKS.HINTA", "HUOMAUTUKSET"};
+    std::vector<Row> rows;
+    rows.reserve(rowCount);
+    auto add = [&](QStringList cells) {
+        cells.resize(headers.size());
+        cells.append(formatRowNumber(static_cast<long long>(rows.size()) + 1));
+        rows.push_back({cells, {}, false});
+    };
+    for (int block = 0; static_cast<int>(rows.size()) < rowCount; ++block) {
+        const QString littera = QString::number(7100 + block % 100);
+        add({littera, "SILLAN RAKENNUSOSA " + QString::number(block)});
+        for (int sub = 1; sub <= 3 && static_cast<int>(rows.size()) < rowCount; ++sub) {
+            add({littera + "." + QString::number(sub), "Alaryhmä " + QString::number(sub), "Koko silta"});
+            for (int e = 0; e < 4 && static_cast<int>(rows.size()) < rowCount; ++e) {
+                add({"", "Työ " + QString::number(e), "Tuki " + QString::number(e), "12,5", "m3", "45,50"});
+                if (e % 2 == 0) add({"", "jatkoteksti"});
+                if (e == 3) add({"", "", "", "", "", "", "huomautus"});
+            }
+        }
+    }
+    rows.resize(rowCount);
+    std::vector<Column> columns = columnsForHeaders(headers);
+    list.setKind(kind::QuantityList);
+    list.reset(std::move(columns), std::move(rows));
+}
+
+// A generated list of state.range(0) rows and a file name for it in a temporary folder.
+struct BenchList {
+    QTemporaryDir dir;
+    ListModel list;
+    QString path;
+    BenchList(const benchmark::State& state, const QString& fileName)
+        : path(dir.filePath(fileName)) {
+        makeQuantityList(list, static_cast<int>(state.range(0)));
+    }
+};
+
+void sizes(benchmark::internal::Benchmark* b) {
+    b->Arg(5000)->Arg(10000)->Arg(20000)->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
+}
+
+void BM_InitListView(benchmark::State& state) {
+    BenchList b(state, "luettelo.sl1");
+    SaveListView(b.list, b.path);
+    for (auto _ : state) {
+        ListModel read;
+        benchmark::DoNotOptimize(InitListView(read, b.path, ";"));
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_InitListView)->Apply(sizes);
+
+void BM_SaveListView(benchmark::State& state) {
+    BenchList b(state, "luettelo.sl1");
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SaveListView(b.list, b.path));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_SaveListView)->Apply(sizes);
+
+void BM_FindCaptionFromEveryRow(benchmark::State& state) {
+    ListModel list;
+    makeQuantityList(list, static_cast<int>(state.range(0)));
+    for (auto _ : state)
+        for (int r = 1; r <= list.rows(); ++r)
+            benchmark::DoNotOptimize(FindCaption(list, r));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_FindCaptionFromEveryRow)->Apply(sizes);
+
+void BM_FormatListView(benchmark::State& state) {
+    ListModel list;
+    makeQuantityList(list, static_cast<int>(state.range(0)));
+    const std::vector<Row> unformatted = list.allRows();
+    for (auto _ : state) {
+        state.PauseTiming();
+        list.replaceRows(unformatted);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(FormatListView(list, 1, 0, {1, 1, 1, 1, 1, 1}));
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_FormatListView)->Apply(sizes);
+
+void BM_InsertRowsInMiddle(benchmark::State& state) {
+    // A 200-row block copied into the middle of the list, numbered in one pass.
+    ListModel list;
+    makeQuantityList(list, static_cast<int>(state.range(0)));
+    const std::vector<Row> original = list.allRows();
+    const std::vector<Row> block(original.begin(), original.begin() + 200);
+    for (auto _ : state) {
+        state.PauseTiming();
+        list.replaceRows(original);
+        state.ResumeTiming();
+        InsertListViewRows(list, list.rows() / 2, block, true);
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_InsertRowsInMiddle)->Apply(sizes);
+
+void BM_ImportXlsx(benchmark::State& state) {
+    BenchList b(state, "luettelo.xlsx");
+    ExportListViewXlsx(b.list, b.path);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(ImportListViewXls(b.list, b.path));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_ImportXlsx)->Apply(sizes);
+
+// FreeXL only reads .xls: the file is made once by LibreOffice beside the benchmark program.
+QString xlsFixture(int rowCount, QString* why) {
+    const QString dir = QCoreApplication::applicationDirPath();
+    const QString xls = dir + QStringLiteral("/lists_bench_%1.xls").arg(rowCount);
+    if (QFileInfo::exists(xls)) return xls;
+    const QString soffice = QStandardPaths::findExecutable(QStringLiteral("soffice"));
+    if (soffice.isEmpty()) {
+        *why = QStringLiteral("LibreOffice (soffice) is not installed: no .xls to read");
+        return {};
+    }
+    QTemporaryDir work;
+    ListModel list;
+    makeQuantityList(list, rowCount);
+    const QString csv = work.filePath(QStringLiteral("lists_bench_%1.csv").arg(rowCount));
+    {
+        QFile f(csv);
+        if (!f.open(QIODevice::WriteOnly)) return {};
+        QTextStream out(&f); // UTF-8
+        for (const QString& line : listFileLines(list))
+            out << line << '\n';
+    }
+    QProcess lo;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), work.path());
+    lo.setProcessEnvironment(env);
+    lo.start(soffice,
+             {QStringLiteral("-env:UserInstallation=file://") + work.path() + QStringLiteral("/profile"),
+              QStringLiteral("--headless"), QStringLiteral("--infilter=CSV:59,34,76,1,,1035"),
+              QStringLiteral("--convert-to"), QStringLiteral("xls"), QStringLiteral("--outdir"), dir, csv});
+    lo.waitForFinished(300000);
+    if (!QFileInfo::exists(xls)) {
+        *why = QStringLiteral("LibreOffice did not write ") + xls;
+        return {};
+    }
+    return xls;
+}
+
+void BM_ImportXls(benchmark::State& state) {
+    QString why;
+    const QString path = xlsFixture(static_cast<int>(state.range(0)), &why);
+    if (path.isEmpty()) {
+        state.SkipWithError(why.toStdString().c_str());
+        return;
+    }
+    ListModel list;
+    makeQuantityList(list, 1);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(ImportListViewXls(list, path));
+    if (list.rows() != state.range(0) + 1) state.SkipWithError("the .xls did not give every row back");
+}
+BENCHMARK(BM_ImportXls)->Arg(20000)->Unit(benchmark::kMillisecond);
+
+} // namespace

@@ -1,0 +1,147 @@
+#include "calc/CostEstimate.h"
+
+#include "calc/NumberText.h"
+#include "lists/ListProcedures.h"
+#include "lists/ListModel.h"
+
+#include <charconv>
+
+namespace calc {
+
+namespace {
+
+constexpr int kLitteraCol = 1;
+constexpr int kPhaseCol = 2;
+constexpr int kQuantityCol = 4;
+constexpr int kUnitPriceCol = 6;
+
+// Litteras of the superstructure, compared as text on their first four characters.
+const QString kSuperstructureFrom = QStringLiteral("7170");
+const QString kSuperstructureTo = QStringLiteral("7199");
+
+constexpr int kBridgeSummaryLines = 12;
+constexpr int kRoadSummaryLines = 29;
+
+// The five figures of one block from its sum of row amounts: general costs, total, the total
+// converted to the cost index, and that rounded.
+void closeBlock(float sum, double generalPercent, double factor, float& blockSum, float& general,
+                float& total, float& converted, float& rounded) {
+    blockSum = sum;
+    general = static_cast<float>(sum * generalPercent / 100);
+    total = general + sum;
+    converted = static_cast<float>(factor * total);
+    rounded = CustomRound(converted);
+}
+
+bool opensRoadWorks(const QString& phase) {
+    // Only "ö" and "Ö" turn into the caption's "Ö" in capitals: without one of them the costly
+    // conversion to capitals can be skipped.
+    if (!phase.contains(QChar(u'ö')) && !phase.contains(QChar(u'Ö'))) return false;
+    return phase.toUpper().contains(lists::kRoadWorksCaption);
+}
+
+} // namespace
+
+double ConversionFactor(const CostInputs& inputs) {
+    const double unitIndex = CustomVal(inputs.unitPriceIndex);
+    if (unitIndex == 0) return 1;
+    return (CustomVal(inputs.costIndex) - unitIndex) / unitIndex + 1;
+}
+
+bool NextIsCaption1(const lists::ListModel& list, int row) {
+    for (int r = row + 1; r <= list.rows(); ++r) {
+        if (lists::CapitalString(list.cell(r, kPhaseCol))) return true;
+        if (!lists::BlankString(list.cell(r, kQuantityCol)) || !lists::BlankString(list.cell(r, kUnitPriceCol)))
+            return false;
+    }
+    return true;
+}
+
+CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
+    const double generalPercent = CustomVal(inputs.generalPercent);
+    const double factor = ConversionFactor(inputs);
+    const int n = list.rows();
+
+    CostRecord rec;
+    rec.roadSummaryRow = n;
+    float captionSum = 0;
+    float blockSum = 0;
+    bool superstructure = false;
+    bool bridgeClosed = false;
+
+    for (int i = 1; i <= n; ++i) {
+        // The road-works caption, or the last row when there is none, closes the bridge block;
+        // that row already belongs to the road works. Only the first such caption closes it,
+        // so a later heading that mentions the road works does not discard the bridge's sum.
+        if (!bridgeClosed && (i == n || opensRoadWorks(list.cell(i, kPhaseCol)))) {
+            closeBlock(blockSum, generalPercent, factor, rec.bridgeSum, rec.bridgeGeneral, rec.bridgeTotal,
+                       rec.bridgeConverted, rec.bridgeRounded);
+            rec.bridgeSummaryRow = i - 1;
+            rec.bridgeSummaryLines = kBridgeSummaryLines;
+            captionSum = 0;
+            blockSum = 0;
+            superstructure = false;
+            bridgeClosed = true;
+        }
+
+        // A row without a littera stays in the superstructure block of the row above it.
+        const QStringView littera = QStringView(list.cell(i, kLitteraCol)).left(4);
+        if (!lists::BlankString(littera))
+            superstructure = littera >= kSuperstructureFrom && littera <= kSuperstructureTo;
+
+        const QString& quantity = list.cell(i, kQuantityCol);
+        const QString& unitPrice = list.cell(i, kUnitPriceCol);
+        if (lists::BlankString(quantity) || lists::BlankString(unitPrice)) {
+            list.setRowTag(i, QString());
+            continue;
+        }
+        const float amount = static_cast<float>(CustomVal(quantity) * CustomVal(unitPrice));
+        captionSum += amount;
+        blockSum += amount;
+        if (superstructure) rec.superstructureSum += amount;
+        if (NextIsCaption1(list, i)) {
+            list.setRowTag(i, MoneyS(captionSum, 2));
+            captionSum = 0;
+        } else {
+            // A subtotal left here by an earlier run would print under a group it no longer closes.
+            list.setRowTag(i, QString());
+        }
+    }
+
+    closeBlock(blockSum, generalPercent, factor, rec.roadSum, rec.roadGeneral, rec.roadTotal,
+               rec.roadConverted, rec.roadRounded);
+    rec.roadSummaryLines = kRoadSummaryLines;
+    return rec;
+}
+
+QString FormatCostRecord(const CostRecord& r) {
+    QString out;
+    const auto line = [&out](const char* name, float value) {
+        char buf[32];
+        const auto end =
+            std::to_chars(buf, buf + sizeof buf, static_cast<double>(value), std::chars_format::general, 9);
+        out += QLatin1String(name) + QLatin1String(" = ") + QLatin1String(buf, end.ptr - buf) +
+               QLatin1Char('\n');
+    };
+    const auto count = [&out](const char* name, int value) {
+        out += QLatin1String(name) + QLatin1String(" = ") + QString::number(value) + QLatin1Char('\n');
+    };
+    line("bridgeSum", r.bridgeSum);
+    line("bridgeGeneral", r.bridgeGeneral);
+    line("superstructureSum", r.superstructureSum);
+    line("bridgeTotal", r.bridgeTotal);
+    line("bridgeConverted", r.bridgeConverted);
+    line("bridgeRounded", r.bridgeRounded);
+    line("roadSum", r.roadSum);
+    line("roadGeneral", r.roadGeneral);
+    line("roadTotal", r.roadTotal);
+    line("roadConverted", r.roadConverted);
+    line("roadRounded", r.roadRounded);
+    count("bridgeSummaryRow", r.bridgeSummaryRow);
+    count("roadSummaryRow", r.roadSummaryRow);
+    count("bridgeSummaryLines", r.bridgeSummaryLines);
+    count("roadSummaryLines", r.roadSummaryLines);
+    return out;
+}
+
+} // namespace calc

@@ -1,0 +1,188 @@
+#include "calc/QualityIndex.h"
+
+#include "calc/NumberText.h"
+#include "lists/ListProcedures.h"
+#include "lists/ListModel.h"
+
+#include <QLocale>
+#include <algorithm>
+
+namespace calc {
+
+namespace {
+
+constexpr int kLitteraCol = 1;
+constexpr int kIdentifierCol = 2;
+constexpr int kTextCol = 3;
+constexpr int kTypeCol = 4;
+constexpr int kWeightCol = 11;
+constexpr int kResultCol = 21;
+constexpr int kFactorCol = 24;
+
+const QString kCrLf = QStringLiteral("\r\n");
+
+// Drop-down values are known by their first character ("1 (siltakohtainen)", "Kyllä").
+QChar firstChar(const QString& text) {
+    return text.isEmpty() ? QChar() : text.front();
+}
+
+// "@@@@" fields: right-aligned in `width` characters, never cut.
+QString padLeft(const QString& text, int width) {
+    return text.rightJustified(width, QLatin1Char(' '));
+}
+
+// "!@@@@" fields: left-aligned in `width` characters, never cut.
+QString padRight(const QString& text, int width) {
+    return text.leftJustified(width, QLatin1Char(' '));
+}
+
+// One line of the type table: count, checked, checked per cent (blank without requirements)
+// and not checked.
+QString typeLine(const QString& label, int count, int checked) {
+    const QString percent = count == 0 ? QString(7, QLatin1Char(' '))
+                                       : padLeft(QString::number(RoundHalfEven(100.0 * checked / count)), 7);
+    return label + padLeft(QString::number(count), 8) + padLeft(QString::number(checked), 6) + percent +
+           padLeft(QString::number(count - checked), 10);
+}
+
+} // namespace
+
+CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn) {
+    CaptionInfo info;
+    const QString& littera = list.cell(row, kLitteraCol);
+    const QString& text = list.cell(row, captionColumn);
+    const bool roadWorks = text == lists::kRoadWorksCaption;
+    if (!roadWorks && lists::BlankString(littera)) return info;
+    info.littera = littera.isEmpty() ? QStringLiteral(" ") : littera;
+    info.text = text;
+    info.level = roadWorks || lists::CapitalString(text) ? 1 : 2;
+    return info;
+}
+
+QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
+    QualityRecord rec;
+    // Running sums of the current work phase (level 1) and sub-phase (level 2), and the slots
+    // they are stored in when their group closes.
+    float phaseMax = 0, phaseRealized = 0, subMax = 0, subRealized = 0;
+    int phaseSlot = 0, subSlot = 0;
+    const auto storePhase = [&] {
+        rec.groupMax[phaseSlot] = phaseMax;
+        rec.groupRealized[phaseSlot] = phaseRealized;
+    };
+    const auto storeSub = [&] {
+        rec.groupMax[subSlot] = subMax;
+        rec.groupRealized[subSlot] = subRealized;
+    };
+    const auto openGroup = [&rec](const CaptionInfo& caption) {
+        rec.groupLittera.push_back(caption.littera);
+        rec.groupText.push_back(caption.text);
+        rec.groupMax.push_back(0);
+        rec.groupRealized.push_back(0);
+        rec.longestGroupText = std::max(rec.longestGroupText, static_cast<int>(caption.text.size()));
+        return static_cast<int>(rec.groupText.size()) - 1;
+    };
+
+    for (int r = 1; r <= list.rows(); ++r) {
+        const CaptionInfo caption = ListViewCaption(list, r, kTextCol);
+        if (caption.level == 1) {
+            storePhase();
+            storeSub();
+            phaseSlot = openGroup(caption);
+            subSlot = 0;
+            phaseMax = phaseRealized = subMax = subRealized = 0;
+            continue;
+        }
+        if (caption.level == 2) {
+            storeSub();
+            subSlot = openGroup(caption);
+            subMax = subRealized = 0;
+            continue;
+        }
+        if (lists::BlankString(list.cell(r, kIdentifierCol))) continue;
+
+        const QChar type = firstChar(list.cell(r, kTypeCol));
+        const QChar result = firstChar(list.cell(r, kResultCol));
+        const bool met = result == u'K';
+        const bool failed = result == u'E';
+        if (type == u'1' || type == u'2') {
+            const bool type1 = type == u'1';
+            (type1 ? rec.countType1 : rec.countType2)++;
+            const float weight = static_cast<float>(CustomVal(list.cell(r, kWeightCol)));
+            rec.totalMax += weight;
+            phaseMax += weight;
+            subMax += weight;
+            if (met || failed) {
+                // A failed requirement still earns the share of its weight that its factor says.
+                const float earned =
+                    met ? weight : static_cast<float>(CustomVal(list.cell(r, kFactorCol))) * weight;
+                rec.totalRealized += earned;
+                phaseRealized += earned;
+                subRealized += earned;
+                (type1 ? rec.checkedType1 : rec.checkedType2)++;
+            }
+        } else {
+            ++rec.countType3;
+            if (met || failed) ++rec.checkedType3;
+        }
+    }
+    storePhase();
+    storeSub();
+    rec.groupCount = static_cast<int>(rec.groupText.size()) - 1;
+    if (rec.totalMax != 0) rec.qualityNumber = rec.totalRealized / rec.totalMax * 100;
+    return rec;
+}
+
+QString MakeSummaryText(const QualityRecord& rec, const QString& projectFileName,
+                        const QDateTime& printedAt) {
+    QString out;
+    const auto line = [&out](const QString& text) { out += text + kCrLf; };
+    const QLocale c = QLocale::c();
+
+    line(QStringLiteral("TAMRIK 2006 - ") + projectFileName);
+    line(QString());
+    line(QStringLiteral("LAATUVAATIMUSTEN YHTEENVETO"));
+    line(QStringLiteral("Tulostettu: ") + c.toString(printedAt, QStringLiteral("dd.MM.yyyy")) +
+         QStringLiteral("  ") + c.toString(printedAt, QStringLiteral("HH:mm")));
+    line(QString());
+    line(QStringLiteral("Tyyppi") + QString(15, QLatin1Char(' ')) +
+         QStringLiteral("lkm  tark.  tark%  ei tark."));
+    line(QString(48, QLatin1Char('-')));
+    line(typeLine(QStringLiteral("1 Siltakohtainen"), rec.countType1, rec.checkedType1));
+    line(typeLine(QStringLiteral("2 KLVn mukainen "), rec.countType2, rec.checkedType2));
+    line(typeLine(QStringLiteral("3 Ohjeellinen    "), rec.countType3, rec.checkedType3));
+    line(QString(48, QLatin1Char('-')));
+    line(typeLine(QStringLiteral("Yhteensä        "), rec.countType1 + rec.countType2 + rec.countType3,
+                  rec.checkedType1 + rec.checkedType2 + rec.checkedType3));
+    line(QString());
+    line(QStringLiteral("Toteutunut painoarvojen summa (TotPA) koko sillalle: ") +
+         DecimalS(rec.totalRealized, 0) + QStringLiteral(" (") + DecimalS(rec.totalMax, 0) +
+         QStringLiteral(")"));
+    line(QString());
+    line(QStringLiteral("SILLAN LAATULUKU : ") + FormatHashDotHash(rec.qualityNumber) +
+         QStringLiteral(" (100)"));
+    line(QString());
+
+    // The captions start under "Työvaihe" (8 characters) and take the longest caption's width.
+    const int gap = std::max(1, rec.longestGroupText + 4 - 8);
+    const QString header = QStringLiteral("Littera Työvaihe") + QString(gap, QLatin1Char(' ')) +
+                           QStringLiteral("Pa%  TotPa  MaksPa  Tot%");
+    line(header);
+    line(QString(header.size(), QLatin1Char('-')));
+
+    const QString none = QStringLiteral("-");
+    const int groups = std::min<int>(rec.groupCount, static_cast<int>(rec.groupText.size()) - 1);
+    for (int g = 1; g <= groups; ++g) {
+        const QString& text = rec.groupText[g];
+        const float max = rec.groupMax[g];
+        const float realized = rec.groupRealized[g];
+        // Only work phases (captions in capitals) show their share of the bridge's weight.
+        const QString share =
+            lists::CapitalString(text) && rec.totalMax != 0 ? DecimalS(max / rec.totalMax * 100, 0) : none;
+        const QString achieved = max != 0 ? DecimalS(realized / max * 100, 0) : none;
+        line(padRight(rec.groupLittera[g], 8) + padRight(text, rec.longestGroupText) + padLeft(share, 7) +
+             padLeft(DecimalS(realized, 0), 7) + padLeft(DecimalS(max, 0), 7) + padLeft(achieved, 7));
+    }
+    return out;
+}
+
+} // namespace calc

@@ -1,0 +1,60 @@
+#pragma once
+// The bridge quality number ("SILLAN LAATULUKU") from the inspected quality requirements, and
+// the plain-text summary "LAATUVAATIMUSTEN YHTEENVETO".
+//
+// Columns of the requirement list read here: 1 littera of a caption row, 2 the requirement's
+// identifier (blank on rows that are no requirement), 3 requirement or caption text,
+// 4 "TYYPPI", 11 "PAINOARVO", 21 "TÄYTTÄÄ VAATIMUKSET", 24 "PAINOARVON KERROIN".
+#include <QDateTime>
+#include <QString>
+#include <vector>
+
+namespace lists {
+class ListModel;
+}
+
+namespace calc {
+
+// How a row stands as a caption: level 1 a work phase (a littera with a heading in capitals,
+// or the heading "TIETYÖT SILTAPAIKALLA"), level 2 a sub-phase (a littera with a heading in
+// ordinary case), level 0 any other row (littera and text then empty).
+struct CaptionInfo {
+    int level = 0;
+    QString littera; // column 1, or " " when that is empty
+    QString text;    // the caption column's text
+};
+
+CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn);
+
+// The results of one run. Weight sums are single precision.
+struct QualityRecord {
+    int checkedType1 = 0; // type 1 requirements with a result ("Kyllä" or "Ei")
+    int checkedType2 = 0;
+    int checkedType3 = 0; // any other type
+    int countType1 = 0;
+    int countType2 = 0;
+    int countType3 = 0;
+    float qualityNumber = 0; // 100 * totalRealized / totalMax, 0 when totalMax is 0
+    float totalMax = 0;      // MaksPa: weights of all type 1 and 2 requirements
+    float totalRealized = 0; // TotPa: weights earned by the inspected ones
+    // Work-phase groups in list order. Slot 0 collects the requirements above the first caption
+    // and is never reported; slots 1 .. groupCount are the captions.
+    std::vector<QString> groupLittera{QString()};
+    std::vector<QString> groupText{QString()};
+    std::vector<float> groupMax{0.0f};
+    std::vector<float> groupRealized{0.0f};
+    int groupCount = 0;
+    int longestGroupText = 0; // characters of the longest caption text
+};
+
+// Sums the requirement list in one pass. A level-1 group takes in everything up to the next
+// level-1 caption, its sub-phases included; a level-2 group up to the next caption of either
+// level. Type 3 requirements are counted but carry no weight.
+QualityRecord CalculateQualityIndex(const lists::ListModel& list);
+
+// The summary report, one line per entry, every line ending in CR LF. `projectFileName` is the
+// project's folder and file name; `printedAt` the time stamped on it.
+QString MakeSummaryText(const QualityRecord& record, const QString& projectFileName,
+                        const QDateTime& printedAt);
+
+} // namespace calc

@@ -1,0 +1,429 @@
+#include "lists/ListProcedures.h"
+
+#include <algorithm>
+
+namespace lists {
+
+ListGroup groupOfKind(const QString& kindText) {
+    if (kindText == kind::QuantityList || kindText == kind::UnitPriceList) return ListGroup::Quantity;
+    if (kindText == kind::Requirements || kindText == kind::RequirementBase) return ListGroup::Quality;
+    return ListGroup::Other;
+}
+
+ListGroup groupOf(const ListModel& list) {
+    return groupOfKind(list.kind());
+}
+
+bool isQuantityKind(const QString& kindText) {
+    return groupOfKind(kindText) == ListGroup::Quantity;
+}
+
+bool isQualityKind(const QString& kindText) {
+    return groupOfKind(kindText) == ListGroup::Quality;
+}
+
+namespace {
+
+struct GroupColumns {
+    int heading, entry, detail;
+};
+
+GroupColumns columnsOf(const ListModel& list) {
+    switch (groupOf(list)) {
+        case ListGroup::Quantity:
+            return {2, 5, 3};
+        case ListGroup::Quality:
+            return {3, 2, 2};
+        default:
+            return {2, 0, 0};
+    }
+}
+
+} // namespace
+
+int headingColumn(const ListModel& list) {
+    return columnsOf(list).heading;
+}
+
+int entryColumn(const ListModel& list) {
+    return columnsOf(list).entry;
+}
+
+int detailColumn(const ListModel& list) {
+    return columnsOf(list).detail;
+}
+
+bool BlankString(QStringView text) {
+    for (const QChar c : text)
+        if (c != QLatin1Char(' ')) return false;
+    return true;
+}
+
+bool CapitalString(QStringView text) {
+    int capitals = 0;
+    for (const QChar ch : text) {
+        const char16_t c = ch.unicode();
+        if ((c >= u'a' && c <= u'z') || c == u'å' || c == u'ä' || c == u'ö') return false;
+        if ((c >= u'A' && c <= u'Z') || c == u'Å' || c == u'Ä' || c == u'Ö') ++capitals;
+    }
+    return capitals >= 2;
+}
+
+BlankInfo BlankListItem(const ListModel& list, int r) {
+    if (!BlankString(list.cell(r, 1))) return {1, false};
+    for (int c = 2; c <= list.lastDataCol(); ++c)
+        if (!BlankString(list.cell(r, c))) return {c, false};
+    return {0, true};
+}
+
+int ListViewHotSubItem(const ListModel& list) {
+    return headingColumn(list) - 1;
+}
+
+QString normalisedLittera(const QString& littera) {
+    if (littera.size() != 6) return littera;
+    return littera.left(5) + QLatin1Char('0') + littera.right(1);
+}
+
+// ---------------------------------------------------------------- row numbers
+
+long long CurrentRowNumber(const ListModel& list, int position) {
+    if (list.rows() == 0) return 1;
+    if (position > list.rows()) {
+        // Appending takes the largest number plus 1, so that a list sorted by another column
+        // still gets a number no other row has.
+        long long largest = 0;
+        for (int r = 1; r <= list.rows(); ++r)
+            largest = std::max(largest, rowNumberValue(list.rowNumberText(r)));
+        return largest + 1;
+    }
+    return rowNumberValue(list.rowNumberText(std::max(position, 1)));
+}
+
+void UpdateRowNumbers(ListModel& list, long long number) {
+    const QString numberText = formatRowNumber(number);
+    list.updateColumn(list.cols(), [&](int, QString& cell) {
+        const long long v = rowNumberValue(cell);
+        if (v == 0)
+            cell = numberText;
+        else if (v >= number)
+            cell = formatRowNumber(v + 1);
+    });
+}
+
+int InsertListViewRows(ListModel& list, int position, std::vector<Row> rows, bool numbered) {
+    position = std::clamp(position, 1, list.rows() + 1);
+    const int k = static_cast<int>(rows.size());
+    if (k == 0) return position;
+    const int n = list.cols();
+    for (Row& row : rows) {
+        row.cells.resize(n);
+        row.selected = false;
+    }
+    if (numbered && n > 0) {
+        // One insertion at a time would take the same number N each time (the row at the
+        // position is the one inserted just before): the new rows read N .. N+k-1 from the top,
+        // numbers from N on move up by k, and empty numbers end as N+k-1, having become N at
+        // the first insertion and moved up with each later one. With N = 0 (the row at the
+        // position had no number) every new and empty number stays 0 and all others move up.
+        const long long first = CurrentRowNumber(list, position);
+        list.updateColumn(n, [&](int, QString& cell) {
+            const long long v = rowNumberValue(cell);
+            if (v == 0)
+                cell = formatRowNumber(first == 0 ? 0 : first + k - 1);
+            else if (v >= first)
+                cell = formatRowNumber(v + k);
+        });
+        for (int i = 0; i < k; ++i)
+            rows[i].cells[n - 1] = formatRowNumber(first == 0 ? 0 : first + i);
+    } else if (n > 0) {
+        for (Row& row : rows)
+            row.cells[n - 1].clear();
+    }
+    list.insertRowsAt(position, std::move(rows));
+    return position;
+}
+
+int AddListViewRow(ListModel& list, int position, bool numbered) {
+    return InsertListViewRows(list, position, std::vector<Row>(1), numbered);
+}
+
+// ---------------------------------------------------------------- captions
+
+CaptionInfo FindCaption(const ListModel& list, int startRow) {
+    CaptionInfo out;
+    if (groupOf(list) == ListGroup::Other) return out;
+    const int h = headingColumn(list);
+    const int e = entryColumn(list);
+    const int d = detailColumn(list);
+    const int n = list.rows();
+
+    for (int r = std::min(startRow, n); r >= 1; --r) {
+        const QString& littera = list.cell(r, 1);
+        const QString& heading = list.cell(r, h);
+        const bool hasLittera = !BlankString(littera);
+        if (heading == kRoadWorksCaption || (hasLittera && CapitalString(heading))) {
+            out.captionRow = r;
+            break;
+        }
+        if (out.subcaptionRow == 0 && hasLittera) {
+            out.subcaptionRow = r;
+            out.subcaptionLittera = littera;
+            out.subcaptionText = heading;
+            if (out.detailText.isEmpty()) out.detailText = list.cell(r, d);
+        }
+        if (out.subcaptionRow == 0 && out.entryRow == 0 && !BlankString(list.cell(r, e))) {
+            out.entryRow = r;
+            out.detailText = list.cell(r, d);
+            out.entryText = heading;
+        }
+    }
+
+    // A block continues while the rows below have neither a littera nor an entry.
+    auto continues = [&](int r) { return BlankString(list.cell(r, 1)) && BlankString(list.cell(r, e)); };
+    if (out.captionRow > 0) {
+        out.captionLittera = list.cell(out.captionRow, 1);
+        out.captionText = list.cell(out.captionRow, h);
+        if (out.detailText.isEmpty()) out.detailText = list.cell(out.captionRow, d);
+        out.captionRows = 1;
+        for (int r = out.captionRow + 1; r <= n && continues(r); ++r) {
+            out.captionText += list.cell(r, h);
+            ++out.captionRows;
+        }
+    }
+    if (out.subcaptionRow > 0) {
+        out.subcaptionRows = 1;
+        for (int r = out.subcaptionRow + 1; r <= n && continues(r); ++r)
+            ++out.subcaptionRows;
+    }
+    if (out.entryRow > 0) {
+        out.entryRows = 1;
+        for (int r = out.entryRow + 1; r <= n && continues(r) && list.cell(r, h) != kRoadWorksCaption; ++r)
+            ++out.entryRows;
+    }
+    return out;
+}
+
+int InsertCaption(ListModel& target, int position, const ListModel& source, int firstRow, int rowCount) {
+    const int last = std::min(firstRow + rowCount - 1, source.rows());
+    if (firstRow < 1 || last < firstRow) return 0;
+    const QString& littera = source.cell(firstRow, 1);
+    const QString& name = source.cell(firstRow, 2);
+    bool hasLittera = false;
+    bool hasName = false;
+    for (int r = 1; r <= target.rows() && !(hasLittera && hasName); ++r) {
+        hasLittera = hasLittera || target.cell(r, 1) == littera;
+        hasName = hasName || target.cell(r, 2) == name;
+    }
+    if (hasLittera && hasName) return 0;
+
+    const int m = std::min(source.lastDataCol(), target.lastDataCol());
+    std::vector<Row> block(last - firstRow + 1);
+    for (int r = firstRow; r <= last; ++r) {
+        QStringList& cells = block[r - firstRow].cells;
+        cells.reserve(target.cols());
+        for (int c = 1; c <= m; ++c)
+            cells.append(source.cell(r, c));
+    }
+    const int count = static_cast<int>(block.size());
+    InsertListViewRows(target, position, std::move(block), true);
+    return count;
+}
+
+// ---------------------------------------------------------------- placement
+
+int LocateRow(const ListModel& target, const ListModel& source, int position, int captionRow,
+              int subcaptionRow, int mode, int offset) {
+    switch (mode) {
+        case 2:
+        case 3:
+            return position + offset;
+        case 4:
+        case 5:
+            return target.rows() + 1;
+        case 0:
+        case 1:
+            break;
+        default:
+            return position;
+    }
+
+    const int sh = headingColumn(source);
+    const int h = headingColumn(target);
+    const int n = target.rows();
+    const QString captionLittera = captionRow > 0 ? source.cell(captionRow, 1) : QString();
+    const QString captionText = captionRow > 0 ? source.cell(captionRow, sh) : QString();
+    const QString subLittera = subcaptionRow > 0 ? source.cell(subcaptionRow, 1) : QString();
+    const QString subText = subcaptionRow > 0 ? source.cell(subcaptionRow, sh) : QString();
+
+    int anchor = 0;
+    if (subcaptionRow > 0) {
+        for (int r = 1; r <= n; ++r) {
+            if (target.cell(r, 1) != subLittera) continue;
+            if (target.cell(r, h) == subText) anchor = r;
+            break;
+        }
+    } else if (!captionText.isEmpty()) {
+        if (captionText == kRoadWorksCaption) {
+            for (int r = 1; r <= n && anchor == 0; ++r)
+                for (int c = 2; c <= target.lastDataCol(); ++c)
+                    if (target.cell(r, c) == kRoadWorksCaption) {
+                        anchor = r;
+                        break;
+                    }
+        } else {
+            for (int r = 1; r <= n; ++r) {
+                if (target.cell(r, 1) != captionLittera) continue;
+                if (target.cell(r, h) == captionText) anchor = r;
+                break;
+            }
+        }
+    }
+
+    if (anchor > 0) {
+        const QString subNormalised = normalisedLittera(subLittera);
+        for (int j = anchor + 1; j <= n; ++j) {
+            const QString& littera = target.cell(j, 1);
+            if (CapitalString(target.cell(j, h)) && !BlankString(littera)) return j;
+            if (subcaptionRow > 0 && subNormalised < normalisedLittera(littera)) return j;
+            if (subcaptionRow == 0 && !littera.isEmpty()) return j;
+        }
+        return n + 1;
+    }
+
+    // No anchor: place by littera, road works (below "7100") apart from the bridge's phases.
+    const bool roadWork = captionLittera < kBridgeLitteraStart;
+    for (int j = 1; j <= n; ++j) {
+        const QString& littera = target.cell(j, 1);
+        if (roadWork) {
+            if (captionLittera < littera && littera < kBridgeLitteraStart) return j;
+        } else if (captionLittera < littera || target.cell(j, h) == kRoadWorksCaption ||
+                   (!littera.isEmpty() && littera < kBridgeLitteraStart)) {
+            return j;
+        }
+    }
+    return n + 1;
+}
+
+// ---------------------------------------------------------------- blank-row formatting
+
+namespace {
+
+// The class of the row below the gap being counted.
+enum State { CaptionWithLittera = 0, CaptionWithoutLittera = 1, Subcaption = 2, Entry = 3, Remark = 4 };
+
+} // namespace
+
+bool FormatListView(ListModel& list, int first, int last, const BlankLines& blankLines) {
+    const int n = list.rows();
+    if (last <= 0 || last > n) last = n;
+    first = std::max(first, 1);
+    auto bl = [&](int i) { return std::max(blankLines[i], 0); };
+
+    const int h = headingColumn(list);
+    const bool quantity = groupOf(list) == ListGroup::Quantity;
+
+    // The walk only decides; the rows are rebuilt afterwards in one pass. Walking upward, a
+    // change below row i never moves the rows above it, so deciding on the original rows
+    // gives what inserting and removing during the walk would.
+    std::vector<int> insertAfter(n + 1, 0); // [0]: blank rows to insert at the top
+    std::vector<char> removed(n + 1, 0);
+    std::vector<int> gap; // blank rows of the current gap, bottom first
+    bool changed = false;
+
+    // Brings the gap below row i to `wanted`: insertions go directly below row i, removals
+    // take the gap's topmost blank rows, as removing at position i + 1 would.
+    auto settle = [&](int i, int wanted) {
+        const int difference = wanted - static_cast<int>(gap.size());
+        if (difference > 0) {
+            insertAfter[i] = difference;
+            changed = true;
+        } else if (difference < 0) {
+            for (int k = 0; k < -difference; ++k)
+                removed[gap[gap.size() - 1 - k]] = 1;
+            changed = true;
+        }
+        gap.clear();
+    };
+
+    int state = Entry;
+    for (int i = last; i >= first; --i) {
+        const QString& littera = list.cell(i, 1);
+        const QString& heading = list.cell(i, h);
+        const bool hasLittera = !BlankString(littera);
+        if (CapitalString(heading)) {
+            int wanted = bl(1);
+            if (state == CaptionWithLittera || state == Subcaption)
+                wanted = bl(0);
+            else if (state == CaptionWithoutLittera || state == Remark)
+                wanted = 0;
+            settle(i, wanted);
+            state = hasLittera ? CaptionWithLittera : CaptionWithoutLittera;
+        } else if (hasLittera && !BlankString(heading)) {
+            int wanted = bl(1);
+            if (state == CaptionWithLittera || state == CaptionWithoutLittera)
+                wanted = bl(3);
+            else if (state == Subcaption)
+                wanted = bl(4);
+            else if (state == Remark)
+                wanted = 0;
+            settle(i, wanted);
+            state = Subcaption;
+        } else if (hasLittera) {
+            continue; // a littera without a heading: neither counted nor adjusted
+        } else {
+            const BlankInfo blank = BlankListItem(list, i);
+            if (blank.blank) {
+                gap.push_back(i);
+                continue;
+            }
+            int wanted = bl(2);
+            if (state == CaptionWithLittera || state == CaptionWithoutLittera)
+                wanted = bl(3);
+            else if (state == Subcaption)
+                wanted = bl(4);
+            settle(i, wanted);
+            state = quantity && blank.firstNonBlankCol == list.lastDataCol() ? Remark : Entry;
+        }
+    }
+    if (first == 1) settle(0, bl(5));
+    if (!changed) return false;
+
+    // Rebuild in one pass. A removed selected row passes its selection on to the row after
+    // it (and that one on, if it goes too); the current row moves along the same way.
+    const std::vector<Row>& old = list.allRows();
+    std::vector<Row> out;
+    int inserted = 0;
+    for (int v : insertAfter)
+        inserted += v;
+    out.reserve(old.size() + inserted);
+    auto blankRow = [&] {
+        Row row;
+        row.cells.resize(list.cols());
+        return row;
+    };
+    for (int k = 0; k < insertAfter[0]; ++k)
+        out.push_back(blankRow());
+    bool passSelection = false;
+    bool passCurrent = false;
+    int newCurrent = 0;
+    for (int i = 1; i <= n; ++i) {
+        const Row& row = old[i - 1];
+        if (removed[i]) {
+            passSelection = passSelection || row.selected;
+            passCurrent = passCurrent || i == list.currentRow();
+            continue;
+        }
+        out.push_back(row);
+        if (passSelection) out.back().selected = true;
+        if (passCurrent || i == list.currentRow()) newCurrent = static_cast<int>(out.size());
+        passSelection = passCurrent = false;
+        for (int k = 0; k < insertAfter[i]; ++k)
+            out.push_back(blankRow());
+    }
+    list.replaceRows(std::move(out));
+    list.setCurrentRow(newCurrent);
+    return true;
+}
+
+} // namespace lists

@@ -1,0 +1,117 @@
+#include "persist/SlContainer.h"
+
+namespace persist {
+
+std::array<std::uint8_t, 4> BytesFromLong(std::uint32_t value) {
+    return {static_cast<std::uint8_t>(value % 256), static_cast<std::uint8_t>((value / 256) % 256),
+            static_cast<std::uint8_t>((value / 65536) % 256), static_cast<std::uint8_t>((value / 16777216) % 256)};
+}
+
+std::uint32_t LongFromBytes(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2, std::uint8_t b3) {
+    return b0 + 256u * b1 + 65536u * b2 + 16777216u * b3;
+}
+
+QString FileExtension(int type) {
+    switch (type) {
+        case 1: return QStringLiteral(".bmp");
+        case 2: return QStringLiteral(".wmf");
+        case 3: return QStringLiteral(".ico");
+        case 4: return QStringLiteral(".emf");
+        default: return QStringLiteral(".tmp");
+    }
+}
+
+QByteArray PackContainer(const Members& members) {
+    qsizetype size = kHeaderSize;
+    for (const Member& m : members) size += m.data.size() + 1;
+    QByteArray out;
+    out.reserve(size);
+    for (const Member& m : members) {
+        const auto b = BytesFromLong(static_cast<std::uint32_t>(m.data.size()));
+        out.append(static_cast<char>(b[3]));
+        out.append(static_cast<char>(b[2]));
+        out.append(static_cast<char>(b[1]));
+        out.append(static_cast<char>(b[0]));
+        out.append(static_cast<char>(m.type));
+    }
+    out.append("\r\n", 2);
+    for (const Member& m : members) {
+        out.append(m.data);
+        out.append('\0');
+    }
+    return out;
+}
+
+namespace {
+
+struct Entry {
+    std::uint32_t length = 0;
+    int type = 0;
+};
+
+bool readHeader(const QByteArray& file, std::array<Entry, 7>& entries, QString* error) {
+    if (file.size() < kHeaderSize) {
+        if (error) *error = QStringLiteral("tiedosto on liian lyhyt projektitiedostoksi (%1 tavua)").arg(file.size());
+        return false;
+    }
+    const auto* b = reinterpret_cast<const std::uint8_t*>(file.constData());
+    for (int m = 0; m < 7; ++m) {
+        const std::uint8_t* e = b + 5 * m;
+        entries[m].length = LongFromBytes(e[3], e[2], e[1], e[0]);
+        entries[m].type = e[4];
+    }
+    if (b[35] != 13 || b[36] != 10) {
+        if (error) *error = QStringLiteral("tiedoston otsake on virheellinen (tavu 35)");
+        return false;
+    }
+    if (entries[0].type != 0) {
+        if (error) *error = QStringLiteral("tekstiosan tyyppi on virheellinen (tavu 4)");
+        return false;
+    }
+    return true;
+}
+
+bool takeMember(const QByteArray& file, qsizetype& offset, const Entry& e, int number, QByteArray& out,
+                QString* error) {
+    const qsizetype remaining = file.size() - offset;
+    if (static_cast<qint64>(e.length) + 1 > remaining) {
+        if (error)
+            *error = QStringLiteral("osa %1 (%2 tavua, alkaa tavusta %3) ulottuu tiedoston lopun yli")
+                         .arg(number)
+                         .arg(e.length)
+                         .arg(offset);
+        return false;
+    }
+    out = file.mid(offset, e.length);
+    offset += e.length;
+    if (file[offset] != '\0') {
+        if (error) *error = QStringLiteral("osan %1 loppumerkki puuttuu (tavu %2)").arg(number).arg(offset);
+        return false;
+    }
+    offset += 1;
+    return true;
+}
+
+} // namespace
+
+bool UnpackContainer(const QByteArray& file, Members& members, QString* error) {
+    std::array<Entry, 7> entries;
+    if (!readHeader(file, entries, error)) return false;
+    Members out;
+    qsizetype offset = kHeaderSize;
+    for (int m = 0; m < 7; ++m) {
+        if (!takeMember(file, offset, entries[m], m + 1, out[m].data, error)) return false;
+        out[m].type = entries[m].type;
+    }
+    members = std::move(out);
+    return true;
+}
+
+bool UnpackTextMember(const QByteArray& file, QByteArray& text, QString* error) {
+    std::array<Entry, 7> entries;
+    if (!readHeader(file, entries, error)) return false;
+    qsizetype offset = kHeaderSize;
+    return takeMember(file, offset, entries[0], 1, text, error);
+}
+
+} // namespace persist

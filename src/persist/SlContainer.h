@@ -1,0 +1,37 @@
+#pragma once
+// The project file: seven members behind a 37-byte header. Each member entry is its length in
+// four bytes, most significant first, and a type byte; the header ends in CR LF; every
+// member's bytes follow, each with one extra zero byte after it.
+#include <QByteArray>
+#include <QString>
+#include <array>
+#include <cstdint>
+
+namespace persist {
+
+struct Member {
+    QByteArray data;
+    int type = 0; // 0 text or no picture, 1 bitmap, 2 metafile, 3 icon, 4 enhanced metafile
+};
+using Members = std::array<Member, 7>;
+
+constexpr int kHeaderSize = 37;
+
+// The four bytes of a 32-bit value, b0 the least significant.
+std::array<std::uint8_t, 4> BytesFromLong(std::uint32_t value);
+std::uint32_t LongFromBytes(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2, std::uint8_t b3);
+
+// The extension a member is extracted with: ".tmp", ".bmp", ".wmf", ".ico", ".emf".
+QString FileExtension(int type);
+
+// Joins the members into the file's bytes.
+QByteArray PackContainer(const Members& members);
+
+// Splits a file into its members. A length past the end of the file, a missing zero byte or a
+// header without CR LF is an error that says where; `members` is then left as it was.
+bool UnpackContainer(const QByteArray& file, Members& members, QString* error);
+
+// Only the text member (the picture members need not be whole).
+bool UnpackTextMember(const QByteArray& file, QByteArray& text, QString* error);
+
+} // namespace persist

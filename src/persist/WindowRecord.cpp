@@ -1,0 +1,204 @@
+#include "persist/WindowRecord.h"
+
+#include "platform/Cp1252.h"
+
+#include <cstring>
+
+namespace persist {
+
+namespace {
+const QString kPath = QStringLiteral("{PATH}");
+
+bool isBlank(const QString& s) {
+    for (QChar c : s)
+        if (c != QLatin1Char(' ')) return false;
+    return true;
+}
+
+bool holdsFolder(const QString& s) { return s.contains(QLatin1Char('\\')) || s.contains(QLatin1Char('/')); }
+
+QString fileNameOnly(const QString& path) {
+    const qsizetype s = std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
+    return path.mid(s + 1);
+}
+} // namespace
+
+int EvaluateNRows(const QString& text) {
+    if (text.isEmpty()) return 0;
+    return 1 + static_cast<int>(text.count(QLatin1String("\r\n")));
+}
+
+void RecordWriter::value(const QString& text) {
+    const int n = EvaluateNRows(text);
+    count(n);
+    if (n == 0) return;
+    if (n == 1) {
+        m_lines.append(text);
+        return;
+    }
+    for (const QString& part : text.split(QLatin1String("\r\n"))) m_lines.append(part);
+}
+
+RecordReader::RecordReader(QByteArray bytes, qsizetype start)
+    : m_bytes(std::move(bytes))
+    , m_pos(start) {}
+
+bool RecordReader::fail(const QString& what) {
+    if (m_error.isEmpty()) m_error = QStringLiteral("rivi %1: %2").arg(m_line).arg(what);
+    return false;
+}
+
+bool RecordReader::next(const char*& begin, qsizetype& length) {
+    if (atEnd()) return false;
+    begin = m_bytes.constData() + m_pos;
+    const qsizetype rest = m_bytes.size() - m_pos;
+    // Only CR LF ends a line: a lone CR or LF belongs to the value.
+    qsizetype i = 0;
+    for (;;) {
+        const void* cr = std::memchr(begin + i, '\r', static_cast<std::size_t>(rest - i));
+        if (!cr) {
+            length = rest;
+            m_pos = m_bytes.size();
+            break;
+        }
+        i = static_cast<const char*>(cr) - begin;
+        if (i + 1 < rest && begin[i + 1] == '\n') {
+            length = i;
+            m_pos += i + 2;
+            break;
+        }
+        ++i;
+    }
+    ++m_line;
+    return true;
+}
+
+bool RecordReader::line(QString& out) {
+    const char* b = nullptr;
+    qsizetype n = 0;
+    if (!next(b, n)) return fail(QStringLiteral("tiedosto päättyy kesken"));
+    out = platform::fromCp1252(b, n);
+    return true;
+}
+
+bool RecordReader::bytes(qsizetype n, QByteArray& out) {
+    if (n < 0 || n > m_bytes.size() - m_pos) return fail(QStringLiteral("tiedosto päättyy kesken"));
+    out = m_bytes.mid(m_pos, n);
+    m_line += static_cast<int>(out.count("\r\n"));
+    m_pos += n;
+    return true;
+}
+
+bool RecordReader::count(int& out, int maximum) {
+    const int at = m_line;
+    const char* b = nullptr;
+    qsizetype n = 0;
+    if (!next(b, n)) return fail(QStringLiteral("tiedosto päättyy kesken"));
+    const QByteArray text = QByteArray(b, n).trimmed();
+    bool ok = false;
+    const int v = text.toInt(&ok);
+    if (!ok || v < 0 || v > maximum) {
+        m_line = at;
+        return fail(QStringLiteral("lukumäärä \"%1\" ei kelpaa").arg(platform::fromCp1252(text.left(40))));
+    }
+    out = v;
+    return true;
+}
+
+bool RecordReader::pair(int& first, int& second, int maxFirst, int maxSecond) {
+    const int at = m_line;
+    QString text;
+    if (!line(text)) return false;
+    const QStringList parts = text.split(QLatin1Char(','));
+    bool ok1 = false, ok2 = false;
+    if (parts.size() == 2) {
+        first = parts[0].trimmed().toInt(&ok1);
+        second = parts[1].trimmed().toInt(&ok2);
+    }
+    if (!ok1 || !ok2 || first < 0 || second < 0 || first > maxFirst || second > maxSecond) {
+        m_line = at;
+        return fail(QStringLiteral("rivi- ja sarakemäärä \"%1\" ei kelpaa").arg(text.left(40)));
+    }
+    return true;
+}
+
+bool RecordReader::value(QString& out) {
+    int n = 0;
+    // A value never has more lines than the member has bytes left.
+    if (!count(n, static_cast<int>(std::min<qsizetype>(m_bytes.size() - m_pos, 100000000)))) return false;
+    if (n == 0) {
+        out.clear();
+        return true;
+    }
+    if (!line(out)) return false;
+    for (int i = 1; i < n; ++i) {
+        QString more;
+        if (!line(more)) return false;
+        out += QLatin1String("\r\n");
+        out += more;
+    }
+    return true;
+}
+
+void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOption) {
+    out.count(record.texts.size());
+    for (const QString& t : record.texts) out.value(t);
+    out.count(record.combos.size());
+    for (const QString& c : record.combos) out.value(c);
+    out.count(static_cast<long long>(record.lists.size()));
+    for (std::size_t j = 0; j < record.lists.size(); ++j) {
+        const ListRecord& list = record.lists[j];
+        out.line(QStringLiteral("%1,%2").arg(list.rows.size()).arg(list.columns));
+        for (const QStringList& row : list.rows) {
+            for (int c = 1; c <= list.columns; ++c) {
+                QString cell = c <= row.size() ? row[c - 1] : QString();
+                if (pathOption && j == 1 && (c == 13 || c == 14) && holdsFolder(cell) && !isBlank(cell))
+                    cell = kPath + fileNameOnly(cell);
+                out.value(cell);
+            }
+        }
+    }
+}
+
+bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& directory) {
+    WindowRecord r;
+    int n = 0;
+    constexpr int kMaxControls = 100000;
+    if (!in.count(n, kMaxControls)) return false;
+    for (int i = 0; i < n; ++i) {
+        QString v;
+        if (!in.value(v)) return false;
+        r.texts.append(v);
+    }
+    if (!in.count(n, kMaxControls)) return false;
+    for (int i = 0; i < n; ++i) {
+        QString v;
+        if (!in.value(v)) return false;
+        r.combos.append(v);
+    }
+    int lists = 0;
+    if (!in.count(lists, 1000)) return false;
+    for (int j = 0; j < lists; ++j) {
+        ListRecord list;
+        int rows = 0;
+        if (!in.pair(rows, list.columns, 100000000, 10000)) return false;
+        list.rows.reserve(std::min(rows, 1000000));
+        for (int k = 0; k < rows; ++k) {
+            QStringList row;
+            row.reserve(list.columns);
+            for (int c = 1; c <= list.columns; ++c) {
+                QString v;
+                if (!in.value(v)) return false;
+                if (!directory.isEmpty() && j == 1 && (c == 13 || c == 14) && v.startsWith(kPath))
+                    v = directory + v.mid(kPath.size());
+                row.append(v);
+            }
+            list.rows.push_back(std::move(row));
+        }
+        r.lists.push_back(std::move(list));
+    }
+    record = std::move(r);
+    return true;
+}
+
+} // namespace persist

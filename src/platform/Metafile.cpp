@@ -1,0 +1,235 @@
+#include "platform/Metafile.h"
+
+#include "platform/Cp1252.h"
+
+#include <QColor>
+#include <QRegularExpression>
+#include <QtEndian>
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+extern "C" {
+#include <emf2svg.h>
+#include <libwmf/api.h>
+#include <libwmf/ipa.h>
+#include <libwmf/svg.h>
+}
+
+namespace platform {
+
+namespace {
+
+quint16 word16(const QByteArray& b, qsizetype at) {
+    return qFromLittleEndian<quint16>(b.constData() + at);
+}
+quint32 word32(const QByteArray& b, qsizetype at) {
+    return qFromLittleEndian<quint32>(b.constData() + at);
+}
+
+constexpr quint32 kPlaceableKey = 0x9AC6CDD7;
+constexpr qsizetype kPlaceableSize = 22;
+constexpr qsizetype kWmfHeaderSize = 18;
+constexpr quint32 kEmfSignature = 0x464D4520; // " EMF"
+constexpr qsizetype kEmfHeaderSize = 88;
+
+bool standardWmfHeaderAt(const QByteArray& b, qsizetype at) {
+    if (b.size() < at + kWmfHeaderSize) return false;
+    const quint16 type = word16(b, at);
+    const quint16 headerWords = word16(b, at + 2);
+    const quint16 version = word16(b, at + 4);
+    return (type == 1 || type == 2) && headerWords == 9 && (version == 0x0100 || version == 0x0300);
+}
+
+QString damaged() {
+    return QStringLiteral("Kuvan tiedot ovat vaurioituneet.");
+}
+
+// libwmf's SVG layer names every colour by the nearest of the SVG colour words ("teal" for a
+// dark blue), so the SVG is captured here with the exact colours put back: each drawing call of
+// the layer is wrapped to note the device context it draws with, and every "fill:" or "stroke:"
+// word written during the call is replaced by the context's colour that lies nearest to it.
+// The text arrives through a stream of ours, so no stream of the library's has to be destroyed
+// (its memory stream's destroy crashes).
+struct SvgCapture {
+    std::string svg;
+    wmfFunctionReference layer{}; // the SVG layer's own functions
+    const wmfDC* dc = nullptr;    // context of the drawing call in progress
+    const wmfRGB* pixel = nullptr;
+    bool text = false;
+};
+
+int chebyshev(const wmfRGB& a, const QColor& b) {
+    return std::max({std::abs(a.r - b.red()), std::abs(a.g - b.green()), std::abs(a.b - b.blue())});
+}
+
+QByteArray exactColour(const SvgCapture& c, bool fill, const QColor& named) {
+    std::vector<const wmfRGB*> candidates;
+    if (c.pixel) candidates.push_back(c.pixel);
+    if (c.dc) {
+        const wmfRGB* brush = c.dc->brush ? &c.dc->brush->lbColor : nullptr;
+        const wmfRGB* pen = c.dc->pen ? &c.dc->pen->lopnColor : nullptr;
+        if (c.text) candidates.push_back(&c.dc->textcolor);
+        // Thick pens are drawn as filled shapes, so both kinds of word may come from either.
+        for (const wmfRGB* rgb : fill ? std::array{brush, pen} : std::array{pen, brush})
+            if (rgb) candidates.push_back(rgb);
+        candidates.push_back(&c.dc->bgcolor);
+        if (!c.text) candidates.push_back(&c.dc->textcolor);
+    }
+    const wmfRGB* best = nullptr;
+    for (const wmfRGB* rgb : candidates)
+        if (!best || chebyshev(*rgb, named) < chebyshev(*best, named)) best = rgb;
+    if (!best) return {};
+    return QColor(best->r, best->g, best->b).name().toLatin1();
+}
+
+int captureText(char* text, void* context) {
+    auto* c = static_cast<SvgCapture*>(context);
+    if (!c->dc && !c->pixel) {
+        c->svg.append(text);
+        return 0;
+    }
+    static const QRegularExpression word(QStringLiteral("\\b(fill|stroke):([a-z]+)"));
+    const QString chunk = QString::fromLatin1(text);
+    qsizetype done = 0;
+    for (auto it = word.globalMatch(chunk); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        const QColor named(m.captured(2));
+        const QByteArray exact =
+            named.isValid() ? exactColour(*c, m.captured(1) == QLatin1String("fill"), named) : QByteArray();
+        if (exact.isEmpty()) continue;
+        c->svg.append(text + done, static_cast<size_t>(m.capturedStart(2) - done));
+        c->svg.append(exact.constData());
+        done = m.capturedEnd(2);
+    }
+    c->svg.append(text + done);
+    return 0;
+}
+
+int clearCapture(void* context) {
+    static_cast<SvgCapture*>(context)->svg.clear();
+    return 0;
+}
+
+template <typename Call, void (*wmfFunctionReference::*Layer)(wmfAPI*, Call*)>
+void noting(wmfAPI* api, Call* call) {
+    auto* c = static_cast<SvgCapture*>(api->user_data);
+    c->dc = call->dc;
+    if constexpr (std::is_same_v<Call, wmfDrawPixel_t>) c->pixel = &call->color;
+    if constexpr (std::is_same_v<Call, wmfDrawText_t>) c->text = true;
+    (c->layer.*Layer)(api, call);
+    c->dc = nullptr;
+    c->pixel = nullptr;
+    c->text = false;
+}
+
+void wrapDrawing(wmfAPI* api, SvgCapture& capture) {
+    auto* f = static_cast<wmfFunctionReference*>(api->function_reference);
+    capture.layer = *f;
+    api->user_data = &capture;
+    using R = wmfFunctionReference;
+    f->draw_pixel = noting<wmfDrawPixel_t, &R::draw_pixel>;
+    f->draw_pie = noting<wmfDrawArc_t, &R::draw_pie>;
+    f->draw_chord = noting<wmfDrawArc_t, &R::draw_chord>;
+    f->draw_arc = noting<wmfDrawArc_t, &R::draw_arc>;
+    f->draw_ellipse = noting<wmfDrawArc_t, &R::draw_ellipse>;
+    f->draw_line = noting<wmfDrawLine_t, &R::draw_line>;
+    f->poly_line = noting<wmfPolyLine_t, &R::poly_line>;
+    f->draw_polygon = noting<wmfPolyLine_t, &R::draw_polygon>;
+    f->draw_polypolygon = noting<wmfPolyPoly_t, &R::draw_polypolygon>;
+    f->draw_rectangle = noting<wmfDrawRectangle_t, &R::draw_rectangle>;
+    f->draw_text = noting<wmfDrawText_t, &R::draw_text>;
+    f->region_frame = noting<wmfPolyRectangle_t, &R::region_frame>;
+    f->region_paint = noting<wmfPolyRectangle_t, &R::region_paint>;
+}
+
+} // namespace
+
+bool looksLikeWmf(const QByteArray& bytes) {
+    if (bytes.size() >= kPlaceableSize + kWmfHeaderSize && word32(bytes, 0) == kPlaceableKey)
+        return standardWmfHeaderAt(bytes, kPlaceableSize);
+    return standardWmfHeaderAt(bytes, 0);
+}
+
+bool looksLikeEmf(const QByteArray& bytes) {
+    return bytes.size() >= kEmfHeaderSize && word32(bytes, 0) == 1 && word32(bytes, 4) >= kEmfHeaderSize &&
+           word32(bytes, 40) == kEmfSignature;
+}
+
+QByteArray wmfToSvg(const QByteArray& wmf, QString* error) {
+    if (!looksLikeWmf(wmf)) {
+        if (error) *error = damaged();
+        return {};
+    }
+    QByteArray input = wmf; // the library reads through a non-const pointer
+    wmfAPI_Options options{};
+    options.function = wmf_svg_function;
+    const unsigned long flags =
+        WMF_OPT_FUNCTION | WMF_OPT_IGNORE_NONFATAL | WMF_OPT_NO_ERROR | WMF_OPT_NO_DEBUG;
+    wmfAPI* api = nullptr;
+    if (wmf_api_create(&api, flags, &options) != wmf_E_None) {
+        if (api) wmf_api_destroy(api);
+        if (error) *error = QStringLiteral("Metatiedoston näyttäminen ei onnistu.");
+        return {};
+    }
+    SvgCapture capture;
+    wrapDrawing(api, capture);
+    wmfStream stream{&capture, captureText, clearCapture};
+    bool ok = wmf_mem_open(api, reinterpret_cast<unsigned char*>(input.data()),
+                           static_cast<long>(input.size())) == wmf_E_None;
+    wmfD_Rect box{};
+    ok = ok && wmf_scan(api, 0, &box) == wmf_E_None;
+    unsigned int width = 0, height = 0;
+    ok = ok && wmf_display_size(api, &width, &height, 96, 96) == wmf_E_None && width > 0 && height > 0;
+    if (ok) {
+        wmf_svg_t* device = WMF_SVG_GetData(api);
+        device->out = &stream;
+        device->Description = const_cast<char*>("TAMRIK");
+        device->bbox = box;
+        device->width = width;
+        device->height = height;
+        device->flags |= WMF_SVG_INLINE_IMAGES; // embedded bitmaps inline, no files beside
+        ok = wmf_play(api, 0, &box) == wmf_E_None;
+    }
+    wmf_mem_close(api);
+    wmf_api_destroy(api);
+    const std::string& svg = capture.svg;
+    if (!ok || svg.find("</svg>") == std::string::npos) {
+        if (error) *error = damaged();
+        return {};
+    }
+    // The SVG holds the metafile's text as Windows-1252 bytes without saying so: make it UTF-8,
+    // which is what an XML declaration without an encoding means.
+    return fromCp1252(svg.data(), static_cast<qsizetype>(svg.size())).toUtf8();
+}
+
+QByteArray emfToSvg(const QByteArray& emf, QString* error) {
+    if (!looksLikeEmf(emf)) {
+        if (error) *error = damaged();
+        return {};
+    }
+    QByteArray input = emf;
+    generatorOptions options{};
+    options.nameSpace = const_cast<char*>(""); // a prefix makes the XML invalid
+    options.verbose = false;
+    options.emfplus = true;
+    options.svgDelimiter = true;
+    char* out = nullptr;
+    size_t outLength = 0;
+    const int ok = emf2svg(input.data(), static_cast<size_t>(input.size()), &out, &outLength, &options);
+    QByteArray svg;
+    if (out) {
+        svg = QByteArray(out, static_cast<qsizetype>(outLength));
+        std::free(out);
+    }
+    if (!ok || !svg.contains("</svg>")) {
+        if (error) *error = damaged();
+        return {};
+    }
+    return svg;
+}
+
+} // namespace platform

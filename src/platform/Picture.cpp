@@ -1,0 +1,229 @@
+#include "platform/Picture.h"
+
+#include "platform/Metafile.h"
+#include "platform/TextFile.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QPainter>
+#include <QSvgRenderer>
+
+namespace platform {
+
+struct Picture::Rendering {
+    bool done = false;
+    QImage image;                      // bitmaps and icons
+    std::unique_ptr<QSvgRenderer> svg; // metafiles
+    QString error;                     // why a metafile cannot be shown
+};
+
+namespace {
+
+bool isBmp(const QByteArray& b) {
+    return b.size() >= 26 && b.startsWith("BM");
+}
+
+bool isIco(const QByteArray& b) {
+    return b.size() >= 22 && b.startsWith(QByteArray("\0\0\1\0", 4)) && (b[4] != 0 || b[5] != 0);
+}
+
+// Decodes a raster image; for an icon the largest of its images.
+QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, format);
+    reader.setAutoTransform(true);
+    QImage best;
+    const int count = std::max(reader.imageCount(), 1);
+    for (int i = 0; i < count; ++i) {
+        if (i > 0 && !reader.jumpToImage(i)) break;
+        const QImage image = reader.read();
+        if (image.isNull()) continue;
+        if (best.isNull() || image.width() * image.height() > best.width() * best.height()) best = image;
+        if (!format) break; // only icons hold several pictures worth choosing from
+    }
+    return best;
+}
+
+QByteArray toBmp(const QImage& image) {
+    // BMP has no transparency that every reader honours: put the picture on white.
+    QImage flat(image.size(), QImage::Format_RGB32);
+    flat.fill(Qt::white);
+    {
+        QPainter p(&flat);
+        p.drawImage(0, 0, image);
+    }
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    flat.save(&buffer, "BMP");
+    return bytes;
+}
+
+QString notAPicture(const QString& path) {
+    return QStringLiteral("Tiedosto %1 ei ole kelvollinen kuvatiedosto.").arg(QFileInfo(path).fileName());
+}
+
+} // namespace
+
+Picture::Picture(QByteArray bytes, Type type)
+    : m_bytes(std::move(bytes))
+    , m_type(type)
+    , m_rendering(std::make_shared<Rendering>()) {}
+
+Picture Picture::fromFile(const QString& path, QString* error) {
+    QByteArray bytes;
+    if (!readFileBytes(path, bytes, error)) return {};
+    Type type = None;
+    if (isBmp(bytes))
+        type = Bitmap;
+    else if (isIco(bytes))
+        type = Icon;
+    else if (looksLikeWmf(bytes))
+        type = Metafile;
+    else if (looksLikeEmf(bytes))
+        type = EnhancedMetafile;
+    if (type == None) {
+        const QImage image = decodeRaster(bytes);
+        if (image.isNull()) {
+            if (error) *error = notAPicture(path);
+            return {};
+        }
+        return fromImage(image);
+    }
+    Picture picture(std::move(bytes), type);
+    const Rendering& r = picture.rendering();
+    if (r.image.isNull() && !r.svg) {
+        if (error) *error = notAPicture(path);
+        return {};
+    }
+    return picture;
+}
+
+Picture Picture::fromBytes(const QByteArray& bytes, int type, QString* error) {
+    bool fits = false;
+    switch (type) {
+        case None:
+            return {};
+        case Bitmap:
+            fits = isBmp(bytes) || !decodeRaster(bytes).isNull();
+            break;
+        case Metafile:
+            fits = looksLikeWmf(bytes);
+            break;
+        case Icon:
+            fits = isIco(bytes);
+            break;
+        case EnhancedMetafile:
+            fits = looksLikeEmf(bytes);
+            break;
+        default:
+            if (error) *error = QStringLiteral("Tuntematon kuvan tyyppi %1.").arg(type);
+            return {};
+    }
+    if (!fits) {
+        if (error) *error = QStringLiteral("Kuvan tiedot eivät vastaa kuvan tyyppiä %1.").arg(type);
+        return {};
+    }
+    // A metafile whose records are damaged is kept: its bytes are the user's, it only draws nothing.
+    return Picture(bytes, static_cast<Type>(type));
+}
+
+Picture Picture::fromImage(const QImage& image) {
+    if (image.isNull()) return {};
+    return Picture(toBmp(image), Bitmap);
+}
+
+QString Picture::extensionForType(int type) {
+    switch (type) {
+        case Bitmap:
+            return QStringLiteral(".bmp");
+        case Metafile:
+            return QStringLiteral(".wmf");
+        case Icon:
+            return QStringLiteral(".ico");
+        case EnhancedMetafile:
+            return QStringLiteral(".emf");
+        default:
+            return QStringLiteral(".tmp");
+    }
+}
+
+bool Picture::save(const QString& path, QString* error) const {
+    return writeFileAtomically(path, m_bytes, error);
+}
+
+const Picture::Rendering& Picture::rendering() const {
+    static const Rendering none;
+    if (!m_rendering) return none;
+    Rendering& r = *m_rendering;
+    if (r.done) return r;
+    r.done = true;
+    switch (m_type) {
+        case Bitmap:
+            r.image = decodeRaster(m_bytes);
+            break;
+        case Icon:
+            r.image = decodeRaster(m_bytes, "ico");
+            break;
+        case Metafile:
+        case EnhancedMetafile: {
+            const QByteArray svg =
+                m_type == Metafile ? wmfToSvg(m_bytes, &r.error) : emfToSvg(m_bytes, &r.error);
+            if (svg.isEmpty()) break;
+            auto renderer = std::make_unique<QSvgRenderer>(svg);
+            if (renderer->isValid() && !renderer->defaultSize().isEmpty()) r.svg = std::move(renderer);
+            break;
+        }
+        default:
+            break;
+    }
+    return r;
+}
+
+QSize Picture::sizeHint() const {
+    const Rendering& r = rendering();
+    if (!r.image.isNull()) return r.image.size();
+    if (r.svg) return r.svg->defaultSize();
+    return {};
+}
+
+void Picture::draw(QPainter& painter, const QRectF& target) const {
+    const Rendering& r = rendering();
+    if (target.isEmpty()) return;
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!r.image.isNull())
+        painter.drawImage(target, r.image, QRectF(r.image.rect()));
+    else if (r.svg)
+        r.svg->render(&painter, target);
+    painter.restore();
+}
+
+QImage Picture::toImage(QSize size) const {
+    if (isNull()) return {};
+    if (!size.isValid() || size.isEmpty()) size = sizeHint();
+    if (!size.isValid() || size.isEmpty()) return {};
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    draw(painter, QRectF(QPointF(0, 0), QSizeF(size)));
+    return image;
+}
+
+QRectF Picture::fitInto(const QSizeF& picture, const QRectF& target, Qt::Alignment alignment) {
+    if (picture.isEmpty() || target.isEmpty()) return {};
+    const QSizeF fitted = picture.scaled(target.size(), Qt::KeepAspectRatio);
+    qreal x = target.left();
+    qreal y = target.top();
+    if (alignment & Qt::AlignHCenter) x += (target.width() - fitted.width()) / 2;
+    if (alignment & Qt::AlignRight) x += target.width() - fitted.width();
+    if (alignment & Qt::AlignVCenter) y += (target.height() - fitted.height()) / 2;
+    if (alignment & Qt::AlignBottom) y += target.height() - fitted.height();
+    return QRectF(QPointF(x, y), fitted);
+}
+
+} // namespace platform

@@ -1,0 +1,89 @@
+#pragma once
+// Lists for the calculation tests, built in memory: a quantity list with its seven columns and
+// a requirement list with its 24, each followed by "Rivi".
+#include "lists/ListModel.h"
+
+#include <QStringList>
+#include <vector>
+
+namespace calc_test {
+
+inline void fillList(lists::ListModel& list, const QString& kind, const QStringList& headers,
+                     const std::vector<QStringList>& rows) {
+    std::vector<lists::Column> columns;
+    for (const QString& h : headers)
+        columns.push_back({h, 1000});
+    columns.push_back({QStringLiteral("Rivi"), 0});
+    std::vector<lists::Row> data;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        lists::Row row;
+        row.cells = rows[i];
+        while (row.cells.size() < headers.size())
+            row.cells.append(QString());
+        row.cells.append(lists::formatRowNumber(static_cast<long long>(i + 1)));
+        data.push_back(std::move(row));
+    }
+    list.setKind(kind);
+    list.reset(std::move(columns), std::move(data));
+}
+
+// Quantity rows: littera, work phase, structural part, quantity, unit, unit price, remarks.
+inline void fillQuantityList(lists::ListModel& list, const std::vector<QStringList>& rows) {
+    fillList(list, QStringLiteral("Määräluettelo ja kustannusarvio"),
+             {"LITTERA", "TYÖVAIHE", "RAK. OSA", "MÄÄRÄ", "YKSIKKÖ", "YKS.HINTA", "HUOMAUTUKSET"}, rows);
+}
+
+inline QStringList requirementHeaders() {
+    return {"LITTERA",
+            "NRO",
+            "LAATUVAATIMUS",
+            "TYYPPI",
+            "VIITE",
+            "VAATIMUS",
+            "ALARAJA",
+            "YLÄRAJA",
+            "YKSIKKÖ",
+            "TARKASTUSTAPA",
+            "PAINOARVO",
+            "LAATUSUUNNITELMATEKSTI",
+            "TEKNINEN TYÖSELOSTUS",
+            "VIITETIEDOSTO",
+            "TARKASTUS/MITTAUSRAPORTTITEKSTI",
+            "MITTAUSTEN LKM",
+            "MINIMI",
+            "MAKSIMI",
+            "KESKIARVO",
+            "LAATURAPORTTITEKSTI",
+            "TÄYTTÄÄ VAATIMUKSET",
+            "POIKKEAMARAPORTTI",
+            "KORJAUSSUUNNITELMA",
+            "PAINOARVON KERROIN"};
+}
+
+// A caption row of the requirement list: littera in column 1, heading in column 3.
+inline QStringList caption(const QString& littera, const QString& text) {
+    QStringList cells(24);
+    cells[0] = littera;
+    cells[2] = text;
+    return cells;
+}
+
+// A requirement row: identifier (column 2), text, type, weight (11), result (21), factor (24).
+inline QStringList requirement(const QString& id, const QString& text, const QString& type,
+                               const QString& weight, const QString& result = QString(),
+                               const QString& factor = QString()) {
+    QStringList cells(24);
+    cells[1] = id;
+    cells[2] = text;
+    cells[3] = type;
+    cells[10] = weight;
+    cells[20] = result;
+    cells[23] = factor;
+    return cells;
+}
+
+inline void fillRequirementList(lists::ListModel& list, const std::vector<QStringList>& rows) {
+    fillList(list, QStringLiteral("Laatuvaatimukset"), requirementHeaders(), rows);
+}
+
+} // namespace calc_test

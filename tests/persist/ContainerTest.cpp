@@ -1,0 +1,169 @@
+#include "persist/ProjectText.h"
+#include "persist/SlContainer.h"
+
+#include <gtest/gtest.h>
+
+using namespace persist;
+
+TEST(Container, ProjectWithoutPicturesHasSixEmptyEntriesAndOneByteBlocks) {
+    Members m;
+    m[0].data = QByteArray("4.0.17\r\n18\r\n");
+    const QByteArray file = PackContainer(m);
+    ASSERT_EQ(file.size(), kHeaderSize + m[0].data.size() + 1 + 6);
+    EXPECT_EQ(file.left(5), QByteArray("\x00\x00\x00\x0C\x00", 5));
+    for (int k = 1; k < 7; ++k) EXPECT_EQ(file.mid(5 * k, 5), QByteArray(5, '\0')) << k;
+    EXPECT_EQ(file.mid(35, 2), QByteArray("\r\n"));
+    EXPECT_EQ(file.mid(kHeaderSize, 12), m[0].data);
+    // Member 1's zero byte, then one zero byte for each empty picture; the file ends there.
+    EXPECT_EQ(file.right(7), QByteArray(7, '\0'));
+}
+
+TEST(Container, LengthsAreBigEndianAndPicturesKeepTheirType) {
+    Members m;
+    m[0].data = QByteArray("x");
+    m[3].data = QByteArray(300, 'p');
+    m[3].type = 2;
+    const QByteArray file = PackContainer(m);
+    EXPECT_EQ(file.mid(15, 5), QByteArray("\x00\x00\x01\x2C\x02", 5));
+    const auto b = BytesFromLong(300);
+    EXPECT_EQ(b[0], 0x2C);
+    EXPECT_EQ(b[1], 0x01);
+    EXPECT_EQ(LongFromBytes(0x2C, 0x01, 0, 0), 300u);
+    EXPECT_EQ(LongFromBytes(1, 2, 3, 4), 0x04030201u);
+    Members back;
+    QString error;
+    ASSERT_TRUE(UnpackContainer(file, back, &error)) << error.toStdString();
+    EXPECT_EQ(back[3].data, m[3].data);
+    EXPECT_EQ(back[3].type, 2);
+    EXPECT_EQ(FileExtension(back[3].type), QStringLiteral(".wmf"));
+    EXPECT_EQ(FileExtension(9), QStringLiteral(".tmp"));
+    // Header bytes 10 and 13 inside a length do not upset the text-only reading.
+    Members awkward;
+    awkward[0].data = QByteArray(0x0D0A, 't');
+    QByteArray text;
+    ASSERT_TRUE(UnpackTextMember(PackContainer(awkward), text, &error));
+    EXPECT_EQ(text.size(), 0x0D0A);
+}
+
+TEST(Container, DamagedFilesAreReportedAndLeaveTheMembersAlone) {
+    Members good;
+    good[0].data = QByteArray("teksti");
+    good[1].data = QByteArray(50, 'b');
+    good[1].type = 1;
+    const QByteArray file = PackContainer(good);
+    Members out;
+    out[0].data = QByteArray("ennallaan");
+    QString error;
+    EXPECT_FALSE(UnpackContainer(file.left(20), out, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("liian lyhyt"))) << error.toStdString();
+    EXPECT_FALSE(UnpackContainer(file.left(file.size() - 3), out, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("ulottuu tiedoston lopun yli"))) << error.toStdString();
+    QByteArray longer = file;
+    longer[5 + 2] = '\x7F'; // member 2 claims far more bytes than the file has
+    EXPECT_FALSE(UnpackContainer(longer, out, &error));
+    EXPECT_EQ(out[0].data, QByteArray("ennallaan"));
+    QByteArray noCrLf = file;
+    noCrLf[35] = 'x';
+    EXPECT_FALSE(UnpackContainer(noCrLf, out, &error));
+}
+
+namespace {
+ProjectContent sampleContent() {
+    ProjectContent c;
+    c.referenceItems = {QStringLiteral("SILKO (Sillanrakentamisen laatuvaatimukset)")};
+    WindowRecord& f1 = c.windows[0];
+    f1.texts = {QStringLiteral("Kirkkosilta"), QString(), QStringLiteral("Rivi 1\r\nRivi 2\r\nRivi 3")};
+    f1.combos = {QStringLiteral("€"), QStringLiteral("Jyväskylä")};
+    ListRecord parts;
+    parts.columns = 2;
+    parts.rows = {{QStringLiteral("000"), QStringLiteral("Koko silta")}, {QStringLiteral("100"), QStringLiteral("Maatuki 1")}};
+    f1.lists = {parts, ListRecord{4, {}}, ListRecord{4, {}}};
+    WindowRecord& f2 = c.windows[1];
+    f2.texts = {QString()};
+    f2.combos = {QString()};
+    ListRecord quantities{7, {{QStringLiteral("7110"), QStringLiteral("KAIVUT"), {}, {}, {}, {}, {}}}};
+    ListRecord requirements;
+    requirements.columns = 24;
+    QStringList row;
+    for (int i = 1; i <= 24; ++i) row << QString();
+    row[1] = QStringLiteral("1");
+    row[12] = QStringLiteral("C:\\kuvat\\silta.jpg");
+    row[13] = QStringLiteral("   ");
+    requirements.rows = {row};
+    f2.lists = {quantities, requirements};
+    c.windows[2].texts = QStringList(62, QString());
+    c.windows[2].combos = QStringList(20, QString());
+    c.windows[3].texts = QStringList(9, QString());
+    c.windows[3].combos = QStringList(5, QString());
+    c.windows[3].lists = {ListRecord{5, {}}};
+    c.checks = {QStringLiteral("1"), QStringLiteral("0")};
+    c.documents = {QByteArray("{\\rtf1 a}"), QByteArray(), QByteArray("{\\rtf1 \\'e4\r\nb}")};
+    return c;
+}
+} // namespace
+
+TEST(ProjectText, ValuesOfZeroOneAndThreeLinesAreWrittenByteForByte) {
+    RecordWriter w;
+    w.value(QString());
+    w.value(QStringLiteral("yksi"));
+    w.value(QStringLiteral("a\r\nb\r\nc"));
+    EXPECT_EQ(w.lines(), (QStringList{"0", "1", "yksi", "3", "a", "b", "c"}));
+    EXPECT_EQ(EvaluateNRows(QString()), 0);
+    EXPECT_EQ(EvaluateNRows(QStringLiteral("a\nb")), 1); // only CR LF separates lines
+
+    WindowRecord r;
+    r.texts = {QString(), QStringLiteral("Väli\r\ntuki\r\n3")};
+    r.lists = {ListRecord{3, {}}};
+    RecordWriter out;
+    WriteFormToFile(out, r);
+    EXPECT_EQ(out.lines(), (QStringList{"2", "0", "3", "Väli", "tuki", "3", "0", "1", "0,3"}));
+}
+
+TEST(ProjectText, RoundTripIsByteIdenticalAndAppliesThePathRule) {
+    const ProjectContent c = sampleContent();
+    const QByteArray written = WriteProjectText(c, true);
+    EXPECT_TRUE(written.startsWith("4.0.17\r\n18\r\nSILKO"));
+    EXPECT_TRUE(written.contains("\r\n1\r\n{PATH}silta.jpg\r\n1\r\n   \r\n")) << written.toStdString();
+    EXPECT_TRUE(written.contains("\r\n3\r\n 9\r\n{\\rtf1 a}\r\n 0\r\n\r\n 15\r\n"));
+    EXPECT_TRUE(written.endsWith("{\\rtf1 \\'e4\r\nb}\r\n"));
+
+    ProjectContent back;
+    QString error;
+    ASSERT_TRUE(ReadProjectText(written, QStringLiteral("D:\\projekti\\"), back, &error)) << error.toStdString();
+    EXPECT_EQ(back.windows[1].lists[1].rows[0][12], QStringLiteral("D:\\projekti\\silta.jpg"));
+    EXPECT_EQ(back.windows[0].texts[2], QStringLiteral("Rivi 1\r\nRivi 2\r\nRivi 3"));
+    EXPECT_EQ(back.documents[2], QByteArray("{\\rtf1 \\'e4\r\nb}"));
+    EXPECT_EQ(back.checks, c.checks);
+    EXPECT_EQ(back.referenceItems.size(), 18);
+
+    // Without the path option the same content writes and reads back unchanged.
+    const QByteArray plain = WriteProjectText(c, false);
+    ASSERT_TRUE(ReadProjectText(plain, QString(), back, &error));
+    EXPECT_EQ(WriteProjectText(back, false), plain);
+}
+
+TEST(ProjectText, DamagedTextIsReportedWithItsLineAndChangesNothing) {
+    const QByteArray good = WriteProjectText(sampleContent(), false);
+    ProjectContent kept;
+    kept.checks = {QStringLiteral("ennallaan")};
+    QString error;
+
+    QByteArray badCount = good;
+    badCount.replace("\r\n18\r\n", "\r\nkahdeksantoista\r\n");
+    EXPECT_FALSE(ReadProjectText(badCount, QString(), kept, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("rivi 2"))) << error.toStdString();
+
+    EXPECT_FALSE(ReadProjectText(good.left(good.size() / 2), QString(), kept, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("päättyy kesken"))) << error.toStdString();
+
+    QByteArray badRows = good;
+    badRows.replace("\r\n2,2\r\n", "\r\n2;2\r\n");
+    EXPECT_FALSE(ReadProjectText(badRows, QString(), kept, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("perustietojen"))) << error.toStdString();
+
+    QByteArray hugeDocument = good;
+    hugeDocument.replace("\r\n 9\r\n", "\r\n 99999\r\n");
+    EXPECT_FALSE(ReadProjectText(hugeDocument, QString(), kept, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("tekstiasiakirja 1"))) << error.toStdString();
+    EXPECT_EQ(kept.checks, QStringList{QStringLiteral("ennallaan")});
+}
