@@ -5,6 +5,7 @@
 #include "documents/FormLayout.h"
 #include "documents/NewWindow.h"
 #include "lists/ListView.h"
+#include "platform/PictureBox.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -49,6 +50,9 @@ Form1::Form1(DocumentHost& host, QWidget* parent)
     auto* pictures = new QVBoxLayout;
     for (int i = 0; i < 6; ++i) {
         Image1.push_back(pictureSlot(i, QString::fromUtf8(kSlots[i])));
+        // A new or removed picture is a change of the project.
+        connect(Image1.back(), &platform::PictureBox::pictureChanged, this,
+                [this] { m_host.contentChanged(this); });
         pictures->addWidget(Image1.back());
     }
     pictures->addStretch(1);

@@ -10,6 +10,10 @@
 
 #include <array>
 
+namespace platform {
+class PictureBox;
+}
+
 namespace documents {
 
 class Form1 : public ProjectWindow {
@@ -27,7 +31,7 @@ public:
 
     // The picture slots: side view, cross-section and logo of the characteristics card, then
     // side view, cross-section and name plate of the charge chamber card.
-    std::vector<QWidget*> Image1;
+    std::vector<platform::PictureBox*> Image1;
 
     QSize sizeHint() const override;
 

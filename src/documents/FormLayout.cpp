@@ -3,6 +3,7 @@
 #include "documents/Controls.h"
 #include "documents/ProjectWindow.h"
 #include "lists/ListView.h"
+#include "platform/PictureBox.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -109,14 +110,12 @@ std::vector<QPushButton*> pictureButtons(const char* const (&captions)[3], const
     return buttons;
 }
 
-QWidget* pictureSlot(int index, const QString& toolTip, QWidget* parent) {
-    auto* frame = new QFrame(parent);
-    frame->setObjectName(QStringLiteral("Image1_%1").arg(index));
-    frame->setFrameShape(QFrame::Panel);
-    frame->setFrameShadow(QFrame::Sunken);
-    frame->setFixedSize(72, 54);
-    frame->setToolTip(toolTip);
-    return frame;
+platform::PictureBox* pictureSlot(int index, const QString& toolTip, QWidget* parent) {
+    auto* box = new platform::PictureBox(parent);
+    box->setObjectName(QStringLiteral("Image1_%1").arg(index));
+    box->setFixedSize(72, 54);
+    box->setToolTip(toolTip);
+    return box;
 }
 
 } // namespace documents

@@ -19,6 +19,10 @@ namespace lists {
 class ListView;
 }
 
+namespace platform {
+class PictureBox;
+}
+
 namespace documents {
 
 class ProjectWindow;
@@ -61,7 +65,7 @@ std::vector<QPushButton*> pictureButtons(const char* const (&captions)[3], const
                                          int firstPicture, QBoxLayout* row,
                                          const std::function<void(int)>& request);
 
-// A small placeholder picture slot, until the picture box takes its place.
-QWidget* pictureSlot(int index, const QString& toolTip, QWidget* parent = nullptr);
+// A small picture slot "Image1_<index>".
+platform::PictureBox* pictureSlot(int index, const QString& toolTip, QWidget* parent = nullptr);
 
 } // namespace documents

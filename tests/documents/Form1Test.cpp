@@ -5,6 +5,7 @@
 #include "documents/Form1.h"
 #include "lists/ListModel.h"
 #include "lists/ListView.h"
+#include "platform/PictureBox.h"
 
 #include <QApplication>
 #include <QDate>
@@ -154,6 +155,14 @@ TEST(Form1, ChangesReachTheHostAndEnterMovesOn) {
     EXPECT_GE(host.changed.size(), 3u);
     for (QWidget* changed : host.changed)
         EXPECT_EQ(changed, &w);
+
+    // A picture put into a slot is a change too.
+    host.changed.clear();
+    QImage image(8, 6, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    w.Image1[2]->setPicture(platform::Picture::fromImage(image));
+    ASSERT_EQ(host.changed.size(), 1u);
+    EXPECT_EQ(host.changed[0], &w);
 
     host.changed.clear();
     host.state.Loading = true;
