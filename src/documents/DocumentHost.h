@@ -19,6 +19,9 @@ public:
     virtual void contentChanged(QWidget* window) = 0;
     // A list got the focus or its current row moved: the status bar shows where it stands.
     virtual void listFocused(lists::ListView* view) = 0;
+    // "Las&ke tunnusluvut" of a characteristics card: computes its grey fields from the
+    // project's basic data and quantity list.
+    virtual void computeCardFigures(QWidget* card) {}
 };
 
 } // namespace documents

@@ -1,8 +1,213 @@
 #include "documents/Form1.h"
 
+#include "documents/Controls.h"
+#include "documents/DocumentHost.h"
+#include "documents/FormLayout.h"
+#include "documents/NewWindow.h"
+#include "lists/ListView.h"
+#include "platform/PictureBox.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
 namespace documents {
 
+namespace {
+
+// A label and its field in one cell pair of a grid; the field may span several columns.
+void addPair(QGridLayout* grid, int row, int col, const QString& text, QWidget* field, int fieldSpan = 1) {
+    grid->addWidget(fieldLabel(text, field), row, col);
+    grid->addWidget(field, row, col + 1, 1, fieldSpan);
+}
+
+} // namespace
+
+QString OfficeText(const std::array<QString, 4>& rows) {
+    return rows[0] + QStringLiteral("\r\n") + rows[1] + QStringLiteral("\r\n") + rows[2] +
+           QStringLiteral("\r\n") + rows[3];
+}
+
+void UpdateOfficeText(TextBox& box, const std::array<QString, 4>& rows) {
+    box.setText(OfficeText(rows));
+}
+
 Form1::Form1(DocumentHost& host, QWidget* parent)
-    : ProjectWindow(host, 1, parent) {}
+    : ProjectWindow(host, 1, parent) {
+    auto* body = new QWidget;
+    auto* outer = new QHBoxLayout(body);
+    auto* frames = new QVBoxLayout;
+    frames->addWidget(buildBasicData());
+    frames->addWidget(buildParties(), 1);
+    outer->addLayout(frames, 1);
+
+    // The card pictures, small, at the right edge.
+    static const char* const kSlots[] = {
+        "Ominaistietokortin sivukuva", "Ominaistietokortin poikkileikkaus", "Ominaistietokortin logo",
+        "Panostilakortin sivukuva",    "Panostilakortin poikkileikkaus",    "Panostilakortin merkkikilpi"};
+    auto* pictures = new QVBoxLayout;
+    for (int i = 0; i < 6; ++i) {
+        Image1.push_back(pictureSlot(i, QString::fromUtf8(kSlots[i])));
+        // A new or removed picture is a change of the project.
+        connect(Image1.back(), &platform::PictureBox::pictureChanged, this,
+                [this] { m_host.contentChanged(this); });
+        pictures->addWidget(Image1.back());
+    }
+    pictures->addStretch(1);
+    outer->addLayout(pictures);
+
+    installScrollingBody(this, body);
+    connectReturnKeys(this);
+}
+
+QWidget* Form1::buildBasicData() {
+    QGridLayout* grid = nullptr;
+    QGroupBox* frame = framedGrid(QStringLiteral("Sillan perustiedot"), grid);
+    frame->setObjectName(QStringLiteral("Frame1_0"));
+
+    // Name, road section and type take the width of two columns; the dimensions below line up
+    // in three columns.
+    addPair(grid, 0, 0, QStringLiteral("Sillan nimi"), makeText(0), 3);
+    addPair(grid, 0, 4, QStringLiteral("Kunta"), makeCombo(9));
+    addPair(grid, 1, 0, QStringLiteral("Tieosa"), makeText(1), 3);
+    addPair(grid, 1, 4, QStringLiteral("Tiepiiri"), makeCombo(2));
+    addPair(grid, 2, 0, QStringLiteral("Sillan tyyppi"), makeCombo(0), 3);
+    addPair(grid, 2, 4, QStringLiteral("Suunn. nro"), makeText(2));
+    addPair(grid, 3, 0, QStringLiteral("Jm (m)"), makeText(3));
+    addPair(grid, 3, 2, QStringLiteral("Kok. pituus (m)"), makeText(4));
+    addPair(grid, 3, 4, QStringLiteral("Hl (m)"), makeText(8));
+    addPair(grid, 4, 0, QStringLiteral("Va (m)"), makeText(5));
+    addPair(grid, 4, 2, QStringLiteral("Kannen pit. (m)"), makeText(6));
+    addPair(grid, 4, 4, QStringLiteral("Suun. kuorma"), makeCombo(1));
+    addPair(grid, 5, 0, QStringLiteral("Kohtis. va (m)"), makeText(12));
+    addPair(grid, 5, 2, QStringLiteral("Vinous (gon)"), makeText(7));
+    addPair(grid, 5, 4, QStringLiteral("Alikulkukorkeus (m)"), makeText(13));
+    for (int i : {3, 4, 5, 6, 7, 8, 12, 13})
+        setWidthInChars(Text1[i], 12);
+    setWidthInChars(Text1[0], 30);
+    for (int i : {9, 2, 1})
+        setWidthInChars(Combo1[i], 22);
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(3, 1);
+    grid->setColumnStretch(5, 2);
+
+    // Lower area: the part numbering on the left, the cost parameters and the client beside it.
+    auto* lower = new QHBoxLayout;
+    auto* partsColumn = new QVBoxLayout;
+    lists::ListView* parts = makeList(0, QStringLiteral("Sillan osanumerointi"));
+    parts->setMinimumHeight(120);
+    stretchListColumn(parts, 2); // the part's name
+    partsColumn->addWidget(fieldLabel(QStringLiteral("Sillan osanumerointi"), parts));
+    partsColumn->addWidget(parts, 1);
+    lower->addLayout(partsColumn, 1);
+
+    auto* costs = new QGridLayout;
+    costs->setHorizontalSpacing(10);
+    addPair(costs, 0, 0, QStringLiteral("Rahayksikkö"), makeCombo(4));
+    addPair(costs, 0, 2, QStringLiteral("Kustannus i"), makeCombo(10));
+    addPair(costs, 1, 0, QStringLiteral("Vuosi (i = 100)"), makeCombo(13));
+    addPair(costs, 1, 2, QStringLiteral("Yhteiskustannus %"), makeCombo(11));
+    addPair(costs, 2, 0, QStringLiteral("Yksikköhintojen i"), makeCombo(3));
+    addPair(costs, 2, 2, QStringLiteral("ALV %"), makeCombo(12));
+    TextBox* client = makeText(11, true);
+    setVisibleLines(client, 3);
+    costs->addWidget(fieldLabel(QStringLiteral("Tilaaja"), client), 3, 0, Qt::AlignTop);
+    costs->addWidget(client, 3, 1, 1, 3);
+    for (int i : {4, 10, 13, 11, 3, 12})
+        setWidthInChars(Combo1[i], 9);
+    costs->setRowStretch(4, 1);
+    lower->addLayout(costs, 1);
+
+    grid->addLayout(lower, 6, 0, 1, 6);
+    grid->setRowStretch(6, 1);
+    return frame;
+}
+
+QWidget* Form1::buildParties() {
+    QGridLayout* grid = nullptr;
+    QGroupBox* frame =
+        framedGrid(QStringLiteral("TAMRIK suunnitelman laatija ja tarkastaja sekä muutostiedot"), grid);
+    frame->setObjectName(QStringLiteral("Frame1_1"));
+
+    struct Party {
+        const char* title;
+        int drewUp, drewUpDate, checked, checkedDate, company, changes;
+    };
+    // The designer's column on the left, the contractor's on the right.
+    const Party parties[] = {{"SUUNNITTELIJA", 5, 8, 6, 7, 9, 1}, {"URAKOITSIJA", 17, 15, 16, 14, 10, 2}};
+    int col = 0;
+    for (const Party& p : parties) {
+        auto* title = new QLabel(QString::fromUtf8(p.title));
+        QFont bold = title->font();
+        bold.setBold(true);
+        title->setFont(bold);
+        grid->addWidget(title, 0, col, 1, 4);
+        addPair(grid, 1, col, QStringLiteral("Laati"), makeCombo(p.drewUp));
+        addPair(grid, 1, col + 2, QStringLiteral("Pvm"), makeCombo(p.drewUpDate));
+        addPair(grid, 2, col, QStringLiteral("Tarkasti"), makeCombo(p.checked));
+        addPair(grid, 2, col + 2, QStringLiteral("Pvm"), makeCombo(p.checkedDate));
+        TextBox* company = makeText(p.company, true);
+        setVisibleLines(company, 4);
+        grid->addWidget(fieldLabel(QStringLiteral("Yritys"), company), 3, col, Qt::AlignTop);
+        grid->addWidget(company, 3, col + 1, 1, 3);
+        lists::ListView* changes = makeList(p.changes, QStringLiteral("Muutokset"));
+        changes->setMinimumHeight(110);
+        stretchListColumn(changes, 3); // the change's description
+        grid->addWidget(changes, 4, col, 1, 4);
+        setWidthInChars(Combo1[p.drewUp], 18);
+        setWidthInChars(Combo1[p.checked], 18);
+        setWidthInChars(Combo1[p.drewUpDate], 10);
+        setWidthInChars(Combo1[p.checkedDate], 10);
+        grid->setColumnStretch(col + 1, 2);
+        grid->setColumnStretch(col + 3, 1);
+        col += 5;
+    }
+    // A little air between the two parties.
+    grid->setColumnMinimumWidth(4, 16);
+    grid->setRowStretch(4, 1);
+    return frame;
+}
+
+void Form1::prepareNewProject() {
+    shell::AppState& state = host().appState();
+    LoadListTemplate(*this, 0, QStringLiteral("TAMRIK30_T1.csv"));
+    LoadListTemplate(*this, 1, QStringLiteral("TAMRIK30_T2.csv"));
+    LoadListTemplate(*this, 2, QStringLiteral("TAMRIK30_T2.csv"));
+
+    // The cost parameters start from the settings; "Kustannus i" is left for the user.
+    const shell::Settings& s = state.settings;
+    Combo1[4]->setText(s.MoneyUnit);
+    Combo1[3]->setText(s.Index);
+    Combo1[11]->setText(s.GeneralCostFraction);
+    Combo1[12]->setText(s.VAT);
+    Combo1[13]->setText(s.IndexBaseYear);
+
+    // The texts last saved in these boxes are offered in their drop-down lists.
+    const int defaults[] = {10, 5, 6, 17, 16};
+    for (int k = 0; k < 5; ++k)
+        Combo1[defaults[k]]->addUniqueItem(s.DefaultComboData[k]);
+    UpdateComboListFromFile(*this, 1);
+
+    if (state.ProgramMode == 1)
+        UpdateOfficeText(*Text1[9], state.OfficeRows);
+    else if (state.ProgramMode == 2)
+        UpdateOfficeText(*Text1[10], state.OfficeRows);
+}
+
+calc::CostInputs Form1::costInputs() const {
+    calc::CostInputs in;
+    in.moneyUnit = Combo1[4]->text();
+    in.unitPriceIndex = Combo1[3]->text();
+    in.costIndex = Combo1[10]->text();
+    in.generalPercent = Combo1[11]->text();
+    in.vatPercent = Combo1[12]->text();
+    return in;
+}
+
+QSize Form1::sizeHint() const {
+    return scrollingBodySizeHint(this);
+}
 
 } // namespace documents

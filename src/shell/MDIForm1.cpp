@@ -1,5 +1,6 @@
 #include "shell/MDIForm1.h"
 
+#include "documents/CardText.h"
 #include "documents/Form1.h"
 #include "documents/Form2.h"
 #include "documents/Form3.h"
@@ -662,6 +663,14 @@ void MDIForm1::contentChanged(QWidget* window) {
         touchProjectOf(window);
     else
         FormTouch(window);
+}
+
+// "Las&ke tunnusluvut": the card's figures come from its project's basic data and quantity list.
+void MDIForm1::computeCardFigures(QWidget* card) {
+    auto* f3 = qobject_cast<documents::Form3*>(card);
+    if (!f3) return;
+    const ProjectWindows w = projectWindowsOf(ParseFileName(f3->caption()).project());
+    if (w.f1) documents::UpdateCardText(*w.f1, w.f2, *f3);
 }
 
 void MDIForm1::FormTouch(QWidget* window) {

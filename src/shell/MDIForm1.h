@@ -68,6 +68,7 @@ public:
     AppState& appState() override { return m_state; }
     void contentChanged(QWidget* window) override;
     void listFocused(lists::ListView* view) override;
+    void computeCardFigures(QWidget* card) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
 
