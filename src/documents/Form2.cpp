@@ -2,6 +2,9 @@
 
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
+#include "documents/NewWindow.h"
+#include "platform/Rtf.h"
+#include "platform/TextFile.h"
 #include "lists/ListModel.h"
 #include "lists/ListView.h"
 
@@ -18,12 +21,15 @@ namespace documents {
 namespace {
 const char* const kDocuments[3] = {"Rakennussuunnitelmaselostus", "Koodaussuunnitelma", "Urakan laatusuunnitelma"};
 
-// Gives the box a copy of another document, text and formatting, and drops its old copy.
-void replaceDocument(QTextEdit* box, const QTextDocument* source) {
-    QTextDocument* copy = source->clone(box);
+// Gives the box a copy of another document, text and formatting. The copies belong to the
+// window, never to the box (a box deletes the documents it owns when it gets another one), so
+// the box's previous copy is dropped here.
+void replaceDocument(QObject* owner, QTextEdit* box, const QTextDocument* source) {
+    QTextDocument* copy = source->clone(owner);
     QTextDocument* old = box->document();
+    const bool ours = old && old->parent() == owner;
     box->setDocument(copy);
-    if (old && old->parent() == box) old->deleteLater();
+    if (ours) old->deleteLater();
 }
 } // namespace
 
@@ -108,7 +114,21 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
     showDocument(host.appState().settings.StartUpDocument);
 }
 
-void Form2::prepareNewProject() {}
+void Form2::prepareNewProject() {
+    LoadListTemplate(*this, 0, QStringLiteral("TAMRIK30_T3.csv"));
+    LoadListTemplate(*this, 1, QStringLiteral("TAMRIK30_T4.csv"));
+    // The contract quality plan starts from the template beside the program; a missing
+    // template leaves the document empty.
+    QStringList lines;
+    const QString plan = m_host.appState().AppPath + QStringLiteral("Urakan laatusuunnitelma.txt");
+    if (platform::readTextLines(plan, lines)) {
+        QTextDocument document;
+        platform::loadPlainTextAsDefault(document, lines.join(QStringLiteral("\r\n")));
+        setStoredDocument(2, document);
+    }
+    UpdateComboListFromFile(*this, 2);
+    showDocument(m_host.appState().settings.StartUpDocument);
+}
 
 void Form2::listFocused(int index) {
     m_restrict[index] = Check1[index]->isChecked();
@@ -129,19 +149,23 @@ int Form2::shownDocument() const {
 
 void Form2::StoreRichTextDocument() {
     const int k = shownDocument();
-    if (k >= 0) replaceDocument(RichTextBox1[k + 1], RichTextBox1[0]->document());
+    if (k >= 0) replaceDocument(this, RichTextBox1[k + 1], RichTextBox1[0]->document());
+}
+
+void Form2::setStoredDocument(int index, const QTextDocument& document) {
+    if (index >= 0 && index <= 2) replaceDocument(this, RichTextBox1[index + 1], &document);
 }
 
 void Form2::showDocument(int index) {
     if (index < 0 || index > 2) return;
     const QSignalBlocker block(RichTextBox1[0]);
-    replaceDocument(RichTextBox1[0], RichTextBox1[index + 1]->document());
+    replaceDocument(this, RichTextBox1[0], RichTextBox1[index + 1]->document());
     RichTextBox1[0]->setProperty("tag", documentName(index));
     Label1[2]->setText(documentName(index));
 }
 
 void Form2::switchDocument(int oldIndex, int newIndex) {
-    if (oldIndex >= 0 && oldIndex <= 2) replaceDocument(RichTextBox1[oldIndex + 1], RichTextBox1[0]->document());
+    if (oldIndex >= 0 && oldIndex <= 2) replaceDocument(this, RichTextBox1[oldIndex + 1], RichTextBox1[0]->document());
     showDocument(newIndex);
 }
 

@@ -8,6 +8,7 @@
 class QCheckBox;
 class QLabel;
 class QSplitter;
+class QTextDocument;
 class QTextEdit;
 
 namespace documents {
@@ -29,6 +30,8 @@ public:
     void switchDocument(int oldIndex, int newIndex);
     // Shows holder `index` + 1 in the visible box without storing anything first (after a read).
     void showDocument(int index);
+    // Gives holder `index` + 1 a copy of a document (a project being read).
+    void setStoredDocument(int index, const QTextDocument& document);
     // Copies the visible box into the holder of the shown document.
     void StoreRichTextDocument();
     // The index (0..2) of the document shown, from the visible box's tag.

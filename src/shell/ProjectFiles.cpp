@@ -156,7 +156,9 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     content.windows[2] = w.f3->toRecord();
     main.DisplayProgress(90);
     content.windows[3] = w.f4->toRecord();
-    for (const QCheckBox* c : w.f4->Check1) content.checks << QString::number(static_cast<int>(c->checkState()));
+    // Check box values as the file keeps them: 0 unchecked, 1 checked, 2 greyed.
+    for (const QCheckBox* c : w.f4->Check1)
+        content.checks << QString::number(c->checkState() == Qt::Checked ? 1 : (c->checkState() == Qt::Unchecked ? 0 : 2));
     w.f2->StoreRichTextDocument();
     for (int n = 1; n <= 3; ++n) {
         content.documents[n - 1] = platform::WriteRtf(*w.f2->RichTextBox1[n]->document());
@@ -257,10 +259,7 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
         const int v = i < c.checks.size() ? c.checks[i].toInt() : 0;
         w.f4->Check1[i]->setCheckState(v == 1 ? Qt::Checked : (v == 2 ? Qt::PartiallyChecked : Qt::Unchecked));
     }
-    for (int n = 0; n < 3; ++n) {
-        QTextDocument* copy = documents[n]->clone(w.f2->RichTextBox1[n + 1]);
-        w.f2->RichTextBox1[n + 1]->setDocument(copy);
-    }
+    for (int n = 0; n < 3; ++n) w.f2->setStoredDocument(n, *documents[n]);
     // The shown document comes from its holder; nothing is stored back first.
     w.f2->showDocument(state.settings.StartUpDocument);
     if (!textOnly)
