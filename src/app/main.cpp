@@ -2,6 +2,7 @@
 // window or starts the desktop application.
 #include "app/Commands.h"
 #include "shell/MDIForm1.h"
+#include "shell/ShellActions.h"
 
 #include <QApplication>
 #include <QLibraryInfo>
@@ -42,6 +43,7 @@ int main(int argc, char** argv) {
                           QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(&qtTranslator);
 
+    QApplication::setWindowIcon(shell::applicationIcon());
     shell::MDIForm1 main;
     main.show();
     main.startUp(!smoke);

@@ -57,6 +57,7 @@ lists::ListView* ProjectWindow::makeList(int i, const QString& kind) {
     if (static_cast<int>(ListView1.size()) <= i) ListView1.resize(i + 1, nullptr);
     ListView1[i] = view;
     connect(view, &lists::ListView::focusEntered, this, [this, view] { m_host.listFocused(view); });
+    connect(view, &lists::ListView::currentRowMoved, this, [this, view] { m_host.listFocused(view); });
     return view;
 }
 

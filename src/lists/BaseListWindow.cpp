@@ -79,6 +79,14 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     connect(Command1[1], &QPushButton::clicked, this, &QWidget::close);
     connect(Command1[2], &QPushButton::clicked, this, [this] { m_host.baseListHelp(this); });
     createMenus();
+    connect(ListView1, &ListView::currentRowMoved, this, [this](int row) {
+        if (row < 1) return;
+        const std::array<QString, 3> texts = CaptionStatusTexts(*list(), row);
+        QStringList shown;
+        for (const QString& t : texts)
+            if (!t.isEmpty()) shown << t;
+        statusBar()->showMessage(shown.join(QStringLiteral("  |  ")));
+    });
     connect(ListView1, &ListView::contextMenuWanted, this, [this](QPoint global) {
         if (QMenu* edit = menuBar()->findChild<QMenu*>(QStringLiteral("editMenu"))) edit->popup(global);
     });

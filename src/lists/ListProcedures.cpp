@@ -426,4 +426,23 @@ bool FormatListView(ListModel& list, int first, int last, const BlankLines& blan
     return true;
 }
 
+std::array<QString, 3> CaptionStatusTexts(const ListModel& list, int row) {
+    std::array<QString, 3> out;
+    const CaptionInfo c = FindCaption(list, row);
+    auto join = [](int r, const QString& a, const QString& b) {
+        QStringList parts{QString::number(r)};
+        if (!a.trimmed().isEmpty()) parts << a.trimmed();
+        if (!b.trimmed().isEmpty()) parts << b.trimmed();
+        return parts.join(QLatin1Char(' '));
+    };
+    if (c.captionRow > 0) out[0] = join(c.captionRow, c.captionLittera, c.captionText);
+    if (c.subcaptionRow > 0) out[1] = join(c.subcaptionRow, c.subcaptionLittera, c.subcaptionText);
+    if (c.entryRow > 0) {
+        out[2] = QString::number(c.entryRow) + QLatin1Char(' ') + c.detailText.trimmed();
+        if (!c.entryText.trimmed().isEmpty()) out[2] += QStringLiteral(": ") + c.entryText.trimmed();
+    }
+    for (QString& t : out) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
+    return out;
+}
+
 } // namespace lists

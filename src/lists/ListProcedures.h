@@ -118,4 +118,8 @@ bool FormatListView(ListModel& list, int first, int last, const BlankLines& blan
 // that first- and second-decimal litteras sort together.
 QString normalisedLittera(const QString& littera);
 
+// Where a row stands in its list's caption hierarchy, for the status bar: its caption, its
+// subcaption and its entry, each as the row number and the texts.
+std::array<QString, 3> CaptionStatusTexts(const ListModel& list, int row);
+
 } // namespace lists

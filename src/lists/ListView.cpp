@@ -111,8 +111,10 @@ void ListView::syncToModel() {
     const QSignalBlocker block(m_list);
     for (int r = 1; r <= m_list->rows(); ++r) m_list->setSelected(r, selected[r] != 0);
     const QModelIndex cur = selectionModel()->currentIndex();
+    const int before = m_list->currentRow();
     m_list->setCurrentRow(cur.isValid() ? cur.row() + 1 : 0);
     m_syncing = false;
+    if (m_list->currentRow() != before) emit currentRowMoved(m_list->currentRow());
 }
 
 void ListView::onScrollRequest(int row) {

@@ -36,6 +36,8 @@ signals:
     void mousePressed(Qt::MouseButton button, Qt::KeyboardModifiers modifiers, QPoint pos);
     void mouseMoved(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers, QPoint pos);
     void focusEntered();
+    // The current row moved through the view (clicks, arrow keys).
+    void currentRowMoved(int row);
     void contextMenuWanted(QPoint globalPos);
 
 protected:

@@ -1,6 +1,7 @@
 // The edit menu's actions on the active control of the active window.
 #include "documents/Controls.h"
 #include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
 #include "lists/ListView.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
@@ -103,8 +104,6 @@ void editMenuAction(MDIForm1& main, int index) {
         default: break;
     }
 }
-
-std::array<QString, 3> captionPanelTexts(const lists::ListModel&, int) { return {}; }
 
 } // namespace shell
 

@@ -6,6 +6,7 @@
 #include "documents/Form3.h"
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
 #include "lists/ListView.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
@@ -28,6 +29,7 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QProgressBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -305,7 +307,16 @@ void MDIForm1::startUp(bool showSplash) {
     loadBaseListWindow(*this, 7);
     LoadHelpFiles();
     if (splash) splash->setProgress(80);
+    if (m_state.settings.pos.width[1] == 0) {
+        // No stored position: most of the screen, centred.
+        if (QScreen* screen = this->screen()) {
+            const QRect avail = screen->availableGeometry();
+            resize(avail.size() * 0.9);
+            move(avail.center() - rect().center());
+        }
+    }
     GetWinPos(m_state.settings.pos, 1, this);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     NewProject();
     if (splash) splash->setProgress(100);
     m_state.Loading = true;
@@ -429,7 +440,7 @@ void MDIForm1::UpdateCaptionText(lists::ListView* view) {
     const int row = list.currentRow();
     ClearStatusBar();
     if (row < 1) return;
-    const std::array<QString, 3> texts = captionPanelTexts(list, row);
+    const std::array<QString, 3> texts = lists::CaptionStatusTexts(list, row);
     for (int i = 0; i < 3; ++i) m_panels[1 + 2 * i]->setText(texts[i]);
 }
 
@@ -798,6 +809,15 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     w->setCaption(caption);
     QMdiSubWindow* sub = mdiArea->addSubWindow(w);
     sub->setAttribute(Qt::WA_DeleteOnClose, false);
+    // The four windows of a project cascade from the top left, each as large as it wants to
+    // be within the frame.
+    const int offset = 26 * (kind - 1);
+    QSize size = sub->sizeHint();
+    const QSize area = mdiArea->viewport()->size();
+    if (area.width() > 300 && area.height() > 200)
+        size = size.boundedTo(QSize(area.width() - offset, area.height() - offset));
+    sub->resize(size);
+    sub->move(offset, offset);
     sub->installEventFilter(this);
     sub->hide();
     const bool wasLoading = m_state.Loading;

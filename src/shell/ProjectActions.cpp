@@ -4,6 +4,7 @@
 #include "documents/Form2.h"
 #include "documents/Form4.h"
 #include "shell/MDIForm1.h"
+#include "shell/Modes.h"
 #include "shell/ShellActions.h"
 
 #include <QDir>
@@ -17,8 +18,13 @@ void UpdateTextDocuments(MDIForm1& main, int oldIndex) {
     const bool wasLoading = main.appState().Loading;
     // Switching the shown document is not a change of the project.
     main.appState().Loading = true;
-    for (documents::ProjectWindow* w : main.projectWindows())
-        if (auto* f2 = qobject_cast<documents::Form2*>(w)) f2->switchDocument(oldIndex, newIndex);
+    for (documents::ProjectWindow* w : main.projectWindows()) {
+        if (auto* f2 = qobject_cast<documents::Form2*>(w)) {
+            f2->switchDocument(oldIndex, newIndex);
+            // Who may edit the shown document depends on which document it is.
+            EnableControlsPage2(main, f2, true);
+        }
+    }
     main.appState().Loading = wasLoading;
 }
 

@@ -80,6 +80,19 @@ QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
     return QIcon(drawIcon(key));
 }
 
+QIcon applicationIcon() {
+    QPixmap pm(64, 64);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(225, 236, 247));
+    p.drawRoundedRect(QRectF(1, 1, 62, 62), 10, 10);
+    p.drawPixmap(QRect(6, 8, 52, 52), drawIcon(QStringLiteral("Bridge")));
+    p.end();
+    return QIcon(pm);
+}
+
 void LoadLogo(MDIForm1& main) {
     // Without a logo file there is nothing to print.
     if (main.appState().settings.PLogoFile.isEmpty()) main.appState().settings.PrintLogo = false;

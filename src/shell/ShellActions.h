@@ -32,8 +32,6 @@ void restoreBaseListWindow(MDIForm1& main, int slot, bool wasClosed);
 
 // The edit menu's actions on the active control (EditActions.cpp).
 void editMenuAction(MDIForm1& main, int index);
-// Status panels 1, 3 and 5 for a row: its caption, subcaption and entry.
-std::array<QString, 3> captionPanelTexts(const lists::ListModel& list, int row);
 
 // Project windows (ProjectActions.cpp).
 void UpdateTextDocuments(MDIForm1& main, int oldIndex);
@@ -44,6 +42,8 @@ bool sameFile(const QString& a, const QString& b);
 
 // Start-up resources (Resources.cpp).
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
+// The program's own icon: an arch bridge.
+QIcon applicationIcon();
 void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
 // Items whose windows are not part of this build stay disabled.
