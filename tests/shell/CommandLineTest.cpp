@@ -1,0 +1,62 @@
+// The program's command line, run as a user would run it.
+#include "common/TestSupport.h"
+#include "platform/TextFile.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Result {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+Result run(const QStringList& args) {
+    QProcess p;
+    p.start(testing_support::binaryDir() + QStringLiteral("/tamrik"), args);
+    p.waitForFinished(60000);
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+}
+
+} // namespace
+
+TEST(CommandLine, VersionAndUnknownCommands) {
+    const Result v = run({QStringLiteral("--version")});
+    EXPECT_EQ(v.status, 0);
+    EXPECT_EQ(v.out, QStringLiteral("TAMRIK 2006 4.0.17\n"));
+    const Result bad = run({QStringLiteral("costs")});
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_TRUE(bad.err.startsWith(QStringLiteral("tamrik: ")));
+}
+
+TEST(CommandLine, BadInputFilesGiveAPlainErrorAndStatusOne) {
+    QTemporaryDir dir;
+    const QString damaged = dir.filePath(QStringLiteral("rikki.sl"));
+    ASSERT_TRUE(platform::writeFileAtomically(damaged, QByteArray("ei projektitiedosto")));
+    for (const char* command : {"costs", "summary"}) {
+        const Result r = run({QString::fromLatin1(command), damaged});
+        EXPECT_EQ(r.status, 1) << command;
+        EXPECT_TRUE(r.err.contains(damaged)) << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty());
+        const Result missing = run({QString::fromLatin1(command), dir.filePath(QStringLiteral("ei.sl"))});
+        EXPECT_EQ(missing.status, 1);
+    }
+}
+
+TEST(CommandLine, ConvertsTheShippedUnitPriceListAndBack) {
+    QTemporaryDir dir;
+    const QString source = testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1");
+    const QString sheet = dir.filePath(QStringLiteral("hinnat.xlsx"));
+    const QString back = dir.filePath(QStringLiteral("hinnat.sl1"));
+    EXPECT_EQ(run({QStringLiteral("convert"), source, sheet}).status, 0);
+    EXPECT_EQ(run({QStringLiteral("convert"), sheet, back}).status, 0);
+    QByteArray a, b;
+    ASSERT_TRUE(platform::readFileBytes(source, a));
+    ASSERT_TRUE(platform::readFileBytes(back, b));
+    EXPECT_EQ(a, b);
+    // Nothing is written over the input.
+    EXPECT_EQ(run({QStringLiteral("convert"), back, back}).status, 1);
+}
