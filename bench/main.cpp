@@ -1,10 +1,12 @@
-// Benchmarks of the program's model code: run with ./tamrik bench.
-#include <QCoreApplication>
+// Benchmarks of the program: run with ./tamrik bench.
+#include <QApplication>
 #include <QLocale>
 #include <benchmark/benchmark.h>
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    // Window benchmarks (opening and saving projects) run on the offscreen platform.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

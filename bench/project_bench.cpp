@@ -1,0 +1,88 @@
+// Opening and saving a large project through the windows, as the File menu does.
+#include "documents/Form2.h"
+#include "lists/ListModel.h"
+#include "platform/SettingsStore.h"
+#include "shell/MDIForm1.h"
+#include "shell/Captions.h"
+#include "shell/ProjectFiles.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+
+namespace {
+
+// A project with `requirements` requirement rows and `quantities` quantity rows, in the
+// shape of real lists: captions, entries and blank rows.
+void fillLists(documents::Form2& f2, int requirements, int quantities) {
+    auto fill = [](lists::ListModel& list, int n, bool requirementsList) {
+        std::vector<lists::Row> rows;
+        rows.reserve(n);
+        for (int i = 0; i < n; ++i) {
+            lists::Row row;
+            row.cells = QStringList(list.cols(), QString());
+            if (i % 25 == 0) {
+                row.cells[0] = QString::number(7110 + (i / 25) % 80);
+                row.cells[requirementsList ? 2 : 1] = QStringLiteral("BETONITYÖT");
+            } else if (requirementsList) {
+                row.cells[1] = QString::number(i % 25);
+                row.cells[2] = QStringLiteral("Betonin lujuusluokka vähintään C35/45, kelpoisuus osoitetaan koekappalein");
+                row.cells[3] = QStringLiteral("1");
+                row.cells[4] = QStringLiteral("SILKO 1.301");
+                row.cells[5] = QStringLiteral("35");
+                row.cells[8] = QStringLiteral("MPa");
+                row.cells[9] = QStringLiteral("M");
+                row.cells[10] = QStringLiteral("3");
+                row.cells[11] = QStringLiteral("Urakoitsija toimittaa koetulokset valvojalle ennen muottien purkua.");
+                row.cells[20] = i % 3 ? QStringLiteral("Kyllä") : QString();
+                row.cells[23] = QStringLiteral("0,5");
+            } else {
+                row.cells[1] = QStringLiteral("Betonointi, perustukset");
+                row.cells[2] = QStringLiteral("100");
+                row.cells[3] = QString::number(i % 300 + 1);
+                row.cells[4] = QStringLiteral("m3");
+                row.cells[5] = QStringLiteral("185,50");
+            }
+            row.cells[list.cols() - 1] = lists::formatRowNumber(i + 1);
+            rows.push_back(std::move(row));
+        }
+        list.reset(list.columns(), std::move(rows));
+    };
+    fill(*f2.list(0), quantities, false);
+    fill(*f2.list(1), requirements, true);
+}
+
+struct Fixture {
+    Fixture() {
+        qputenv("XDG_CONFIG_HOME", (dir.path() + QStringLiteral("/config")).toLocal8Bit());
+        main.setProgramDirectory(QStringLiteral(TAMRIK_SOURCE_DIR) + QStringLiteral("/data/"));
+        main.startUp(false);
+        main.appState().settings.SaveSettingsOnExit = false;
+        fillLists(*main.ParseFormIndeces().f2, 20000, 5000);
+        file = dir.filePath(QStringLiteral("suuri.sl"));
+    }
+    QTemporaryDir dir;
+    shell::MDIForm1 main;
+    QString file;
+};
+
+void BM_SaveLargeProject(benchmark::State& state) {
+    Fixture f;
+    for (auto _ : state) {
+        const bool ok = shell::WriteSlFile(f.main, shell::ParseFileName(f.main.ActiveCaption()).project(), f.file, true);
+        benchmark::DoNotOptimize(ok);
+    }
+}
+BENCHMARK(BM_SaveLargeProject)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_OpenLargeProject(benchmark::State& state) {
+    Fixture f;
+    shell::WriteSlFile(f.main, shell::ParseFileName(f.main.ActiveCaption()).project(), f.file, false);
+    for (auto _ : state) {
+        const bool ok = shell::ReadSlFile(f.main, f.file, f.file, false);
+        benchmark::DoNotOptimize(ok);
+    }
+}
+BENCHMARK(BM_OpenLargeProject)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+} // namespace
