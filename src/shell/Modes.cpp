@@ -7,7 +7,6 @@
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
 #include "lists/ListView.h"
-#include "platform/Dialogs.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
 
@@ -149,14 +148,5 @@ void EnableControlsPage4(MDIForm1& main, documents::Form4* w, bool) {
 }
 
 void EnableControlsForm6(MDIForm1& main) { enableUnitPriceAdding(main, main.appState().ProgramMode != 2); }
-
-void ShowDeny(int programMode) {
-    if (programMode == 1)
-        platform::MsgBox(QStringLiteral("Toiminto on sallittu ainoastaan\r\nurakoitsijalle ja tilaajalle"),
-                         platform::MsgIcon::Information);
-    else if (programMode == 2)
-        platform::MsgBox(QStringLiteral("Toiminto on sallittu ainoastaan\r\nsuunnitelijalle ja tilaajalle"),
-                         platform::MsgIcon::Information);
-}
 
 } // namespace shell

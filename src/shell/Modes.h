@@ -1,5 +1,7 @@
 #pragma once
 // Program modes: what the designer (1), the contractor (2) and the client (3) may change.
+#include "lists/ListEditing.h"
+
 class QWidget;
 
 namespace lists {
@@ -35,7 +37,7 @@ void EnableControlsPage3(MDIForm1& main, documents::Form3* window, bool fields =
 void EnableControlsPage4(MDIForm1& main, documents::Form4* window, bool fields = true);
 void EnableControlsForm6(MDIForm1& main);
 
-// The refusal message of the current mode.
-void ShowDeny(int programMode);
+// The refusal message of the current mode lives with the list editing rules that use it.
+using lists::ShowDeny;
 
 } // namespace shell
