@@ -3,10 +3,12 @@
 // shared procedures it calls when its content changes or a list gets the focus.
 #include "shell/AppState.h"
 
+class QPoint;
 class QWidget;
 
 namespace lists {
 class ListView;
+class ListEditHost;
 }
 
 namespace documents {
@@ -19,6 +21,10 @@ public:
     virtual void contentChanged(QWidget* window) = 0;
     // A list got the focus or its current row moved: the status bar shows where it stands.
     virtual void listFocused(lists::ListView* view) = 0;
+    // Who answers the list editors' questions; null edits as the client would and tells nobody.
+    virtual lists::ListEditHost* listEditHost() { return nullptr; }
+    // The right-button menu over a list (context 0) or a rich-text box (context 1).
+    virtual void showContextMenu(int context, const QPoint& globalPos) {}
     // "Las&ke tunnusluvut" of a characteristics card: computes its grey fields from the
     // project's basic data and quantity list.
     virtual void computeCardFigures(QWidget* card) {}

@@ -102,6 +102,10 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
         }
     }
     tv->addWidget(RichTextBox1[0], 1);
+    RichTextBox1[0]->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(RichTextBox1[0], &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
+        m_host.showContextMenu(1, RichTextBox1[0]->mapToGlobal(pos));
+    });
     connect(RichTextBox1[0], &QTextEdit::textChanged, this, [this] { m_host.contentChanged(this); });
     m_splitter->addWidget(textArea);
     m_splitter->setSizes({300, 300, 260});

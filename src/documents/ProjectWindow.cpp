@@ -3,6 +3,7 @@
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
 #include "lists/ListModel.h"
+#include "lists/ListEditor.h"
 #include "lists/ListView.h"
 #include "persist/WindowRecord.h"
 
@@ -58,6 +59,8 @@ lists::ListView* ProjectWindow::makeList(int i, const QString& kind) {
     ListView1[i] = view;
     connect(view, &lists::ListView::focusEntered, this, [this, view] { m_host.listFocused(view); });
     connect(view, &lists::ListView::currentRowMoved, this, [this, view] { m_host.listFocused(view); });
+    connect(view, &lists::ListView::contextMenuWanted, this, [this](QPoint global) { m_host.showContextMenu(0, global); });
+    new lists::ListEditor(view, m_host.listEditHost());
     return view;
 }
 

@@ -1,5 +1,6 @@
 #include "lists/BaseListWindow.h"
 
+#include "lists/ListEditor.h"
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
@@ -48,6 +49,7 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     ListView1->setObjectName(QStringLiteral("ListView1"));
     ListView1->setList(model);
     ListView1->setIndex(-1);
+    new ListEditor(ListView1, host.baseListEditHost());
     layout->addWidget(ListView1, 1);
 
     auto* bottom = new QHBoxLayout;

@@ -15,6 +15,7 @@ namespace lists {
 
 class ListModel;
 class ListView;
+class ListEditHost;
 class BaseListWindow;
 
 // What a base list window needs from the main window.
@@ -33,6 +34,8 @@ public:
     virtual void baseListHelp(BaseListWindow* window) = 0;
     // The file dialog of the program; the chosen path, empty when cancelled.
     virtual QString baseListFileDialog(int kind, const QString& extension) = 0;
+    // Who answers the list editor's questions.
+    virtual ListEditHost* baseListEditHost() = 0;
 };
 
 class BaseListWindow : public QMainWindow {

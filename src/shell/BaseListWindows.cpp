@@ -58,7 +58,9 @@ void enableUnitPriceAdding(MDIForm1& main, bool enabled) {
 
 namespace shell {
 
-void MDIForm1::baseListEditAction(lists::BaseListWindow*, int index) { EditMenuActions(index); }
+void MDIForm1::showBaseList(int slot) { showBaseListWindow(*this, slot); }
+
+void MDIForm1::baseListEditAction(lists::BaseListWindow* window, int index) { listMenuAction(*this, window->view(), index); }
 
 void MDIForm1::baseListHelp(lists::BaseListWindow*) { TamrikHelp(*this, 2200); }
 

@@ -1,15 +1,23 @@
-// The edit menu's actions on the active control of the active window.
+// The edit menu's actions on the active control, and the main window's answers to the list
+// editors of every window.
 #include "documents/Controls.h"
+#include "documents/Form2.h"
+#include "lists/BaseListWindow.h"
+#include "lists/ListEditing.h"
+#include "lists/ListEditor.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ListView.h"
 #include "shell/MDIForm1.h"
+#include "shell/Modes.h"
 #include "shell/ShellActions.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
@@ -17,52 +25,29 @@ namespace shell {
 
 namespace {
 
-// Cut 0, copy 1, paste 2, delete 3 on a text box, drop-down or rich-text box. A locked
-// control allows copying only.
+// Cut 0, copy 1, paste 2, delete 3 on a text box, drop-down, rich-text box or the list edit
+// box. A locked control allows copying only.
 void CutCopyPasteDelSelection(QWidget* focus, int operation) {
     if (auto* combo = qobject_cast<QComboBox*>(focus)) focus = combo->lineEdit();
     if (auto* line = qobject_cast<QLineEdit*>(focus)) {
         const bool locked = line->isReadOnly();
-        switch (operation) {
-            case 0:
-                if (!locked) line->cut();
-                break;
-            case 1: line->copy(); break;
-            case 2:
-                if (!locked) line->paste();
-                break;
-            case 3:
-                if (!locked) line->del();
-                break;
-        }
+        if (operation == 1) line->copy();
+        if (locked) return;
+        if (operation == 0) line->cut();
+        if (operation == 2) line->paste();
+        if (operation == 3) line->del();
     } else if (auto* plain = qobject_cast<QPlainTextEdit*>(focus)) {
-        const bool locked = plain->isReadOnly();
-        switch (operation) {
-            case 0:
-                if (!locked) plain->cut();
-                break;
-            case 1: plain->copy(); break;
-            case 2:
-                if (!locked) plain->paste();
-                break;
-            case 3:
-                if (!locked) plain->textCursor().removeSelectedText();
-                break;
-        }
+        if (operation == 1) plain->copy();
+        if (plain->isReadOnly()) return;
+        if (operation == 0) plain->cut();
+        if (operation == 2) plain->paste();
+        if (operation == 3) plain->textCursor().removeSelectedText();
     } else if (auto* rich = qobject_cast<QTextEdit*>(focus)) {
-        const bool locked = rich->isReadOnly();
-        switch (operation) {
-            case 0:
-                if (!locked) rich->cut();
-                break;
-            case 1: rich->copy(); break;
-            case 2:
-                if (!locked) rich->paste();
-                break;
-            case 3:
-                if (!locked) rich->textCursor().removeSelectedText();
-                break;
-        }
+        if (operation == 1) rich->copy();
+        if (rich->isReadOnly()) return;
+        if (operation == 0) rich->cut();
+        if (operation == 2) rich->paste();
+        if (operation == 3) rich->textCursor().removeSelectedText();
     }
 }
 
@@ -76,23 +61,58 @@ void selectAllText(QWidget* focus) {
         rich->selectAll();
 }
 
-lists::ListView* focusedList(QWidget* focus) {
-    for (QWidget* w = focus; w; w = w->parentWidget())
-        if (auto* v = qobject_cast<lists::ListView*>(w)) return v;
+template <typename T> T* ancestor(QWidget* w) {
+    for (; w; w = w->parentWidget())
+        if (auto* t = qobject_cast<T*>(w)) return t;
     return nullptr;
+}
+
+// The list that has the focus, unless its in-place edit box has it (that is a text control).
+lists::ListView* focusedList(QWidget* focus) {
+    lists::ListView* view = ancestor<lists::ListView>(focus);
+    if (!view) return nullptr;
+    lists::ListEditor* editor = lists::ListEditor::of(view);
+    if (editor && editor->isEditing() && focus == editor->editBox()) return nullptr;
+    return view;
 }
 
 } // namespace
 
+void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
+    lists::ListModel* list = view->list();
+    lists::ListEditor* editor = lists::ListEditor::of(view);
+    if (!list || !editor) return;
+    {
+        switch (index) {
+            case 1: {
+                // Only the two lists of the detailed data window have base lists of their own.
+                if (!ancestor<documents::Form2>(view)) return;
+                if (view->index() == 0) showBaseListWindow(main, 6);
+                if (view->index() == 1) showBaseListWindow(main, 7);
+                return;
+            }
+            case 2: editor->rowEdit(1); return;
+            case 3: editor->rowEdit(2); return;
+            case 4: editor->rowEdit(3); return;
+            case 6: editor->cutCopyDelete(0); return;
+            case 7: editor->cutCopyDelete(1); return;
+            case 9: editor->cutCopyDelete(3); return;
+            case 8: editor->paste(); return;
+            case 13: list->selectAll(); return;
+            case 15:
+                if (list->readOnly()) return;
+                lists::FormatListView(*list, 1, 0, main.appState().settings.BlankLines);
+                main.listEdited(view);
+                return;
+            default: return;
+        }
+    }
+}
+
 void editMenuAction(MDIForm1& main, int index) {
     QWidget* focus = QApplication::focusWidget();
     if (lists::ListView* view = focusedList(focus)) {
-        lists::ListModel* list = view->list();
-        if (!list) return;
-        switch (index) {
-            case 13: list->selectAll(); break;
-            default: break;
-        }
+        listMenuAction(main, view, index);
         return;
     }
     switch (index) {
@@ -105,8 +125,81 @@ void editMenuAction(MDIForm1& main, int index) {
     }
 }
 
-} // namespace shell
+void exportFromBaseList(MDIForm1& main, lists::BaseListWindow* window, int mode) {
+    // The target is the detailed data window that is the active document window; the unit
+    // prices are not the contractor's to add.
+    auto* f2 = qobject_cast<documents::Form2*>(main.activeWindow());
+    if (!f2 || !window) return;
+    const bool prices = window->slot() == 6;
+    if (prices && main.appState().ProgramMode == 2) return;
+    lists::ListView* target = f2->ListView1[prices ? 0 : 1];
+    if (!target->list() || target->list()->readOnly()) {
+        lists::ShowDeny(main.appState().ProgramMode);
+        return;
+    }
+    if (lists::ListEditor* editor = lists::ListEditor::of(target)) editor->closeEditor();
+    const lists::TransferResult result =
+        lists::ExportToList(*target->list(), *window->list(), mode, main.transferOptions(target, window->view()));
+    main.transferDone(target, result);
+}
 
-namespace shell {
-void exportFromBaseList(MDIForm1&, lists::BaseListWindow*, int) {}
+// ---------------------------------------------------------------------------------------------
+// Answers to the list editors
+
+lists::EditContext MDIForm1::editContext(lists::ListView* view) {
+    lists::EditContext ctx;
+    ctx.programMode = m_state.ProgramMode;
+    ctx.listIndex = -1;
+    ctx.restricted = false;
+    if (auto* f2 = ancestor<documents::Form2>(view)) {
+        ctx.listIndex = view->index();
+        ctx.restricted = f2->restrictEdit(view->index());
+    }
+    return ctx;
+}
+
+void MDIForm1::listEdited(lists::ListView* view) {
+    if (auto* w = ancestor<documents::ProjectWindow>(view)) {
+        contentChanged(w);
+        return;
+    }
+    if (auto* base = ancestor<lists::BaseListWindow>(view)) FormTouch(base);
+}
+
+lists::TransferOptions MDIForm1::transferOptions(lists::ListView* target, lists::ListView* source) {
+    lists::TransferOptions options;
+    options.programMode = m_state.ProgramMode;
+    // The working conditions chosen in the unit price window decide which price travels.
+    if (Form6 && (source == Form6->view() || target == Form6->view())) options.unitPriceColumn = Form6->priceColumn();
+    return options;
+}
+
+void MDIForm1::transferDone(lists::ListView* target, const lists::TransferResult& result) {
+    if (!result.changed || !target->list()) return;
+    if (auto* w = ancestor<documents::ProjectWindow>(target)) {
+        touchProjectOf(w);
+        if (m_state.settings.AutoFormat) {
+            lists::ListModel& list = *target->list();
+            lists::FormatListView(list, 1, 0, m_state.settings.BlankLines);
+        }
+        return;
+    }
+    if (auto* base = ancestor<lists::BaseListWindow>(target)) FormTouch(base);
+}
+
+void MDIForm1::showContextMenu(int context, const QPoint& globalPos) { ShowMenu2(context, globalPos); }
+
+void MDIForm1::ShowMenu2(int context, const QPoint& globalPos) {
+    // Row operations and formatting belong to lists; text operations to both.
+    const bool list = context == 0;
+    for (int i : {2, 3, 4, 15}) SubMenu2[i]->setEnabled(list);
+    for (int i : {6, 7, 8, 9, 13}) SubMenu2[i]->setEnabled(true);
+    applyAvailability(*this);
+    MainMenu[2]->popup(globalPos);
+    // The items come back for the menu bar when the pop-up closes.
+    connect(MainMenu[2], &QMenu::aboutToHide, this, [this] {
+        if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
+    }, Qt::SingleShotConnection);
+}
+
 } // namespace shell

@@ -4,6 +4,7 @@
 // captions, and the start-up and shutdown sequences.
 #include "documents/DocumentHost.h"
 #include "lists/BaseListWindow.h"
+#include "lists/ListEditor.h"
 #include "shell/AppState.h"
 
 #include <QMainWindow>
@@ -50,7 +51,10 @@ struct ProjectWindows {
     std::vector<documents::ProjectWindow*> all() const;
 };
 
-class MDIForm1 : public QMainWindow, public documents::DocumentHost, public lists::BaseListHost {
+class MDIForm1 : public QMainWindow,
+                 public documents::DocumentHost,
+                 public lists::BaseListHost,
+                 public lists::ListEditHost {
     Q_OBJECT
 public:
     explicit MDIForm1(QWidget* parent = nullptr);
@@ -80,7 +84,20 @@ public:
     void baseListExport(lists::BaseListWindow* window, int mode) override;
     void baseListHelp(lists::BaseListWindow* window) override;
     QString baseListFileDialog(int kind, const QString& extension) override;
+    lists::ListEditHost* baseListEditHost() override { return this; }
 
+    // ListEditHost (EditActions.cpp)
+    lists::EditContext editContext(lists::ListView* view) override;
+    void listEdited(lists::ListView* view) override;
+    lists::TransferOptions transferOptions(lists::ListView* target, lists::ListView* source) override;
+    void transferDone(lists::ListView* target, const lists::TransferResult& result) override;
+    lists::ListEditHost* listEditHost() override { return this; }
+    void showContextMenu(int context, const QPoint& globalPos) override;
+    // Enables the edit menu's items for a list (0) or a rich-text box (1) and pops it up.
+    void ShowMenu2(int context, const QPoint& globalPos);
+
+    // Shows a base list window: 6 the unit prices, 7 the requirement base list.
+    void showBaseList(int slot);
     // The two base list windows; they live from start-up to shutdown.
     lists::BaseListWindow* Form6 = nullptr;
     lists::BaseListWindow* Form7 = nullptr;

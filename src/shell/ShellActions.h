@@ -6,6 +6,7 @@
 
 namespace lists {
 class ListModel;
+class ListView;
 }
 
 namespace shell {
@@ -30,8 +31,9 @@ void showBaseListWindow(MDIForm1& main, int slot);
 bool closeBaseListWindow(MDIForm1& main, int slot);
 void restoreBaseListWindow(MDIForm1& main, int slot, bool wasClosed);
 
-// The edit menu's actions on the active control (EditActions.cpp).
+// The edit menu's actions on the active control, and on a given list (EditActions.cpp).
 void editMenuAction(MDIForm1& main, int index);
+void listMenuAction(MDIForm1& main, lists::ListView* view, int index);
 
 // Project windows (ProjectActions.cpp).
 void UpdateTextDocuments(MDIForm1& main, int oldIndex);

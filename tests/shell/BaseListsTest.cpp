@@ -1,0 +1,214 @@
+#include "common/ScriptedDialogs.h"
+#include "common/TestSupport.h"
+#include "documents/Form2.h"
+#include "lists/BaseListWindow.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "lists/ListView.h"
+#include "platform/SettingsStore.h"
+#include "shell/Captions.h"
+#include "shell/MDIForm1.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace shell;
+using platform::MsgAnswer;
+using testing_support::ScriptedDialogs;
+
+namespace {
+
+class BaseListsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        platform::SettingsStore().deleteAll();
+        main = std::make_unique<MDIForm1>();
+        main->setProgramDirectory(testing_support::dataDir());
+        main->startUp(false);
+        main->appState().settings.SaveSettingsOnExit = false;
+        main->showProjectWindow(2);
+    }
+    void TearDown() override {
+        for (auto* w : main->projectWindows()) main->FormUntouch(w);
+        main->FormUntouch(main->Form6);
+        main->FormUntouch(main->Form7);
+        main.reset();
+    }
+    // Selects the first row of a base list whose column holds the text.
+    int selectRow(lists::BaseListWindow* w, int column, const QString& text) {
+        lists::ListModel& list = *w->list();
+        for (int r = 1; r <= list.rows(); ++r) {
+            if (list.cell(r, column) == text) {
+                list.selectOnly(r);
+                return r;
+            }
+        }
+        ADD_FAILURE() << "no row " << text.toStdString();
+        return 0;
+    }
+    int findRow(const lists::ListModel& list, int column, const QString& text) {
+        for (int r = 1; r <= list.rows(); ++r)
+            if (list.cell(r, column) == text) return r;
+        return 0;
+    }
+    ScriptedDialogs dialogs;
+    std::unique_ptr<MDIForm1> main;
+};
+
+} // namespace
+
+TEST_F(BaseListsTest, LoadedHiddenWithTheDefaultListsAndTheirCaptions) {
+    ASSERT_TRUE(main->Form6 && main->Form7);
+    EXPECT_FALSE(main->Form6->isVisible());
+    EXPECT_EQ(main->Form6->windowTitle(),
+              testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1 (Yksikköhintaluettelo) Ei muutettu"));
+    EXPECT_EQ(main->Form7->list()->kind(), QStringLiteral("Laatuvaatimusten perusluettelo"));
+    EXPECT_GT(main->Form6->list()->rows(), 150);
+    EXPECT_GT(main->Form7->list()->rows(), 120);
+    EXPECT_EQ(main->Form6->priceColumn(), 5); // "&B (normaalit)" is chosen at start
+    EXPECT_EQ(main->Form6->SubMenu1[6]->text(), QStringLiteral("Listää rivi listan loppuun"));
+    EXPECT_EQ(main->Form7->SubMenu12[1]->text(), QStringLiteral("Lisää valinnan kohdelle"));
+}
+
+TEST_F(BaseListsTest, AddingARequirementBringsItsCaptionsToTheirPlace) {
+    lists::ListModel& target = *main->ParseFormIndeces().f2->list(1);
+    ASSERT_EQ(target.rows(), 0);
+    lists::BaseListWindow* f7 = main->Form7;
+    const lists::ListModel& base = *f7->list();
+    // The first requirement after a second-level caption.
+    int entry = 0;
+    for (int r = 2; r <= base.rows() && !entry; ++r)
+        if (!lists::BlankString(base.cell(r, 2)) && lists::BlankString(base.cell(r, 1))) entry = r;
+    ASSERT_GT(entry, 0);
+    const lists::CaptionInfo caption = lists::FindCaption(base, entry);
+    base.row(entry); // the entry itself
+    f7->list()->selectOnly(entry);
+    f7->editMenuClick(0);
+    ASSERT_GE(target.rows(), 3);
+    const int c = findRow(target, 1, caption.captionLittera);
+    const int e = findRow(target, 3, base.cell(entry, 3));
+    ASSERT_GT(c, 0);
+    ASSERT_GT(e, c);
+    if (caption.subcaptionRow > 0) {
+        const int s = findRow(target, 1, caption.subcaptionLittera);
+        EXPECT_GT(s, c);
+        EXPECT_LT(s, e);
+    }
+    EXPECT_FALSE(CaptionIsUnchanged(main->ParseFormIndeces().f2->caption()));
+    // The base list itself is unchanged by adding.
+    EXPECT_TRUE(CaptionIsUnchanged(f7->windowTitle()));
+}
+
+TEST_F(BaseListsTest, UnitPricesOfTheChosenConditionsAndTheContractorsRights) {
+    lists::ListModel& quantities = *main->ParseFormIndeces().f2->list(0);
+    lists::BaseListWindow* f6 = main->Form6;
+    int item = 0;
+    for (int r = 1; r <= f6->list()->rows() && !item; ++r)
+        if (lists::BlankString(f6->list()->cell(r, 1)) && !lists::BlankString(f6->list()->cell(r, 5))) item = r;
+    ASSERT_GT(item, 0);
+    const QString name = f6->list()->cell(item, 2);
+    f6->list()->selectOnly(item);
+    f6->editMenuClick(0);
+    int row = 0;
+    for (int r = 1; r <= quantities.rows() && !row; ++r)
+        if (quantities.cell(r, 2) == name && lists::BlankString(quantities.cell(r, 1))) row = r;
+    ASSERT_GT(row, 0);
+    EXPECT_EQ(quantities.cell(row, 6), f6->list()->cell(item, 5)); // B
+    EXPECT_EQ(quantities.cell(row, 5), f6->list()->cell(item, 3)); // unit
+
+    // "&C (vaikeat)" and "Lisää loppuun": at the end with the C price.
+    f6->Option1[2]->setChecked(true);
+    f6->SubMenu12[3]->trigger();
+    int last = quantities.rows();
+    while (last > 0 && lists::BlankListItem(quantities, last).blank) --last;
+    EXPECT_EQ(quantities.cell(last, 2), name);
+    EXPECT_EQ(quantities.cell(last, 6), f6->list()->cell(item, 6));
+
+    // The contractor cannot add unit prices; the button is off and the command does nothing.
+    main->Submenu10Click(1);
+    EXPECT_FALSE(f6->Command1[0]->isEnabled());
+    const int before = quantities.rows();
+    f6->editMenuClick(0);
+    EXPECT_EQ(quantities.rows(), before);
+}
+
+TEST_F(BaseListsTest, AContractorsBridgeSpecificRequirementArrivesAsAdvisory) {
+    main->Submenu10Click(1);
+    lists::ListModel& target = *main->ParseFormIndeces().f2->list(1);
+    lists::BaseListWindow* f7 = main->Form7;
+    int entry = 0;
+    for (int r = 1; r <= f7->list()->rows() && !entry; ++r)
+        if (f7->list()->cell(r, 4).startsWith(QLatin1Char('1'))) entry = r;
+    ASSERT_GT(entry, 0);
+    f7->list()->selectOnly(entry);
+    f7->editMenuClick(0);
+    const int row = findRow(target, 3, f7->list()->cell(entry, 3));
+    ASSERT_GT(row, 0);
+    EXPECT_TRUE(target.cell(row, 4).startsWith(QLatin1Char('3'))) << target.cell(row, 4).toStdString();
+}
+
+TEST_F(BaseListsTest, WithNoProjectOpenAddingDoesNothing) {
+    main->UnloadActiveProject();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(main->projectWindows().empty());
+    main->Form7->list()->selectOnly(5);
+    main->Form7->editMenuClick(0);
+    EXPECT_TRUE(dialogs.messages().empty());
+    EXPECT_TRUE(CaptionIsUnchanged(main->Form7->windowTitle()));
+}
+
+TEST_F(BaseListsTest, ClosingAChangedBaseListAsksAndCancelsAShutdown) {
+    lists::BaseListWindow* f7 = main->Form7;
+    main->showBaseList(7);
+    const int rows = f7->list()->rows();
+    f7->list()->selectOnly(3);
+    f7->editMenuClick(7); // "Poista rivi"
+    EXPECT_EQ(f7->list()->rows(), rows - 1);
+    EXPECT_FALSE(CaptionIsUnchanged(f7->windowTitle()));
+    // Shutdown: No to going on without saving keeps everything open.
+    dialogs.answer(MsgAnswer::No);
+    EXPECT_FALSE(main->shutDown());
+    EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Perusluettelotiedostoa: ")));
+    EXPECT_EQ(main->projectWindows().size(), 4u);
+    EXPECT_EQ(f7->list()->rows(), rows - 1);
+    // Closing by hand and going on without saving reads the file again and hides the window.
+    dialogs.answer(MsgAnswer::Yes);
+    f7->close();
+    EXPECT_FALSE(f7->isVisible());
+    EXPECT_EQ(f7->list()->rows(), rows);
+    EXPECT_TRUE(CaptionIsUnchanged(f7->windowTitle()));
+}
+
+TEST_F(BaseListsTest, SavingAsGivesTheWindowTheNewFile) {
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("omat.sl2"));
+    main->Form7->list()->setCell(4, 3, QStringLiteral("Muutettu teksti"));
+    main->FormTouch(main->Form7);
+    dialogs.chooseFile(file);
+    main->Form7->ListViewFileMenuActions(2);
+    EXPECT_EQ(main->Form7->windowTitle(), file + QStringLiteral(" (Laatuvaatimusluettelo) Ei muutettu"));
+    // Cancelling "Avaa..." leaves list and caption alone.
+    dialogs.chooseFile(QString());
+    main->Form7->ListViewFileMenuActions(0);
+    EXPECT_EQ(main->Form7->list()->cell(4, 3), QStringLiteral("Muutettu teksti"));
+    // Opening the saved file gives back what was saved.
+    dialogs.chooseFile(file);
+    main->Form7->ListViewFileMenuActions(0);
+    EXPECT_EQ(main->Form7->list()->cell(4, 3), QStringLiteral("Muutettu teksti"));
+}
+
+TEST_F(BaseListsTest, AMissingDefaultListIsReportedAndLeavesAnEmptyList) {
+    platform::SettingsStore store;
+    store.save(QStringLiteral("Files"), QStringLiteral("File1"), QStringLiteral("/ei/ole/lista.sl2"));
+    MDIForm1 other;
+    other.setProgramDirectory(testing_support::dataDir());
+    other.startUp(false);
+    other.appState().settings.SaveSettingsOnExit = false;
+    EXPECT_TRUE(dialogs.texts().contains(QStringLiteral("Tiedostoa: /ei/ole/lista.sl2 ei löydy.")));
+    EXPECT_EQ(other.Form7->list()->rows(), 0);
+    store.deleteAll();
+}
