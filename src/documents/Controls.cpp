@@ -76,7 +76,11 @@ QString TextBox::text() const {
 void TextBox::setText(const QString& text) {
     if (m_line) {
         // A single-line box keeps line breaks of a value read from a file as they are.
-        if (m_line->text() != text) m_line->setText(text);
+        if (m_line->text() != text) {
+            m_line->setText(text);
+            // A long value shows from its beginning.
+            m_line->setCursorPosition(0);
+        }
     } else if (text != this->text()) {
         m_plain->setPlainText(toWidgetText(text));
     }

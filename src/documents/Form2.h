@@ -19,6 +19,7 @@ public:
     explicit Form2(DocumentHost& host, QWidget* parent = nullptr);
 
     void prepareNewProject() override;
+    QSize sizeHint() const override { return QSize(1000, 760); }
 
     // RichTextBox1[0] is the visible document; [1]..[3] hold "Rakennussuunnitelmaselostus",
     // "Koodaussuunnitelma" and "Urakan laatusuunnitelma".

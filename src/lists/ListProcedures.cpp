@@ -263,7 +263,9 @@ int LocateRow(const ListModel& target, const ListModel& source, int position, in
             if (target.cell(r, h) == subText) anchor = r;
             break;
         }
-    } else if (!captionText.isEmpty()) {
+    }
+    // A subcaption the target does not have yet goes in under its caption, in littera order.
+    if (anchor == 0 && !captionText.isEmpty()) {
         if (captionText == kRoadWorksCaption) {
             for (int r = 1; r <= n && anchor == 0; ++r)
                 for (int c = 2; c <= target.lastDataCol(); ++c)

@@ -11,6 +11,7 @@ namespace lists {
 
 namespace {
 constexpr int kTwipsPerPixel = 15;
+constexpr int kMaxAutoWidth = 320;
 }
 
 ListView::ListView(QWidget* parent)
@@ -53,10 +54,18 @@ void ListView::setList(ListModel* list) {
 
 void ListView::applyColumnWidths() {
     if (!m_list) return;
+    // A column is as wide as its header text plus 200 twips; on screen it also widens, up to a
+    // limit, to show the texts of the first rows, so that names are readable without dragging.
+    const QFontMetrics metrics(font());
+    const int sampleRows = std::min(m_list->rows(), 300);
     for (int c = 1; c <= m_list->cols(); ++c) {
         const bool rowNumber = c == m_list->cols();
         setColumnHidden(c - 1, rowNumber);
-        if (!rowNumber) setColumnWidth(c - 1, std::max(20, m_list->column(c).width / kTwipsPerPixel));
+        if (rowNumber) continue;
+        int width = std::max(20, m_list->column(c).width / kTwipsPerPixel);
+        for (int r = 1; r <= sampleRows && width < kMaxAutoWidth; ++r)
+            width = std::max(width, metrics.horizontalAdvance(m_list->cell(r, c).left(80)) + 14);
+        setColumnWidth(c - 1, std::min(width, std::max(kMaxAutoWidth, m_list->column(c).width / kTwipsPerPixel)));
     }
 }
 

@@ -809,6 +809,9 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     w->setCaption(caption);
     QMdiSubWindow* sub = mdiArea->addSubWindow(w);
     sub->setAttribute(Qt::WA_DeleteOnClose, false);
+    // The sub-window's own menu would claim Ctrl+W, which belongs to the View menu.
+    if (QMenu* system = sub->systemMenu())
+        for (QAction* a : system->actions()) a->setShortcut(QKeySequence());
     // The four windows of a project cascade from the top left, each as large as it wants to
     // be within the frame.
     const int offset = 26 * (kind - 1);

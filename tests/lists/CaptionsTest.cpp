@@ -209,8 +209,9 @@ TEST(LocateRow, SortedPlacementAroundBridgeAndRoadWorks) {
 
     // A subcaption the target has: after its entries, before the next littera above its own.
     EXPECT_EQ(LocateRow(target, source, 0, 1, 2, 0, 1), 4);
-    // A subcaption the target lacks: placed by littera after the caption's littera.
-    EXPECT_EQ(LocateRow(target, source, 0, 1, 3, 1, 1), 2);
+    // A subcaption the target lacks goes in under its caption, among the subcaptions in littera
+    // order: 7115 after 7110 and its entry, before 7120.
+    EXPECT_EQ(LocateRow(target, source, 0, 1, 3, 1, 1), 4);
     // Only the caption, which the target has: before the first row with a littera below it.
     EXPECT_EQ(LocateRow(target, source, 0, 1, 0, 0, 1), 2);
     // A bridge caption the target lacks: after the bridge phases, before the road works.

@@ -1,6 +1,9 @@
 // Transfers of whole entries, with their captions, between project lists and base lists.
 #include "EditingBuilders.h"
+#include "common/TestSupport.h"
 #include "lists/ListEditing.h"
+#include "lists/ListFiles.h"
+#include "lists/ListProcedures.h"
 
 #include <gtest/gtest.h>
 
@@ -185,4 +188,36 @@ TEST(Transfer, InsertDataOnlyIfMissing) {
 
     project.setCell(1, 3, "KAIVANNOT JA TÄYTÖT");
     EXPECT_EQ(InsertData(0, base, 1, 1, project, 1, true, {}), 1) << "the heading differs";
+}
+
+// Regression: a second subcaption added under a caption the project already had went in
+// above the first one instead of below it.
+TEST(TransferOrder, SubcaptionsAddedOneByOneStayInLitteraOrder) {
+    lists::ListModel base;
+    base.setKind(lists::kind::UnitPriceList);
+    ASSERT_TRUE(lists::InitListView(base, testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1")));
+    lists::ListModel project;
+    project.setKind(lists::kind::QuantityList);
+    ASSERT_TRUE(lists::InitListView(project, testing_support::dataDir() + QStringLiteral("TAMRIK30_T3.csv")));
+    lists::TransferOptions options;
+    options.unitPriceColumn = 5;
+    // The first entry under each of three subcaptions, the last one first.
+    std::vector<QString> subcaptions;
+    for (int r = 1; r <= base.rows() && subcaptions.size() < 3; ++r)
+        if (!lists::BlankString(base.cell(r, 1)) && !lists::CapitalString(base.cell(r, 2)) &&
+            base.cell(r, 1).startsWith(QStringLiteral("710")))
+            subcaptions.push_back(base.cell(r, 1));
+    ASSERT_EQ(subcaptions.size(), 3u);
+    for (const QString& littera : {subcaptions[2], subcaptions[0], subcaptions[1]}) {
+        int sub = 0;
+        for (int r = 1; r <= base.rows() && !sub; ++r)
+            if (base.cell(r, 1) == littera) sub = r;
+        base.selectOnly(sub + 1);
+        lists::ExportToList(project, base, 0, options);
+        lists::FormatListView(project, 1, 0, {1, 1, 0, 1, 1, 0});
+    }
+    QStringList order;
+    for (int r = 1; r <= project.rows(); ++r)
+        if (!lists::BlankString(project.cell(r, 1))) order << project.cell(r, 1);
+    EXPECT_EQ(order, (QStringList{QStringLiteral("7100"), subcaptions[0], subcaptions[1], subcaptions[2]}));
 }
