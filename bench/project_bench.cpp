@@ -28,14 +28,16 @@ void fillLists(documents::Form2& f2, int requirements, int quantities) {
                 row.cells[requirementsList ? 2 : 1] = QStringLiteral("BETONITYÖT");
             } else if (requirementsList) {
                 row.cells[1] = QString::number(i % 25);
-                row.cells[2] = QStringLiteral("Betonin lujuusluokka vähintään C35/45, kelpoisuus osoitetaan koekappalein");
+                row.cells[2] = QStringLiteral(
+                    "Betonin lujuusluokka vähintään C35/45, kelpoisuus osoitetaan koekappalein");
                 row.cells[3] = QStringLiteral("1");
                 row.cells[4] = QStringLiteral("SILKO 1.301");
                 row.cells[5] = QStringLiteral("35");
                 row.cells[8] = QStringLiteral("MPa");
                 row.cells[9] = QStringLiteral("M");
                 row.cells[10] = QStringLiteral("3");
-                row.cells[11] = QStringLiteral("Urakoitsija toimittaa koetulokset valvojalle ennen muottien purkua.");
+                row.cells[11] =
+                    QStringLiteral("Urakoitsija toimittaa koetulokset valvojalle ennen muottien purkua.");
                 row.cells[20] = i % 3 ? QStringLiteral("Kyllä") : QString();
                 row.cells[23] = QStringLiteral("0,5");
             } else {
@@ -71,7 +73,8 @@ struct Fixture {
 void BM_SaveLargeProject(benchmark::State& state) {
     Fixture f;
     for (auto _ : state) {
-        const bool ok = shell::WriteSlFile(f.main, shell::ParseFileName(f.main.ActiveCaption()).project(), f.file, true);
+        const bool ok =
+            shell::WriteSlFile(f.main, shell::ParseFileName(f.main.ActiveCaption()).project(), f.file, true);
         benchmark::DoNotOptimize(ok);
     }
 }

@@ -34,8 +34,12 @@
 
 namespace {
 
-void setText(documents::TextBox* box, const QString& text) { box->setText(text); }
-void setCombo(documents::ComboBox* box, const QString& text) { box->setText(text); }
+void setText(documents::TextBox* box, const QString& text) {
+    box->setText(text);
+}
+void setCombo(documents::ComboBox* box, const QString& text) {
+    box->setText(text);
+}
 
 // Rows of a list with a littera, by littera.
 int rowOfLittera(const lists::ListModel& list, const QString& littera) {
@@ -101,13 +105,14 @@ platform::Picture sideView() {
     p.drawLine(250, 200, 390, 200);
     p.setPen(QPen(Qt::black, 2));
     p.setBrush(QColor(200, 200, 200));
-    p.drawRect(40, 110, 560, 16);    // deck
-    p.drawRect(40, 126, 24, 34);     // abutment 1
-    p.drawRect(576, 126, 24, 34);    // abutment 2
-    p.drawRect(220, 126, 14, 80);    // pier 1
-    p.drawRect(406, 126, 14, 80);    // pier 2
+    p.drawRect(40, 110, 560, 16); // deck
+    p.drawRect(40, 126, 24, 34);  // abutment 1
+    p.drawRect(576, 126, 24, 34); // abutment 2
+    p.drawRect(220, 126, 14, 80); // pier 1
+    p.drawRect(406, 126, 14, 80); // pier 2
     p.setPen(QPen(QColor(60, 60, 60), 1));
-    for (int x = 44; x < 600; x += 12) p.drawLine(x, 110, x, 96);
+    for (int x = 44; x < 600; x += 12)
+        p.drawLine(x, 110, x, 96);
     p.drawLine(40, 96, 600, 96);
     p.setPen(Qt::black);
     QFont f(QStringLiteral("Liberation Sans"), 12);
@@ -189,8 +194,12 @@ int main(int argc, char** argv) {
     setCombo(f1.Combo1[15], QStringLiteral("2.5.2006"));
     setCombo(f1.Combo1[16], QStringLiteral("Anna Mäkinen"));
     setCombo(f1.Combo1[14], QStringLiteral("5.5.2006"));
-    setText(f1.Text1[9], QStringLiteral("Insinööritoimisto Kaarisilta Oy\r\nVapaudenkatu 48\r\n40100 JYVÄSKYLÄ\r\npuh. 014 333 4400"));
-    setText(f1.Text1[10], QStringLiteral("Rakennus Kivijalka Oy\r\nTyömaantie 3\r\n40320 JYVÄSKYLÄ\r\npuh. 014 555 1200"));
+    setText(
+        f1.Text1[9],
+        QStringLiteral(
+            "Insinööritoimisto Kaarisilta Oy\r\nVapaudenkatu 48\r\n40100 JYVÄSKYLÄ\r\npuh. 014 333 4400"));
+    setText(f1.Text1[10],
+            QStringLiteral("Rakennus Kivijalka Oy\r\nTyömaantie 3\r\n40320 JYVÄSKYLÄ\r\npuh. 014 555 1200"));
     lists::ListModel& changes = *f1.list(1);
     for (const auto& [nro, pvm, what, who] :
          {std::tuple{"1", "28.3.2006", "Välitukien paalutus muutettu porapaaluiksi", "MV"},
@@ -204,46 +213,53 @@ int main(int argc, char** argv) {
     }
     f1.Image1[0]->setPicture(sideView());
     QString error;
-    f1.Image1[2]->setPicture(platform::Picture::fromFile(main.appState().AppPath + QStringLiteral("Tamrik2006-logo.wmf"), &error));
+    f1.Image1[2]->setPicture(
+        platform::Picture::fromFile(main.appState().AppPath + QStringLiteral("Tamrik2006-logo.wmf"), &error));
 
     // Quantity list and cost estimate from the unit price list.
     main.activateWindow(w.f2);
     lists::BaseListWindow* f6 = main.Form6;
     for (const auto& [littera, n] : std::vector<std::pair<QString, int>>{
-             {QStringLiteral("7101"), 1}, {QStringLiteral("7102"), 1}, {QStringLiteral("7111"), 2},
-             {QStringLiteral("7113"), 1}, {QStringLiteral("7123"), 1}, {QStringLiteral("7131"), 1},
+             {QStringLiteral("7101"), 1},   {QStringLiteral("7102"), 1}, {QStringLiteral("7111"), 2},
+             {QStringLiteral("7113"), 1},   {QStringLiteral("7123"), 1}, {QStringLiteral("7131"), 1},
              {QStringLiteral("7132.1"), 1}, {QStringLiteral("7141"), 1}, {QStringLiteral("7151"), 1},
-             {QStringLiteral("7152"), 1}, {QStringLiteral("7171"), 2}, {QStringLiteral("7172"), 1},
-             {QStringLiteral("7173"), 1}, {QStringLiteral("7174"), 1}, {QStringLiteral("7186"), 1},
-             {QStringLiteral("7187"), 1}, {QStringLiteral("7191"), 1}, {QStringLiteral("7192"), 1},
-             {QStringLiteral("7196"), 1}, {QStringLiteral("1120"), 1}, {QStringLiteral("1130"), 1},
+             {QStringLiteral("7152"), 1},   {QStringLiteral("7171"), 2}, {QStringLiteral("7172"), 1},
+             {QStringLiteral("7173"), 1},   {QStringLiteral("7174"), 1}, {QStringLiteral("7186"), 1},
+             {QStringLiteral("7187"), 1},   {QStringLiteral("7191"), 1}, {QStringLiteral("7192"), 1},
+             {QStringLiteral("7196"), 1},   {QStringLiteral("1120"), 1}, {QStringLiteral("1130"), 1},
              {QStringLiteral("2120"), 1}}) {
         addFromBase(main, f6, littera, n);
     }
     lists::ListModel& quantities = *w.f2->list(0);
     // Quantities for every priced row by its unit, as a bridge of this size needs them.
     const std::map<QString, QString> byUnit = {
-        {QStringLiteral("m3"), QStringLiteral("380")},   {QStringLiteral("m3ktr"), QStringLiteral("1450")},
-        {QStringLiteral("m3rtr"), QStringLiteral("620")},
-        {QStringLiteral("m2"), QStringLiteral("640")},   {QStringLiteral("m"), QStringLiteral("112")},
-        {QStringLiteral("kg"), QStringLiteral("46000")}, {QStringLiteral("t"), QStringLiteral("46")},
-        {QStringLiteral("kpl"), QStringLiteral("8")},    {QStringLiteral("erä"), QStringLiteral("1")}};
+        {QStringLiteral("m3"), QStringLiteral("380")},    {QStringLiteral("m3ktr"), QStringLiteral("1450")},
+        {QStringLiteral("m3rtr"), QStringLiteral("620")}, {QStringLiteral("m2"), QStringLiteral("640")},
+        {QStringLiteral("m"), QStringLiteral("112")},     {QStringLiteral("kg"), QStringLiteral("46000")},
+        {QStringLiteral("t"), QStringLiteral("46")},      {QStringLiteral("kpl"), QStringLiteral("8")},
+        {QStringLiteral("erä"), QStringLiteral("1")}};
     int k = 0;
     for (int r = 1; r <= quantities.rows(); ++r) {
         if (lists::BlankString(quantities.cell(r, 6))) continue;
         const auto unit = byUnit.find(quantities.cell(r, 5).trimmed());
         quantities.setCell(r, 4, unit == byUnit.end() ? QStringLiteral("1") : unit->second);
-        quantities.setCell(r, 3, k % 3 == 0 ? QStringLiteral("000") : (k % 3 == 1 ? QStringLiteral("100") : QStringLiteral("400")));
+        quantities.setCell(r, 3,
+                           k % 3 == 0 ? QStringLiteral("000")
+                                      : (k % 3 == 1 ? QStringLiteral("100") : QStringLiteral("400")));
         ++k;
     }
 
     // Requirements from the base list, some of them inspected.
     lists::BaseListWindow* f7 = main.Form7;
     std::vector<QString> requirementTexts;
-    for (const auto& [littera, n] : std::vector<std::pair<QString, int>>{
-             {QStringLiteral("7111"), 2}, {QStringLiteral("7123"), 2}, {QStringLiteral("7141"), 2},
-             {QStringLiteral("7151"), 2}, {QStringLiteral("7173"), 3}, {QStringLiteral("7186"), 2},
-             {QStringLiteral("7196"), 1}, {QStringLiteral("1130"), 2}}) {
+    for (const auto& [littera, n] : std::vector<std::pair<QString, int>>{{QStringLiteral("7111"), 2},
+                                                                         {QStringLiteral("7123"), 2},
+                                                                         {QStringLiteral("7141"), 2},
+                                                                         {QStringLiteral("7151"), 2},
+                                                                         {QStringLiteral("7173"), 3},
+                                                                         {QStringLiteral("7186"), 2},
+                                                                         {QStringLiteral("7196"), 1},
+                                                                         {QStringLiteral("1130"), 2}}) {
         addFromBase(main, f7, littera, n, &requirementTexts);
     }
     lists::ListModel& requirements = *w.f2->list(1);
@@ -255,33 +271,37 @@ int main(int argc, char** argv) {
         const bool fails = inspected == 5;
         requirements.setCell(r, 21, fails ? QStringLiteral("Ei") : QStringLiteral("Kyllä"));
         if (requirements.cell(r, 10).startsWith(QLatin1Char('M'))) {
-            requirements.setCell(r, 15, QStringLiteral("Mittaukset tehty työkohteessa, pöytäkirja liitteenä."));
+            requirements.setCell(r, 15,
+                                 QStringLiteral("Mittaukset tehty työkohteessa, pöytäkirja liitteenä."));
             requirements.setCell(r, 16, QStringLiteral("5"));
         }
         if (fails) {
             requirements.setCell(r, 22, QStringLiteral("Vaatimus ei täyttynyt kahdessa mittauspisteessä."));
-            requirements.setCell(r, 23, QStringLiteral("Puutteellinen kohta korjataan ja mitataan uudelleen."));
+            requirements.setCell(r, 23,
+                                 QStringLiteral("Puutteellinen kohta korjataan ja mitataan uudelleen."));
             requirements.setCell(r, 24, QStringLiteral("0,5"));
         }
     }
 
     // Text documents.
     main.Submenu30Click(0);
-    writeDocument(w.f2->RichTextBox1[0],
-                  {QStringLiteral("# 1 Yleistä"),
-                   QStringLiteral("Kirkkojoen silta sijaitsee valtatiellä 4 Jyväskylän pohjoispuolella. Silta korvaa "
-                                  "nykyisen, kantavuudeltaan riittämättömän teräsbetonisen laattasillan."),
-                   QStringLiteral("# 2 Rakenne"),
-                   QStringLiteral("Silta on kolmiaukkoinen jatkuva teräsbetoninen laattapalkkisilta. Jännemitat ovat "
-                                  "15,0 + 18,0 + 15,0 m ja hyödyllinen leveys 12,5 m."),
-                   QStringLiteral("# 3 Perustaminen"),
-                   QStringLiteral("Maatuet perustetaan maanvaraisesti tiivistetyn murskearinan varaan. Välituet "
-                                  "perustetaan porapaaluille, jotka porataan kallioon.")});
+    writeDocument(
+        w.f2->RichTextBox1[0],
+        {QStringLiteral("# 1 Yleistä"),
+         QStringLiteral("Kirkkojoen silta sijaitsee valtatiellä 4 Jyväskylän pohjoispuolella. Silta korvaa "
+                        "nykyisen, kantavuudeltaan riittämättömän teräsbetonisen laattasillan."),
+         QStringLiteral("# 2 Rakenne"),
+         QStringLiteral("Silta on kolmiaukkoinen jatkuva teräsbetoninen laattapalkkisilta. Jännemitat ovat "
+                        "15,0 + 18,0 + 15,0 m ja hyödyllinen leveys 12,5 m."),
+         QStringLiteral("# 3 Perustaminen"),
+         QStringLiteral("Maatuet perustetaan maanvaraisesti tiivistetyn murskearinan varaan. Välituet "
+                        "perustetaan porapaaluille, jotka porataan kallioon.")});
     main.Submenu30Click(1);
-    writeDocument(w.f2->RichTextBox1[0],
-                  {QStringLiteral("# Koodaussuunnitelma"),
-                   QStringLiteral("Rakenneosat numeroidaan sillan osanumeroinnin mukaan: 100 maatuki 1, 310 ja 320 "
-                                  "välituet, 200 maatuki 2, 400 päällysrakenne.")});
+    writeDocument(
+        w.f2->RichTextBox1[0],
+        {QStringLiteral("# Koodaussuunnitelma"),
+         QStringLiteral("Rakenneosat numeroidaan sillan osanumeroinnin mukaan: 100 maatuki 1, 310 ja 320 "
+                        "välituet, 200 maatuki 2, 400 päällysrakenne.")});
     main.Submenu30Click(0);
 
     // The cards.
@@ -293,10 +313,12 @@ int main(int argc, char** argv) {
     setText(f3.Text1[2], QStringLiteral("1,35"));
     setCombo(f3.Combo1[0], QStringLiteral("Maanvarainen"));
     setCombo(f3.Combo1[1], QStringLiteral("Porapaalut"));
-    const int cardValues[][2] = {{17, 120}, {18, 64}, {19, 48}, {20, 36}, {21, 8}, {22, 6}, {23, 4}, {24, 3},
-                                 {25, 9800}, {26, 7100}, {27, 5300}, {28, 5200}, {33, 180}, {34, 260}, {35, 90},
-                                 {36, 140}, {47, 420}, {51, 66000}, {53, 780}};
-    for (const auto& v : cardValues) setText(f3.Text1[v[0]], QString::number(v[1]));
+    const int cardValues[][2] = {{17, 120},  {18, 64},   {19, 48},    {20, 36},   {21, 8},
+                                 {22, 6},    {23, 4},    {24, 3},     {25, 9800}, {26, 7100},
+                                 {27, 5300}, {28, 5200}, {33, 180},   {34, 260},  {35, 90},
+                                 {36, 140},  {47, 420},  {51, 66000}, {53, 780}};
+    for (const auto& v : cardValues)
+        setText(f3.Text1[v[0]], QString::number(v[1]));
     setCombo(f3.Combo1[14], QStringLiteral("C35/45"));
     setCombo(f3.Combo1[17], QStringLiteral("A500HW"));
     documents::UpdateCardText(f1, w.f2, f3);

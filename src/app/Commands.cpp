@@ -57,7 +57,8 @@ int summary(const QString& fileName) {
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
     auto list = persist::ListFromRecord(project.content.windows[1].lists[1], lists::kind::Requirements);
     const calc::QualityRecord record = calc::CalculateQualityIndex(*list);
-    QString text = calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());
+    QString text =
+        calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     print(text);
     return 0;

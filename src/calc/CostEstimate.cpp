@@ -51,7 +51,8 @@ double ConversionFactor(const CostInputs& inputs) {
 bool NextIsCaption1(const lists::ListModel& list, int row) {
     for (int r = row + 1; r <= list.rows(); ++r) {
         if (lists::CapitalString(list.cell(r, kPhaseCol))) return true;
-        if (!lists::BlankString(list.cell(r, kQuantityCol)) || !lists::BlankString(list.cell(r, kUnitPriceCol)))
+        if (!lists::BlankString(list.cell(r, kQuantityCol)) ||
+            !lists::BlankString(list.cell(r, kUnitPriceCol)))
             return false;
     }
     return true;

@@ -67,7 +67,9 @@ TextBox::TextBox(bool multiLine, QWidget* parent)
     }
 }
 
-QWidget* TextBox::editor() const { return m_line ? static_cast<QWidget*>(m_line) : m_plain; }
+QWidget* TextBox::editor() const {
+    return m_line ? static_cast<QWidget*>(m_line) : m_plain;
+}
 
 QString TextBox::text() const {
     return m_line ? m_line->text() : fromWidgetText(m_plain->toPlainText());
@@ -86,7 +88,9 @@ void TextBox::setText(const QString& text) {
     }
 }
 
-bool TextBox::locked() const { return m_line ? m_line->isReadOnly() : m_plain->isReadOnly(); }
+bool TextBox::locked() const {
+    return m_line ? m_line->isReadOnly() : m_plain->isReadOnly();
+}
 
 void TextBox::setLocked(bool locked) {
     if (m_line)
@@ -162,7 +166,9 @@ ComboBox::ComboBox(QWidget* parent)
     connect(lineEdit(), &QLineEdit::returnPressed, this, &ComboBox::returnPressed);
 }
 
-QString ComboBox::text() const { return currentText(); }
+QString ComboBox::text() const {
+    return currentText();
+}
 
 void ComboBox::setText(const QString& text) {
     if (currentText() != text) setEditText(text);
@@ -226,4 +232,3 @@ void ComboBox::focusInEvent(QFocusEvent* e) {
 }
 
 } // namespace documents
-

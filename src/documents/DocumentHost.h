@@ -9,7 +9,7 @@ class QWidget;
 namespace lists {
 class ListView;
 class ListEditHost;
-}
+} // namespace lists
 
 namespace documents {
 

@@ -19,7 +19,8 @@
 namespace documents {
 
 namespace {
-const char* const kDocuments[3] = {"Rakennussuunnitelmaselostus", "Koodaussuunnitelma", "Urakan laatusuunnitelma"};
+const char* const kDocuments[3] = {"Rakennussuunnitelmaselostus", "Koodaussuunnitelma",
+                                   "Urakan laatusuunnitelma"};
 
 // Gives the box a copy of another document, text and formatting. The copies belong to the
 // window, never to the box (a box deletes the documents it owns when it gets another one), so
@@ -47,7 +48,8 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
 
     Label1.assign(3, nullptr);
     Check1.assign(2, nullptr);
-    const QString listKinds[2] = {QStringLiteral("Määräluettelo ja kustannusarvio"), QStringLiteral("Laatuvaatimukset")};
+    const QString listKinds[2] = {QStringLiteral("Määräluettelo ja kustannusarvio"),
+                                  QStringLiteral("Laatuvaatimukset")};
     const QString checks[2] = {QStringLiteral("Muokkaa ainoastaan &rak. osa  ja määräsarakkeita"),
                                QStringLiteral("Muokkaa ainoastaan &vaatimuksen numeroarvoja")};
     for (int i = 0; i < 2; ++i) {
@@ -103,9 +105,8 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
     }
     tv->addWidget(RichTextBox1[0], 1);
     RichTextBox1[0]->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(RichTextBox1[0], &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
-        m_host.showContextMenu(1, RichTextBox1[0]->mapToGlobal(pos));
-    });
+    connect(RichTextBox1[0], &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& pos) { m_host.showContextMenu(1, RichTextBox1[0]->mapToGlobal(pos)); });
     connect(RichTextBox1[0], &QTextEdit::textChanged, this, [this] { m_host.contentChanged(this); });
     m_splitter->addWidget(textArea);
     m_splitter->setSizes({300, 300, 260});
@@ -169,7 +170,8 @@ void Form2::showDocument(int index) {
 }
 
 void Form2::switchDocument(int oldIndex, int newIndex) {
-    if (oldIndex >= 0 && oldIndex <= 2) replaceDocument(this, RichTextBox1[oldIndex + 1], RichTextBox1[0]->document());
+    if (oldIndex >= 0 && oldIndex <= 2)
+        replaceDocument(this, RichTextBox1[oldIndex + 1], RichTextBox1[0]->document());
     showDocument(newIndex);
 }
 

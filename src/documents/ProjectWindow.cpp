@@ -59,22 +59,26 @@ lists::ListView* ProjectWindow::makeList(int i, const QString& kind) {
     ListView1[i] = view;
     connect(view, &lists::ListView::focusEntered, this, [this, view] { m_host.listFocused(view); });
     connect(view, &lists::ListView::currentRowMoved, this, [this, view] { m_host.listFocused(view); });
-    connect(view, &lists::ListView::contextMenuWanted, this, [this](QPoint global) { m_host.showContextMenu(0, global); });
+    connect(view, &lists::ListView::contextMenuWanted, this,
+            [this](QPoint global) { m_host.showContextMenu(0, global); });
     new lists::ListEditor(view, m_host.listEditHost());
     return view;
 }
 
 persist::WindowRecord ProjectWindow::toRecord() const {
     persist::WindowRecord r;
-    for (const TextBox* t : Text1) r.texts.append(t ? t->text() : QString());
-    for (const ComboBox* c : Combo1) r.combos.append(c ? c->text() : QString());
+    for (const TextBox* t : Text1)
+        r.texts.append(t ? t->text() : QString());
+    for (const ComboBox* c : Combo1)
+        r.combos.append(c ? c->text() : QString());
     for (const lists::ListView* v : ListView1) {
         persist::ListRecord list;
         const lists::ListModel* m = v ? v->list() : nullptr;
         if (m) {
             list.columns = m->lastDataCol();
             list.rows.reserve(m->rows());
-            for (const lists::Row& row : m->allRows()) list.rows.push_back(row.cells.mid(0, list.columns));
+            for (const lists::Row& row : m->allRows())
+                list.rows.push_back(row.cells.mid(0, list.columns));
         }
         r.lists.push_back(std::move(list));
     }
@@ -98,7 +102,8 @@ void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
             for (const QStringList& cells : src.rows) {
                 lists::Row row;
                 row.cells = cells.mid(0, keep);
-                while (row.cells.size() < m->lastDataCol()) row.cells.append(QString());
+                while (row.cells.size() < m->lastDataCol())
+                    row.cells.append(QString());
                 row.cells.append(lists::formatRowNumber(++number));
                 rows.push_back(std::move(row));
             }
@@ -112,8 +117,12 @@ void ProjectWindow::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
 }
 
-void ProjectWindow::dragEnterEvent(QDragEnterEvent* event) { event->ignore(); }
+void ProjectWindow::dragEnterEvent(QDragEnterEvent* event) {
+    event->ignore();
+}
 
-void ProjectWindow::dragMoveEvent(QDragMoveEvent* event) { event->ignore(); }
+void ProjectWindow::dragMoveEvent(QDragMoveEvent* event) {
+    event->ignore();
+}
 
 } // namespace documents

@@ -38,7 +38,8 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     , m_slot(slot) {
     const bool prices = slot == 6;
     setObjectName(prices ? QStringLiteral("Form6") : QStringLiteral("Form7"));
-    setWindowTitle(prices ? QStringLiteral("Työvaihe- ja yksikköhintaluettelo") : QStringLiteral("Laatuvaatimusluettelo"));
+    setWindowTitle(prices ? QStringLiteral("Työvaihe- ja yksikköhintaluettelo")
+                          : QStringLiteral("Laatuvaatimusluettelo"));
     resize(900, 560);
     auto* central = new QWidget(this);
     auto* layout = new QVBoxLayout(central);
@@ -57,7 +58,8 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     Command1[0] = new QPushButton(QStringLiteral("Lisää (Ctrl+A)"), central);
     Command1[1] = new QPushButton(QStringLiteral("&Sulje"), central);
     Command1[2] = new QPushButton(QStringLiteral("&Ohjeet"), central);
-    for (QPushButton* b : Command1) b->setAutoDefault(false);
+    for (QPushButton* b : Command1)
+        b->setAutoDefault(false);
     bottom->addWidget(Command1[0]);
     bottom->addWidget(Command1[1]);
     bottom->addWidget(Command1[2]);
@@ -65,7 +67,8 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
         bottom->addSpacing(24);
         Label1 = new QLabel(QStringLiteral("Olosuhteet"), central);
         bottom->addWidget(Label1);
-        for (const QString& t : {QStringLiteral("&A (helpot)"), QStringLiteral("&B (normaalit)"), QStringLiteral("&C (vaikeat)")}) {
+        for (const QString& t : {QStringLiteral("&A (helpot)"), QStringLiteral("&B (normaalit)"),
+                                 QStringLiteral("&C (vaikeat)")}) {
             auto* option = new QRadioButton(t, central);
             Option1.push_back(option);
             bottom->addWidget(option);
@@ -96,13 +99,19 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
 
 void BaseListWindow::createMenus() {
     const bool prices = m_slot == 6;
-    QMenu* file = menuBar()->addMenu(prices ? QStringLiteral("&Yksikköhintatiedosto") : QStringLiteral("&Laatuvaatimustiedosto"));
-    const QStringList fileItems = {QStringLiteral("&Avaa..."), QStringLiteral("&Tallenna"),
-                                   QStringLiteral("Tallenna &nimellä..."), QStringLiteral("-"),
-                                   QStringLiteral("T&uo..."), QStringLiteral("&Vie..."), QStringLiteral("-"),
+    QMenu* file = menuBar()->addMenu(prices ? QStringLiteral("&Yksikköhintatiedosto")
+                                            : QStringLiteral("&Laatuvaatimustiedosto"));
+    const QStringList fileItems = {QStringLiteral("&Avaa..."),
+                                   QStringLiteral("&Tallenna"),
+                                   QStringLiteral("Tallenna &nimellä..."),
+                                   QStringLiteral("-"),
+                                   QStringLiteral("T&uo..."),
+                                   QStringLiteral("&Vie..."),
+                                   QStringLiteral("-"),
                                    prices ? QStringLiteral("&Sulje ikkuna") : QStringLiteral("&Sulje")};
     for (int i = 0; i < fileItems.size(); ++i) {
-        QAction* a = fileItems[i] == QLatin1String("-") ? file->addSeparator() : file->addAction(fileItems[i]);
+        QAction* a =
+            fileItems[i] == QLatin1String("-") ? file->addSeparator() : file->addAction(fileItems[i]);
         SubMenu0.push_back(a);
         connect(a, &QAction::triggered, this, [this, i] { ListViewFileMenuActions(i); });
     }
@@ -138,12 +147,16 @@ void BaseListWindow::createMenus() {
             QMenu* modes = edit->addMenu(editItems[i]);
             a = modes->menuAction();
             const QStringList modeItems =
-                prices ? QStringList{QStringLiteral("Lisää ilman huom. saraketta"), QStringLiteral("Lisää valitun rivin kohdalle"),
+                prices ? QStringList{QStringLiteral("Lisää ilman huom. saraketta"),
+                                     QStringLiteral("Lisää valitun rivin kohdalle"),
                                      QStringLiteral("Lisää valitun rivin kohdalle ilman huom. saraketta"),
-                                     QStringLiteral("Lisää loppuun"), QStringLiteral("Lisää loppuun ilman huom. saraketta")}
-                       : QStringList{QStringLiteral("Lisää ilman huom. saraketta"), QStringLiteral("Lisää valinnan kohdelle"),
+                                     QStringLiteral("Lisää loppuun"),
+                                     QStringLiteral("Lisää loppuun ilman huom. saraketta")}
+                       : QStringList{QStringLiteral("Lisää ilman huom. saraketta"),
+                                     QStringLiteral("Lisää valinnan kohdelle"),
                                      QStringLiteral("Lisää valinnan kohdelle ilman huom. saraketta"),
-                                     QStringLiteral("Lisää loppuun"), QStringLiteral("Lisää loppuun ilman huom. saraketta")};
+                                     QStringLiteral("Lisää loppuun"),
+                                     QStringLiteral("Lisää loppuun ilman huom. saraketta")};
             for (int m = 0; m < modeItems.size(); ++m) {
                 QAction* ma = modes->addAction(modeItems[m]);
                 SubMenu12.push_back(ma);
@@ -169,20 +182,26 @@ void BaseListWindow::createMenus() {
     SubMenu1[10]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_C));
     SubMenu1[11]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_V));
     SubMenu1[12]->setShortcut(QKeySequence(Qt::Key_Delete));
-    for (QAction* a : SubMenu1) a->setShortcutContext(Qt::WindowShortcut);
+    for (QAction* a : SubMenu1)
+        a->setShortcutContext(Qt::WindowShortcut);
     // The row editor, the lists of a project and the heading index are not part of this build.
     SubMenu1[3]->setEnabled(false);
     SubMenu1[4]->setEnabled(false);
     SubMenu1[14]->setEnabled(false);
 }
 
-QString BaseListWindow::extension() const { return m_slot == 6 ? QStringLiteral(".sl1") : QStringLiteral(".sl2"); }
-
-QString BaseListWindow::suffix() const {
-    return m_slot == 6 ? QStringLiteral(" (Yksikköhintaluettelo)") : QStringLiteral(" (Laatuvaatimusluettelo)");
+QString BaseListWindow::extension() const {
+    return m_slot == 6 ? QStringLiteral(".sl1") : QStringLiteral(".sl2");
 }
 
-ListModel* BaseListWindow::list() const { return ListView1->list(); }
+QString BaseListWindow::suffix() const {
+    return m_slot == 6 ? QStringLiteral(" (Yksikköhintaluettelo)")
+                       : QStringLiteral(" (Laatuvaatimusluettelo)");
+}
+
+ListModel* BaseListWindow::list() const {
+    return ListView1->list();
+}
 
 QString BaseListWindow::currentFile() const {
     QString caption = windowTitle();
@@ -205,8 +224,11 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             if (file.isEmpty()) return;
             BusyPointer busy;
             const QFontMetrics metrics(ListView1->font());
-            const TextMeasure measure = [metrics](const QString& t) { return metrics.horizontalAdvance(t) * 15; };
-            if (InitListView(*list(), file, QStringLiteral(";"), measure)) setWindowTitle(file + suffix() + kMarker);
+            const TextMeasure measure = [metrics](const QString& t) {
+                return metrics.horizontalAdvance(t) * 15;
+            };
+            if (InitListView(*list(), file, QStringLiteral(";"), measure))
+                setWindowTitle(file + suffix() + kMarker);
             break;
         }
         case 1:
@@ -219,16 +241,18 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             const std::vector<CellRef> bad = cellsOutsideCp1252(*list());
             if (!bad.empty()) {
                 const CellRef& first = bad.front();
-                platform::MsgBox(QStringLiteral("Rivillä %1 sarakkeessa \"%2\" on merkkejä (%3), joita tiedostoon ei voi "
-                                                "tallentaa. Ne tallentuvat kysymysmerkkeinä.")
-                                     .arg(first.row)
-                                     .arg(list()->column(first.col).header, first.characters),
-                                 platform::MsgIcon::Exclamation);
+                platform::MsgBox(
+                    QStringLiteral("Rivillä %1 sarakkeessa \"%2\" on merkkejä (%3), joita tiedostoon ei voi "
+                                   "tallentaa. Ne tallentuvat kysymysmerkkeinä.")
+                        .arg(first.row)
+                        .arg(list()->column(first.col).header, first.characters),
+                    platform::MsgIcon::Exclamation);
             }
             QString error;
             BusyPointer busy;
             if (!SaveListView(*list(), file, &error)) {
-                platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") + error,
+                platform::MsgBox(QStringLiteral("Tiedostoa ") + file +
+                                     QStringLiteral(" ei voi tallentaa:\r\n") + error,
                                  platform::MsgIcon::Critical);
                 return;
             }
@@ -251,12 +275,16 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             QString error;
             BusyPointer busy;
             if (!ExportListViewXlsx(*list(), file, &error))
-                platform::MsgBox(QStringLiteral("Taulukkoa ") + file + QStringLiteral(" ei voi kirjoittaa:\r\n") + error,
+                platform::MsgBox(QStringLiteral("Taulukkoa ") + file +
+                                     QStringLiteral(" ei voi kirjoittaa:\r\n") + error,
                                  platform::MsgIcon::Critical);
             break;
         }
-        case 7: close(); break;
-        default: break;
+        case 7:
+            close();
+            break;
+        default:
+            break;
     }
 }
 
@@ -284,9 +312,15 @@ void BaseListWindow::editMenuClick(int index) {
             m_host.baseListEditAction(this, dispatch[index]);
             return;
         }
-        case 16: list()->selectAll(); return;
-        case 18: m_host.baseListTouched(this); m_host.baseListEditAction(this, 15); return;
-        default: return;
+        case 16:
+            list()->selectAll();
+            return;
+        case 18:
+            m_host.baseListTouched(this);
+            m_host.baseListEditAction(this, 15);
+            return;
+        default:
+            return;
     }
 }
 

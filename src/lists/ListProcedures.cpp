@@ -443,7 +443,8 @@ std::array<QString, 3> CaptionStatusTexts(const ListModel& list, int row) {
         out[2] = QString::number(c.entryRow) + QLatin1Char(' ') + c.detailText.trimmed();
         if (!c.entryText.trimmed().isEmpty()) out[2] += QStringLiteral(": ") + c.entryText.trimmed();
     }
-    for (QString& t : out) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
+    for (QString& t : out)
+        t.replace(QLatin1String("\r\n"), QLatin1String(" "));
     return out;
 }
 

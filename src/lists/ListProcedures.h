@@ -48,8 +48,12 @@ bool BlankString(QStringView text);
 // No lower-case letter and at least two upper-case ones (a-z, å, ä, ö and their capitals,
 // compared by code; everything else is ignored).
 bool CapitalString(QStringView text);
-inline bool BlankString(const QString& text) { return BlankString(QStringView(text)); }
-inline bool CapitalString(const QString& text) { return CapitalString(QStringView(text)); }
+inline bool BlankString(const QString& text) {
+    return BlankString(QStringView(text));
+}
+inline bool CapitalString(const QString& text) {
+    return CapitalString(QStringView(text));
+}
 
 struct BlankInfo {
     int firstNonBlankCol = 0; // 0 when the row is blank

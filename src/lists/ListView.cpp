@@ -12,7 +12,7 @@ namespace lists {
 namespace {
 constexpr int kTwipsPerPixel = 15;
 constexpr int kMaxAutoWidth = 320;
-}
+} // namespace
 
 ListView::ListView(QWidget* parent)
     : QTreeView(parent) {
@@ -28,7 +28,8 @@ ListView::ListView(QWidget* parent)
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     header()->setSectionsClickable(true);
-    connect(header(), &QHeaderView::sectionClicked, this, [this](int section) { emit headerClicked(section + 1); });
+    connect(header(), &QHeaderView::sectionClicked, this,
+            [this](int section) { emit headerClicked(section + 1); });
 }
 
 void ListView::setList(ListModel* list) {
@@ -65,13 +66,15 @@ void ListView::applyColumnWidths() {
         int width = std::max(20, m_list->column(c).width / kTwipsPerPixel);
         for (int r = 1; r <= sampleRows && width < kMaxAutoWidth; ++r)
             width = std::max(width, metrics.horizontalAdvance(m_list->cell(r, c).left(80)) + 14);
-        setColumnWidth(c - 1, std::min(width, std::max(kMaxAutoWidth, m_list->column(c).width / kTwipsPerPixel)));
+        setColumnWidth(c - 1,
+                       std::min(width, std::max(kMaxAutoWidth, m_list->column(c).width / kTwipsPerPixel)));
     }
 }
 
 void ListView::setReadOnlyLook(bool readOnly) {
     QPalette p = palette();
-    p.setColor(QPalette::Base, readOnly ? QApplication::palette().color(QPalette::Button) : QColor(Qt::white));
+    p.setColor(QPalette::Base,
+               readOnly ? QApplication::palette().color(QPalette::Button) : QColor(Qt::white));
     setPalette(p);
     setFocusPolicy(readOnly ? Qt::ClickFocus : Qt::StrongFocus);
 }
@@ -118,7 +121,8 @@ void ListView::syncToModel() {
         for (int r = range.top(); r <= range.bottom(); ++r)
             if (r < m_list->rows()) selected[r + 1] = 1;
     const QSignalBlocker block(m_list);
-    for (int r = 1; r <= m_list->rows(); ++r) m_list->setSelected(r, selected[r] != 0);
+    for (int r = 1; r <= m_list->rows(); ++r)
+        m_list->setSelected(r, selected[r] != 0);
     const QModelIndex cur = selectionModel()->currentIndex();
     const int before = m_list->currentRow();
     m_list->setCurrentRow(cur.isValid() ? cur.row() + 1 : 0);

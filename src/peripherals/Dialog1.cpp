@@ -37,7 +37,8 @@ Dialog1::Dialog1(const QString& version, const QString& copyright, const QString
     big.setPointSize(big.pointSize() + 6);
     big.setBold(true);
     Label1[0]->setFont(big);
-    for (int i : {0, 1, 8, 3, 7, 2, 4, 5, 6, 9}) inner->addWidget(Label1[i]);
+    for (int i : {0, 1, 8, 3, 7, 2, 4, 5, 6, 9})
+        inner->addWidget(Label1[i]);
     layout->addWidget(frame);
     auto* Command1 = new QPushButton(QStringLiteral("OK"), this);
     Command1->setDefault(true);

@@ -10,7 +10,8 @@ namespace peripherals {
 class Dialog1 : public QDialog {
     Q_OBJECT
 public:
-    Dialog1(const QString& version, const QString& copyright, const QString& company, QWidget* parent = nullptr);
+    Dialog1(const QString& version, const QString& copyright, const QString& company,
+            QWidget* parent = nullptr);
     std::vector<QLabel*> Label1;
 };
 

@@ -49,7 +49,9 @@ bool HelpViewer::showTopic(const QString& helpFile, int context) {
     return true;
 }
 
-QString HelpViewer::currentSource() const { return m_browser->source().toString(); }
+QString HelpViewer::currentSource() const {
+    return m_browser->source().toString();
+}
 
 std::vector<HelpFileEntry> ReadHelpFiles(const QString& appPath) {
     std::vector<HelpFileEntry> out;
@@ -61,8 +63,8 @@ std::vector<HelpFileEntry> ReadHelpFiles(const QString& appPath) {
         e.caption = line.section(QLatin1Char(';'), 0, 0);
         e.target = line.section(QLatin1Char(';'), 1, 1);
         // Absolute paths and addresses are used as they are; anything else lies beside the program.
-        const bool absolute = e.target.contains(QLatin1String("://")) || e.target.contains(QLatin1String("\\\\")) ||
-                              QDir::isAbsolutePath(e.target) ||
+        const bool absolute = e.target.contains(QLatin1String("://")) ||
+                              e.target.contains(QLatin1String("\\\\")) || QDir::isAbsolutePath(e.target) ||
                               (e.target.size() > 2 && e.target[1] == QLatin1Char(':'));
         if (!absolute) e.target = appPath + e.target;
         out.push_back(e);

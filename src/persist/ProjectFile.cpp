@@ -40,7 +40,8 @@ std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const
     for (const QStringList& cells : record.rows) {
         lists::Row row;
         row.cells = cells;
-        while (row.cells.size() < record.columns) row.cells.append(QString());
+        while (row.cells.size() < record.columns)
+            row.cells.append(QString());
         row.cells.append(lists::formatRowNumber(++n));
         rows.push_back(std::move(row));
     }

@@ -5,22 +5,29 @@
 namespace persist {
 
 QString versionLine() {
-    return QStringLiteral("%1.%2.%3").arg(TAMRIK_VERSION_MAJOR).arg(TAMRIK_VERSION_MINOR).arg(TAMRIK_VERSION_PATCH);
+    return QStringLiteral("%1.%2.%3")
+        .arg(TAMRIK_VERSION_MAJOR)
+        .arg(TAMRIK_VERSION_MINOR)
+        .arg(TAMRIK_VERSION_PATCH);
 }
 
 QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QString* unencodable) {
     RecordWriter w;
     w.line(versionLine());
     w.count(18);
-    for (int i = 0; i < 18; ++i) w.line(i < content.referenceItems.size() ? content.referenceItems[i] : QString());
-    for (int k = 0; k < 4; ++k) WriteFormToFile(w, content.windows[k], pathOption && k == 1);
+    for (int i = 0; i < 18; ++i)
+        w.line(i < content.referenceItems.size() ? content.referenceItems[i] : QString());
+    for (int k = 0; k < 4; ++k)
+        WriteFormToFile(w, content.windows[k], pathOption && k == 1);
     w.count(content.checks.size());
-    for (const QString& c : content.checks) w.line(c);
+    for (const QString& c : content.checks)
+        w.line(c);
     w.count(3);
     QByteArray out;
     QString text;
     qsizetype size = 0;
-    for (const QString& l : w.lines()) size += l.size() + 2;
+    for (const QString& l : w.lines())
+        size += l.size() + 2;
     text.reserve(size);
     for (const QString& l : w.lines()) {
         text += l;
@@ -38,7 +45,8 @@ QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QStr
     return out;
 }
 
-bool ReadProjectText(const QByteArray& member, const QString& directory, ProjectContent& content, QString* error) {
+bool ReadProjectText(const QByteArray& member, const QString& directory, ProjectContent& content,
+                     QString* error) {
     RecordReader in(member);
     ProjectContent c;
     const char* const names[4] = {"perustietojen", "yksityiskohtaisten tietojen", "ominaistietokortin",

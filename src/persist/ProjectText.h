@@ -12,8 +12,8 @@ namespace persist {
 struct ProjectContent {
     QStringList referenceItems; // the 18 items of the detailed data window's hidden drop-down
     std::array<WindowRecord, 4> windows;
-    QStringList checks;                   // the charge chamber card's check boxes: "0", "1" or "2"
-    std::array<QByteArray, 3> documents;  // rich text of the three documents
+    QStringList checks;                  // the charge chamber card's check boxes: "0", "1" or "2"
+    std::array<QByteArray, 3> documents; // rich text of the three documents
 };
 
 // "4.0.17": the version line this program writes.
@@ -25,6 +25,7 @@ QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QStr
 
 // Reads a member. `directory` is the project file's folder, for the "{PATH}" cells. On failure
 // returns false with an error that names the part and the line; `content` is left as it was.
-bool ReadProjectText(const QByteArray& member, const QString& directory, ProjectContent& content, QString* error);
+bool ReadProjectText(const QByteArray& member, const QString& directory, ProjectContent& content,
+                     QString* error);
 
 } // namespace persist

@@ -4,7 +4,8 @@ namespace persist {
 
 std::array<std::uint8_t, 4> BytesFromLong(std::uint32_t value) {
     return {static_cast<std::uint8_t>(value % 256), static_cast<std::uint8_t>((value / 256) % 256),
-            static_cast<std::uint8_t>((value / 65536) % 256), static_cast<std::uint8_t>((value / 16777216) % 256)};
+            static_cast<std::uint8_t>((value / 65536) % 256),
+            static_cast<std::uint8_t>((value / 16777216) % 256)};
 }
 
 std::uint32_t LongFromBytes(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2, std::uint8_t b3) {
@@ -13,17 +14,23 @@ std::uint32_t LongFromBytes(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2, s
 
 QString FileExtension(int type) {
     switch (type) {
-        case 1: return QStringLiteral(".bmp");
-        case 2: return QStringLiteral(".wmf");
-        case 3: return QStringLiteral(".ico");
-        case 4: return QStringLiteral(".emf");
-        default: return QStringLiteral(".tmp");
+        case 1:
+            return QStringLiteral(".bmp");
+        case 2:
+            return QStringLiteral(".wmf");
+        case 3:
+            return QStringLiteral(".ico");
+        case 4:
+            return QStringLiteral(".emf");
+        default:
+            return QStringLiteral(".tmp");
     }
 }
 
 QByteArray PackContainer(const Members& members) {
     qsizetype size = kHeaderSize;
-    for (const Member& m : members) size += m.data.size() + 1;
+    for (const Member& m : members)
+        size += m.data.size() + 1;
     QByteArray out;
     out.reserve(size);
     for (const Member& m : members) {
@@ -51,7 +58,9 @@ struct Entry {
 
 bool readHeader(const QByteArray& file, std::array<Entry, 7>& entries, QString* error) {
     if (file.size() < kHeaderSize) {
-        if (error) *error = QStringLiteral("tiedosto on liian lyhyt projektitiedostoksi (%1 tavua)").arg(file.size());
+        if (error)
+            *error =
+                QStringLiteral("tiedosto on liian lyhyt projektitiedostoksi (%1 tavua)").arg(file.size());
         return false;
     }
     const auto* b = reinterpret_cast<const std::uint8_t*>(file.constData());

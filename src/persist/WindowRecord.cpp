@@ -15,7 +15,9 @@ bool isBlank(const QString& s) {
     return true;
 }
 
-bool holdsFolder(const QString& s) { return s.contains(QLatin1Char('\\')) || s.contains(QLatin1Char('/')); }
+bool holdsFolder(const QString& s) {
+    return s.contains(QLatin1Char('\\')) || s.contains(QLatin1Char('/'));
+}
 
 QString fileNameOnly(const QString& path) {
     const qsizetype s = std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
@@ -36,7 +38,8 @@ void RecordWriter::value(const QString& text) {
         m_lines.append(text);
         return;
     }
-    for (const QString& part : text.split(QLatin1String("\r\n"))) m_lines.append(part);
+    for (const QString& part : text.split(QLatin1String("\r\n")))
+        m_lines.append(part);
 }
 
 RecordReader::RecordReader(QByteArray bytes, qsizetype start)
@@ -142,9 +145,11 @@ bool RecordReader::value(QString& out) {
 
 void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOption) {
     out.count(record.texts.size());
-    for (const QString& t : record.texts) out.value(t);
+    for (const QString& t : record.texts)
+        out.value(t);
     out.count(record.combos.size());
-    for (const QString& c : record.combos) out.value(c);
+    for (const QString& c : record.combos)
+        out.value(c);
     out.count(static_cast<long long>(record.lists.size()));
     for (std::size_t j = 0; j < record.lists.size(); ++j) {
         const ListRecord& list = record.lists[j];

@@ -9,10 +9,12 @@ namespace platform {
 
 QString filterForExtension(const QString& extension, bool save) {
     const QString e = extension.toLower();
-    if (e == QLatin1String(".sl")) return QStringLiteral("Projektitiedostot (*.sl)|*.sl|Kaikki tiedostot (*.*)|*.*");
+    if (e == QLatin1String(".sl"))
+        return QStringLiteral("Projektitiedostot (*.sl)|*.sl|Kaikki tiedostot (*.*)|*.*");
     if (e == QLatin1String(".sl1"))
-        return QStringLiteral("Yksikköhintaluettelot (*.sl1)|*.sl1|Tekstiedostot (*.csv)|*.csv|Kaikki tiedostot "
-                              "(*.*)|*.*");
+        return QStringLiteral(
+            "Yksikköhintaluettelot (*.sl1)|*.sl1|Tekstiedostot (*.csv)|*.csv|Kaikki tiedostot "
+            "(*.*)|*.*");
     if (e == QLatin1String(".sl2"))
         return QStringLiteral("Laatuvaatimusluettelot (*.sl2)|*.sl2|Tekstiedostot (*.csv)|*.csv|Kaikki "
                               "tiedostot (*.*)|*.*");
@@ -23,8 +25,8 @@ QString filterForExtension(const QString& extension, bool save) {
                QStringLiteral(";*.xlsx|OpenDocument-laskentataulukot (*.ods)|*.ods");
     }
     if (e == QLatin1String(".wmf"))
-        return QStringLiteral("Metatiedosto (*.wmf, *.emf)|*.wmf;*.emf|Bittigrafiikka (*.bmp, *.jpg, *.gif "
-                              ")|*.bmp;*.jpg;*.gif");
+        return QStringLiteral(
+            "Metatiedosto (*.wmf, *.emf)|*.wmf;*.emf|Bittigrafiikka (*.bmp, *.jpg, *.gif )|*.bmp;*.jpg;*.gif");
     if (e == QLatin1String(".rtf")) return QStringLiteral("Teksti (*.txt )|*.txt|Rikas teksi (*.rtf)|*.rtf|");
     if (e == QLatin1String(".*")) return QStringLiteral("Kaikki tiedostot (*.*)|*.*|Teksti (*.txt )|*.txt");
     return {};
@@ -55,7 +57,8 @@ QString ShowCommonDialog(int kind, const QString& extension, bool multiple, Comm
     state.directory = QFileInfo(first).absolutePath();
     if (chosen.size() == 1) return first;
     QString result = QFileInfo(first).absolutePath();
-    for (const QString& f : chosen) result += QChar(0) + QFileInfo(f).fileName();
+    for (const QString& f : chosen)
+        result += QChar(0) + QFileInfo(f).fileName();
     return result;
 }
 

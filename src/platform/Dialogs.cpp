@@ -13,14 +13,20 @@ namespace platform {
 
 namespace {
 
-QWidget* dialogParent() { return QApplication::activeWindow(); }
+QWidget* dialogParent() {
+    return QApplication::activeWindow();
+}
 
 QMessageBox::StandardButton toButton(MsgAnswer a) {
     switch (a) {
-        case MsgAnswer::Yes: return QMessageBox::Yes;
-        case MsgAnswer::No: return QMessageBox::No;
-        case MsgAnswer::Cancel: return QMessageBox::Cancel;
-        case MsgAnswer::Ok: break;
+        case MsgAnswer::Yes:
+            return QMessageBox::Yes;
+        case MsgAnswer::No:
+            return QMessageBox::No;
+        case MsgAnswer::Cancel:
+            return QMessageBox::Cancel;
+        case MsgAnswer::Ok:
+            break;
     }
     return QMessageBox::Ok;
 }
@@ -32,25 +38,43 @@ public:
         box.setWindowTitle(r.title.isEmpty() ? applicationTitle() : r.title);
         box.setText(QString(r.text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
         switch (r.icon) {
-            case MsgIcon::None: box.setIcon(QMessageBox::NoIcon); break;
-            case MsgIcon::Information: box.setIcon(QMessageBox::Information); break;
-            case MsgIcon::Question: box.setIcon(QMessageBox::Question); break;
-            case MsgIcon::Exclamation: box.setIcon(QMessageBox::Warning); break;
-            case MsgIcon::Critical: box.setIcon(QMessageBox::Critical); break;
+            case MsgIcon::None:
+                box.setIcon(QMessageBox::NoIcon);
+                break;
+            case MsgIcon::Information:
+                box.setIcon(QMessageBox::Information);
+                break;
+            case MsgIcon::Question:
+                box.setIcon(QMessageBox::Question);
+                break;
+            case MsgIcon::Exclamation:
+                box.setIcon(QMessageBox::Warning);
+                break;
+            case MsgIcon::Critical:
+                box.setIcon(QMessageBox::Critical);
+                break;
         }
         switch (r.buttons) {
-            case MsgButtons::Ok: box.setStandardButtons(QMessageBox::Ok); break;
-            case MsgButtons::YesNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
+            case MsgButtons::Ok:
+                box.setStandardButtons(QMessageBox::Ok);
+                break;
+            case MsgButtons::YesNo:
+                box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+                break;
             case MsgButtons::YesNoCancel:
                 box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
                 break;
         }
         box.setDefaultButton(toButton(r.defaultButton));
         switch (box.exec()) {
-            case QMessageBox::Yes: return MsgAnswer::Yes;
-            case QMessageBox::No: return MsgAnswer::No;
-            case QMessageBox::Ok: return MsgAnswer::Ok;
-            default: break;
+            case QMessageBox::Yes:
+                return MsgAnswer::Yes;
+            case QMessageBox::No:
+                return MsgAnswer::No;
+            case QMessageBox::Ok:
+                return MsgAnswer::Ok;
+            default:
+                break;
         }
         return r.buttons == MsgButtons::YesNo ? MsgAnswer::No : MsgAnswer::Cancel;
     }
@@ -96,11 +120,17 @@ Dialogs* g_installed = nullptr;
 
 Dialogs::~Dialogs() = default;
 
-Dialogs& Dialogs::instance() { return g_installed ? *g_installed : qtDialogs(); }
+Dialogs& Dialogs::instance() {
+    return g_installed ? *g_installed : qtDialogs();
+}
 
-void Dialogs::install(Dialogs* dialogs) { g_installed = dialogs; }
+void Dialogs::install(Dialogs* dialogs) {
+    g_installed = dialogs;
+}
 
-QString applicationTitle() { return QStringLiteral("TAMRIK 2006"); }
+QString applicationTitle() {
+    return QStringLiteral("TAMRIK 2006");
+}
 
 void MsgBox(const QString& text, MsgIcon icon) {
     MessageRequest r;

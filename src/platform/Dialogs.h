@@ -24,7 +24,7 @@ struct MessageRequest {
 
 struct FileRequest {
     bool save = false;
-    QStringList filters;  // Qt syntax, one entry per filter: "Kuvaus (*.sl *.SL)"
+    QStringList filters;   // Qt syntax, one entry per filter: "Kuvaus (*.sl *.SL)"
     QString defaultSuffix; // added to a saved name that has no extension
     bool multiple = false;
     QString directory;

@@ -14,7 +14,8 @@ QString keyPath(const QString& section, const QString& key) {
 } // namespace
 
 SettingsStore::SettingsStore(const QString& application)
-    : m_settings(std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, application, application)) {}
+    : m_settings(std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, application,
+                                             application)) {}
 
 SettingsStore::~SettingsStore() = default;
 
@@ -34,8 +35,12 @@ void SettingsStore::deleteAll() {
     m_settings->sync();
 }
 
-void SettingsStore::sync() { m_settings->sync(); }
+void SettingsStore::sync() {
+    m_settings->sync();
+}
 
-QString SettingsStore::fileName() const { return m_settings->fileName(); }
+QString SettingsStore::fileName() const {
+    return m_settings->fileName();
+}
 
 } // namespace platform

@@ -13,7 +13,9 @@ std::function<bool(const QUrl&)>& opener() {
 }
 } // namespace
 
-void setDesktopOpener(std::function<bool(const QUrl&)> f) { opener() = std::move(f); }
+void setDesktopOpener(std::function<bool(const QUrl&)> f) {
+    opener() = std::move(f);
+}
 
 int ExecuteOpen(const QString& target) {
     QUrl url;
@@ -35,19 +37,32 @@ int ExecuteOpen(const QString& target) {
 QString OpenResultMessage(int code) {
     if (code >= 33) return {};
     switch (code) {
-        case 2: return QStringLiteral("File not found");
-        case 3: return QStringLiteral("Path not found");
-        case 5: return QStringLiteral("Access denied");
-        case 8: return QStringLiteral("Out of memory");
-        case 11: return QStringLiteral("Invalid EXE file or error in EXE image");
-        case 26: return QStringLiteral("A sharing violation occurred");
-        case 27: return QStringLiteral("Incomplete or invalid file association");
-        case 28: return QStringLiteral("DDE Time out");
-        case 29: return QStringLiteral("DDE transaction failed");
-        case 30: return QStringLiteral("DDE busy");
-        case 31: return QStringLiteral("No association for file extension");
-        case 32: return QStringLiteral("DLL not found");
-        default: return QStringLiteral("Unknown error");
+        case 2:
+            return QStringLiteral("File not found");
+        case 3:
+            return QStringLiteral("Path not found");
+        case 5:
+            return QStringLiteral("Access denied");
+        case 8:
+            return QStringLiteral("Out of memory");
+        case 11:
+            return QStringLiteral("Invalid EXE file or error in EXE image");
+        case 26:
+            return QStringLiteral("A sharing violation occurred");
+        case 27:
+            return QStringLiteral("Incomplete or invalid file association");
+        case 28:
+            return QStringLiteral("DDE Time out");
+        case 29:
+            return QStringLiteral("DDE transaction failed");
+        case 30:
+            return QStringLiteral("DDE busy");
+        case 31:
+            return QStringLiteral("No association for file extension");
+        case 32:
+            return QStringLiteral("DLL not found");
+        default:
+            return QStringLiteral("Unknown error");
     }
 }
 

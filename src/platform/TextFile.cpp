@@ -47,7 +47,8 @@ bool readTextLines(const QString& path, QStringList& lines, QString* error) {
 QByteArray encodeLines(const QStringList& lines, QString* unencodable) {
     QString all;
     qsizetype size = 0;
-    for (const QString& l : lines) size += l.size() + 2;
+    for (const QString& l : lines)
+        size += l.size() + 2;
     all.reserve(size);
     for (const QString& l : lines) {
         all += l;

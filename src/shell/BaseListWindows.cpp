@@ -10,7 +10,9 @@
 namespace shell {
 
 namespace {
-lists::BaseListWindow*& windowOf(MDIForm1& main, int slot) { return slot == 6 ? main.Form6 : main.Form7; }
+lists::BaseListWindow*& windowOf(MDIForm1& main, int slot) {
+    return slot == 6 ? main.Form6 : main.Form7;
+}
 } // namespace
 
 void loadBaseListWindow(MDIForm1& main, int slot) {
@@ -58,17 +60,25 @@ void enableUnitPriceAdding(MDIForm1& main, bool enabled) {
 
 namespace shell {
 
-void MDIForm1::showBaseList(int slot) { showBaseListWindow(*this, slot); }
+void MDIForm1::showBaseList(int slot) {
+    showBaseListWindow(*this, slot);
+}
 
-void MDIForm1::baseListEditAction(lists::BaseListWindow* window, int index) { listMenuAction(*this, window->view(), index); }
+void MDIForm1::baseListEditAction(lists::BaseListWindow* window, int index) {
+    listMenuAction(*this, window->view(), index);
+}
 
-void MDIForm1::baseListHelp(lists::BaseListWindow*) { TamrikHelp(*this, 2200); }
+void MDIForm1::baseListHelp(lists::BaseListWindow*) {
+    TamrikHelp(*this, 2200);
+}
 
 QString MDIForm1::baseListFileDialog(int kind, const QString& extension) {
     m_state.CurrentFileName = platform::ShowCommonDialog(kind, extension, false, m_state.dialog);
     return m_state.CurrentFileName;
 }
 
-void MDIForm1::baseListExport(lists::BaseListWindow* window, int mode) { exportFromBaseList(*this, window, mode); }
+void MDIForm1::baseListExport(lists::BaseListWindow* window, int mode) {
+    exportFromBaseList(*this, window, mode);
+}
 
 } // namespace shell

@@ -20,8 +20,8 @@ ParsedCaption ParseFileName(const QString& c) {
     } else {
         p = c.size();
     }
-    const std::array<const QString*, 6> suffixes = {&kSuffixBasic,    &kSuffixDetailed,   &kSuffixCard,
-                                                    &kSuffixCharge,   &kSuffixUnitPrices, &kSuffixRequirements};
+    const std::array<const QString*, 6> suffixes = {&kSuffixBasic,  &kSuffixDetailed,   &kSuffixCard,
+                                                    &kSuffixCharge, &kSuffixUnitPrices, &kSuffixRequirements};
     qsizetype end = p;
     for (const QString* s : suffixes) {
         const qsizetype q = c.indexOf(*s);
@@ -42,11 +42,16 @@ ParsedCaption ParseFileName(const QString& c) {
 
 QString KindSuffix(int kind) {
     switch (kind) {
-        case 1: return kSuffixBasic;
-        case 2: return kSuffixDetailed;
-        case 3: return kSuffixCard;
-        case 4: return kSuffixCharge;
-        default: return {};
+        case 1:
+            return kSuffixBasic;
+        case 2:
+            return kSuffixDetailed;
+        case 3:
+            return kSuffixCard;
+        case 4:
+            return kSuffixCharge;
+        default:
+            return {};
     }
 }
 
@@ -54,7 +59,9 @@ QString MakeCaption(const QString& project, int kind, bool unchanged) {
     return project + KindSuffix(kind) + (unchanged ? kUnchangedMarker : QString());
 }
 
-bool CaptionIsUnchanged(const QString& caption) { return caption.endsWith(kUnchangedMarker); }
+bool CaptionIsUnchanged(const QString& caption) {
+    return caption.endsWith(kUnchangedMarker);
+}
 
 QString CaptionTouched(const QString& caption) {
     return CaptionIsUnchanged(caption) ? caption.left(caption.size() - kUnchangedMarker.size()) : caption;

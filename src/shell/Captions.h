@@ -5,12 +5,12 @@
 
 namespace shell {
 
-extern const QString kUnchangedMarker; // " Ei muutettu"
-extern const QString kSuffixBasic;     // " (Perustiedot)"
-extern const QString kSuffixDetailed;  // " (Yksityiskohtaiset tiedot)"
-extern const QString kSuffixCard;      // " (Ominaistietokortti)"
-extern const QString kSuffixCharge;    // " (Panostilakortti)"
-extern const QString kSuffixUnitPrices;  // " (Yksikköhintaluettelo)"
+extern const QString kUnchangedMarker;    // " Ei muutettu"
+extern const QString kSuffixBasic;        // " (Perustiedot)"
+extern const QString kSuffixDetailed;     // " (Yksityiskohtaiset tiedot)"
+extern const QString kSuffixCard;         // " (Ominaistietokortti)"
+extern const QString kSuffixCharge;       // " (Panostilakortti)"
+extern const QString kSuffixUnitPrices;   // " (Yksikköhintaluettelo)"
 extern const QString kSuffixRequirements; // " (Laatuvaatimusluettelo)"
 
 struct ParsedCaption {

@@ -91,20 +91,37 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
                 if (view->index() == 1) showBaseListWindow(main, 7);
                 return;
             }
-            case 2: editor->rowEdit(1); return;
-            case 3: editor->rowEdit(2); return;
-            case 4: editor->rowEdit(3); return;
-            case 6: editor->cutCopyDelete(0); return;
-            case 7: editor->cutCopyDelete(1); return;
-            case 9: editor->cutCopyDelete(3); return;
-            case 8: editor->paste(); return;
-            case 13: list->selectAll(); return;
+            case 2:
+                editor->rowEdit(1);
+                return;
+            case 3:
+                editor->rowEdit(2);
+                return;
+            case 4:
+                editor->rowEdit(3);
+                return;
+            case 6:
+                editor->cutCopyDelete(0);
+                return;
+            case 7:
+                editor->cutCopyDelete(1);
+                return;
+            case 9:
+                editor->cutCopyDelete(3);
+                return;
+            case 8:
+                editor->paste();
+                return;
+            case 13:
+                list->selectAll();
+                return;
             case 15:
                 if (list->readOnly()) return;
                 lists::FormatListView(*list, 1, 0, main.appState().settings.BlankLines);
                 main.listEdited(view);
                 return;
-            default: return;
+            default:
+                return;
         }
     }
 }
@@ -119,9 +136,14 @@ void editMenuAction(MDIForm1& main, int index) {
         case 6:
         case 7:
         case 8:
-        case 9: CutCopyPasteDelSelection(focus, index - 6); break;
-        case 13: selectAllText(focus); break;
-        default: break;
+        case 9:
+            CutCopyPasteDelSelection(focus, index - 6);
+            break;
+        case 13:
+            selectAllText(focus);
+            break;
+        default:
+            break;
     }
 }
 
@@ -138,8 +160,8 @@ void exportFromBaseList(MDIForm1& main, lists::BaseListWindow* window, int mode)
         return;
     }
     if (lists::ListEditor* editor = lists::ListEditor::of(target)) editor->closeEditor();
-    const lists::TransferResult result =
-        lists::ExportToList(*target->list(), *window->list(), mode, main.transferOptions(target, window->view()));
+    const lists::TransferResult result = lists::ExportToList(*target->list(), *window->list(), mode,
+                                                             main.transferOptions(target, window->view()));
     main.transferDone(target, result);
 }
 
@@ -170,7 +192,8 @@ lists::TransferOptions MDIForm1::transferOptions(lists::ListView* target, lists:
     lists::TransferOptions options;
     options.programMode = m_state.ProgramMode;
     // The working conditions chosen in the unit price window decide which price travels.
-    if (Form6 && (source == Form6->view() || target == Form6->view())) options.unitPriceColumn = Form6->priceColumn();
+    if (Form6 && (source == Form6->view() || target == Form6->view()))
+        options.unitPriceColumn = Form6->priceColumn();
     return options;
 }
 
@@ -187,19 +210,26 @@ void MDIForm1::transferDone(lists::ListView* target, const lists::TransferResult
     if (auto* base = ancestor<lists::BaseListWindow>(target)) FormTouch(base);
 }
 
-void MDIForm1::showContextMenu(int context, const QPoint& globalPos) { ShowMenu2(context, globalPos); }
+void MDIForm1::showContextMenu(int context, const QPoint& globalPos) {
+    ShowMenu2(context, globalPos);
+}
 
 void MDIForm1::ShowMenu2(int context, const QPoint& globalPos) {
     // Row operations and formatting belong to lists; text operations to both.
     const bool list = context == 0;
-    for (int i : {2, 3, 4, 15}) SubMenu2[i]->setEnabled(list);
-    for (int i : {6, 7, 8, 9, 13}) SubMenu2[i]->setEnabled(true);
+    for (int i : {2, 3, 4, 15})
+        SubMenu2[i]->setEnabled(list);
+    for (int i : {6, 7, 8, 9, 13})
+        SubMenu2[i]->setEnabled(true);
     applyAvailability(*this);
     MainMenu[2]->popup(globalPos);
     // The items come back for the menu bar when the pop-up closes.
-    connect(MainMenu[2], &QMenu::aboutToHide, this, [this] {
-        if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
-    }, Qt::SingleShotConnection);
+    connect(
+        MainMenu[2], &QMenu::aboutToHide, this,
+        [this] {
+            if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
+        },
+        Qt::SingleShotConnection);
 }
 
 } // namespace shell

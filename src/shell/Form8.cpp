@@ -25,7 +25,8 @@ namespace shell {
 namespace {
 // Enter in a text box of the dialog moves on to the next field.
 void returnMovesOn(QDialog* dialog, documents::TextBox* box) {
-    QObject::connect(box, &documents::TextBox::returnPressed, dialog, [box] { documents::ReturnControl(box); });
+    QObject::connect(box, &documents::TextBox::returnPressed, dialog,
+                     [box] { documents::ReturnControl(box); });
 }
 } // namespace
 
@@ -40,7 +41,8 @@ Form8::Form8(MDIForm1& main)
     // Yleiset
     auto* general = new QWidget(SSTab1);
     auto* grid = new QGridLayout(general);
-    const char* labels[] = {"Rahayksikkö uusille luetteloille", "Yhteiskustannusprosentti uusille kustannusarvioille (%)",
+    const char* labels[] = {"Rahayksikkö uusille luetteloille",
+                            "Yhteiskustannusprosentti uusille kustannusarvioille (%)",
                             "Arvonlisäveroprosentti uusille kustannusarvioille (%)",
                             "Yksikköhintojen indeksi uusille luetteloille",
                             "Kustannusindeksin perusvuosi (i = 100) uusille luetteloille"};
@@ -82,8 +84,10 @@ Form8::Form8(MDIForm1& main)
     Check2.push_back(new QCheckBox(QStringLiteral("Muotoile luettelot automaattisesti"), format));
     fgrid->addWidget(Check2[0], 0, 0, 1, 2);
     const char* blank[] = {"Tyhjiä rivejä 1. ja 2. tason otsikon välissä",
-                           "Tyhjiä rivejä 2. tason otsikon ja tekstirivin välissä", "Tyhjiä rivejä tekstirivien välissä",
-                           "Tyhjiä rivejä ennen 1. tason otsikkoa", "Tyhjiä rivejä ennen 2. tason otsikkoa",
+                           "Tyhjiä rivejä 2. tason otsikon ja tekstirivin välissä",
+                           "Tyhjiä rivejä tekstirivien välissä",
+                           "Tyhjiä rivejä ennen 1. tason otsikkoa",
+                           "Tyhjiä rivejä ennen 2. tason otsikkoa",
                            "Tyhjiä rivejä luettelon alussa"};
     Text2.assign(6, nullptr);
     for (int i = 0; i < 6; ++i) {
@@ -144,12 +148,14 @@ void Form8::loadFields() {
     Check1[1]->setChecked(s.PrintLogo);
     Check1[2]->setChecked(s.SaveSettingsOnExit);
     Check2[0]->setChecked(s.AutoFormat);
-    for (int i = 0; i < 6; ++i) Text2[i]->setText(QString::number(s.BlankLines[i]));
+    for (int i = 0; i < 6; ++i)
+        Text2[i]->setText(QString::number(s.BlankLines[i]));
     QStringList office;
     int last = -1;
     for (int i = 0; i < 4; ++i)
         if (!state.OfficeRows[i].isEmpty()) last = i;
-    for (int i = 0; i <= last; ++i) office << state.OfficeRows[i];
+    for (int i = 0; i <= last; ++i)
+        office << state.OfficeRows[i];
     Text3->setText(office.join(QStringLiteral("\r\n")));
 }
 
@@ -173,7 +179,8 @@ void Form8::saveAndClose() {
     }
     state.OfficeRows = {};
     const QStringList lines = Text3->text().split(QStringLiteral("\r\n"));
-    for (int k = 0; k < 4 && k < lines.size(); ++k) state.OfficeRows[k] = lines[k];
+    for (int k = 0; k < 4 && k < lines.size(); ++k)
+        state.OfficeRows[k] = lines[k];
     accept();
 }
 
@@ -205,8 +212,9 @@ void Form8::restoreDefaults() {
     Check1[2]->setChecked(false);
     // The defaults come back at the next start only if this run does not write its settings.
     m_main.appState().settings.SaveSettingsOnExit = false;
-    platform::MsgBox(QStringLiteral("Ohjelman alkuperäiset asetukset palautuvat\r\nkun ohjelma käynnistetään uudestaan."),
-                     platform::MsgIcon::Information);
+    platform::MsgBox(
+        QStringLiteral("Ohjelman alkuperäiset asetukset palautuvat\r\nkun ohjelma käynnistetään uudestaan."),
+        platform::MsgIcon::Information);
 }
 
 void Form8::done(int result) {

@@ -43,8 +43,9 @@ using platform::MsgIcon;
 
 std::vector<documents::ProjectWindow*> ProjectWindows::all() const {
     std::vector<documents::ProjectWindow*> out;
-    for (documents::ProjectWindow* w : {static_cast<documents::ProjectWindow*>(f1), static_cast<documents::ProjectWindow*>(f2),
-                                        static_cast<documents::ProjectWindow*>(f3), static_cast<documents::ProjectWindow*>(f4)})
+    for (documents::ProjectWindow* w :
+         {static_cast<documents::ProjectWindow*>(f1), static_cast<documents::ProjectWindow*>(f2),
+          static_cast<documents::ProjectWindow*>(f3), static_cast<documents::ProjectWindow*>(f4)})
         if (w) out.push_back(w);
     return out;
 }
@@ -112,13 +113,15 @@ void MDIForm1::createMenus() {
     MainMenu.push_back(bar->addMenu(QStringLiteral("&Ohjeet")));
 
     QMenu* file = MainMenu[0];
-    for (const QString& c : {QStringLiteral("&Uusi"), QStringLiteral("&Avaa..."), QStringLiteral("&Tallenna"),
-                             QStringLiteral("Tallenna &nimellä..."), QStringLiteral("-"), QStringLiteral("&Sulje"),
-                             QStringLiteral("-"), QStringLiteral("Tu&losta"), QStringLiteral("Läh&etä"), QStringLiteral("-"),
-                             QStringLiteral("Tuo ainostataan teksi..."), QStringLiteral("&Vie"), QStringLiteral("-")})
+    for (const QString& c :
+         {QStringLiteral("&Uusi"), QStringLiteral("&Avaa..."), QStringLiteral("&Tallenna"),
+          QStringLiteral("Tallenna &nimellä..."), QStringLiteral("-"), QStringLiteral("&Sulje"),
+          QStringLiteral("-"), QStringLiteral("Tu&losta"), QStringLiteral("Läh&etä"), QStringLiteral("-"),
+          QStringLiteral("Tuo ainostataan teksi..."), QStringLiteral("&Vie"), QStringLiteral("-")})
         addItem(file, SubMenu0, c);
     SubMenu0[11]->setVisible(false);
-    for (int i = 13; i <= 18; ++i) addItem(file, SubMenu0, QString())->setVisible(false);
+    for (int i = 13; i <= 18; ++i)
+        addItem(file, SubMenu0, QString())->setVisible(false);
     addItem(file, SubMenu0, QStringLiteral("-"))->setVisible(false);
     addItem(file, SubMenu0, QStringLiteral("L&opeta"));
     for (int i = 0; i < static_cast<int>(SubMenu0.size()); ++i) {
@@ -135,12 +138,13 @@ void MDIForm1::createMenus() {
     QMenu* modes = settings->addMenu(QStringLiteral("&Ohjelman moodi"));
     SubMenu1.push_back(modes->menuAction());
     connect(SubMenu1[0], &QAction::triggered, this, [this] { showSettingsDialog(*this); });
-    for (const QString& c :
-         {QStringLiteral("&1 Suunnittelija"), QStringLiteral("&2 Urakoitsija"), QStringLiteral("&3 Rakennuttaja")}) {
+    for (const QString& c : {QStringLiteral("&1 Suunnittelija"), QStringLiteral("&2 Urakoitsija"),
+                             QStringLiteral("&3 Rakennuttaja")}) {
         QAction* a = addItem(modes, Submenu10, c);
         a->setCheckable(true);
     }
-    for (int i = 0; i < 3; ++i) connect(Submenu10[i], &QAction::triggered, this, [this, i] { Submenu10Click(i); });
+    for (int i = 0; i < 3; ++i)
+        connect(Submenu10[i], &QAction::triggered, this, [this, i] { Submenu10Click(i); });
 
     QMenu* edit = MainMenu[2];
     const std::vector<std::pair<QString, QKeySequence>> editItems = {
@@ -161,7 +165,8 @@ void MDIForm1::createMenus() {
         {QStringLiteral("-"), {}},
         {QStringLiteral("M&uoteile luettelo"), {}},
     };
-    for (const auto& [caption, key] : editItems) addItem(edit, SubMenu2, caption, key);
+    for (const auto& [caption, key] : editItems)
+        addItem(edit, SubMenu2, caption, key);
     for (int i = 0; i < static_cast<int>(SubMenu2.size()); ++i)
         connect(SubMenu2[i], &QAction::triggered, this, [this, i] { EditMenuClick(i); });
 
@@ -177,7 +182,8 @@ void MDIForm1::createMenus() {
     addItem(view, Submenu3, QStringLiteral("&Yksikköhintaluettelo"), QKeySequence(Qt::Key_F7));
     addItem(view, Submenu3, QStringLiteral("&Laatuvaatimusten perusluettelo"), QKeySequence(Qt::Key_F8));
     addItem(view, Submenu3, QStringLiteral("Teksti&editori"), QKeySequence(Qt::Key_F9));
-    addItem(view, Submenu3, QStringLiteral("Laatu&vaatimusten yhteenveto"), QKeySequence(Qt::SHIFT | Qt::Key_F8));
+    addItem(view, Submenu3, QStringLiteral("Laatu&vaatimusten yhteenveto"),
+            QKeySequence(Qt::SHIFT | Qt::Key_F8));
     addItem(view, Submenu3, QStringLiteral("-"));
     QMenu* windows = view->addMenu(QStringLiteral("&Ikkuna"));
     Submenu3.push_back(windows->menuAction());
@@ -198,18 +204,19 @@ void MDIForm1::createMenus() {
     });
     const char* keys[] = {"Bridge", "Rulers", "Card", "Dynamite"};
     for (int i = 0; i < 4; ++i)
-        connect(Submenu3[i], &QAction::triggered, this, [this, key = QString::fromLatin1(keys[i])] {
-            ToolbarMenuActions(key);
-        });
+        connect(Submenu3[i], &QAction::triggered, this,
+                [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
     connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
     connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
 
-    for (const QString& c : {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
-                             QStringLiteral("&3 Urakan laatusuunnitelma")}) {
+    for (const QString& c :
+         {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
+          QStringLiteral("&3 Urakan laatusuunnitelma")}) {
         QAction* a = addItem(docs, Submenu30, c);
         a->setCheckable(true);
     }
-    for (int i = 0; i < 3; ++i) connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
+    for (int i = 0; i < 3; ++i)
+        connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
 
     QMenu* help = MainMenu[4];
     addItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"));
@@ -288,7 +295,9 @@ QString MDIForm1::statusText(int panel) const {
     return panel >= 1 && panel <= 5 ? m_panels[panel]->text() : QString();
 }
 
-void MDIForm1::pendingEvents() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+void MDIForm1::pendingEvents() {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
 
 // ---------------------------------------------------------------------------------------------
 // Start-up and shutdown
@@ -336,9 +345,10 @@ void MDIForm1::closeEvent(QCloseEvent* event) {
 
 bool MDIForm1::shutDown() {
     if (fileOperationRunning()) {
-        const MsgAnswer a = platform::Ask(QStringLiteral("Tiedoston käsittely kesken. Tallentamattomat tiedot menetetään "
-                                                         "jos jatkat.\r\nHaluatko jatkaa?"),
-                                          MsgButtons::YesNo, MsgIcon::Critical, MsgAnswer::No);
+        const MsgAnswer a = platform::Ask(
+            QStringLiteral(
+                "Tiedoston käsittely kesken. Tallentamattomat tiedot menetetään jos jatkat.\r\nHaluatko jatkaa?"),
+            MsgButtons::YesNo, MsgIcon::Critical, MsgAnswer::No);
         if (a != MsgAnswer::Yes) return false;
     }
     m_tag = QStringLiteral("HardEnd");
@@ -370,7 +380,8 @@ bool MDIForm1::shutDown() {
 
 void MDIForm1::LoadSettings() {
     ReadSettingsValues(*m_store, m_state);
-    QString appPath = m_programDirectory.isEmpty() ? QCoreApplication::applicationDirPath() : m_programDirectory;
+    QString appPath =
+        m_programDirectory.isEmpty() ? QCoreApplication::applicationDirPath() : m_programDirectory;
     if (!appPath.endsWith(QLatin1Char('/'))) appPath += QLatin1Char('/');
     m_state.AppPath = appPath;
     Settings& s = m_state.settings;
@@ -380,7 +391,8 @@ void MDIForm1::LoadSettings() {
     m_state.TempPath = platform::privateTempPath(&error);
     if (m_state.TempPath.isEmpty()) platform::MsgBox(error, MsgIcon::Exclamation);
     bool anyOffice = false;
-    for (const QString& row : m_state.OfficeRows) anyOffice = anyOffice || !row.isEmpty();
+    for (const QString& row : m_state.OfficeRows)
+        anyOffice = anyOffice || !row.isEmpty();
     for (int i = 5; i >= 0; --i) {
         // The list is already in order; this rebuilds the File menu items.
         UpdateRecentFiles(QString());
@@ -389,8 +401,10 @@ void MDIForm1::LoadSettings() {
     if (s.File1 == QLatin1String("Laatuvaatimukset2006.sl2")) s.File1 = appPath + s.File1;
     if (s.File2 == QStringLiteral("Yksikköhinnat2002.sl1")) s.File2 = appPath + s.File2;
     m_state.QualityPlanTemplate = appPath + QStringLiteral("Urakan laatusuunnitelma.txt");
-    for (int i = 0; i < 3; ++i) Submenu10[i]->setChecked(i == m_state.ProgramMode - 1);
-    for (int i = 0; i < 3; ++i) Submenu30[i]->setChecked(i == s.StartUpDocument);
+    for (int i = 0; i < 3; ++i)
+        Submenu10[i]->setChecked(i == m_state.ProgramMode - 1);
+    for (int i = 0; i < 3; ++i)
+        Submenu30[i]->setChecked(i == s.StartUpDocument);
     if (!anyOffice) readOfficeRows(m_state);
     EnableControlsForm6(*this);
 }
@@ -405,13 +419,16 @@ void MDIForm1::SaveSettings() {
     WriteSettingsValues(*m_store, m_state);
 }
 
-void MDIForm1::LoadHelpFiles() { loadHelpFileMenu(*this); }
+void MDIForm1::LoadHelpFiles() {
+    loadHelpFileMenu(*this);
+}
 
 // ---------------------------------------------------------------------------------------------
 // Status bar and progress
 
 void MDIForm1::ClearStatusBar() {
-    for (int i : {1, 3, 5}) m_panels[i]->clear();
+    for (int i : {1, 3, 5})
+        m_panels[i]->clear();
 }
 
 void MDIForm1::DisplayProgress(int percent, const QString& text) {
@@ -434,35 +451,45 @@ void MDIForm1::UpdateCaptionText(lists::ListView* view) {
     if (!view || !view->list()) return;
     const lists::ListModel& list = *view->list();
     const QString kind = list.kind();
-    if (kind != QStringLiteral("Määräluettelo ja kustannusarvio") && kind != QStringLiteral("Laatuvaatimukset") &&
-        kind != QStringLiteral("Yksikköhintaluettelo") && kind != QStringLiteral("Laatuvaatimusten perusluettelo"))
+    if (kind != QStringLiteral("Määräluettelo ja kustannusarvio") &&
+        kind != QStringLiteral("Laatuvaatimukset") && kind != QStringLiteral("Yksikköhintaluettelo") &&
+        kind != QStringLiteral("Laatuvaatimusten perusluettelo"))
         return;
     const int row = list.currentRow();
     ClearStatusBar();
     if (row < 1) return;
     const std::array<QString, 3> texts = lists::CaptionStatusTexts(list, row);
-    for (int i = 0; i < 3; ++i) m_panels[1 + 2 * i]->setText(texts[i]);
+    for (int i = 0; i < 3; ++i)
+        m_panels[1 + 2 * i]->setText(texts[i]);
 }
 
-void MDIForm1::listFocused(lists::ListView* view) { UpdateCaptionText(view); }
+void MDIForm1::listFocused(lists::ListView* view) {
+    UpdateCaptionText(view);
+}
 
 void MDIForm1::setFileOperation(bool running) {
-    for (QMenu* m : MainMenu) m->menuAction()->setEnabled(!running);
+    for (QMenu* m : MainMenu)
+        m->menuAction()->setEnabled(!running);
     Toolbar1->setEnabled(!running);
     if (!running) EnableControlsMDI();
 }
 
-bool MDIForm1::fileOperationRunning() const { return !Toolbar1->isEnabled(); }
+bool MDIForm1::fileOperationRunning() const {
+    return !Toolbar1->isEnabled();
+}
 
 // ---------------------------------------------------------------------------------------------
 // Dispatchers
 
 void MDIForm1::FileMenuActions(int index) {
     switch (index) {
-        case 0: NewProject(); break;
+        case 0:
+            NewProject();
+            break;
         case 1:
         case 10:
-            m_state.CurrentFileName = platform::ShowCommonDialog(1, QStringLiteral(".sl"), false, m_state.dialog);
+            m_state.CurrentFileName =
+                platform::ShowCommonDialog(1, QStringLiteral(".sl"), false, m_state.dialog);
             if (m_state.CurrentFileName.isEmpty()) return;
             openProjectFile(m_state.CurrentFileName, index == 10);
             break;
@@ -471,7 +498,8 @@ void MDIForm1::FileMenuActions(int index) {
             if (c.name.isEmpty()) return;
             QString target = c.project();
             if (c.directory.isEmpty()) {
-                m_state.CurrentFileName = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+                m_state.CurrentFileName =
+                    platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
                 if (m_state.CurrentFileName.isEmpty()) return;
                 target = m_state.CurrentFileName;
             }
@@ -479,14 +507,17 @@ void MDIForm1::FileMenuActions(int index) {
             break;
         }
         case 3: {
-            m_state.CurrentFileName = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+            m_state.CurrentFileName =
+                platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
             if (m_state.CurrentFileName.isEmpty()) return;
             const ParsedCaption c = ParseFileName(ActiveCaption());
             if (c.name.isEmpty()) return;
             WriteSlFile(*this, c.project(), m_state.CurrentFileName, false);
             break;
         }
-        case 5: UnloadActiveProject(); break;
+        case 5:
+            UnloadActiveProject();
+            break;
         case 7:
         case 8:
             // Printing and e-mail are not part of this build; their items stay disabled.
@@ -500,21 +531,24 @@ void MDIForm1::FileMenuActions(int index) {
             m_state.CurrentFileName = m_state.RecentFiles[index - 13];
             if (m_state.CurrentFileName.isEmpty()) return;
             if (!QFileInfo::exists(m_state.CurrentFileName)) {
-                platform::MsgBox(QStringLiteral("Tiedostoa: ") + m_state.CurrentFileName + QStringLiteral(" ei löydy."),
+                platform::MsgBox(QStringLiteral("Tiedostoa: ") + m_state.CurrentFileName +
+                                     QStringLiteral(" ei löydy."),
                                  MsgIcon::Information);
                 return;
             }
             openProjectFile(m_state.CurrentFileName, false);
             break;
         }
-        default: break;
+        default:
+            break;
     }
 }
 
 void MDIForm1::openFromCommandLine(const QString& file) {
     const QFileInfo fi(file);
     if (!fi.exists()) {
-        platform::MsgBox(QStringLiteral("Tiedostoa: ") + file + QStringLiteral(" ei löydy."), MsgIcon::Information);
+        platform::MsgBox(QStringLiteral("Tiedostoa: ") + file + QStringLiteral(" ei löydy."),
+                         MsgIcon::Information);
         return;
     }
     m_state.CurrentFileName = fi.absoluteFilePath();
@@ -533,7 +567,8 @@ void MDIForm1::openProjectFile(const QString& file, bool textOnly) {
     if (!ReadSlFile(*this, c.project(), file, textOnly) && created) {
         // A project created only for this open goes away again.
         ProjectWindows w = projectWindowsOf(c.project());
-        for (documents::ProjectWindow* pw : w.all()) unloadWindow(pw);
+        for (documents::ProjectWindow* pw : w.all())
+            unloadWindow(pw);
         ClearStatusBar();
         EnableControlsMDI();
     }
@@ -544,22 +579,37 @@ void MDIForm1::EditMenuClick(int index) {
     EditMenuActions(index);
 }
 
-void MDIForm1::EditMenuActions(int index) { editMenuAction(*this, index); }
+void MDIForm1::EditMenuActions(int index) {
+    editMenuAction(*this, index);
+}
 
 void MDIForm1::ToolbarMenuActions(const QString& key) {
-    if (key == QLatin1String("New")) FileMenuActions(0);
-    else if (key == QLatin1String("Open")) FileMenuActions(1);
-    else if (key == QLatin1String("Save")) FileMenuActions(2);
-    else if (key == QLatin1String("Cut")) EditMenuActions(6);
-    else if (key == QLatin1String("Copy")) EditMenuActions(7);
-    else if (key == QLatin1String("Paste")) EditMenuActions(8);
-    else if (key == QLatin1String("Del")) EditMenuActions(9);
-    else if (key == QLatin1String("Find")) EditMenuActions(11);
-    else if (key == QLatin1String("Print")) FileMenuActions(7);
-    else if (key == QLatin1String("Bridge")) showProjectWindow(1);
-    else if (key == QLatin1String("Rulers")) showProjectWindow(2);
-    else if (key == QLatin1String("Card")) showProjectWindow(3);
-    else if (key == QLatin1String("Dynamite")) showProjectWindow(4);
+    if (key == QLatin1String("New"))
+        FileMenuActions(0);
+    else if (key == QLatin1String("Open"))
+        FileMenuActions(1);
+    else if (key == QLatin1String("Save"))
+        FileMenuActions(2);
+    else if (key == QLatin1String("Cut"))
+        EditMenuActions(6);
+    else if (key == QLatin1String("Copy"))
+        EditMenuActions(7);
+    else if (key == QLatin1String("Paste"))
+        EditMenuActions(8);
+    else if (key == QLatin1String("Del"))
+        EditMenuActions(9);
+    else if (key == QLatin1String("Find"))
+        EditMenuActions(11);
+    else if (key == QLatin1String("Print"))
+        FileMenuActions(7);
+    else if (key == QLatin1String("Bridge"))
+        showProjectWindow(1);
+    else if (key == QLatin1String("Rulers"))
+        showProjectWindow(2);
+    else if (key == QLatin1String("Card"))
+        showProjectWindow(3);
+    else if (key == QLatin1String("Dynamite"))
+        showProjectWindow(4);
 }
 
 void MDIForm1::Submenu10Click(int index) {
@@ -572,7 +622,8 @@ void MDIForm1::Submenu10Click(int index) {
     Submenu10[index]->setChecked(true);
     EnableControlsMDI();
     EnableControlsForm6(*this);
-    for (documents::ProjectWindow* w : projectWindows()) EnableControlsPage(*this, w, true);
+    for (documents::ProjectWindow* w : projectWindows())
+        EnableControlsPage(*this, w, true);
     // The active window's menu state is the one that counts.
     if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
 }
@@ -631,22 +682,29 @@ ProjectWindows MDIForm1::projectWindowsOf(const QString& project) const {
     if (project.isEmpty()) return out;
     for (documents::ProjectWindow* w : projectWindows()) {
         if (ParseFileName(w->caption()).project() != project) continue;
-        if (auto* f = qobject_cast<documents::Form1*>(w)) out.f1 = f;
-        else if (auto* f = qobject_cast<documents::Form2*>(w)) out.f2 = f;
-        else if (auto* f = qobject_cast<documents::Form3*>(w)) out.f3 = f;
-        else if (auto* f = qobject_cast<documents::Form4*>(w)) out.f4 = f;
+        if (auto* f = qobject_cast<documents::Form1*>(w))
+            out.f1 = f;
+        else if (auto* f = qobject_cast<documents::Form2*>(w))
+            out.f2 = f;
+        else if (auto* f = qobject_cast<documents::Form3*>(w))
+            out.f3 = f;
+        else if (auto* f = qobject_cast<documents::Form4*>(w))
+            out.f4 = f;
     }
     return out;
 }
 
-ProjectWindows MDIForm1::ParseFormIndeces() const { return projectWindowsOf(ParseFileName(ActiveCaption()).project()); }
+ProjectWindows MDIForm1::ParseFormIndeces() const {
+    return projectWindowsOf(ParseFileName(ActiveCaption()).project());
+}
 
 ProjectWindows MDIForm1::ChangeFormCaptions(const QString& oldProject, const QString& newFile, bool mark) {
     const QString newProject = ParseFileName(newFile).project();
     ProjectWindows w = projectWindowsOf(ParseFileName(oldProject).project());
     int kind = 1;
-    for (documents::ProjectWindow* pw : {static_cast<documents::ProjectWindow*>(w.f1), static_cast<documents::ProjectWindow*>(w.f2),
-                                         static_cast<documents::ProjectWindow*>(w.f3), static_cast<documents::ProjectWindow*>(w.f4)}) {
+    for (documents::ProjectWindow* pw :
+         {static_cast<documents::ProjectWindow*>(w.f1), static_cast<documents::ProjectWindow*>(w.f2),
+          static_cast<documents::ProjectWindow*>(w.f3), static_cast<documents::ProjectWindow*>(w.f4)}) {
         if (pw) pw->setCaption(MakeCaption(newProject, kind, mark));
         ++kind;
     }
@@ -740,7 +798,8 @@ bool MDIForm1::UnloadActiveProject() {
     }
     // The save may have renamed the windows: find them again by the active window.
     const ProjectWindows w = projectWindowsOf(ParseFileName(active->caption()).project());
-    for (documents::ProjectWindow* pw : w.all()) unloadWindow(pw);
+    for (documents::ProjectWindow* pw : w.all())
+        unloadWindow(pw);
     ClearStatusBar();
     // Another project becomes the active one.
     const auto rest = projectWindows();
@@ -754,7 +813,8 @@ bool MDIForm1::FileNameInUse() {
     for (documents::ProjectWindow* w : projectWindows()) {
         const QString project = ParseFileName(w->caption()).project();
         if (sameFile(project, m_state.CurrentFileName)) {
-            platform::MsgBox(QStringLiteral("Tiedosto:") + m_state.CurrentFileName + QStringLiteral("\non jo avoinna."),
+            platform::MsgBox(QStringLiteral("Tiedosto:") + m_state.CurrentFileName +
+                                 QStringLiteral("\non jo avoinna."),
                              MsgIcon::Information);
             return true;
         }
@@ -785,7 +845,8 @@ QString MDIForm1::NewProject() {
     m_state.ProjectCounter += 1;
     m_state.Loading = true;
     const QString name = QStringLiteral("Projekti%1").arg(m_state.ProjectCounter);
-    for (int kind = 1; kind <= 4; ++kind) CreateDocumentWindow(kind, MakeCaption(name, kind, true));
+    for (int kind = 1; kind <= 4; ++kind)
+        CreateDocumentWindow(kind, MakeCaption(name, kind, true));
     if (m_state.ProgramMode != 2) ShowWindowByCaption(MakeCaption(name, 4, true));
     ShowWindowByCaption(MakeCaption(name, 3, true));
     ShowWindowByCaption(MakeCaption(name, 2, true));
@@ -800,18 +861,28 @@ QString MDIForm1::NewProject() {
 documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString& caption) {
     documents::ProjectWindow* w = nullptr;
     switch (kind) {
-        case 1: w = new documents::Form1(*this); break;
-        case 2: w = new documents::Form2(*this); break;
-        case 3: w = new documents::Form3(*this); break;
-        case 4: w = new documents::Form4(*this); break;
-        default: return nullptr;
+        case 1:
+            w = new documents::Form1(*this);
+            break;
+        case 2:
+            w = new documents::Form2(*this);
+            break;
+        case 3:
+            w = new documents::Form3(*this);
+            break;
+        case 4:
+            w = new documents::Form4(*this);
+            break;
+        default:
+            return nullptr;
     }
     w->setCaption(caption);
     QMdiSubWindow* sub = mdiArea->addSubWindow(w);
     sub->setAttribute(Qt::WA_DeleteOnClose, false);
     // The sub-window's own menu would claim Ctrl+W, which belongs to the View menu.
     if (QMenu* system = sub->systemMenu())
-        for (QAction* a : system->actions()) a->setShortcut(QKeySequence());
+        for (QAction* a : system->actions())
+            a->setShortcut(QKeySequence());
     // The four windows of a project cascade from the top left, each as large as it wants to
     // be within the frame.
     const int offset = 26 * (kind - 1);
@@ -857,11 +928,20 @@ void MDIForm1::showProjectWindow(int kind) {
     const ProjectWindows w = ParseFormIndeces();
     documents::ProjectWindow* target = nullptr;
     switch (kind) {
-        case 1: target = w.f1; break;
-        case 2: target = w.f2; break;
-        case 3: target = w.f3; break;
-        case 4: target = w.f4; break;
-        default: break;
+        case 1:
+            target = w.f1;
+            break;
+        case 2:
+            target = w.f2;
+            break;
+        case 3:
+            target = w.f3;
+            break;
+        case 4:
+            target = w.f4;
+            break;
+        default:
+            break;
     }
     if (!target) return;
     if (kind == 4 && w.f1) copyMunicipality(*this, w);
@@ -889,7 +969,8 @@ void MDIForm1::EnableControlsMDI() {
     const bool any = activeWindow() != nullptr;
     MainMenu[2]->menuAction()->setEnabled(any);
     MainMenu[3]->menuAction()->setEnabled(any);
-    for (int i : {2, 3, 5, 7, 8}) SubMenu0[i]->setEnabled(any);
+    for (int i : {2, 3, 5, 7, 8})
+        SubMenu0[i]->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
     applyAvailability(*this);

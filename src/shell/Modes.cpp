@@ -48,7 +48,8 @@ bool isLocked(QWidget* control) {
 void richTextLook(QTextEdit* r, bool readOnly) {
     r->setReadOnly(readOnly);
     QPalette p = r->palette();
-    p.setColor(QPalette::Base, readOnly ? QApplication::palette().color(QPalette::Button) : QColor(Qt::white));
+    p.setColor(QPalette::Base,
+               readOnly ? QApplication::palette().color(QPalette::Button) : QColor(Qt::white));
     r->setPalette(p);
     r->setFocusPolicy(readOnly ? Qt::ClickFocus : Qt::StrongFocus);
     QTextCursor c = r->textCursor();
@@ -61,12 +62,15 @@ void applyMenuState(MDIForm1& main, bool find, bool fromList, bool rows, bool ed
     main.toolbarButtons[QStringLiteral("Find")]->setEnabled(find);
     main.SubMenu2[1]->setEnabled(fromList);
     main.SubMenu2[11]->setEnabled(find);
-    for (int i : {2, 3, 4}) main.SubMenu2[i]->setEnabled(rows);
+    for (int i : {2, 3, 4})
+        main.SubMenu2[i]->setEnabled(rows);
     main.Submenu3[9]->setEnabled(editor);
     applyAvailability(main);
 }
 
-bool isActive(MDIForm1& main, documents::ProjectWindow* w) { return main.activeWindow() == w; }
+bool isActive(MDIForm1& main, documents::ProjectWindow* w) {
+    return main.activeWindow() == w;
+}
 
 } // namespace
 
@@ -121,8 +125,10 @@ void EnableControlsPage1(MDIForm1& main, documents::Form1* w, bool fields) {
     const int mode = main.appState().ProgramMode;
     const bool designerFields = mode != 2;
     const bool contractorFields = mode != 1;
-    for (int i : {3, 4, 5, 6, 7, 8, 10, 11, 12, 13}) setEditable(at(w->Combo1, i), designerFields);
-    for (int i : {14, 15, 16, 17}) setEditable(at(w->Combo1, i), contractorFields);
+    for (int i : {3, 4, 5, 6, 7, 8, 10, 11, 12, 13})
+        setEditable(at(w->Combo1, i), designerFields);
+    for (int i : {14, 15, 16, 17})
+        setEditable(at(w->Combo1, i), contractorFields);
     setEditable(at(w->Text1, 11), contractorFields);
     setListEditable(at(w->ListView1, 1), designerFields);
     setListEditable(at(w->ListView1, 2), contractorFields);
@@ -147,6 +153,8 @@ void EnableControlsPage4(MDIForm1& main, documents::Form4* w, bool) {
     if (isActive(main, w)) applyMenuState(main, false, false, true, false);
 }
 
-void EnableControlsForm6(MDIForm1& main) { enableUnitPriceAdding(main, main.appState().ProgramMode != 2); }
+void EnableControlsForm6(MDIForm1& main) {
+    enableUnitPriceAdding(main, main.appState().ProgramMode != 2);
+}
 
 } // namespace shell

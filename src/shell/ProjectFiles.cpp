@@ -86,9 +86,11 @@ QStringList fieldsOutsideCp1252(const ProjectWindows& w) {
     QStringList out;
     for (documents::ProjectWindow* pw : w.all()) {
         for (const documents::TextBox* t : pw->Text1)
-            if (t && !platform::isCp1252(t->text())) out << windowName(pw->kind()) + QStringLiteral(": ") + fieldName(t);
+            if (t && !platform::isCp1252(t->text()))
+                out << windowName(pw->kind()) + QStringLiteral(": ") + fieldName(t);
         for (const documents::ComboBox* c : pw->Combo1)
-            if (c && !platform::isCp1252(c->text())) out << windowName(pw->kind()) + QStringLiteral(": ") + fieldName(c);
+            if (c && !platform::isCp1252(c->text()))
+                out << windowName(pw->kind()) + QStringLiteral(": ") + fieldName(c);
         for (int j = 0; j < pw->listCount(); ++j) {
             const lists::ListModel* m = pw->list(j);
             if (!m) continue;
@@ -130,24 +132,27 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     if (!outside.isEmpty()) {
         QStringList shown = outside.mid(0, 12);
         if (outside.size() > 12) shown << QStringLiteral("...");
-        platform::MsgBox(QStringLiteral("Seuraavissa kentissä on merkkejä, joita tiedostoon ei voi tallentaa. Ne "
-                                        "tallentuvat kysymysmerkkeinä (?):\r\n\r\n") +
-                             shown.join(QStringLiteral("\r\n")),
-                         MsgIcon::Exclamation);
+        platform::MsgBox(
+            QStringLiteral("Seuraavissa kentissä on merkkejä, joita tiedostoon ei voi tallentaa. Ne "
+                           "tallentuvat kysymysmerkkeinä (?):\r\n\r\n") +
+                shown.join(QStringLiteral("\r\n")),
+            MsgIcon::Exclamation);
     }
 
     TempLock lock(state.TempPath);
     if (!lock.locked()) {
-        platform::MsgBox(QStringLiteral("Toinen TAMRIK-ohjelma käsittelee parhaillaan tiedostoja. Yritä hetken "
-                                        "kuluttua uudelleen."),
-                         MsgIcon::Exclamation);
+        platform::MsgBox(
+            QStringLiteral("Toinen TAMRIK-ohjelma käsittelee parhaillaan tiedostoja. Yritä hetken "
+                           "kuluttua uudelleen."),
+            MsgIcon::Exclamation);
         return false;
     }
     FileOperation operation(main, QStringLiteral("Tallentaa tiedostoa..."));
 
     persist::ProjectContent content;
     const QComboBox* references = w.f2->Combo1[0];
-    for (int i = 0; i < 18 && i < references->count(); ++i) content.referenceItems << references->itemText(i);
+    for (int i = 0; i < 18 && i < references->count(); ++i)
+        content.referenceItems << references->itemText(i);
     main.DisplayProgress(20);
     content.windows[0] = w.f1->toRecord();
     main.DisplayProgress(40);
@@ -158,7 +163,8 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     content.windows[3] = w.f4->toRecord();
     // Check box values as the file keeps them: 0 unchecked, 1 checked, 2 greyed.
     for (const QCheckBox* c : w.f4->Check1)
-        content.checks << QString::number(c->checkState() == Qt::Checked ? 1 : (c->checkState() == Qt::Unchecked ? 0 : 2));
+        content.checks << QString::number(
+            c->checkState() == Qt::Checked ? 1 : (c->checkState() == Qt::Unchecked ? 0 : 2));
     w.f2->StoreRichTextDocument();
     for (int n = 1; n <= 3; ++n) {
         content.documents[n - 1] = platform::WriteRtf(*w.f2->RichTextBox1[n]->document());
@@ -179,7 +185,8 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
 
     QString error;
     if (!platform::writeFileAtomically(file, container, &error)) {
-        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") + error,
+        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") +
+                             error,
                          MsgIcon::Critical);
         return false;
     }
@@ -190,7 +197,8 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     // The combo texts of this project feed the drop-down lists of new projects.
     std::array<QString, 5> defaults;
     const int comboIndex[5] = {10, 5, 6, 17, 16};
-    for (int i = 0; i < 5; ++i) defaults[i] = w.f1->Combo1[comboIndex[i]]->text();
+    for (int i = 0; i < 5; ++i)
+        defaults[i] = w.f1->Combo1[comboIndex[i]]->text();
     state.settings.DefaultComboData = defaults;
     WriteDefaultComboData(main.settingsStore(), defaults);
     return true;
@@ -224,7 +232,8 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
             for (int m = 1; m <= 7; ++m) {
                 const persist::Member& member = project_.members[m - 1];
                 writeTemp(state.TempPath,
-                          QStringLiteral("~Tamrik30_%1_tmp").arg(m) + persist::FileExtension(member.type), member.data);
+                          QStringLiteral("~Tamrik30_%1_tmp").arg(m) + persist::FileExtension(member.type),
+                          member.data);
                 if (m == 1 || persist::FileExtension(member.type) == QLatin1String(".tmp")) continue;
                 pictures[m - 2] = platform::Picture::fromBytes(member.data, member.type, &error);
                 if (pictures[m - 2].isNull())
@@ -257,13 +266,16 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     w.f4->applyRecord(c.windows[3]);
     for (int i = 0; i < static_cast<int>(w.f4->Check1.size()); ++i) {
         const int v = i < c.checks.size() ? c.checks[i].toInt() : 0;
-        w.f4->Check1[i]->setCheckState(v == 1 ? Qt::Checked : (v == 2 ? Qt::PartiallyChecked : Qt::Unchecked));
+        w.f4->Check1[i]->setCheckState(v == 1 ? Qt::Checked
+                                              : (v == 2 ? Qt::PartiallyChecked : Qt::Unchecked));
     }
-    for (int n = 0; n < 3; ++n) w.f2->setStoredDocument(n, *documents[n]);
+    for (int n = 0; n < 3; ++n)
+        w.f2->setStoredDocument(n, *documents[n]);
     // The shown document comes from its holder; nothing is stored back first.
     w.f2->showDocument(state.settings.StartUpDocument);
     if (!textOnly)
-        for (int k = 0; k < 6; ++k) w.f1->Image1[k]->setPicture(pictures[k]);
+        for (int k = 0; k < 6; ++k)
+            w.f1->Image1[k]->setPicture(pictures[k]);
     main.UpdateRecentFiles(file);
     main.ChangeFormCaptions(project, file, true);
     state.Loading = wasLoading;

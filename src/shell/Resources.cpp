@@ -55,11 +55,13 @@ QPixmap drawIcon(const QString& key) {
     } else if (key == QLatin1String("Rulers")) {
         p.setBrush(QColor(250, 220, 90));
         p.drawRect(QRectF(3, 14, 34, 12));
-        for (int x = 7; x < 37; x += 5) p.drawLine(QPointF(x, 14), QPointF(x, x % 10 == 2 ? 21 : 18));
+        for (int x = 7; x < 37; x += 5)
+            p.drawLine(QPointF(x, 14), QPointF(x, x % 10 == 2 ? 21 : 18));
     } else if (key == QLatin1String("Card")) {
         p.setBrush(Qt::white);
         p.drawRect(QRectF(5, 6, 30, 28));
-        for (int y = 13; y < 32; y += 6) p.drawLine(QPointF(10, y), QPointF(30, y));
+        for (int y = 13; y < 32; y += 6)
+            p.drawLine(QPointF(10, y), QPointF(30, y));
     } else if (key == QLatin1String("Dynamite")) {
         p.setBrush(QColor(200, 40, 40));
         p.drawRoundedRect(QRectF(6, 18, 28, 12), 3, 3);
@@ -102,7 +104,8 @@ void readOfficeRows(AppState& state) {
     QStringList lines;
     // A missing office file is no reason to stop the start: the rows stay empty.
     if (!platform::readTextLines(state.AppPath + QStringLiteral("Tamrik2000_office.txt"), lines)) return;
-    for (int i = 0; i < 4 && i < lines.size(); ++i) state.OfficeRows[i] = lines[i];
+    for (int i = 0; i < 4 && i < lines.size(); ++i)
+        state.OfficeRows[i] = lines[i];
 }
 
 void applyAvailability(MDIForm1& main) {

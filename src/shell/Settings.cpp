@@ -27,7 +27,9 @@ int toInt(const QString& text, int fallback) {
     return static_cast<int>(std::nearbyint(v));
 }
 
-QString winKey(const char* name, int slot) { return QLatin1String(name) + QString::number(slot); }
+QString winKey(const char* name, int slot) {
+    return QLatin1String(name) + QString::number(slot);
+}
 
 } // namespace
 
@@ -41,8 +43,9 @@ void ReadSettingsValues(const platform::SettingsStore& store, AppState& state) {
     s.VAT = store.get(kGeneral, QStringLiteral("VAT"), d.VAT);
     s.Index = store.get(kGeneral, QStringLiteral("Index"), d.Index);
     s.IndexBaseYear = store.get(kGeneral, QStringLiteral("IndexBaseYear"), d.IndexBaseYear);
-    s.AutoFormat = store.get(kFormat, QStringLiteral("AutoFormat"), QStringLiteral("True")).trimmed().toLower() ==
-                   QLatin1String("true");
+    s.AutoFormat =
+        store.get(kFormat, QStringLiteral("AutoFormat"), QStringLiteral("True")).trimmed().toLower() ==
+        QLatin1String("true");
     for (int i = 0; i < 6; ++i) {
         const QString key = QStringLiteral("BlankLines_%1").arg(i);
         s.BlankLines[i] = toInt(store.get(kFormat, key, QString::number(d.BlankLines[i])), d.BlankLines[i]);
@@ -54,13 +57,15 @@ void ReadSettingsValues(const platform::SettingsStore& store, AppState& state) {
         s.pos.width[n] = toInt(store.get(kWindows, winKey("Width_", n), QStringLiteral("0")), 0);
     }
     bool ok = false;
-    const float scale =
-        store.get(kPrinter, QStringLiteral("PreviewScale"), QStringLiteral("1")).replace(QLatin1Char(','), QLatin1Char('.')).toFloat(&ok);
+    const float scale = store.get(kPrinter, QStringLiteral("PreviewScale"), QStringLiteral("1"))
+                            .replace(QLatin1Char(','), QLatin1Char('.'))
+                            .toFloat(&ok);
     s.PreviewScale = ok && scale > 0 ? scale : d.PreviewScale;
     s.PLogoFile = store.get(kPrinter, QStringLiteral("PLogoFile"), d.PLogoFile);
     s.PrinterFont = store.get(kPrinter, QStringLiteral("PrinterFont"), d.PrinterFont);
     s.PrintLogo = store.get(kPrinter, QStringLiteral("PrintLogo"), QStringLiteral("1")) == QLatin1String("1");
-    for (int i = 0; i < 4; ++i) state.OfficeRows[i] = store.get(kOffice, QStringLiteral("Row_%1").arg(i));
+    for (int i = 0; i < 4; ++i)
+        state.OfficeRows[i] = store.get(kOffice, QStringLiteral("Row_%1").arg(i));
     for (int i = 5; i >= 0; --i)
         UpdateRecentFileList(state.RecentFiles, store.get(kRecent, QStringLiteral("File%1").arg(i)));
     s.File1 = store.get(kFiles, QStringLiteral("File1"), d.File1);
@@ -81,8 +86,10 @@ void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) 
     store.save(kGeneral, QStringLiteral("Index"), s.Index);
     store.save(kGeneral, QStringLiteral("IndexBaseYear"), s.IndexBaseYear);
     store.save(kGeneral, QStringLiteral("ProgramMode"), QString::number(state.ProgramMode));
-    store.save(kFormat, QStringLiteral("AutoFormat"), s.AutoFormat ? QStringLiteral("True") : QStringLiteral("False"));
-    for (int i = 0; i < 6; ++i) store.save(kFormat, QStringLiteral("BlankLines_%1").arg(i), QString::number(s.BlankLines[i]));
+    store.save(kFormat, QStringLiteral("AutoFormat"),
+               s.AutoFormat ? QStringLiteral("True") : QStringLiteral("False"));
+    for (int i = 0; i < 6; ++i)
+        store.save(kFormat, QStringLiteral("BlankLines_%1").arg(i), QString::number(s.BlankLines[i]));
     for (int n = 1; n <= 13; ++n) {
         if (s.pos.width[n] > 3000 && s.pos.height[n] > 1000) {
             store.save(kWindows, winKey("Top_", n), QString::number(s.pos.top[n]));
@@ -93,17 +100,21 @@ void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) 
     }
     store.save(kPrinter, QStringLiteral("PreviewScale"), QString::number(s.PreviewScale));
     store.save(kPrinter, QStringLiteral("PLogoFile"), s.PLogoFile);
-    store.save(kPrinter, QStringLiteral("PrintLogo"), s.PrintLogo ? QStringLiteral("1") : QStringLiteral("0"));
+    store.save(kPrinter, QStringLiteral("PrintLogo"),
+               s.PrintLogo ? QStringLiteral("1") : QStringLiteral("0"));
     store.save(kPrinter, QStringLiteral("PrinterFont"), s.PrinterFont);
-    for (int i = 0; i < 6; ++i) store.save(kRecent, QStringLiteral("File%1").arg(i), state.RecentFiles[i]);
-    for (int i = 0; i < 4; ++i) store.save(kOffice, QStringLiteral("Row_%1").arg(i), state.OfficeRows[i]);
+    for (int i = 0; i < 6; ++i)
+        store.save(kRecent, QStringLiteral("File%1").arg(i), state.RecentFiles[i]);
+    for (int i = 0; i < 4; ++i)
+        store.save(kOffice, QStringLiteral("Row_%1").arg(i), state.OfficeRows[i]);
     if (s.StartUpDocument >= 0 && s.StartUpDocument <= 2)
         store.save(kGui, QStringLiteral("StartUpDocument"), QString::number(s.StartUpDocument));
     store.sync();
 }
 
 void WriteDefaultComboData(platform::SettingsStore& store, const std::array<QString, 5>& texts) {
-    for (int i = 0; i < 5; ++i) store.save(kGeneral, QStringLiteral("DefaultComboData_%1").arg(i), texts[i]);
+    for (int i = 0; i < 5; ++i)
+        store.save(kGeneral, QStringLiteral("DefaultComboData_%1").arg(i), texts[i]);
     store.sync();
 }
 
@@ -148,7 +159,8 @@ void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file) {
             break;
         }
     }
-    for (int i = k; i > 0; --i) files[i] = files[i - 1];
+    for (int i = k; i > 0; --i)
+        files[i] = files[i - 1];
     files[0] = file;
 }
 

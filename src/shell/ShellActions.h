@@ -7,7 +7,7 @@
 namespace lists {
 class ListModel;
 class ListView;
-}
+} // namespace lists
 
 namespace shell {
 

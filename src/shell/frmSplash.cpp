@@ -12,13 +12,19 @@
 namespace shell {
 
 QString versionText() {
-    return QStringLiteral("Ohjelmakäännös ") +
-           QStringLiteral("%1.%2.%3").arg(TAMRIK_VERSION_MAJOR).arg(TAMRIK_VERSION_MINOR).arg(TAMRIK_VERSION_PATCH);
+    return QStringLiteral("Ohjelmakäännös ") + QStringLiteral("%1.%2.%3")
+                                                   .arg(TAMRIK_VERSION_MAJOR)
+                                                   .arg(TAMRIK_VERSION_MINOR)
+                                                   .arg(TAMRIK_VERSION_PATCH);
 }
 
-QString copyrightText() { return QStringLiteral("Copyright © 2000–2026 TAMRIK-kehitystiimi"); }
+QString copyrightText() {
+    return QStringLiteral("Copyright © 2000–2026 TAMRIK-kehitystiimi");
+}
 
-QString companyText() { return QStringLiteral("TAMRIK-kehitystiimi"); }
+QString companyText() {
+    return QStringLiteral("TAMRIK-kehitystiimi");
+}
 
 frmSplash::frmSplash(QWidget* parent)
     : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
@@ -68,8 +74,12 @@ void frmSplash::setProgress(int percent) {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
-void frmSplash::keyPressEvent(QKeyEvent*) { hide(); }
+void frmSplash::keyPressEvent(QKeyEvent*) {
+    hide();
+}
 
-void frmSplash::mousePressEvent(QMouseEvent*) { hide(); }
+void frmSplash::mousePressEvent(QMouseEvent*) {
+    hide();
+}
 
 } // namespace shell

@@ -7,9 +7,13 @@ namespace testing_support {
 using platform::MsgAnswer;
 using platform::MsgButtons;
 
-ScriptedDialogs::ScriptedDialogs() { platform::Dialogs::install(this); }
+ScriptedDialogs::ScriptedDialogs() {
+    platform::Dialogs::install(this);
+}
 
-ScriptedDialogs::~ScriptedDialogs() { platform::Dialogs::install(nullptr); }
+ScriptedDialogs::~ScriptedDialogs() {
+    platform::Dialogs::install(nullptr);
+}
 
 MsgAnswer ScriptedDialogs::message(const platform::MessageRequest& request) {
     m_messages.push_back(request);
@@ -34,13 +38,18 @@ QStringList ScriptedDialogs::files(const platform::FileRequest& request) {
     return f;
 }
 
-std::optional<QFont> ScriptedDialogs::font(const QFont&) { return nextFont; }
+std::optional<QFont> ScriptedDialogs::font(const QFont&) {
+    return nextFont;
+}
 
-std::optional<QColor> ScriptedDialogs::color(const QColor&) { return nextColor; }
+std::optional<QColor> ScriptedDialogs::color(const QColor&) {
+    return nextColor;
+}
 
 QStringList ScriptedDialogs::texts() const {
     QStringList out;
-    for (const auto& m : m_messages) out << m.text;
+    for (const auto& m : m_messages)
+        out << m.text;
     return out;
 }
 

@@ -10,7 +10,7 @@ namespace testing_support {
 
 class ScriptedDialogs : public platform::Dialogs {
 public:
-    ScriptedDialogs();  // installs itself
+    ScriptedDialogs();           // installs itself
     ~ScriptedDialogs() override; // restores the Qt dialogs
 
     // Answers for the next questions, in order. A question without a queued answer fails
@@ -18,7 +18,9 @@ public:
     void answer(platform::MsgAnswer a) { m_answers.push_back(a); }
     // Files for the next file dialogs; an empty list means the user cancelled.
     void chooseFiles(const QStringList& files) { m_files.push_back(files); }
-    void chooseFile(const QString& file) { m_files.push_back(file.isEmpty() ? QStringList() : QStringList{file}); }
+    void chooseFile(const QString& file) {
+        m_files.push_back(file.isEmpty() ? QStringList() : QStringList{file});
+    }
 
     platform::MsgAnswer message(const platform::MessageRequest& request) override;
     QStringList files(const platform::FileRequest& request) override;
@@ -29,7 +31,10 @@ public:
     QStringList texts() const;
     QString lastText() const { return m_messages.empty() ? QString() : m_messages.back().text; }
     const std::vector<platform::FileRequest>& fileRequests() const { return m_fileRequests; }
-    void clear() { m_messages.clear(); m_fileRequests.clear(); }
+    void clear() {
+        m_messages.clear();
+        m_fileRequests.clear();
+    }
     bool allAnswersUsed() const { return m_answers.empty() && m_files.empty(); }
 
     std::optional<QFont> nextFont;

@@ -14,13 +14,21 @@ namespace {
 QTemporaryDir* g_settingsDir = nullptr;
 }
 
-QString settingsDir() { return g_settingsDir ? g_settingsDir->path() : QString(); }
+QString settingsDir() {
+    return g_settingsDir ? g_settingsDir->path() : QString();
+}
 
-QString sourceDir() { return QStringLiteral(TAMRIK_SOURCE_DIR); }
+QString sourceDir() {
+    return QStringLiteral(TAMRIK_SOURCE_DIR);
+}
 
-QString binaryDir() { return QStringLiteral(TAMRIK_BINARY_DIR); }
+QString binaryDir() {
+    return QStringLiteral(TAMRIK_BINARY_DIR);
+}
 
-QString dataDir() { return sourceDir() + QStringLiteral("/data/"); }
+QString dataDir() {
+    return sourceDir() + QStringLiteral("/data/");
+}
 
 } // namespace testing_support
 

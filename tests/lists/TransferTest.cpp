@@ -195,7 +195,8 @@ TEST(Transfer, InsertDataOnlyIfMissing) {
 TEST(TransferOrder, SubcaptionsAddedOneByOneStayInLitteraOrder) {
     lists::ListModel base;
     base.setKind(lists::kind::UnitPriceList);
-    ASSERT_TRUE(lists::InitListView(base, testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1")));
+    ASSERT_TRUE(
+        lists::InitListView(base, testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1")));
     lists::ListModel project;
     project.setKind(lists::kind::QuantityList);
     ASSERT_TRUE(lists::InitListView(project, testing_support::dataDir() + QStringLiteral("TAMRIK30_T3.csv")));

@@ -11,7 +11,8 @@ TEST(Container, ProjectWithoutPicturesHasSixEmptyEntriesAndOneByteBlocks) {
     const QByteArray file = PackContainer(m);
     ASSERT_EQ(file.size(), kHeaderSize + m[0].data.size() + 1 + 6);
     EXPECT_EQ(file.left(5), QByteArray("\x00\x00\x00\x0C\x00", 5));
-    for (int k = 1; k < 7; ++k) EXPECT_EQ(file.mid(5 * k, 5), QByteArray(5, '\0')) << k;
+    for (int k = 1; k < 7; ++k)
+        EXPECT_EQ(file.mid(5 * k, 5), QByteArray(5, '\0')) << k;
     EXPECT_EQ(file.mid(35, 2), QByteArray("\r\n"));
     EXPECT_EQ(file.mid(kHeaderSize, 12), m[0].data);
     // Member 1's zero byte, then one zero byte for each empty picture; the file ends there.
@@ -76,7 +77,8 @@ ProjectContent sampleContent() {
     f1.combos = {QStringLiteral("€"), QStringLiteral("Jyväskylä")};
     ListRecord parts;
     parts.columns = 2;
-    parts.rows = {{QStringLiteral("000"), QStringLiteral("Koko silta")}, {QStringLiteral("100"), QStringLiteral("Maatuki 1")}};
+    parts.rows = {{QStringLiteral("000"), QStringLiteral("Koko silta")},
+                  {QStringLiteral("100"), QStringLiteral("Maatuki 1")}};
     f1.lists = {parts, ListRecord{4, {}}, ListRecord{4, {}}};
     WindowRecord& f2 = c.windows[1];
     f2.texts = {QString()};
@@ -85,7 +87,8 @@ ProjectContent sampleContent() {
     ListRecord requirements;
     requirements.columns = 24;
     QStringList row;
-    for (int i = 1; i <= 24; ++i) row << QString();
+    for (int i = 1; i <= 24; ++i)
+        row << QString();
     row[1] = QStringLiteral("1");
     row[12] = QStringLiteral("C:\\kuvat\\silta.jpg");
     row[13] = QStringLiteral("   ");
@@ -129,7 +132,8 @@ TEST(ProjectText, RoundTripIsByteIdenticalAndAppliesThePathRule) {
 
     ProjectContent back;
     QString error;
-    ASSERT_TRUE(ReadProjectText(written, QStringLiteral("D:\\projekti\\"), back, &error)) << error.toStdString();
+    ASSERT_TRUE(ReadProjectText(written, QStringLiteral("D:\\projekti\\"), back, &error))
+        << error.toStdString();
     EXPECT_EQ(back.windows[1].lists[1].rows[0][12], QStringLiteral("D:\\projekti\\silta.jpg"));
     EXPECT_EQ(back.windows[0].texts[2], QStringLiteral("Rivi 1\r\nRivi 2\r\nRivi 3"));
     EXPECT_EQ(back.documents[2], QByteArray("{\\rtf1 \\'e4\r\nb}"));

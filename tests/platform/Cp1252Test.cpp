@@ -24,7 +24,8 @@ TEST(Cp1252, CharactersOutsideTheCodePageAreReportedOnce) {
 
 TEST(Cp1252, AllBytesRoundTrip) {
     QByteArray all;
-    for (int b = 0; b < 256; ++b) all.append(static_cast<char>(b));
+    for (int b = 0; b < 256; ++b)
+        all.append(static_cast<char>(b));
     EXPECT_EQ(toCp1252(fromCp1252(all)), all);
 }
 
@@ -32,7 +33,8 @@ TEST(TextFile, LinesAreWrittenWithCrLfAndReadFromAnyLineEnd) {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.csv"));
     QString error;
-    ASSERT_TRUE(writeTextLines(path, {QStringLiteral("LITTERA;TYÖVAIHE"), QString(), QStringLiteral("7110;Ä")}, &error));
+    ASSERT_TRUE(writeTextLines(
+        path, {QStringLiteral("LITTERA;TYÖVAIHE"), QString(), QStringLiteral("7110;Ä")}, &error));
     QByteArray bytes;
     ASSERT_TRUE(readFileBytes(path, bytes));
     EXPECT_EQ(bytes, QByteArray("LITTERA;TY\xD6VAIHE\r\n\r\n7110;\xC4\r\n"));

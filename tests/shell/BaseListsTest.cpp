@@ -33,7 +33,8 @@ protected:
         main->showProjectWindow(2);
     }
     void TearDown() override {
-        for (auto* w : main->projectWindows()) main->FormUntouch(w);
+        for (auto* w : main->projectWindows())
+            main->FormUntouch(w);
         main->FormUntouch(main->Form6);
         main->FormUntouch(main->Form7);
         main.reset();
@@ -65,7 +66,8 @@ TEST_F(BaseListsTest, LoadedHiddenWithTheDefaultListsAndTheirCaptions) {
     ASSERT_TRUE(main->Form6 && main->Form7);
     EXPECT_FALSE(main->Form6->isVisible());
     EXPECT_EQ(main->Form6->windowTitle(),
-              testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1 (Yksikköhintaluettelo) Ei muutettu"));
+              testing_support::dataDir() +
+                  QStringLiteral("Yksikköhinnat2002.sl1 (Yksikköhintaluettelo) Ei muutettu"));
     EXPECT_EQ(main->Form7->list()->kind(), QStringLiteral("Laatuvaatimusten perusluettelo"));
     EXPECT_GT(main->Form6->list()->rows(), 150);
     EXPECT_GT(main->Form7->list()->rows(), 120);
@@ -108,7 +110,8 @@ TEST_F(BaseListsTest, UnitPricesOfTheChosenConditionsAndTheContractorsRights) {
     lists::BaseListWindow* f6 = main->Form6;
     int item = 0;
     for (int r = 1; r <= f6->list()->rows() && !item; ++r)
-        if (lists::BlankString(f6->list()->cell(r, 1)) && !lists::BlankString(f6->list()->cell(r, 5))) item = r;
+        if (lists::BlankString(f6->list()->cell(r, 1)) && !lists::BlankString(f6->list()->cell(r, 5)))
+            item = r;
     ASSERT_GT(item, 0);
     const QString name = f6->list()->cell(item, 2);
     f6->list()->selectOnly(item);
@@ -124,7 +127,8 @@ TEST_F(BaseListsTest, UnitPricesOfTheChosenConditionsAndTheContractorsRights) {
     f6->Option1[2]->setChecked(true);
     f6->SubMenu12[3]->trigger();
     int last = quantities.rows();
-    while (last > 0 && lists::BlankListItem(quantities, last).blank) --last;
+    while (last > 0 && lists::BlankListItem(quantities, last).blank)
+        --last;
     EXPECT_EQ(quantities.cell(last, 2), name);
     EXPECT_EQ(quantities.cell(last, 6), f6->list()->cell(item, 6));
 

@@ -44,7 +44,8 @@ TEST(Captions, MarkerIsAddedAndRemovedOnce) {
 
 TEST(RecentFiles, MoveToFrontAndNeverTwice) {
     std::array<QString, 6> files;
-    for (const char* f : {"a", "b", "c", "d", "e", "f", "g"}) UpdateRecentFileList(files, QString::fromLatin1(f));
+    for (const char* f : {"a", "b", "c", "d", "e", "f", "g"})
+        UpdateRecentFileList(files, QString::fromLatin1(f));
     EXPECT_EQ(files[0], QStringLiteral("g"));
     EXPECT_EQ(files[5], QStringLiteral("b")); // "a" dropped off the end
     // The third entry moves to the front; the first two shift down.

@@ -18,7 +18,8 @@ Result run(const QStringList& args) {
     QProcess p;
     p.start(testing_support::binaryDir() + QStringLiteral("/tamrik"), args);
     p.waitForFinished(60000);
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
 }
 
 } // namespace

@@ -36,12 +36,14 @@ protected:
     void TearDown() override {
         main->appState().settings.SaveSettingsOnExit = false;
         // Whatever is left is closed without questions.
-        for (auto* w : main->projectWindows()) main->FormUntouch(w);
+        for (auto* w : main->projectWindows())
+            main->FormUntouch(w);
         main.reset();
     }
     QStringList captions() const {
         QStringList out;
-        for (auto* w : main->projectWindows()) out << w->caption();
+        for (auto* w : main->projectWindows())
+            out << w->caption();
         return out;
     }
     ScriptedDialogs dialogs;
@@ -79,7 +81,7 @@ TEST_F(MainWindowTest, MenuTreeHasItsIndicesShortcutsAndHiddenItems) {
     ASSERT_EQ(main->SubMenu41.size(), 20u);
     // The About item is the last item of the help menu.
     EXPECT_EQ(main->SubMenu4.back()->text(), QStringLiteral("&Tietoja ohjelmasta..."));
-    const char* keys[] = {"New",  "Open",  "Save",   "Cut",   "Copy", "Paste",    "Del",
+    const char* keys[] = {"New",   "Open",   "Save",   "Cut",  "Copy",     "Paste", "Del",
                           "Print", "Bridge", "Rulers", "Card", "Dynamite", "Find"};
     const QList<QAction*> buttons = main->Toolbar1->actions();
     int i = 0;
@@ -93,7 +95,8 @@ TEST_F(MainWindowTest, MenuTreeHasItsIndicesShortcutsAndHiddenItems) {
     EXPECT_EQ(main->toolbarButtons[QStringLiteral("Find")]->toolTip(), QStringLiteral("Siirry kohtaan..."));
     // Exactly one program mode and one text document are checked.
     int modes = 0;
-    for (QAction* a : main->Submenu10) modes += a->isChecked();
+    for (QAction* a : main->Submenu10)
+        modes += a->isChecked();
     EXPECT_EQ(modes, 1);
     EXPECT_TRUE(main->Submenu10[2]->isChecked());
 }
@@ -105,7 +108,8 @@ TEST_F(MainWindowTest, TouchMarksOnlyTheProjectOfTheWindowThatChanged) {
     const ProjectWindows p1 = main->projectWindowsOf(QStringLiteral("Projekti1"));
     ASSERT_TRUE(p1.complete());
     main->contentChanged(p1.f3);
-    for (auto* w : p1.all()) EXPECT_FALSE(CaptionIsUnchanged(w->caption())) << w->caption().toStdString();
+    for (auto* w : p1.all())
+        EXPECT_FALSE(CaptionIsUnchanged(w->caption())) << w->caption().toStdString();
     for (auto* w : main->projectWindowsOf(QStringLiteral("Projekti2")).all())
         EXPECT_TRUE(CaptionIsUnchanged(w->caption())) << w->caption().toStdString();
     // While a file is read, changes do not count.
@@ -124,7 +128,8 @@ TEST_F(MainWindowTest, ClosingAChangedProjectAsksAndCanBeCancelled) {
     dialogs.answer(MsgAnswer::Cancel);
     EXPECT_TRUE(main->UnloadActiveProject());
     EXPECT_EQ(main->projectWindows().size(), 8u);
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Tiedostoa: Projekti1\non muutettu. Tallennetaanko tiedosto:"));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Tiedostoa: Projekti1\non muutettu. Tallennetaanko tiedosto:"));
     EXPECT_EQ(dialogs.messages().back().icon, platform::MsgIcon::Exclamation);
     // Yes with a cancelled save dialog also keeps the project.
     dialogs.answer(MsgAnswer::Yes);
@@ -137,7 +142,8 @@ TEST_F(MainWindowTest, ClosingAChangedProjectAsksAndCanBeCancelled) {
     QCoreApplication::processEvents();
     const QStringList left = captions();
     ASSERT_EQ(left.size(), 4);
-    for (const QString& c : left) EXPECT_TRUE(c.startsWith(QStringLiteral("Projekti2 ")));
+    for (const QString& c : left)
+        EXPECT_TRUE(c.startsWith(QStringLiteral("Projekti2 ")));
 }
 
 TEST_F(MainWindowTest, ShutdownClosesProjectsOneByOneAndCanBeCancelled) {
@@ -170,7 +176,8 @@ TEST_F(MainWindowTest, ShutdownWritesSettingsOnlyWhenAskedTo) {
     main->appState().settings.VAT = QStringLiteral("24");
     main->appState().settings.SaveSettingsOnExit = false;
     EXPECT_TRUE(main->shutDown());
-    EXPECT_EQ(store.get(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("-")), QStringLiteral("-"));
+    EXPECT_EQ(store.get(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("-")),
+              QStringLiteral("-"));
 
     MDIForm1 second;
     second.setProgramDirectory(testing_support::dataDir());
@@ -178,7 +185,8 @@ TEST_F(MainWindowTest, ShutdownWritesSettingsOnlyWhenAskedTo) {
     second.appState().settings.VAT = QStringLiteral("24");
     EXPECT_TRUE(second.shutDown());
     store.sync();
-    EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("VAT")), QStringLiteral("24"));
+    EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("VAT")),
+              QStringLiteral("24"));
 }
 
 TEST_F(MainWindowTest, RecentFilesFillTheFileMenu) {

@@ -33,7 +33,8 @@ protected:
     }
     void TearDown() override {
         main->appState().settings.SaveSettingsOnExit = false;
-        for (auto* w : main->projectWindows()) main->FormUntouch(w);
+        for (auto* w : main->projectWindows())
+            main->FormUntouch(w);
         main.reset();
     }
     std::vector<documents::Form1*> basicWindows() {
@@ -66,7 +67,8 @@ TEST_F(ModesTest, ContractorModeGreysTheDesignersFieldsInEveryOpenBasicDataWindo
             EXPECT_TRUE(f->Combo1[i]->locked()) << i;
             EXPECT_TRUE(greyed(f->Combo1[i])) << i;
         }
-        for (int i : {14, 15, 16, 17}) EXPECT_FALSE(f->Combo1[i]->locked()) << i;
+        for (int i : {14, 15, 16, 17})
+            EXPECT_FALSE(f->Combo1[i]->locked()) << i;
         EXPECT_FALSE(f->Text1[11]->locked());
         EXPECT_TRUE(f->list(1)->readOnly());
         EXPECT_EQ(f->list(1)->tag(), QStringLiteral("No edit"));
@@ -79,7 +81,8 @@ TEST_F(ModesTest, ContractorModeGreysTheDesignersFieldsInEveryOpenBasicDataWindo
     main->Submenu10Click(0);
     for (documents::Form1* f : basicWindows()) {
         EXPECT_FALSE(f->Combo1[3]->locked());
-        for (int i : {14, 15, 16, 17}) EXPECT_TRUE(f->Combo1[i]->locked()) << i;
+        for (int i : {14, 15, 16, 17})
+            EXPECT_TRUE(f->Combo1[i]->locked()) << i;
         EXPECT_TRUE(f->Text1[11]->locked());
         EXPECT_FALSE(f->list(1)->readOnly());
         EXPECT_TRUE(f->list(2)->readOnly());
@@ -126,7 +129,8 @@ TEST_F(ModesTest, SwitchingTheShownDocumentKeepsTextAndFormattingInEveryProject)
         italic.setFontItalic(true);
         c.insertText(QStringLiteral("Selostus %1").arg(i), italic);
     }
-    for (auto* w : main->projectWindows()) main->FormUntouch(w);
+    for (auto* w : main->projectWindows())
+        main->FormUntouch(w);
     main->Submenu30Click(1);
     for (documents::Form2* f : details) {
         EXPECT_EQ(f->shownDocument(), 1);
@@ -140,14 +144,17 @@ TEST_F(ModesTest, SwitchingTheShownDocumentKeepsTextAndFormattingInEveryProject)
         EXPECT_TRUE(c.charFormat().fontItalic());
     }
     // Switching documents is not a change of the projects.
-    for (auto* w : main->projectWindows()) EXPECT_TRUE(w->caption().endsWith(QStringLiteral(" Ei muutettu")));
+    for (auto* w : main->projectWindows())
+        EXPECT_TRUE(w->caption().endsWith(QStringLiteral(" Ei muutettu")));
 }
 
 TEST_F(ModesTest, RefusalsNameTheOtherParties) {
     ShowDeny(1);
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Toiminto on sallittu ainoastaan\r\nurakoitsijalle ja tilaajalle"));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Toiminto on sallittu ainoastaan\r\nurakoitsijalle ja tilaajalle"));
     ShowDeny(2);
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Toiminto on sallittu ainoastaan\r\nsuunnitelijalle ja tilaajalle"));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Toiminto on sallittu ainoastaan\r\nsuunnitelijalle ja tilaajalle"));
     dialogs.clear();
     ShowDeny(3);
     EXPECT_TRUE(dialogs.messages().empty());

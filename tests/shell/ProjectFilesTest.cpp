@@ -42,7 +42,8 @@ protected:
     }
     void TearDown() override {
         main->appState().settings.SaveSettingsOnExit = false;
-        for (auto* w : main->projectWindows()) main->FormUntouch(w);
+        for (auto* w : main->projectWindows())
+            main->FormUntouch(w);
         main.reset();
     }
     ProjectWindows project(const QString& name) { return main->projectWindowsOf(name); }
@@ -75,8 +76,8 @@ protected:
         cursor.insertText(QStringLiteral("Rakennussuunnitelman "), bold);
         cursor.insertText(QStringLiteral("selostus"));
         QString error;
-        const platform::Picture logo = platform::Picture::fromFile(testing_support::dataDir() +
-                                                                   QStringLiteral("Tamrik2006-logo.wmf"), &error);
+        const platform::Picture logo = platform::Picture::fromFile(
+            testing_support::dataDir() + QStringLiteral("Tamrik2006-logo.wmf"), &error);
         ASSERT_FALSE(logo.isNull()) << error.toStdString();
         w.f1->Image1[2]->setPicture(logo);
     }
@@ -210,9 +211,11 @@ TEST_F(ProjectFilesTest, DamagedFilesAreReportedAndTheWindowsKeepTheirContent) {
         dialogs.clear();
         main->activateWindow(p1.f1);
         const QString captionBefore = p1.f1->caption();
-        EXPECT_FALSE(ReadSlFile(*main, ParseFileName(captionBefore).project(), path, false)) << name.toStdString();
+        EXPECT_FALSE(ReadSlFile(*main, ParseFileName(captionBefore).project(), path, false))
+            << name.toStdString();
         ASSERT_EQ(dialogs.messages().size(), 1u) << name.toStdString();
-        EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Tiedostoa ") + path + QStringLiteral(" ei voi avata:")))
+        EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Tiedostoa ") + path +
+                                                  QStringLiteral(" ei voi avata:")))
             << dialogs.lastText().toStdString();
         EXPECT_EQ(p1.f1->Text1[0]->text(), QStringLiteral("Ennallaan")) << name.toStdString();
         EXPECT_EQ(p1.f1->caption(), captionBefore);
@@ -242,7 +245,8 @@ TEST_F(ProjectFilesTest, CharactersOutsideTheCodePageAreNamedBeforeSaving) {
     const QString file = dir.filePath(QStringLiteral("merkit.sl"));
     ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
     ASSERT_EQ(dialogs.messages().size(), 1u);
-    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("Perustiedot: Sillan nimi"))) << dialogs.lastText().toStdString();
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("Perustiedot: Sillan nimi")))
+        << dialogs.lastText().toStdString();
     EXPECT_TRUE(bytesOf(file).contains("Silta ?"));
 }
 

@@ -69,8 +69,10 @@ TEST(Settings, RoundTripKeepsValuesAndWritesTheSectionsAndKeys) {
     s.PrintLogo = false;
     s.PLogoFile = QStringLiteral("/kuvat/logo.bmp");
     s.StartUpDocument = 2;
-    state.OfficeRows = {QStringLiteral("Insinööritoimisto"), QStringLiteral("Katu 1"), QString(), QStringLiteral("puh")};
-    state.RecentFiles = {QStringLiteral("/a/1.sl"), QStringLiteral("/a/2.sl"), QString(), QString(), QString(), QString()};
+    state.OfficeRows = {QStringLiteral("Insinööritoimisto"), QStringLiteral("Katu 1"), QString(),
+                        QStringLiteral("puh")};
+    state.RecentFiles = {
+        QStringLiteral("/a/1.sl"), QStringLiteral("/a/2.sl"), QString(), QString(), QString(), QString()};
     // Slot 1 big enough to be written, slot 6 too small: it keeps what was stored before.
     s.pos.width[1] = 12000;
     s.pos.height[1] = 9000;
