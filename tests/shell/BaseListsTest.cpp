@@ -1,3 +1,4 @@
+#include "MainWindowFixture.h"
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "documents/Form2.h"
@@ -22,22 +23,12 @@ using testing_support::ScriptedDialogs;
 
 namespace {
 
-class BaseListsTest : public ::testing::Test {
+class BaseListsTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        platform::SettingsStore().deleteAll();
-        main = std::make_unique<MDIForm1>();
-        main->setProgramDirectory(testing_support::dataDir());
-        main->startUp(false);
+        MainWindowFixture::SetUp();
         main->appState().settings.SaveSettingsOnExit = false;
         main->showProjectWindow(2);
-    }
-    void TearDown() override {
-        for (auto* w : main->projectWindows())
-            main->FormUntouch(w);
-        main->FormUntouch(main->Form6);
-        main->FormUntouch(main->Form7);
-        main.reset();
     }
     // Selects the first row of a base list whose column holds the text.
     int selectRow(lists::BaseListWindow* w, int column, const QString& text) {
@@ -56,8 +47,6 @@ protected:
             if (list.cell(r, column) == text) return r;
         return 0;
     }
-    ScriptedDialogs dialogs;
-    std::unique_ptr<MDIForm1> main;
 };
 
 } // namespace

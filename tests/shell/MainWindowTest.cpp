@@ -1,3 +1,4 @@
+#include "MainWindowFixture.h"
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "documents/Controls.h"
@@ -25,29 +26,14 @@ using testing_support::ScriptedDialogs;
 
 namespace {
 
-class MainWindowTest : public ::testing::Test {
+class MainWindowTest : public MainWindowFixture {
 protected:
-    void SetUp() override {
-        platform::SettingsStore().deleteAll();
-        main = std::make_unique<MDIForm1>();
-        main->setProgramDirectory(testing_support::dataDir());
-        main->startUp(false);
-    }
-    void TearDown() override {
-        main->appState().settings.SaveSettingsOnExit = false;
-        // Whatever is left is closed without questions.
-        for (auto* w : main->projectWindows())
-            main->FormUntouch(w);
-        main.reset();
-    }
     QStringList captions() const {
         QStringList out;
         for (auto* w : main->projectWindows())
             out << w->caption();
         return out;
     }
-    ScriptedDialogs dialogs;
-    std::unique_ptr<MDIForm1> main;
 };
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "MainWindowFixture.h"
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "documents/Controls.h"
@@ -22,20 +23,11 @@ using testing_support::ScriptedDialogs;
 
 namespace {
 
-class ModesTest : public ::testing::Test {
+class ModesTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        platform::SettingsStore().deleteAll();
-        main = std::make_unique<MDIForm1>();
-        main->setProgramDirectory(testing_support::dataDir());
-        main->startUp(false);
+        MainWindowFixture::SetUp();
         main->NewProject();
-    }
-    void TearDown() override {
-        main->appState().settings.SaveSettingsOnExit = false;
-        for (auto* w : main->projectWindows())
-            main->FormUntouch(w);
-        main.reset();
     }
     std::vector<documents::Form1*> basicWindows() {
         std::vector<documents::Form1*> out;
@@ -43,8 +35,6 @@ protected:
             if (auto* f = qobject_cast<documents::Form1*>(w)) out.push_back(f);
         return out;
     }
-    ScriptedDialogs dialogs;
-    std::unique_ptr<MDIForm1> main;
 };
 
 bool greyed(QWidget* w) {

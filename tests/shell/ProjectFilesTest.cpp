@@ -1,3 +1,4 @@
+#include "MainWindowFixture.h"
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "documents/Controls.h"
@@ -32,20 +33,8 @@ using testing_support::ScriptedDialogs;
 
 namespace {
 
-class ProjectFilesTest : public ::testing::Test {
+class ProjectFilesTest : public MainWindowFixture {
 protected:
-    void SetUp() override {
-        platform::SettingsStore().deleteAll();
-        main = std::make_unique<MDIForm1>();
-        main->setProgramDirectory(testing_support::dataDir());
-        main->startUp(false);
-    }
-    void TearDown() override {
-        main->appState().settings.SaveSettingsOnExit = false;
-        for (auto* w : main->projectWindows())
-            main->FormUntouch(w);
-        main.reset();
-    }
     ProjectWindows project(const QString& name) { return main->projectWindowsOf(name); }
 
     // Fills a project with something in every kind of field.
@@ -88,8 +77,6 @@ protected:
         return b;
     }
 
-    ScriptedDialogs dialogs;
-    std::unique_ptr<MDIForm1> main;
     QTemporaryDir dir;
 };
 

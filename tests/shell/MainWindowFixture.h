@@ -1,0 +1,31 @@
+#pragma once
+// A started main window with Projekti1, on the shipped data files, with scripted dialogs and
+// empty settings. Whatever is left open at the end is closed without questions.
+#include "common/ScriptedDialogs.h"
+#include "common/TestSupport.h"
+#include "documents/ProjectWindow.h"
+#include "platform/SettingsStore.h"
+#include "shell/MDIForm1.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+class MainWindowFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        platform::SettingsStore().deleteAll();
+        main = std::make_unique<shell::MDIForm1>();
+        main->setProgramDirectory(testing_support::dataDir());
+        main->startUp(false);
+    }
+    void TearDown() override {
+        main->appState().settings.SaveSettingsOnExit = false;
+        for (auto* w : main->projectWindows())
+            main->FormUntouch(w);
+        if (main->Form6) main->FormUntouch(main->Form6);
+        if (main->Form7) main->FormUntouch(main->Form7);
+        main.reset();
+    }
+    testing_support::ScriptedDialogs dialogs;
+    std::unique_ptr<shell::MDIForm1> main;
+};
