@@ -898,6 +898,7 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     m_state.Loading = true;
     w->prepareNewProject();
     m_state.Loading = wasLoading;
+    disablePictureButtons(w);
     EnableControlsPage(*this, w, true);
     return w;
 }

@@ -1,4 +1,6 @@
 // Start-up resources: toolbar pictures, the print logo and the office lines.
+#include "documents/Form3.h"
+#include "documents/Form4.h"
 #include "platform/TextFile.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
@@ -8,6 +10,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPushButton>
 
 namespace shell {
 
@@ -106,6 +109,14 @@ void readOfficeRows(AppState& state) {
     if (!platform::readTextLines(state.AppPath + QStringLiteral("Tamrik2000_office.txt"), lines)) return;
     for (int i = 0; i < 4 && i < lines.size(); ++i)
         state.OfficeRows[i] = lines[i];
+}
+
+void disablePictureButtons(documents::ProjectWindow* window) {
+    // The picture buttons of the cards open the image viewer, which is not part of this build.
+    if (auto* card = qobject_cast<documents::Form3*>(window))
+        for (QPushButton* b : card->Command2) b->setEnabled(false);
+    if (auto* charge = qobject_cast<documents::Form4*>(window))
+        for (QPushButton* b : charge->Command1) b->setEnabled(false);
 }
 
 void applyAvailability(MDIForm1& main) {

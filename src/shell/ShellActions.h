@@ -9,6 +9,10 @@ class ListModel;
 class ListView;
 } // namespace lists
 
+namespace documents {
+class ProjectWindow;
+}
+
 namespace shell {
 
 class MDIForm1;
@@ -50,6 +54,7 @@ void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
 // Items whose windows are not part of this build stay disabled.
 void applyAvailability(MDIForm1& main);
+void disablePictureButtons(documents::ProjectWindow* window);
 
 } // namespace shell
 
