@@ -61,3 +61,25 @@ TEST(CommandLine, ConvertsTheShippedUnitPriceListAndBack) {
     // Nothing is written over the input.
     EXPECT_EQ(run({QStringLiteral("convert"), back, back}).status, 1);
 }
+
+TEST(CommandLine, CostsAndSummaryOfTheSampleProject) {
+    const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
+    const Result costs = run({QStringLiteral("costs"), sample});
+    ASSERT_EQ(costs.status, 0) << costs.err.toStdString();
+    const QStringList lines = costs.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 15);
+    const char* names[] = {"bridgeSum",        "bridgeGeneral",   "superstructureSum", "bridgeTotal",
+                           "bridgeConverted",  "bridgeRounded",   "roadSum",           "roadGeneral",
+                           "roadTotal",        "roadConverted",   "roadRounded",       "bridgeSummaryRow",
+                           "bridgeSummaryLines", "roadSummaryRow", "roadSummaryLines"};
+    QStringList got;
+    for (const QString& l : lines) got << l.section(QStringLiteral(" = "), 0, 0);
+    for (const char* n : names) EXPECT_TRUE(got.contains(QString::fromLatin1(n))) << n;
+    EXPECT_TRUE(lines.contains(QStringLiteral("roadSummaryLines = 29")));
+    const Result summary = run({QStringLiteral("summary"), sample});
+    ASSERT_EQ(summary.status, 0);
+    EXPECT_TRUE(summary.out.startsWith(QStringLiteral("TAMRIK 2006 - ")));
+    EXPECT_TRUE(summary.out.contains(QStringLiteral("\nLAATUVAATIMUSTEN YHTEENVETO\n")));
+    EXPECT_TRUE(summary.out.contains(QStringLiteral("SILLAN LAATULUKU : ")));
+    EXPECT_FALSE(summary.out.contains(QLatin1Char('\r')));
+}

@@ -8,9 +8,12 @@
 #include "documents/Form4.h"
 #include "platform/SettingsStore.h"
 #include "shell/Captions.h"
+#include "shell/Form8.h"
 #include "shell/MDIForm1.h"
+#include "shell/Settings.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QCoreApplication>
 #include <QProgressBar>
 #include <QMdiArea>
@@ -93,7 +96,7 @@ TEST_F(MainWindowTest, TouchMarksOnlyTheProjectOfTheWindowThatChanged) {
     // A change in a card of Projekti1 marks all four of its windows and none of Projekti2's.
     const ProjectWindows p1 = main->projectWindowsOf(QStringLiteral("Projekti1"));
     ASSERT_TRUE(p1.complete());
-    main->contentChanged(p1.f3);
+    p1.f3->Text1[0]->setText(QStringLiteral("5,2"));
     for (auto* w : p1.all())
         EXPECT_FALSE(CaptionIsUnchanged(w->caption())) << w->caption().toStdString();
     for (auto* w : main->projectWindowsOf(QStringLiteral("Projekti2")).all())
@@ -236,4 +239,37 @@ TEST_F(MainWindowTest, ContractorModeDoesNotShowTheChargeChamberCard) {
     EXPECT_FALSE(sub->isVisible());
     main->ToolbarMenuActions(QStringLiteral("Dynamite"));
     EXPECT_NE(main->activeWindow(), p2.f4);
+}
+
+TEST_F(MainWindowTest, SettingsDialogEditsMemoryAndRestoringDefaultsSurvivesTheExit) {
+    Form8 dialog(*main);
+    EXPECT_EQ(dialog.Text1[0]->text(), QStringLiteral("€"));
+    dialog.Text1[2]->setText(QStringLiteral("24"));
+    dialog.Text2[2]->setText(QStringLiteral("2"));
+    dialog.Text2[3]->setText(QStringLiteral("kolme")); // not a number: keeps its value
+    dialog.Check2[0]->setChecked(false);
+    dialog.Text3->setText(QStringLiteral("Rivi 1\r\nRivi 2\r\nRivi 3\r\nRivi 4\r\nRivi 5"));
+    dialog.saveAndClose();
+    const Settings& s = main->appState().settings;
+    EXPECT_EQ(s.VAT, QStringLiteral("24"));
+    EXPECT_EQ(s.BlankLines[2], 2);
+    EXPECT_EQ(s.BlankLines[3], 1);
+    EXPECT_FALSE(s.AutoFormat);
+    EXPECT_EQ(main->appState().OfficeRows[3], QStringLiteral("Rivi 4"));
+    // Nothing reaches the store before the end of the run.
+    EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("-")),
+              QStringLiteral("-"));
+
+    platform::SettingsStore().save(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("19"));
+    Form8 second(*main);
+    second.restoreDefaults();
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Ohjelman alkuperäiset asetukset palautuvat\r\nkun ohjelma käynnistetään uudestaan."));
+    EXPECT_FALSE(second.Check1[2]->isChecked());
+    EXPECT_TRUE(main->shutDown());
+    AppState next;
+    ReadSettingsValues(platform::SettingsStore(), next);
+    EXPECT_EQ(next.settings.VAT, QStringLiteral("22"));
+    EXPECT_TRUE(next.settings.AutoFormat);
+    EXPECT_EQ(next.settings.BlankLines, (std::array<int, 6>{1, 1, 0, 1, 1, 0}));
 }

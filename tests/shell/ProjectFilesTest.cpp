@@ -111,6 +111,8 @@ TEST_F(ProjectFilesTest, SaveOpenSaveIsByteIdenticalAndRestoresEveryField) {
     EXPECT_EQ(back.f4->Text1[0]->text(), QStringLiteral("U-1234"));
     EXPECT_TRUE(back.f4->Check1[1]->isChecked());
     EXPECT_EQ(back.f1->Image1[2]->picture().type(), 2);
+    // The metafile was extracted with its own extension on the way.
+    EXPECT_TRUE(QFile::exists(main->appState().TempPath + QStringLiteral("~Tamrik30_4_tmp.wmf")));
     EXPECT_TRUE(back.f1->Image1[0]->picture().isNull());
     EXPECT_EQ(back.f2->RichTextBox1[0]->toPlainText(), QStringLiteral("Rakennussuunnitelman selostus"));
     QTextCursor c(back.f2->RichTextBox1[0]->document());
