@@ -38,6 +38,8 @@ void copyMunicipality(MDIForm1& main, const ProjectWindows& w) {
     const bool wasLoading = main.appState().Loading;
     main.appState().Loading = true;
     w.f4->Text1[1]->setText(w.f1->Combo1[9]->text());
+    // The card's grey "Rakenne" is the bridge type of the basic data.
+    if (w.f4->Text1.size() > 4) w.f4->Text1[4]->setText(w.f1->Combo1[0]->text());
     main.appState().Loading = wasLoading;
 }
 

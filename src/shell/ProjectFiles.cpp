@@ -262,6 +262,8 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     w.f2->applyRecord(c.windows[1]);
     main.DisplayProgress(80);
     w.f3->applyRecord(c.windows[2]);
+    // The card's money labels show the project's own unit from the start.
+    w.f3->setMoneyUnit(w.f1->Combo1[4]->text());
     main.DisplayProgress(90);
     w.f4->applyRecord(c.windows[3]);
     for (int i = 0; i < static_cast<int>(w.f4->Check1.size()); ++i) {

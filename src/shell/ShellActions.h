@@ -42,6 +42,7 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index);
 // Project windows (ProjectActions.cpp).
 void UpdateTextDocuments(MDIForm1& main, int oldIndex);
 void focusTextDocument(MDIForm1& main);
+// Copies the municipality and the bridge type of the basic data into the charge chamber card.
 void copyMunicipality(MDIForm1& main, const ProjectWindows& windows);
 // Compares two file paths as the same file: canonical paths, letter case ignored.
 bool sameFile(const QString& a, const QString& b);
