@@ -1,6 +1,7 @@
 #pragma once
 // Lists for the calculation tests, built in memory: a quantity list with its seven columns and
 // a requirement list with its 24, each followed by "Rivi".
+#include "common/ListHeaders.h"
 #include "lists/ListModel.h"
 
 #include <QStringList>
@@ -29,35 +30,12 @@ inline void fillList(lists::ListModel& list, const QString& kind, const QStringL
 
 // Quantity rows: littera, work phase, structural part, quantity, unit, unit price, remarks.
 inline void fillQuantityList(lists::ListModel& list, const std::vector<QStringList>& rows) {
-    fillList(list, QStringLiteral("Määräluettelo ja kustannusarvio"),
-             {"LITTERA", "TYÖVAIHE", "RAK. OSA", "MÄÄRÄ", "YKSIKKÖ", "YKS.HINTA", "HUOMAUTUKSET"}, rows);
+    fillList(list, QStringLiteral("Määräluettelo ja kustannusarvio"), testing_support::quantityHeaders(),
+             rows);
 }
 
 inline QStringList requirementHeaders() {
-    return {"LITTERA",
-            "NRO",
-            "LAATUVAATIMUS",
-            "TYYPPI",
-            "VIITE",
-            "VAATIMUS",
-            "ALARAJA",
-            "YLÄRAJA",
-            "YKSIKKÖ",
-            "TARKASTUSTAPA",
-            "PAINOARVO",
-            "LAATUSUUNNITELMATEKSTI",
-            "TEKNINEN TYÖSELOSTUS",
-            "VIITETIEDOSTO",
-            "TARKASTUS/MITTAUSRAPORTTITEKSTI",
-            "MITTAUSTEN LKM",
-            "MINIMI",
-            "MAKSIMI",
-            "KESKIARVO",
-            "LAATURAPORTTITEKSTI",
-            "TÄYTTÄÄ VAATIMUKSET",
-            "POIKKEAMARAPORTTI",
-            "KORJAUSSUUNNITELMA",
-            "PAINOARVON KERROIN"};
+    return testing_support::requirementHeaders();
 }
 
 // A caption row of the requirement list: littera in column 1, heading in column 3.

@@ -2,6 +2,7 @@
 // CR LF. These tests read them byte for byte and check what the program relies on when it
 // reads them: the encoding, the line ends, the column counts of the lists and combo data, and
 // the caption scheme of the default unit price list.
+#include "common/ListHeaders.h"
 #include "common/TestSupport.h"
 #include "platform/Cp1252.h"
 
@@ -149,30 +150,7 @@ QString normalisedLittera(const QString& littera) {
 }
 
 const QStringList& requirementHeader() {
-    static const QStringList header = {"LITTERA",
-                                       "NRO",
-                                       "LAATUVAATIMUS",
-                                       "TYYPPI",
-                                       "VIITE",
-                                       "VAATIMUS",
-                                       "ALARAJA",
-                                       "YLÄRAJA",
-                                       "YKSIKKÖ",
-                                       "TARKASTUSTAPA",
-                                       "PAINOARVO",
-                                       "LAATUSUUNNITELMATEKSTI",
-                                       "TEKNINEN TYÖSELOSTUS",
-                                       "VIITETIEDOSTO",
-                                       "TARKASTUS/MITTAUSRAPORTTITEKSTI",
-                                       "MITTAUSTEN LKM",
-                                       "MINIMI",
-                                       "MAKSIMI",
-                                       "KESKIARVO",
-                                       "LAATURAPORTTITEKSTI",
-                                       "TÄYTTÄÄ VAATIMUKSET",
-                                       "POIKKEAMARAPORTTI",
-                                       "KORJAUSSUUNNITELMA",
-                                       "PAINOARVON KERROIN"};
+    static const QStringList header = testing_support::requirementHeaders();
     return header;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 // Lists for the list tests, written as tables of cell texts.
+#include "common/ListHeaders.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 
@@ -38,7 +39,7 @@ inline void fill(lists::ListModel& list, const QString& kind, const QStringList&
 }
 
 inline QStringList quantityHeaders() {
-    return {"LITTERA", "TYÖVAIHE", "RAK. OSA", "MÄÄRÄ", "YKSIKKÖ", "YKS.HINTA", "HUOMAUTUKSET"};
+    return testing_support::quantityHeaders();
 }
 
 inline QStringList qualityHeaders() {
