@@ -5,6 +5,7 @@
 #include "documents/DocumentHost.h"
 #include "lists/BaseListWindow.h"
 #include "lists/ListEditor.h"
+#include "platform/Picture.h"
 #include "shell/AppState.h"
 
 #include <QMainWindow>
@@ -98,6 +99,8 @@ public:
 
     // Shows a base list window: 6 the unit prices, 7 the requirement base list.
     void showBaseList(int slot);
+    // The logo printed on the pages (LoadLogo); empty when there is none.
+    platform::Picture imgLogo;
     // The two base list windows; they live from start-up to shutdown.
     lists::BaseListWindow* Form6 = nullptr;
     lists::BaseListWindow* Form7 = nullptr;

@@ -99,8 +99,14 @@ QIcon applicationIcon() {
 }
 
 void LoadLogo(MDIForm1& main) {
-    // Without a logo file there is nothing to print.
-    if (main.appState().settings.PLogoFile.isEmpty()) main.appState().settings.PrintLogo = false;
+    Settings& s = main.appState().settings;
+    main.imgLogo = platform::Picture();
+    // Without a logo file there is nothing to print; a file that cannot be read leaves no logo.
+    if (s.PLogoFile.isEmpty()) {
+        s.PrintLogo = false;
+        return;
+    }
+    main.imgLogo = platform::Picture::fromFile(s.PLogoFile);
 }
 
 void readOfficeRows(AppState& state) {

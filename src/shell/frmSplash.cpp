@@ -1,6 +1,7 @@
 #include "shell/frmSplash.h"
 
 #include "platform/Dialogs.h"
+#include "platform/PictureBox.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -37,13 +38,13 @@ frmSplash::frmSplash(QWidget* parent)
     outer->addWidget(frame);
     auto* layout = new QVBoxLayout(frame);
     layout->setContentsMargins(24, 18, 24, 18);
-    auto* imgLogo = new QLabel(QStringLiteral("TAMRIK"), frame);
+    // The program's logo beside the executable.
+    auto* imgLogo = new platform::PictureBox(frame);
     imgLogo->setObjectName(QStringLiteral("imgLogo"));
-    QFont big = imgLogo->font();
-    big.setPointSize(28);
-    big.setBold(true);
-    imgLogo->setFont(big);
-    imgLogo->setStyleSheet(QStringLiteral("color: #1f4e79;"));
+    imgLogo->setFrameShape(QFrame::NoFrame);
+    imgLogo->setMinimumSize(360, 90);
+    imgLogo->setPicture(platform::Picture::fromFile(QCoreApplication::applicationDirPath() +
+                                                    QStringLiteral("/Tamrik2006-logo.wmf")));
     auto* lblProductName = new QLabel(platform::applicationTitle(), frame);
     lblProductName->setObjectName(QStringLiteral("lblProductName"));
     QFont title = lblProductName->font();
