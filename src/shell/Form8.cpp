@@ -34,6 +34,7 @@ Form8::Form8(MDIForm1& main)
     : QDialog(&main)
     , m_main(main) {
     setWindowTitle(QStringLiteral("Asetukset"));
+    setMinimumWidth(680);
     auto* layout = new QVBoxLayout(this);
     SSTab1 = new QTabWidget(this);
     layout->addWidget(SSTab1);
