@@ -112,11 +112,6 @@ void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
     }
 }
 
-void ProjectWindow::closeEvent(QCloseEvent* event) {
-    emit closing();
-    QWidget::closeEvent(event);
-}
-
 void ProjectWindow::dragEnterEvent(QDragEnterEvent* event) {
     event->ignore();
 }

@@ -48,16 +48,12 @@ public:
     // row numbers are given anew.
     void applyRecord(const persist::WindowRecord& record);
 
-signals:
-    void closing();
-
 protected:
     // Creates a text box or drop-down of the control array at index `i`, wired to the change
     // tracking. The arrays grow to hold the index.
     TextBox* makeText(int i, bool multiLine = false);
     ComboBox* makeCombo(int i);
     lists::ListView* makeList(int i, const QString& kind);
-    void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
 

@@ -75,9 +75,6 @@ public:
     QLabel* Label1 = nullptr;           // Form6 only
     std::vector<QAction*> SubMenu0, SubMenu1, SubMenu12;
 
-signals:
-    void requestEditorAttach(BaseListWindow* window);
-
 protected:
     void closeEvent(QCloseEvent* event) override;
 
