@@ -393,10 +393,8 @@ void MDIForm1::LoadSettings() {
     bool anyOffice = false;
     for (const QString& row : m_state.OfficeRows)
         anyOffice = anyOffice || !row.isEmpty();
-    for (int i = 5; i >= 0; --i) {
-        // The list is already in order; this rebuilds the File menu items.
-        UpdateRecentFiles(QString());
-    }
+    // The settings reader rebuilt the list in its stored order; this shows it in the File menu.
+    UpdateRecentFiles(QString());
     m_state.HelpFile = appPath + QStringLiteral("Tamrik2006.html");
     if (s.File1 == QLatin1String("Laatuvaatimukset2006.sl2")) s.File1 = appPath + s.File1;
     if (s.File2 == QStringLiteral("Yksikköhinnat2002.sl1")) s.File2 = appPath + s.File2;
