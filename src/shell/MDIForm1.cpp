@@ -10,6 +10,7 @@
 #include "lists/ListView.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
+#include "print/ui/PrintSession.h"
 #include "shell/Captions.h"
 #include "shell/Modes.h"
 #include "shell/Settings.h"
@@ -517,8 +518,10 @@ void MDIForm1::FileMenuActions(int index) {
             UnloadActiveProject();
             break;
         case 7:
+            showPrintDialog(*this);
+            break;
         case 8:
-            // Printing and e-mail are not part of this build; their items stay disabled.
+            // E-mail is not part of this build; its item stays disabled.
             break;
         case 13:
         case 14:

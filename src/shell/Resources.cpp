@@ -2,6 +2,7 @@
 #include "documents/Form3.h"
 #include "documents/Form4.h"
 #include "platform/TextFile.h"
+#include "print/ui/PrintIcons.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
 
@@ -39,13 +40,6 @@ QPixmap drawIcon(const QString& key) {
         p.setBrush(Qt::white);
         p.drawRect(QRectF(14, 4, 10, 7));
         p.drawRect(QRectF(17, 17, 17, 19));
-    } else if (key == QLatin1String("Print")) {
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(12, 4, 16, 12));
-        p.setBrush(QColor(180, 180, 180));
-        p.drawRoundedRect(QRectF(4, 15, 32, 14), 3, 3);
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(12, 24, 16, 12));
     } else if (key == QLatin1String("Bridge")) {
         QPainterPath arch;
         arch.moveTo(6, 30);
@@ -81,6 +75,7 @@ QPixmap drawIcon(const QString& key) {
 } // namespace
 
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
+    if (key == QLatin1String("Print")) return print::ui::printerIcon();
     if (fallback != QStyle::SP_CustomBase) return QApplication::style()->standardIcon(fallback);
     return QIcon(drawIcon(key));
 }
@@ -120,17 +115,17 @@ void readOfficeRows(AppState& state) {
 void disablePictureButtons(documents::ProjectWindow* window) {
     // The picture buttons of the cards open the image viewer, which is not part of this build.
     if (auto* card = qobject_cast<documents::Form3*>(window))
-        for (QPushButton* b : card->Command2) b->setEnabled(false);
+        for (QPushButton* b : card->Command2)
+            b->setEnabled(false);
     if (auto* charge = qobject_cast<documents::Form4*>(window))
-        for (QPushButton* b : charge->Command1) b->setEnabled(false);
+        for (QPushButton* b : charge->Command1)
+            b->setEnabled(false);
 }
 
 void applyAvailability(MDIForm1& main) {
-    // Printing, e-mail, the row editor, the text editor and the heading index are not part
-    // of this build: their items stay disabled so that nothing looks like it does something.
-    main.SubMenu0[7]->setEnabled(false);
+    // E-mail, the row editor, the text editor and the heading index are not part of this
+    // build: their items stay disabled so that nothing looks like it does something.
     main.SubMenu0[8]->setEnabled(false);
-    main.toolbarButtons[QStringLiteral("Print")]->setEnabled(false);
     main.toolbarButtons[QStringLiteral("Find")]->setEnabled(false);
     main.SubMenu2[0]->setEnabled(false);
     main.SubMenu2[11]->setEnabled(false);

@@ -19,6 +19,9 @@ class MDIForm1;
 struct AppState;
 struct ProjectWindows;
 
+// The print selection dialog on the active project (PrintActions.cpp).
+void showPrintDialog(MDIForm1& main);
+
 // Settings dialog (Form8.cpp).
 void showSettingsDialog(MDIForm1& main);
 
