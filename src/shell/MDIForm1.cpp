@@ -208,6 +208,14 @@ void MDIForm1::createMenus() {
                 [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
     connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
     connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
+    // "Teksti&editori" opens the shown document of the detailed data window; the summary needs
+    // only an active project.
+    connect(Submenu3[9], &QAction::triggered, this, [this] {
+        if (qobject_cast<documents::Form2*>(activeWindow())) ShowTextEditor(*this, 1);
+    });
+    connect(Submenu3[10], &QAction::triggered, this, [this] {
+        if (activeWindow()) ShowTextEditor(*this, 100);
+    });
 
     for (const QString& c :
          {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
