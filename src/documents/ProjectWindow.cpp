@@ -3,8 +3,8 @@
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
 #include "lists/ListModel.h"
-#include "lists/ListEditor.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListEditor.h"
+#include "lists/ui/ListView.h"
 #include "persist/WindowRecord.h"
 
 #include <QCloseEvent>

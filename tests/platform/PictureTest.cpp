@@ -1,7 +1,7 @@
 #include "PlatformFixtures.h"
 #include "platform/Metafile.h"
 #include "platform/Picture.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/TextFile.h"
 
 #include <QBuffer>

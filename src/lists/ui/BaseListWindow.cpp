@@ -1,10 +1,10 @@
-#include "lists/BaseListWindow.h"
+#include "lists/ui/BaseListWindow.h"
 
-#include "lists/ListEditor.h"
+#include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "lists/Spreadsheet.h"
 #include "platform/Dialogs.h"
 
