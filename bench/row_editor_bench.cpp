@@ -7,7 +7,7 @@
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 
 #include <QCoreApplication>

@@ -48,7 +48,8 @@ void CutCopyPasteDelSelection(QWidget* control, int operation) {
         if (line->isReadOnly()) return;
         if (operation == 0) line->cut();
         if (operation == 2) line->paste();
-        if (operation == 3) line->del();
+        // Delete removes the selection; with nothing selected it does nothing.
+        if (operation == 3 && line->hasSelectedText()) line->del();
     } else if (auto* plain = qobject_cast<QPlainTextEdit*>(w)) {
         if (operation == 1) plain->copy();
         if (plain->isReadOnly()) return;

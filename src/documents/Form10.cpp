@@ -3,7 +3,7 @@
 #include "documents/DocumentHost.h"
 #include "documents/Form2.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 
 #include <QHBoxLayout>

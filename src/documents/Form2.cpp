@@ -7,7 +7,7 @@
 #include "platform/TextFile.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QCheckBox>
 #include <QDragEnterEvent>

@@ -7,11 +7,11 @@
 #include "documents/Form2.h"
 #include "documents/Form9.h"
 #include "lists/ListEditing.h"
-#include "lists/ListEditor.h"
+#include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 

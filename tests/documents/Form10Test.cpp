@@ -6,7 +6,7 @@
 #include "documents/Form10.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QApplication>
 #include <QPushButton>

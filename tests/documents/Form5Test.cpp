@@ -7,7 +7,7 @@
 #include "documents/Form5.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QAction>
 #include <QLabel>

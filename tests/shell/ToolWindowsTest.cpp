@@ -8,7 +8,7 @@
 #include "documents/Form5.h"
 #include "documents/Form9.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "shell/Captions.h"
 #include "shell/ProjectFiles.h"
 
