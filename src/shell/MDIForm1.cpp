@@ -313,11 +313,13 @@ void MDIForm1::pendingEvents() {
 // Start-up and shutdown
 
 void MDIForm1::startUp(bool showSplash) {
+    // The splash comes first; the main window shows once it stands at its stored place with
+    // Projekti1 in it.
     std::unique_ptr<frmSplash> splash;
     if (showSplash) {
         splash = std::make_unique<frmSplash>();
         splash->show();
-        pendingEvents();
+        splash->setProgress(0);
     }
     LoadSettings();
     if (splash) splash->setProgress(10);
@@ -343,6 +345,7 @@ void MDIForm1::startUp(bool showSplash) {
     m_state.Loading = false;
     splash.reset();
     setWindowTitle(platform::applicationTitle());
+    if (showSplash) show();
 }
 
 void MDIForm1::closeEvent(QCloseEvent* event) {

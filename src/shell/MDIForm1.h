@@ -63,6 +63,7 @@ public:
     ~MDIForm1() override;
 
     // The start-up sequence: splash, settings, base lists, help files, position, Projekti1.
+    // With the splash, the main window is shown at the end (tests start without either).
     void startUp(bool showSplash = true);
     // The program directory to use instead of the executable's (tests run from elsewhere).
     void setProgramDirectory(const QString& directory) { m_programDirectory = directory; }

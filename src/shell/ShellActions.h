@@ -1,6 +1,7 @@
 #pragma once
 // Procedures of the main window that live in their own files, by topic.
 #include <QIcon>
+#include <QWidget>
 #include <QStyle>
 #include <QWidget>
 #include <array>
@@ -33,7 +34,9 @@ void showSettingsDialog(MDIForm1& main);
 // Help menu, About box and the separate help files (HelpMenu.cpp).
 void loadHelpFileMenu(MDIForm1& main);
 void openHelpFile(MDIForm1& main, int index);
-void TamrikHelp(MDIForm1& main, int context);
+// The user's guide at a topic. From a modal dialog, pass the dialog: the help window then
+// belongs to it and stays usable while the dialog is open.
+void TamrikHelp(MDIForm1& main, int context, QWidget* dialog = nullptr);
 void showAbout(MDIForm1& main);
 
 // The base list windows: slot 6 the unit price list, 7 the requirement base list

@@ -100,8 +100,8 @@ void MDIForm1::openFile(const QString& target) {
     peripherals::OpenDocument(target);
 }
 
-void MDIForm1::showHelp(int context, QWidget*) {
-    TamrikHelp(*this, context);
+void MDIForm1::showHelp(int context, QWidget* from) {
+    TamrikHelp(*this, context, from);
 }
 
 void MDIForm1::restoreWindowPosition(int slot, QWidget* window) {
