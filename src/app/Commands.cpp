@@ -40,7 +40,8 @@ int costs(const QString& fileName) {
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
     const calc::CostInputs inputs = calc::CostInputsOf(project.content.windows[0].combos);
-    auto list = persist::ListFromRecord(project.content.windows[1].lists[0], lists::kind::QuantityList);
+    auto list =
+        persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
     print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
     return 0;
 }
@@ -49,7 +50,8 @@ int summary(const QString& fileName) {
     persist::ProjectFile project;
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
-    auto list = persist::ListFromRecord(project.content.windows[1].lists[1], lists::kind::Requirements);
+    auto list =
+        persist::ListFromRecord(persist::RecordList(project.content, 1, 1), lists::kind::Requirements);
     const calc::QualityRecord record = calc::CalculateQualityIndex(*list);
     QString text =
         calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());

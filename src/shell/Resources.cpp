@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPushButton>
+#include <map>
 
 namespace shell {
 
@@ -59,6 +60,14 @@ QPixmap drawIcon(const QString& key) {
         p.drawRect(QRectF(5, 6, 30, 28));
         for (int y = 13; y < 32; y += 6)
             p.drawLine(QPointF(10, y), QPointF(30, y));
+    } else if (key == QLatin1String("Check and browse next")) {
+        p.setPen(QPen(QColor(20, 130, 40), 5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        p.drawPolyline(QPolygonF({QPointF(7, 21), QPointF(16, 30), QPointF(33, 9)}));
+    } else if (key == QLatin1String("New to end")) {
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(9, 4, 22, 20));
+        p.setBrush(QColor(60, 110, 200));
+        p.drawRect(QRectF(9, 29, 22, 7));
     } else if (key == QLatin1String("Dynamite")) {
         p.setBrush(QColor(200, 40, 40));
         p.drawRoundedRect(QRectF(6, 18, 28, 12), 3, 3);
@@ -78,6 +87,23 @@ QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
     if (key == QLatin1String("Print")) return print::ui::printerIcon();
     if (fallback != QStyle::SP_CustomBase) return QApplication::style()->standardIcon(fallback);
     return QIcon(drawIcon(key));
+}
+
+QIcon shellToolIcon(const QString& key) {
+    static const std::map<QString, QStyle::StandardPixmap> standard = {
+        {QStringLiteral("New"), QStyle::SP_FileIcon},
+        {QStringLiteral("Del"), QStyle::SP_TrashIcon},
+        {QStringLiteral("Find"), QStyle::SP_FileDialogContentsView},
+        {QStringLiteral("Update"), QStyle::SP_DialogSaveButton},
+        {QStringLiteral("Update and browse next"), QStyle::SP_MediaSkipForward},
+        {QStringLiteral("PgUp"), QStyle::SP_ArrowUp},
+        {QStringLiteral("PgDn"), QStyle::SP_ArrowDown},
+    };
+    const auto it = standard.find(key);
+    if (it != standard.end()) return toolbarIcon(key, it->second);
+    // A clone is a copy of the row.
+    return toolbarIcon(key == QLatin1String("Dublicate") ? QStringLiteral("Copy") : key,
+                       QStyle::SP_CustomBase);
 }
 
 QIcon applicationIcon() {
@@ -123,14 +149,9 @@ void disablePictureButtons(documents::ProjectWindow* window) {
 }
 
 void applyAvailability(MDIForm1& main) {
-    // E-mail, the row editor, the text editor and the heading index are not part of this
-    // build: their items stay disabled so that nothing looks like it does something.
+    // E-mail is not part of this build: its item stays disabled so that nothing looks like it
+    // does something.
     main.SubMenu0[8]->setEnabled(false);
-    main.toolbarButtons[QStringLiteral("Find")]->setEnabled(false);
-    main.SubMenu2[0]->setEnabled(false);
-    main.SubMenu2[11]->setEnabled(false);
-    main.Submenu3[9]->setEnabled(false);
-    main.Submenu3[10]->setEnabled(false);
 }
 
 } // namespace shell
