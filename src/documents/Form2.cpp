@@ -6,7 +6,7 @@
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QCheckBox>
 #include <QDragEnterEvent>

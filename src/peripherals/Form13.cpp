@@ -1,7 +1,7 @@
 #include "peripherals/Form13.h"
 
 #include "platform/Dialogs.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/PictureClipboard.h"
 
 #include <QAction>

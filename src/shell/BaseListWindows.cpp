@@ -1,7 +1,7 @@
 // The two base list windows as the main window sees them.
 #include "documents/Form2.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/CommonDialog.h"
 #include "shell/MDIForm1.h"
 #include "shell/Settings.h"

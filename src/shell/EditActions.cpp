@@ -2,12 +2,12 @@
 // editors of every window.
 #include "documents/Controls.h"
 #include "documents/Form2.h"
-#include "lists/BaseListWindow.h"
+#include "lists/ui/BaseListWindow.h"
 #include "lists/ListEditing.h"
-#include "lists/ListEditor.h"
+#include "lists/ui/ListEditor.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "shell/MDIForm1.h"
 #include "shell/Modes.h"
 #include "shell/ShellActions.h"
@@ -35,7 +35,8 @@ void CutCopyPasteDelSelection(QWidget* focus, int operation) {
         if (locked) return;
         if (operation == 0) line->cut();
         if (operation == 2) line->paste();
-        if (operation == 3) line->del();
+        // Delete removes the selection; with nothing selected it does nothing.
+        if (operation == 3 && line->hasSelectedText()) line->del();
     } else if (auto* plain = qobject_cast<QPlainTextEdit*>(focus)) {
         if (operation == 1) plain->copy();
         if (plain->isReadOnly()) return;
@@ -82,6 +83,17 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
     lists::ListModel* list = view->list();
     lists::ListEditor* editor = lists::ListEditor::of(view);
     if (!list || !editor) return;
+    // While a cell is being edited, the text items act on the edit box, not on whole rows.
+    if (editor->isEditing()) {
+        if (index >= 6 && index <= 9) {
+            CutCopyPasteDelSelection(editor->editBox(), index - 6);
+            return;
+        }
+        if (index == 13) {
+            selectAllText(editor->editBox());
+            return;
+        }
+    }
     {
         switch (index) {
             case 1: {
@@ -217,16 +229,21 @@ void MDIForm1::showContextMenu(int context, const QPoint& globalPos) {
 void MDIForm1::ShowMenu2(int context, const QPoint& globalPos) {
     // Row operations and formatting belong to lists; text operations to both.
     const bool list = context == 0;
+    // The menu bar's items come back as they were when the pop-up closes, each one it changed.
+    std::vector<bool> before;
+    for (QAction* a : SubMenu2)
+        before.push_back(a->isEnabled());
     for (int i : {2, 3, 4, 15})
         SubMenu2[i]->setEnabled(list);
     for (int i : {6, 7, 8, 9, 13})
         SubMenu2[i]->setEnabled(true);
     applyAvailability(*this);
     MainMenu[2]->popup(globalPos);
-    // The items come back for the menu bar when the pop-up closes.
     connect(
         MainMenu[2], &QMenu::aboutToHide, this,
-        [this] {
+        [this, before] {
+            for (std::size_t i = 0; i < before.size() && i < SubMenu2.size(); ++i)
+                SubMenu2[i]->setEnabled(before[i]);
             if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
         },
         Qt::SingleShotConnection);

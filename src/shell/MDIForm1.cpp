@@ -7,7 +7,7 @@
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
 #include "shell/Captions.h"
@@ -18,6 +18,7 @@
 #include "shell/frmSplash.h"
 #include "platform/CommonDialog.h"
 #include "platform/TempDir.h"
+#include "platform/ui/QtDialogs.h"
 
 #include <QAction>
 #include <QApplication>
@@ -53,6 +54,7 @@ std::vector<documents::ProjectWindow*> ProjectWindows::all() const {
 MDIForm1::MDIForm1(QWidget* parent)
     : QMainWindow(parent)
     , m_store(std::make_unique<platform::SettingsStore>()) {
+    platform::useQtDialogs();
     setWindowTitle(platform::applicationTitle());
     resize(1100, 760);
     auto* central = new QWidget(this);

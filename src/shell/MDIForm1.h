@@ -3,8 +3,8 @@
 // strip, the dispatchers of every menu and toolbar action, the project windows and their
 // captions, and the start-up and shutdown sequences.
 #include "documents/DocumentHost.h"
-#include "lists/BaseListWindow.h"
-#include "lists/ListEditor.h"
+#include "lists/ui/BaseListWindow.h"
+#include "lists/ui/ListEditor.h"
 #include "platform/Picture.h"
 #include "shell/AppState.h"
 

@@ -8,7 +8,7 @@
 #include "peripherals/Form13.h"
 #include "persist/ProjectFile.h"
 #include "platform/Dialogs.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
 #include "shell/ProjectFiles.h"

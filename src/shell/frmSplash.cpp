@@ -1,7 +1,7 @@
 #include "shell/frmSplash.h"
 
 #include "platform/Dialogs.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 
 #include <QApplication>
 #include <QFrame>

@@ -1,7 +1,7 @@
 #include "common/QtPrinters.h"
 #include "common/ScriptedDialogs.h"
 #include "peripherals/Form13.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/PictureClipboard.h"
 #include "platform/PlatformFixtures.h"
 
