@@ -124,7 +124,7 @@ Form8::Form8(MDIForm1& main)
 
     connect(Command1[0], &QPushButton::clicked, this, &Form8::saveAndClose);
     connect(Command1[1], &QPushButton::clicked, this, &QDialog::reject);
-    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100); });
+    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100, this); });
     connect(Command1[3], &QPushButton::clicked, this, &Form8::changeFont);
     connect(Command1[4], &QPushButton::clicked, this, &Form8::chooseLogo);
     connect(Command1[5], &QPushButton::clicked, this, &Form8::restoreDefaults);

@@ -210,6 +210,14 @@ void MDIForm1::createMenus() {
                 [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
     connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
     connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
+    // "Teksti&editori" opens the shown document of the detailed data window; the summary needs
+    // only an active project.
+    connect(Submenu3[9], &QAction::triggered, this, [this] {
+        if (qobject_cast<documents::Form2*>(activeWindow())) ShowTextEditor(*this, 1);
+    });
+    connect(Submenu3[10], &QAction::triggered, this, [this] {
+        if (activeWindow()) ShowTextEditor(*this, 100);
+    });
 
     for (const QString& c :
          {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
@@ -305,11 +313,13 @@ void MDIForm1::pendingEvents() {
 // Start-up and shutdown
 
 void MDIForm1::startUp(bool showSplash) {
+    // The splash comes first; the main window shows once it stands at its stored place with
+    // Projekti1 in it.
     std::unique_ptr<frmSplash> splash;
     if (showSplash) {
         splash = std::make_unique<frmSplash>();
         splash->show();
-        pendingEvents();
+        splash->setProgress(0);
     }
     LoadSettings();
     if (splash) splash->setProgress(10);
@@ -335,6 +345,7 @@ void MDIForm1::startUp(bool showSplash) {
     m_state.Loading = false;
     splash.reset();
     setWindowTitle(platform::applicationTitle());
+    if (showSplash) show();
 }
 
 void MDIForm1::closeEvent(QCloseEvent* event) {

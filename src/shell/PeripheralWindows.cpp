@@ -35,7 +35,7 @@ public:
         const lists::ListModel* requirements = w.f2 ? w.f2->list(1) : nullptr;
         return requirements ? persist::PopulateFiles(*requirements) : QStringList();
     }
-    void ShowHelp(int context, QWidget*) override { TamrikHelp(m_main, context); }
+    void ShowHelp(int context, QWidget* dialog) override { TamrikHelp(m_main, context, dialog); }
 
 private:
     MDIForm1& m_main;

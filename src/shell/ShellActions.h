@@ -1,7 +1,9 @@
 #pragma once
 // Procedures of the main window that live in their own files, by topic.
 #include <QIcon>
+#include <QWidget>
 #include <QStyle>
+#include <QWidget>
 #include <array>
 
 namespace lists {
@@ -20,6 +22,13 @@ class Picture;
 namespace shell {
 
 class MDIForm1;
+
+// The nearest widget of type T that holds `w` (or `w` itself); null when none does.
+template <typename T> T* ancestor(QWidget* w) {
+    for (; w; w = w->parentWidget())
+        if (auto* t = qobject_cast<T*>(w)) return t;
+    return nullptr;
+}
 struct AppState;
 struct ProjectWindows;
 
@@ -29,7 +38,9 @@ void showSettingsDialog(MDIForm1& main);
 // Help menu, About box and the separate help files (HelpMenu.cpp).
 void loadHelpFileMenu(MDIForm1& main);
 void openHelpFile(MDIForm1& main, int index);
-void TamrikHelp(MDIForm1& main, int context);
+// The user's guide at a topic. From a modal dialog, pass the dialog: the help window then
+// belongs to it and stays usable while the dialog is open.
+void TamrikHelp(MDIForm1& main, int context, QWidget* dialog = nullptr);
 void showAbout(MDIForm1& main);
 
 // The base list windows: slot 6 the unit price list, 7 the requirement base list
@@ -53,6 +64,8 @@ bool sameFile(const QString& a, const QString& b);
 
 // Start-up resources (Resources.cpp).
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
+// The pictures of the tool windows' buttons, by key.
+QIcon shellToolIcon(const QString& key);
 // The program's own icon: an arch bridge.
 QIcon applicationIcon();
 void LoadLogo(MDIForm1& main);
@@ -83,7 +96,19 @@ namespace lists {
 class BaseListWindow;
 }
 
+class QTextEdit;
+
 namespace shell {
+// The tool windows (ToolWindows.cpp). The row editor for a list; the text editor in an
+// EditorMode; the heading index that the active control calls for (kind as ShowIndexMode);
+// the heading index of a base list window.
+void ShowListViewEditor(MDIForm1& main, lists::ListView* view);
+void ShowTextEditor(MDIForm1& main, int mode);
+void ShowIndex(MDIForm1& main, int kind);
+void ShowBaseListIndex(MDIForm1& main, lists::BaseListWindow* window);
+// The detailed data window's shown document when it has the focus in the active window.
+QTextEdit* activeRichTextBox(MDIForm1& main);
+
 // "Lisää" of a base list window: its selected rows into the active detailed data window
 // (EditActions.cpp).
 void exportFromBaseList(MDIForm1& main, lists::BaseListWindow* window, int mode);

@@ -1,5 +1,6 @@
-// The edit menus acting on the control that has the focus: an open cell edit of a base list,
-// a one-line field, and the right-button menu's changes to the menu bar.
+// The edit menus acting on the control that has the focus (an open cell edit of a base list,
+// a one-line field, the right-button menu's changes to the menu bar), and help asked for from
+// a modal dialog.
 #include "MainWindowFixture.h"
 #include "documents/Controls.h"
 #include "documents/Form1.h"
@@ -8,6 +9,8 @@
 #include "lists/ui/BaseListWindow.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ui/ListView.h"
+#include "peripherals/TamrikHelp.h"
+#include "shell/Form8.h"
 #include "shell/MDIForm1.h"
 
 #include <QAction>
@@ -15,25 +18,15 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QTextEdit>
 #include <gtest/gtest.h>
 
 using namespace shell;
 
-namespace {
-
-class EditMenuTest : public MainWindowFixture {
-protected:
-    void SetUp() override {
-        MainWindowFixture::SetUp();
-        main->show();
-        main->QWidget::activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(main.get()));
-    }
-};
-
-} // namespace
+using EditMenuTest = ShownMainWindowFixture;
 
 // With a cell of a base list being edited, the Edit menu chosen with the mouse acted on whole
 // rows: paste inserted the clipboard as new rows, delete emptied the selected rows.
@@ -119,4 +112,30 @@ TEST_F(EditMenuTest, TheRightButtonMenuGivesBackEveryItemItChanged) {
         for (std::size_t i = 0; i < before.size(); ++i)
             EXPECT_EQ(main->SubMenu2[i]->isEnabled(), before[i]) << "item " << i << ", context " << context;
     }
+}
+
+// "Ohjeet" of the settings dialog opened the help window as a child of the main window, which
+// the modal dialog blocks: it could not be scrolled or closed until the dialog closed.
+TEST_F(EditMenuTest, HelpFromAModalDialogCanBeUsedWhileTheDialogIsOpen) {
+    Form8 dialog(*main);
+    bool checked = false;
+    QTimer::singleShot(0, &dialog, [&] {
+        dialog.Command1[2]->click();
+        peripherals::HelpViewer* viewer = nullptr;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* v = qobject_cast<peripherals::HelpViewer*>(w); v && v->isVisible()) viewer = v;
+        EXPECT_TRUE(viewer && viewer->isVisible());
+        if (viewer) {
+            ASSERT_TRUE(QTest::qWaitForWindowExposed(viewer));
+            EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic2100")));
+            // A key through the window system reaches only a window that the dialog does not block.
+            QTest::keyClick(viewer->windowHandle(), Qt::Key_Escape);
+            QApplication::processEvents();
+            EXPECT_FALSE(viewer->isVisible());
+        }
+        checked = true;
+        dialog.reject();
+    });
+    dialog.exec();
+    EXPECT_TRUE(checked);
 }
