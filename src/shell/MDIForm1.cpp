@@ -534,7 +534,7 @@ void MDIForm1::FileMenuActions(int index) {
             showPrintDialog(*this);
             break;
         case 8:
-            // E-mail is not part of this build; its item stays disabled.
+            showMailDialog(*this);
             break;
         case 13:
         case 14:
@@ -912,7 +912,7 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     m_state.Loading = true;
     w->prepareNewProject();
     m_state.Loading = wasLoading;
-    disablePictureButtons(w);
+    connectPictureButtons(*this, w);
     EnableControlsPage(*this, w, true);
     return w;
 }
@@ -988,7 +988,6 @@ void MDIForm1::EnableControlsMDI() {
         SubMenu0[i]->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
-    applyAvailability(*this);
 }
 
 } // namespace shell

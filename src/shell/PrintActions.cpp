@@ -2,10 +2,11 @@
 // the print windows ask of the main window.
 #include "documents/CardText.h"
 #include "documents/Form1.h"
+#include "documents/Form10.h"
 #include "documents/Form2.h"
 #include "documents/Form3.h"
 #include "documents/Form4.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/Rtf.h"
 #include "print/ui/Form11.h"
 #include "print/ui/PrintHost.h"
@@ -71,16 +72,19 @@ public:
 
     float previewScale() const override { return m_main.appState().settings.PreviewScale; }
     void setPreviewScale(float scale) override { m_main.appState().settings.PreviewScale = scale; }
-    void showHelp(int context, QWidget*) override { TamrikHelp(m_main, context); }
+    void showHelp(int context, QWidget* from) override { TamrikHelp(m_main, context, from); }
     void restorePosition(int slot, QWidget* window) override {
         GetWinPos(m_main.appState().settings.pos, slot, window);
     }
     void savePosition(int slot, QWidget* window) override {
         UpdateWinPosTable(m_main.appState().settings.pos, slot, window);
     }
-    // The heading index's choosing mode is not part of this build.
-    bool canChooseWorkPhase() const override { return false; }
-    QString chooseWorkPhase(QWidget*) override { return QStringLiteral("-1"); }
+    bool canChooseWorkPhase() const override { return true; }
+    QString chooseWorkPhase(QWidget* parent) override {
+        const ProjectWindows w = m_main.ParseFormIndeces();
+        if (!w.f2) return QStringLiteral("-1");
+        return documents::ChooseRequirementHeading(*w.f2, parent, &m_main).value_or(QStringLiteral("-1"));
+    }
 
 private:
     MDIForm1& m_main;

@@ -1,6 +1,4 @@
 // Start-up resources: toolbar pictures, the print logo and the office lines.
-#include "documents/Form3.h"
-#include "documents/Form4.h"
 #include "platform/TextFile.h"
 #include "print/ui/PrintIcons.h"
 #include "shell/MDIForm1.h"
@@ -11,7 +9,6 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPushButton>
 #include <map>
 
 namespace shell {
@@ -136,22 +133,6 @@ void readOfficeRows(AppState& state) {
     if (!platform::readTextLines(state.AppPath + QStringLiteral("Tamrik2000_office.txt"), lines)) return;
     for (int i = 0; i < 4 && i < lines.size(); ++i)
         state.OfficeRows[i] = lines[i];
-}
-
-void disablePictureButtons(documents::ProjectWindow* window) {
-    // The picture buttons of the cards open the image viewer, which is not part of this build.
-    if (auto* card = qobject_cast<documents::Form3*>(window))
-        for (QPushButton* b : card->Command2)
-            b->setEnabled(false);
-    if (auto* charge = qobject_cast<documents::Form4*>(window))
-        for (QPushButton* b : charge->Command1)
-            b->setEnabled(false);
-}
-
-void applyAvailability(MDIForm1& main) {
-    // E-mail is not part of this build: its item stays disabled so that nothing looks like it
-    // does something.
-    main.SubMenu0[8]->setEnabled(false);
 }
 
 } // namespace shell
