@@ -450,6 +450,15 @@ void Form5::buildCard() {
         });
     }
     m_scroll->setWidget(card);
+    // The requirement card fills a large window; a shorter card a window of its own size.
+    if (quality) {
+        resize(1180, 760);
+    } else {
+        const QSize body = card->minimumSizeHint() + QSize(40, 120);
+        resize(std::max(760, body.width()), body.height() + Toolbar1->sizeHint().height() +
+                                                StatusBar1->sizeHint().height() +
+                                                layout()->menuBar()->sizeHint().height() + 24);
+    }
 }
 
 void Form5::fillComboLists() {
@@ -610,6 +619,8 @@ void Form5::BrowseRow(int distance) {
     model->selectOnly(target);
     model->ensureVisible(target);
     ImportToEditor();
+    // The drop-down the user works in shows its new value selected, ready to be typed over.
+    if (auto* combo = qobject_cast<ComboBox*>(focusedField())) combo->lineEdit()->selectAll();
 }
 
 bool Form5::CheckAndBrowseNext() {
