@@ -530,8 +530,10 @@ void MDIForm1::FileMenuActions(int index) {
             UnloadActiveProject();
             break;
         case 7:
+            // Printing is not part of this build; its items stay disabled.
+            break;
         case 8:
-            // Printing and e-mail are not part of this build; their items stay disabled.
+            showMailDialog(*this);
             break;
         case 13:
         case 14:
@@ -909,7 +911,7 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     m_state.Loading = true;
     w->prepareNewProject();
     m_state.Loading = wasLoading;
-    disablePictureButtons(w);
+    connectPictureButtons(*this, w);
     EnableControlsPage(*this, w, true);
     return w;
 }

@@ -1,6 +1,4 @@
 // Start-up resources: toolbar pictures, the print logo and the office lines.
-#include "documents/Form3.h"
-#include "documents/Form4.h"
 #include "platform/TextFile.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
@@ -10,7 +8,6 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPushButton>
 #include <map>
 
 namespace shell {
@@ -143,21 +140,10 @@ void readOfficeRows(AppState& state) {
         state.OfficeRows[i] = lines[i];
 }
 
-void disablePictureButtons(documents::ProjectWindow* window) {
-    // The picture buttons of the cards open the image viewer, which is not part of this build.
-    if (auto* card = qobject_cast<documents::Form3*>(window))
-        for (QPushButton* b : card->Command2)
-            b->setEnabled(false);
-    if (auto* charge = qobject_cast<documents::Form4*>(window))
-        for (QPushButton* b : charge->Command1)
-            b->setEnabled(false);
-}
-
 void applyAvailability(MDIForm1& main) {
-    // Printing and e-mail are not part of this build: their items stay disabled so that
-    // nothing looks like it does something.
+    // Printing is not part of this build: its items stay disabled so that nothing looks like
+    // it does something.
     main.SubMenu0[7]->setEnabled(false);
-    main.SubMenu0[8]->setEnabled(false);
     main.toolbarButtons[QStringLiteral("Print")]->setEnabled(false);
 }
 

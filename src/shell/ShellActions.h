@@ -15,6 +15,10 @@ namespace documents {
 class ProjectWindow;
 }
 
+namespace platform {
+class Picture;
+}
+
 namespace shell {
 
 class MDIForm1;
@@ -68,7 +72,18 @@ void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
 // Items whose windows are not part of this build stay disabled.
 void applyAvailability(MDIForm1& main);
-void disablePictureButtons(documents::ProjectWindow* window);
+
+// The e-mail dialog and the image viewer (PeripheralWindows.cpp).
+void showMailDialog(MDIForm1& main);
+// Opens the image viewer modally on a picture: slot 1 the print logo, 2..7 the pictures of
+// `project` (its folder and name). The viewer takes its place from slot 13 of the window table.
+void showImageViewer(MDIForm1& main, int slot, const QString& project, QWidget* parent);
+// Gives a changed picture back to its owner: the logo (with its file, when it came from one)
+// or the basic data window's picture slot - 2 of the project.
+void GiveBackPicture(MDIForm1& main, int slot, const QString& project, const platform::Picture& picture,
+                     const QString& file);
+// The cards' picture buttons open the viewer on their project's pictures.
+void connectPictureButtons(MDIForm1& main, documents::ProjectWindow* window);
 
 } // namespace shell
 
