@@ -295,6 +295,12 @@ bool Form5::ShowListViewEditor(lists::ListView* view) {
     const std::array<QString, 4> rows = RowMenuTexts(kind);
     for (int i = 0; i < 4; ++i)
         SubMenu1[i]->setText(rows[i]);
+    // The clone and append buttons say what they add, as their menu entries do.
+    for (const auto& [key, text] : {std::pair{QStringLiteral("Dublicate"), rows[1]},
+                                    std::pair{QStringLiteral("New to end"), rows[2]}}) {
+        toolbarButtons[key]->setText(text);
+        toolbarButtons[key]->setToolTip(text);
+    }
     const bool quality = lists::isQualityKind(kind);
     for (int i : {3, 4})
         SubMenu0[i]->setEnabled(quality);

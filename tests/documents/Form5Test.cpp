@@ -287,6 +287,8 @@ TEST_F(Form5Test, OtherListsGetTheirOwnCard) {
     ASSERT_EQ(editor.Combo1.size(), 5u);
     EXPECT_EQ(editor.Text1[1]->text(), "leveys 6 m");
     EXPECT_EQ(editor.SubMenu1[0]->text(), "Lisää uusi työvaihe");
+    EXPECT_EQ(editor.toolbarButtons["Dublicate"]->toolTip(), "Kloonaa työvaihe");
+    EXPECT_EQ(editor.toolbarButtons["New to end"]->toolTip(), "Lisää uusi työvaihe luettelon loppuun");
     EXPECT_FALSE(editor.SubMenu0[3]->isEnabled());
     EXPECT_FALSE(editor.SubMenu20[0]->isEnabled());
     EXPECT_TRUE(editor.SubMenu2[0]->isEnabled());
