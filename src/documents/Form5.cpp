@@ -295,6 +295,12 @@ bool Form5::ShowListViewEditor(lists::ListView* view) {
     const std::array<QString, 4> rows = RowMenuTexts(kind);
     for (int i = 0; i < 4; ++i)
         SubMenu1[i]->setText(rows[i]);
+    // The clone and append buttons say what they add, as their menu entries do.
+    for (const auto& [key, text] : {std::pair{QStringLiteral("Dublicate"), rows[1]},
+                                    std::pair{QStringLiteral("New to end"), rows[2]}}) {
+        toolbarButtons[key]->setText(text);
+        toolbarButtons[key]->setToolTip(text);
+    }
     const bool quality = lists::isQualityKind(kind);
     for (int i : {3, 4})
         SubMenu0[i]->setEnabled(quality);
@@ -813,6 +819,21 @@ bool Form5::eventFilter(QObject* watched, QEvent* event) {
         if (handleKey(ke->key(), ke->modifiers())) return true;
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void Form5::reject() {
+    // A card with changes that have not reached the row is not closed without asking (Esc,
+    // "&Sulje ikkuna (Esc)" and the close box all come here).
+    if (hasUnwrittenChanges() && m_row > 0) {
+        const platform::MsgAnswer a = platform::Ask(
+            QString::fromUtf8("Kortin muutoksia ei ole viety riville.\r\n"
+                              "Viedäänkö muutokset riville ennen sulkemista?"),
+            platform::MsgButtons::YesNoCancel, platform::MsgIcon::Question, platform::MsgAnswer::Yes);
+        if (a == platform::MsgAnswer::Cancel) return;
+        // A refused write (no identifier, a contractor's type) keeps the card open.
+        if (a == platform::MsgAnswer::Yes && !UpdateRow()) return;
+    }
+    QDialog::reject();
 }
 
 void Form5::done(int result) {
