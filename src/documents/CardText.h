@@ -1,10 +1,8 @@
 #pragma once
-// The texts of the two cards: the computed (grey) fields of the characteristics card, and the
-// numbered field texts that the card print layouts place on the page.
-//
-// The procedures work on plain texts, so that they run and are tested without windows; the
-// wrappers at the end read the windows' fields and write the results back.
-#include "calc/CostEstimate.h"
+// The texts of the two cards over the card windows. The procedures themselves work on plain
+// texts (calc/CardText.h); the wrappers here read the windows' fields and write the results
+// back.
+#include "calc/CardText.h"
 
 #include <QString>
 #include <QStringList>
@@ -24,48 +22,14 @@ class ListModel;
 
 namespace documents {
 
-// The basic data window's texts that the card figures read.
-struct CardBasicData {
-    QString totalLength;    // Text1(4) "Kok. pituus (m)"
-    QString deckLength;     // Text1(6) "Kannen pit. (m)"
-    QString width;          // Text1(8) "Hl (m)"
-    QString moneyUnit;      // Combo1(4) "Rahayksikkö"
-    QString unitPriceIndex; // Combo1(3) "Yksikköhintojen i"
-    QString costIndex;      // Combo1(10) "Kustannus i"
-    QString baseYear;       // Combo1(13) "Vuosi (i = 100)"
-};
-
-// What the money-unit labels of the characteristics card show.
-struct CardLabels {
-    QString money;          // the money unit
-    QString perSquareMetre; // the money unit followed by "/m2"
-};
-
-// Computes the grey fields of the characteristics card. `card` holds the texts of the card's
-// Text1 by index (padded to 62 when shorter); the computed ones are replaced, every other text
-// stays. `costs` is the cost record of the project's quantity list. Areas: A = deck length x
-// width, AT = total length x width; a field whose divisor is 0 is left empty, and so are the
-// converted general and superstructure costs when the unit price index is 0.
-CardLabels UpdateCardText(const CardBasicData& basic, const calc::CostRecord& costs, QStringList& card);
-
-// The texts of a window's control arrays, by index.
-struct WindowTexts {
-    QStringList Text1;
-    QStringList Combo1;
-};
-
-// A value without its closing explanation in brackets: when the text ends with ")" and has a
-// "(" after its first character, the text before the last "(" (a blank before it stays).
-// "Teräs (S355)" gives "Teräs ", "(S355)" stays as it is.
-QString RemoveInfo(const QString& text);
-
-// The field texts of the characteristics card's print layout: element i is the text of slot i,
-// 1 .. 97; element 0 is unused and empty. `basic` is the basic data window, `card` the card.
-QStringList UpdateSTCard(const WindowTexts& basic, const WindowTexts& card);
-
-// The field texts of the charge chamber card's print layout: element i is slot i, 1 .. 17;
-// element 0 is unused and empty.
-QStringList UpdateSTCharge(const WindowTexts& basic, const WindowTexts& charge);
+using calc::CardBasicData;
+using calc::CardBasicDataOf;
+using calc::CardLabels;
+using calc::RemoveInfo;
+using calc::UpdateCardText;
+using calc::UpdateSTCard;
+using calc::UpdateSTCharge;
+using calc::WindowTexts;
 
 // Wrappers over the windows.
 WindowTexts windowTexts(const ProjectWindow& window);

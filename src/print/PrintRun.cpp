@@ -45,10 +45,6 @@ int rowsOf(const lists::ListModel* list) {
 
 } // namespace
 
-bool DocumentAvailable(int document) {
-    return document == doc::Quantities || document == doc::Costs;
-}
-
 QString DocumentTitle(int document, const QString& workPhase) {
     const QString phase = workPhase.trimmed();
     switch (document) {
@@ -178,6 +174,87 @@ bool PrintRun::CalculateListViewPages(int& page, int document, int rowCount,
     return true;
 }
 
+const QString& PrintRun::textBuffer(int n) const {
+    static const QString none;
+    return n >= 0 && n < 3 ? m_textBuffers[n] : none;
+}
+
+const std::vector<QualityItem>& PrintRun::qualityItems(int document) {
+    static const std::vector<QualityItem> none;
+    if (document < 0 || document >= kDocumentCount || !m_source.requirements) return none;
+    if (!m_qualityItemsFound[document]) {
+        m_qualityItems[document] =
+            QualityItems(*m_source.requirements, document, m_selection.WorkPhaseFilter[document]);
+        m_qualityItemsFound[document] = true;
+    }
+    return m_qualityItems[document];
+}
+
+bool PrintRun::CalculateTextPages(int& page, int document, int rowsPerPage) {
+    const int n = TextBufferOf(document);
+    QString& buffer = m_textBuffers[n];
+    buffer = m_source.documents[n];
+    if (!InsertLineFeeds(m_fonts, buffer, m_settings.PrinterFont, 11, m_page.UsableWidth / m_page.ScaleX))
+        inform(kWordTooLong);
+    const int lines = EvaluateNRows(buffer);
+    const int first = page + 1;
+    if (!addPage(page, document, 1, 0, 0)) return false;
+    const int r = std::max(1, rowsPerPage);
+    for (int from = 1; from <= lines; from += r)
+        if (!addPage(page, document, (from - 1) / r + 2, from, std::min(lines, from + r - 1))) return false;
+    finishDocument(first, page);
+    m_rowsDone += 1;
+    return true;
+}
+
+bool PrintRun::CalculateActivePages(int& page, int document) {
+    const int first = page + 1;
+    if (!addPage(page, document, 1, 0, 0)) return false;
+    int number = 2;
+    if (document == doc::QualityReport) {
+        // The summary pages come first, the work phases split over them.
+        const SummaryLayout layout = QualitySummaryLayout(*this);
+        int from = 1;
+        int rows = layout.firstRows;
+        do {
+            const int to = std::min(m_quality.groupCount, from + rows - 1);
+            if (!addPage(page, kQualitySummary, number++, from, to)) return false;
+            from = to + 1;
+            rows = layout.laterRows;
+        } while (from <= m_quality.groupCount);
+    }
+    const std::vector<QualityItem>& items = qualityItems(document);
+    Surface measure(m_fonts);
+    const double top = QualityBodyTop(*this);
+    // The quality report keeps a line free for its footer.
+    const double limit = m_page.bodyLimit() - (document == doc::QualityReport ? m_page.LineHeight11 : 0);
+    if (!addPage(page, document, number, items.empty() ? 1 : items.front().row, 0)) return false;
+    double y = top;
+    bool empty = true;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const QualityItem& item = items[i];
+        const double h = QualityItemHeight(*this, measure, document, item);
+        // A caption keeps its first row with it: it moves to the next page when the two do not
+        // fit below the rows before.
+        double keep = h;
+        for (std::size_t k = i + 1; item.caption && k < items.size(); ++k) {
+            keep += QualityItemHeight(*this, measure, document, items[k]);
+            if (!items[k].caption) break;
+        }
+        // An item that crosses the body's end starts the next page, unless it is the page's first.
+        if (y + std::min(keep, limit - top) > limit && !empty) {
+            if (!addPage(page, document, ++number, item.row, item.row)) return false;
+            y = top;
+        }
+        y += h;
+        m_pages.back().lastRow = item.row;
+        empty = false;
+    }
+    finishDocument(first, page);
+    m_rowsDone += 1;
+    return true;
+}
+
 bool PrintRun::CalculateNormalPages(int& page, int document, int count) {
     const int first = page + 1;
     for (int n = 1; n <= count; ++n)
@@ -200,8 +277,9 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
     m_cancelled = false;
     m_rowsDone = 0;
     m_rowsTotal = 0;
+    m_qualityItemsFound.fill(false);
     for (int d = 0; d < kDocumentCount; ++d) {
-        if (!m_selection.DocumentSelected[d] || !DocumentAvailable(d)) continue;
+        if (!m_selection.DocumentSelected[d]) continue;
         m_rowsTotal += (d == doc::Quantities || d == doc::Costs) ? rowsOf(m_source.quantities) : 1;
     }
 
@@ -209,7 +287,7 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
     int page = 0;
     bool ok = true;
     for (int d = 0; d < kDocumentCount && ok; ++d) {
-        if (!m_selection.DocumentSelected[d] || !DocumentAvailable(d)) continue;
+        if (!m_selection.DocumentSelected[d]) continue;
         switch (d) {
             case doc::Quantities:
             case doc::Costs: {
@@ -239,7 +317,14 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
                 ok = CalculateNormalPages(page, d, 1);
                 m_rowsDone += 1;
                 break;
+            case doc::PlanDescription:
+            case doc::CodingPlan:
+            case doc::QualityPlan:
+                ok = CalculateTextPages(
+                    page, d, static_cast<int>(std::lround(m_page.BodyHeight / m_page.LineHeight11)));
+                break;
             default:
+                ok = CalculateActivePages(page, d);
                 break;
         }
     }
@@ -263,7 +348,19 @@ void PrintRun::PrintPage(Surface& surface, int p) {
         case doc::Costs:
             PrintCosts(*this, surface, p);
             break;
+        case doc::PlanDescription:
+        case doc::CodingPlan:
+        case doc::QualityPlan:
+            PrintTextPage(*this, surface, p);
+            break;
+        case doc::Card:
+            PrintCard(*this, surface, p);
+            break;
+        case doc::ChargeCard:
+            PrintCharge(*this, surface, p);
+            break;
         default:
+            PrintQuality(*this, surface, p);
             break;
     }
     surface.flush();

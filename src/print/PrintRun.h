@@ -9,6 +9,7 @@
 #include "calc/QualityIndex.h"
 #include "print/PageModel.h"
 #include "print/PrintSource.h"
+#include "print/Reports.h"
 #include "print/Surface.h"
 
 #include <QDate>
@@ -49,9 +50,6 @@ inline constexpr int Inspections = 10;
 inline constexpr int Deviations = 11;
 inline constexpr int QualityReport = 12;
 } // namespace doc
-
-// Whether this build draws a document.
-bool DocumentAvailable(int document);
 
 // The choice of documents, kept for the life of the program.
 struct Selection {
@@ -146,6 +144,12 @@ public:
     double quantityLitteraWidth();
     // How the cost estimate's two summaries were paginated: 1 as one block, 2 each on its own.
     int costSummaryBlocks() const { return m_costSummaryBlocks; }
+    // The text of document 3, 6 or 8 (buffer 0, 1 or 2) wrapped to the usable width, each line
+    // ending in CR LF; filled by the pagination pass.
+    const QString& textBuffer(int n) const;
+    // The rows a quality document shows, in order (the work-phase filter of the selection
+    // applied); found once per pagination.
+    const std::vector<QualityItem>& qualityItems(int document);
 
     // The printing font at `size` points times the scale.
     Font font(double size, bool bold = false, bool italic = false) const;
@@ -160,6 +164,8 @@ private:
                                 const std::function<double(int)>& rowHeight, int extraRows,
                                 const std::function<double(int)>& extraHeight);
     bool CalculateNormalPages(int& page, int document, int count);
+    bool CalculateTextPages(int& page, int document, int rowsPerPage);
+    bool CalculateActivePages(int& page, int document);
     bool progressed(int page);
 
     const PrintSource& m_source;
@@ -177,6 +183,9 @@ private:
     // Pagination progress.
     double m_litteraWidth = -1;
     int m_costSummaryBlocks = 1;
+    std::array<QString, 3> m_textBuffers;
+    std::array<std::vector<QualityItem>, kDocumentCount> m_qualityItems;
+    std::array<bool, kDocumentCount> m_qualityItemsFound{};
     Progress m_progress;
     double m_rowsDone = 0;
     double m_rowsTotal = 1;

@@ -1,5 +1,7 @@
 #include "print/PrintSource.h"
 
+#include "calc/CardText.h"
+
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "persist/ProjectFile.h"
@@ -46,6 +48,13 @@ ProjectSource SourceFromProject(const persist::ProjectFile& project) {
         const persist::Member& m = project.members[k + 1];
         if (!m.data.isEmpty()) s.pictures[k] = platform::Picture::fromBytes(m.data, m.type);
     }
+    // The card texts as the card windows give them, the computed fields first.
+    const calc::WindowTexts basic{c.windows[0].texts, c.windows[0].combos};
+    calc::WindowTexts card{c.windows[2].texts, c.windows[2].combos};
+    calc::UpdateCardText(calc::CardBasicDataOf(basic), calc::CalculateCosts(*s.quantities, s.costInputs()),
+                         card.Text1);
+    s.cardFields = calc::UpdateSTCard(basic, card);
+    s.chargeFields = calc::UpdateSTCharge(basic, {c.windows[3].texts, c.windows[3].combos});
     for (const QString& check : c.checks)
         s.chargeChecks.push_back(check.toInt());
     return out;

@@ -60,8 +60,8 @@ struct ProjectSource {
 };
 
 // The print source of a project read from a file: texts, lists, documents (from their rich
-// text), pictures and check boxes. The card field texts are left for the caller, who knows the
-// cards. A document whose rich text cannot be read is left empty.
+// text), pictures, check boxes and the card field texts (the computed ones worked out as the
+// card window does before printing). A document whose rich text cannot be read is left empty.
 ProjectSource SourceFromProject(const persist::ProjectFile& project);
 
 } // namespace print

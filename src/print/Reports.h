@@ -3,6 +3,11 @@
 // the page table and the project through the run; the pagination pass measures rows with the
 // same code on a surface that draws nothing.
 #include <QString>
+#include <vector>
+
+namespace lists {
+class ListModel;
+}
 
 namespace platform {
 class Picture;
@@ -66,6 +71,53 @@ void PrintQuantity(PrintRun& run, Surface& s, int p);
 void PrintCosts(PrintRun& run, Surface& s, int p);
 void PrintCostSummary1(PrintRun& run, Surface& s, double& y);
 void PrintCostSummary2(PrintRun& run, Surface& s, double& y);
+
+// The quality requirement documents (2, 7 to 12). Their rows: work-phase captions and
+// requirements, in list order, each caption before the first requirement shown under it.
+struct QualityItem {
+    int row = 0;
+    bool caption = false;
+};
+// Whether a requirement row belongs to a document: type 1 only in document 2; the work phase
+// (`phases`: the caption line of every row, as WorkPhaseLines gives them) when one is chosen;
+// "E" only in document 11; document 12 leaves out the advisory ones (type blank or 3) that
+// have no report text.
+bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const QString& workPhase,
+                     const std::vector<QString>& phases);
+std::vector<QualityItem> QualityItems(const lists::ListModel& list, int document, const QString& workPhase);
+// Where the body of a quality page starts, and how tall an item is there.
+double QualityBodyTop(const PrintRun& run);
+double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item);
+// The derived cells of the quality report block: "Täyttää vaat." and "TotPa".
+struct ReportCells {
+    QString fulfilled;
+    QString totPa;
+};
+ReportCells ReportCellsOf(const lists::ListModel& list, int row);
+void PrintQuality(PrintRun& run, Surface& s, int p);
+// The summary pages of document 12: how many work-phase rows the first one and each further
+// one hold.
+struct SummaryLayout {
+    int firstRows = 1;
+    int laterRows = 1;
+};
+SummaryLayout QualitySummaryLayout(const PrintRun& run);
+void PrintQualitySummary(PrintRun& run, Surface& s, int p);
+
+// The text documents 3, 6 and 8: their buffer (0..2), or -1 for any other document.
+int TextBufferOf(int document);
+void PrintTextPage(PrintRun& run, Surface& s, int p);
+
+// The cards: placed on the printable area, scaled down when they do not fit.
+struct CardPlacement {
+    double x0 = 0, y0 = 0; // the card's origin in target twips
+    double sx = 1, sy = 1; // target twips per card twip
+    double x(int cardX) const { return x0 + sx * cardX; }
+    double y(int cardY) const { return y0 + sy * cardY; }
+};
+CardPlacement PlaceCard(const PageModel& page, int width, int height);
+void PrintCard(PrintRun& run, Surface& s, int p);
+void PrintCharge(PrintRun& run, Surface& s, int p);
 
 // Numbers of the list as printed: a decimal comma for any point.
 QString DecimalComma(const QString& number);

@@ -117,8 +117,9 @@ TEST(Pdf, TheCommandLinePrintsTheSampleProjectAsThePreviewShowsIt) {
     print::ProjectSource source = print::SourceFromProject(project);
     print::Selection selection;
     for (int d = 0; d < print::kDocumentCount; ++d)
-        selection.DocumentSelected[d] = print::DocumentAvailable(d);
+        selection.DocumentSelected[d] = true;
     print::PrintSettings settings;
+    settings.appPath = testing_support::dataDir();
     settings.logo =
         platform::Picture::fromFile(testing_support::dataDir() + QStringLiteral("Tamrik2006-logo.wmf"));
     print::PrintRun preview(source.source, selection, settings);

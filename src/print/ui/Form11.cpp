@@ -198,8 +198,7 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     // Loading: the boxes as they were left, the captions of the chosen work phases.
     Selection& sel = m_session.selection;
     for (int i = 0; i < kDocumentCount; ++i) {
-        Check1[i]->setChecked(sel.DocumentSelected[i] && DocumentAvailable(i));
-        Check1[i]->setEnabled(DocumentAvailable(i));
+        Check1[i]->setChecked(sel.DocumentSelected[i]);
         if (!sel.WorkPhaseFilter[i].isEmpty() && !workPhasePrefix(i).isEmpty())
             Check1[i]->setText(workPhasePrefix(i) + sel.WorkPhaseFilter[i]);
     }

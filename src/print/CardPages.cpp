@@ -1,0 +1,200 @@
+// The characteristics card (document 4) and the charge chamber card (document 5): one page
+// each, drawn from their layout files, with three pictures of the project.
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "print/CardLayout.h"
+#include "print/PrintRun.h"
+#include "print/Reports.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace print {
+
+namespace {
+
+// The picture boxes of the cards, in card twips: x, y, width, height.
+struct Box {
+    int x, y, w, h;
+};
+constexpr Box kCardLogo{200, 150, 2600, 700};
+constexpr Box kCardSideView{200, 13150, 5800, 2300};
+constexpr Box kCardCrossSection{6300, 13150, 4300, 2300};
+constexpr Box kChargePlate{200, 150, 2600, 700};
+constexpr Box kChargeSideView{200, 9450, 10400, 2900};
+constexpr Box kChargeCrossSection{200, 12550, 10400, 2900};
+
+// The characteristics card's slots that hold money amounts, and those per square metre.
+bool moneySlot(int slot) {
+    return (slot >= 23 && slot <= 26) || (slot >= 29 && slot <= 32);
+}
+bool perSquareMetreSlot(int slot) {
+    return slot == 24 || slot == 30;
+}
+
+} // namespace
+
+CardPlacement PlaceCard(const PageModel& m, int width, int height) {
+    CardPlacement p;
+    auto axis = [](double printable, double scale, int size, double& origin, double& s) {
+        origin = std::max(0.0, std::round((printable - scale * size) / 2));
+        s = scale;
+        if (origin + scale * size > printable) {
+            origin = 0;
+            s = scale * printable / size;
+        }
+    };
+    axis(m.PrintableWidth, m.ScaleX, width, p.x0, p.sx);
+    axis(m.PrintableHeight, m.ScaleY, height, p.y0, p.sy);
+    return p;
+}
+
+namespace {
+
+void drawSlotText(Surface& s, double x, double y, int alignment, const QString& text) {
+    switch (alignment / 2) {
+        case 1:
+            s.textRight(x, y, text);
+            break;
+        case 2:
+            s.text(x - s.textWidth(text) / 2, y, text);
+            break;
+        default:
+            s.text(x, y, text);
+            break;
+    }
+}
+
+void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStringList& fields, bool money,
+                const CardPlacement& p) {
+    const PageModel& m = run.page();
+    const QString fontName = layout.font.trimmed().isEmpty() ? run.settings().PrinterFont : layout.font;
+    for (const CardText& t : layout.texts) {
+        s.setFont(Font{fontName, std::abs(t.size) * p.sy, t.size < 0, false});
+        s.text(p.x0 + p.sx * t.x, p.y0 + p.sy * t.y, t.text);
+    }
+    for (const CardLine& l : layout.lines)
+        s.line(p.x0 + p.sx * l.x1, p.y0 + p.sy * l.y1, p.x0 + p.sx * l.x2, p.y0 + p.sy * l.y2,
+               std::max(1, l.width));
+    // The lines of a multi-line field follow at the line height of the card's scale.
+    const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
+    const double cardRight = p.x0 + p.sx * layout.width;
+    const QString unit = run.source().basicCombo(4).trimmed();
+    for (int i = 0; i < static_cast<int>(layout.fieldSlots.size()); ++i) {
+        const CardSlot& slot = layout.fieldSlots[i];
+        const int number = i + 1;
+        QString text = fields.value(number);
+        if (money && moneySlot(number) && !text.trimmed().isEmpty() && !unit.isEmpty()) {
+            text += QLatin1Char(' ') + unit;
+            if (perSquareMetreSlot(number)) text += QStringLiteral("/m2");
+        }
+        s.setFont(Font{fontName, 11 * p.sy, slot.alignment % 2 == 1, false});
+        const double x = p.x0 + p.sx * slot.x;
+        const double y = p.y0 + p.sy * slot.y;
+        if (!text.contains(QLatin1Char('\n'))) {
+            // A text too long for the card stops at its edge.
+            if (slot.alignment / 2 == 0)
+                while (text.size() > 1 && x + s.textWidth(text) > cardRight - 80 * p.sx)
+                    text.chop(1);
+            drawSlotText(s, x, y, slot.alignment, text);
+            continue;
+        }
+        // A multi-line field: its own lines, wrapped to the card's right edge.
+        const QStringList lines = run.wrap(text, 11 * p.sy / std::max(0.01f, m.ScaleY),
+                                           std::max(500.0 * p.sx, cardRight - x - 100 * p.sx));
+        for (int k = 0; k < lines.size(); ++k)
+            drawSlotText(s, x, y + k * lh, slot.alignment, lines[k]);
+    }
+}
+
+// The "Panostilat" table of the charge chamber card.
+void drawTable(PrintRun& run, Surface& s, const CardLayout& layout, const CardPlacement& p) {
+    const lists::ListModel* list = run.source().charges;
+    if (layout.tableColumns.empty()) return;
+    const QString fontName = layout.font.trimmed().isEmpty() ? run.settings().PrinterFont : layout.font;
+    const PageModel& m = run.page();
+    const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
+    double bottom = p.y(layout.height);
+    if (!layout.tableArea.empty()) bottom = p.y(layout.tableArea.front().y2);
+    int top = 0;
+    for (const CardSlot& c : layout.tableColumns) {
+        s.setFont(Font{fontName, 9 * p.sy, c.alignment % 2 == 1, false});
+        drawSlotText(s, p.x(c.x), p.y(c.y), c.alignment, c.name);
+        top = std::max(top, c.y);
+    }
+    if (!list) return;
+    double y = p.y(top) + lh * 1.2;
+    const int columns = std::min<int>(static_cast<int>(layout.tableColumns.size()), list->cols() - 1);
+    s.setFont(Font{fontName, 10 * p.sy, false, false});
+    for (int r = 1; r <= list->rows(); ++r) {
+        if (lists::BlankListItem(*list, r).blank) continue;
+        if (y + 2 * lh > bottom) {
+            // The rows that do not fit are left out, and the table says so.
+            s.text(p.x(layout.tableColumns.front().x), y, QStringLiteral("..."));
+            break;
+        }
+        for (int c = 0; c < columns; ++c) {
+            const CardSlot& column = layout.tableColumns[c];
+            drawSlotText(s, p.x(column.x), y, column.alignment & ~1, list->cell(r, c + 1).trimmed());
+        }
+        y += lh;
+    }
+}
+
+void drawPicture(PrintRun& run, Surface& s, const platform::Picture& picture, const Box& b,
+                 const CardPlacement& p) {
+    PrintImage(run, s, picture, p.x(b.x + b.w / 2), p.y(b.y + b.h / 2), p.sx * b.w, p.sy * b.h, true);
+}
+
+// Without its layout the card cannot be drawn: its page says why, and the run goes on.
+void layoutMissing(PrintRun& run, Surface& s, const QString& message) {
+    run.inform(message);
+    const PageModel& m = run.page();
+    s.setFont(run.font(11, true));
+    const QStringList lines = run.wrap(message, 11, m.UsableWidth);
+    double y = m.OriginY + 700 * m.ScaleY;
+    for (const QString& line : lines) {
+        s.text(m.OriginX, y, line);
+        y += m.LineHeight11;
+    }
+}
+
+} // namespace
+
+void PrintCard(PrintRun& run, Surface& s, int) {
+    CardLayout layout;
+    QString error;
+    if (!ReadCardLayoutFile(run.settings().appPath, kCardLayoutFile, false, layout, &error)) {
+        layoutMissing(run, s, error);
+        return;
+    }
+    const CardPlacement p = PlaceCard(run.page(), layout.width, layout.height);
+    drawLayout(run, s, layout, run.source().cardFields, true, p);
+    const auto& pictures = run.source().pictures;
+    drawPicture(run, s, pictures[2], kCardLogo, p);
+    drawPicture(run, s, pictures[0], kCardSideView, p);
+    drawPicture(run, s, pictures[1], kCardCrossSection, p);
+}
+
+void PrintCharge(PrintRun& run, Surface& s, int) {
+    CardLayout layout;
+    QString error;
+    if (!ReadCardLayoutFile(run.settings().appPath, kChargeLayoutFile, true, layout, &error)) {
+        layoutMissing(run, s, error);
+        return;
+    }
+    const CardPlacement p = PlaceCard(run.page(), layout.width, layout.height);
+    drawLayout(run, s, layout, run.source().chargeFields, false, p);
+    drawTable(run, s, layout, p);
+    const PrintSource& src = run.source();
+    // The check boxes put the characteristics card's side view or cross-section in place of
+    // the charge chamber card's own.
+    auto checked = [&src](int i) {
+        return i < static_cast<int>(src.chargeChecks.size()) && src.chargeChecks[i] == 1;
+    };
+    drawPicture(run, s, src.pictures[5], kChargePlate, p);
+    drawPicture(run, s, checked(0) ? src.pictures[0] : src.pictures[3], kChargeSideView, p);
+    drawPicture(run, s, checked(1) ? src.pictures[1] : src.pictures[4], kChargeCrossSection, p);
+}
+
+} // namespace print

@@ -1,0 +1,593 @@
+// The quality requirement documents (2 and 7 to 12) and the summary pages of the bridge's
+// quality report.
+#include "calc/NumberText.h"
+#include "calc/QualityIndex.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "print/PrintRun.h"
+#include "print/Reports.h"
+#include "print/WorkPhase.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace print {
+
+namespace {
+
+constexpr int kLittera = 1;
+constexpr int kNumber = 2;
+constexpr int kText = 3;
+constexpr int kType = 4;
+constexpr int kReference = 5;
+constexpr int kRequired = 6;
+constexpr int kLower = 7;
+constexpr int kUpper = 8;
+constexpr int kUnit = 9;
+constexpr int kMethod = 10;
+constexpr int kWeight = 11;
+constexpr int kQualityPlan = 12;
+constexpr int kInspection = 15;
+constexpr int kCount = 16;
+constexpr int kMinimum = 17;
+constexpr int kMaximum = 18;
+constexpr int kMean = 19;
+constexpr int kQualityReportText = 20;
+constexpr int kFulfilled = 21;
+constexpr int kDeviation = 22;
+constexpr int kCorrection = 23;
+constexpr int kFactor = 24;
+
+// Room above and below the text inside a frame, and between two requirements.
+constexpr double kFramePad = 30;
+constexpr double kRequirementGap = 120;
+
+QChar firstUpper(const QString& text) {
+    const QString t = text.trimmed();
+    return t.isEmpty() ? QChar() : t.front().toUpper();
+}
+
+// The x positions of the column grid, in eighteenths of the usable width.
+struct Grid {
+    std::array<double, 73> x{};
+    double operator[](int i) const { return x[i]; }
+};
+
+Grid gridOf(const PageModel& m) {
+    Grid g;
+    auto at = [&m](double k) { return std::round(m.OriginX + k / 18.0 * m.UsableWidth); };
+    const std::pair<int, double> table[] = {
+        {2, 1.4},   {52, 1.6},   {3, 1.95},  {4, 2.8},   {5, 3.7},   {6, 5.2},   {7, 5.7},   {8, 7.2},
+        {9, 7.8},   {10, 9.2},   {11, 9.9},  {12, 11.5}, {13, 12.0}, {14, 12.5}, {15, 13.0}, {16, 13.5},
+        {17, 14.0}, {18, 14.4},  {19, 15.2}, {23, 2.9},  {24, 3.6},  {25, 4.7},  {26, 6.2},  {27, 7.4},
+        {28, 8.8},  {29, 10.3},  {30, 11.5}, {31, 14.4}, {32, 15.6}, {33, 17.1}, {35, 11.9}, {36, 13.3},
+        {37, 14.8}, {38, 16.7},  {40, 2.15}, {41, 5.0},  {42, 6.05}, {43, 7.65}, {44, 8.45}, {45, 10.05},
+        {46, 11.0}, {47, 12.55}, {48, 14.4}, {49, 16.3}, {50, 17.3}, {51, 14.4}, {60, 2.15}, {62, 6.05},
+        {64, 8.45}, {66, 11.0},  {68, 14.4}, {70, 17.3}, {71, 2.95}, {72, 4.1}};
+    for (const auto& [i, k] : table)
+        g.x[i] = at(k);
+    g.x[1] = m.OriginX;
+    g.x[20] = m.OriginX + m.UsableWidth - 50 * m.ScaleX;
+    return g;
+}
+
+// The further text sections of a document: the section's caption number (2 to 6), its list
+// column, whether its frame is closed at the bottom, and the lines kept free below it.
+struct Section {
+    int number;
+    int column;
+    bool closed;
+    int reserve;
+};
+
+std::vector<Section> sectionsOf(int document) {
+    switch (document) {
+        case doc::QualityPlans:
+            return {{2, kQualityPlan, true, 0}};
+        case doc::Inspections:
+            return {{2, kQualityPlan, false, 0}, {3, kInspection, false, 1}};
+        case doc::Deviations:
+            return {{2, kQualityPlan, false, 7},
+                    {3, kInspection, false, 5},
+                    {5, kDeviation, false, 2},
+                    {6, kCorrection, true, 0}};
+        case doc::QualityReport:
+            return {{4, kQualityReportText, true, 0}};
+        default:
+            return {};
+    }
+}
+
+const char* const kSectionCaptions[] = {"",
+                                        "Laatuvaatimus",
+                                        "Laatusuunnitelma",
+                                        "Tarkastus- ja mittausraportti",
+                                        "Laaturaportti",
+                                        "Poikkeamaraportti",
+                                        "Korjaussuunnitelma"};
+
+const QString kCut1 = QStringLiteral("... (tulostus katkaistu, täydellinen teksti voidaan lukea ");
+const QString kCut2 = QStringLiteral("TAMRIK 2006");
+const QString kCut3 = QStringLiteral(" ohjelmasta käsin)");
+
+// Draws (or, without a painter, only measures) the blocks of a quality page. In measure mode
+// nothing is put down and y advances exactly as drawing would advance it, so that pagination
+// and drawing agree.
+class QualityPainter {
+public:
+    QualityPainter(PrintRun& run, Surface& s, bool measure)
+        : m_run(run)
+        , m_s(s)
+        , m_measure(measure)
+        , m_m(run.page())
+        , m_grid(gridOf(run.page())) {}
+
+    const lists::ListModel& list() const { return *m_run.source().requirements; }
+
+    double lineHeight8() const { return 1.2 * m_s.fonts().height(m_run.font(8)); }
+
+    void text(double x, double y, const QString& t) {
+        if (!m_measure) m_s.text(x, y, t);
+    }
+    void line(double x1, double y1, double x2, double y2) {
+        if (!m_measure) m_s.line(x1, y1, x2, y2);
+    }
+
+    // A work-phase caption.
+    void PrintQualityData1(int row, double& y) {
+        y += 40 * m_m.ScaleY;
+        m_s.setFont(m_run.font(11));
+        text(m_grid[1], y, list().cell(row, kLittera).trimmed());
+        const double x = m_grid[52];
+        const QStringList lines = m_run.wrap(captionText(row), 11, m_m.right() - x);
+        text(x, y, lines.value(0));
+        y += m_m.LineHeight11;
+    }
+
+    // A value ends before the next label to its right (or the frame): one a little too wide
+    // moves left into the room after its own label, one still too wide is cut.
+    void valueText(double x, double y, const QString& value, const std::vector<double>& stops) {
+        double limit = m_grid[20];
+        for (double stop : stops)
+            if (stop > x + 1 && stop < limit) limit = stop;
+        limit -= 60 * m_m.ScaleX;
+        QString t = value;
+        const double slack = 250 * m_m.ScaleX;
+        while (t.size() > 1 && x - slack + m_s.textWidth(t) > limit)
+            t.chop(1);
+        text(std::min(x, limit - m_s.textWidth(t)), y, t);
+    }
+
+    // Label and value rows framed from position 2 to position 20. The 40 twips above them lie
+    // inside the frame, so that the block closes the frame of the text above it.
+    void labelValueBlock(double& y, const std::vector<std::pair<int, QString>>& labels,
+                         const std::vector<std::pair<int, QString>>& values) {
+        const double top = y;
+        y += 40 * m_m.ScaleY;
+        m_s.setFont(m_run.font(8, false, true));
+        std::vector<double> stops;
+        for (const auto& [pos, label] : labels) {
+            text(m_grid[pos], y, label);
+            stops.push_back(m_grid[pos]);
+        }
+        y += lineHeight8();
+        m_s.setFont(m_run.font(11, true));
+        for (const auto& [pos, value] : values)
+            valueText(m_grid[pos], y, value, stops);
+        y += m_m.LineHeight11 + kFramePad * m_m.ScaleY;
+        frameBox(top, y, true, true);
+    }
+
+    void PrintQualityHeaders1(int row, double& y) {
+        const lists::ListModel& l = list();
+        labelValueBlock(y,
+                        {{2, QStringLiteral("Nro")},
+                         {4, QStringLiteral("Vaat.")},
+                         {6, QStringLiteral("Ala")},
+                         {8, QStringLiteral("Ylä")},
+                         {10, QStringLiteral("Yks")},
+                         {12, QStringLiteral("Ty")},
+                         {14, QStringLiteral("Tt")},
+                         {16, QStringLiteral("Pa")},
+                         {18, QStringLiteral("Viite")}},
+                        {{3, value(row, kNumber)},
+                         {5, value(row, kRequired)},
+                         {7, value(row, kLower)},
+                         {9, value(row, kUpper)},
+                         {11, value(row, kUnit)},
+                         {13, QString(firstUpper(l.cell(row, kType)))},
+                         {15, QString(firstUpper(l.cell(row, kMethod)))},
+                         {17, value(row, kWeight)},
+                         {19, value(row, kReference)}});
+    }
+
+    void PrintQualityHeaders2(int row, double& y) {
+        labelValueBlock(y,
+                        {{2, QStringLiteral("Mittauksia")},
+                         {24, QStringLiteral("Minimi")},
+                         {26, QStringLiteral("Maksimi")},
+                         {28, QStringLiteral("Keskiarvo")},
+                         {30, QStringLiteral("Täyttää vaatimukset")},
+                         {32, QStringLiteral("Pa kerroin")}},
+                        {{23, value(row, kCount)},
+                         {25, value(row, kMinimum)},
+                         {27, value(row, kMaximum)},
+                         {29, value(row, kMean)},
+                         {31, value(row, kFulfilled)},
+                         {33, value(row, kFactor)}});
+    }
+
+    // The quality report's two rows: a label in small italics, its value in bold beside it.
+    void PrintQualityHeaders3(int row, double& y) {
+        const double top = y;
+        y += 40 * m_m.ScaleY;
+        const ReportCells cells = ReportCellsOf(list(), row);
+        const std::pair<int, QString> labels1[] = {
+            {2, QStringLiteral("Viite")}, {41, QStringLiteral("Vaat.")},   {43, QStringLiteral("Ala")},
+            {45, QStringLiteral("Ylä")},  {47, QStringLiteral("Yksikkö")}, {49, QStringLiteral("Pa")}};
+        const std::pair<int, QString> values1[] = {{40, value(row, kReference)}, {42, value(row, kRequired)},
+                                                   {44, value(row, kLower)},     {46, value(row, kUpper)},
+                                                   {48, value(row, kUnit)},      {50, value(row, kWeight)}};
+        const std::pair<int, QString> labels2[] = {
+            {2, QStringLiteral("Nro")},     {71, QStringLiteral("Mit.lkm")},
+            {41, QStringLiteral("K.arvo")}, {43, QStringLiteral("Min.")},
+            {45, QStringLiteral("Maks.")},  {47, QStringLiteral("Täyttää vaat.")},
+            {49, QStringLiteral("TotPa")}};
+        const std::pair<int, QString> values2[] = {{60, value(row, kNumber)},  {72, value(row, kCount)},
+                                                   {62, value(row, kMean)},    {64, value(row, kMinimum)},
+                                                   {66, value(row, kMaximum)}, {51, cells.fulfilled},
+                                                   {70, cells.totPa}};
+        // The labels sit on the values' baseline.
+        const double labelDrop =
+            m_s.fonts().ascent(m_run.font(11, true)) - m_s.fonts().ascent(m_run.font(8, false, true));
+        auto row2 = [&](const auto& labels, const auto& values) {
+            m_s.setFont(m_run.font(8, false, true));
+            std::vector<double> stops;
+            for (const auto& [pos, label] : labels) {
+                text(m_grid[pos], y + labelDrop, label);
+                stops.push_back(m_grid[pos]);
+            }
+            m_s.setFont(m_run.font(11, true));
+            for (const auto& [pos, v] : values)
+                valueText(m_grid[pos], y, v, stops);
+            y += m_m.LineHeight11;
+        };
+        row2(labels1, values1);
+        row2(labels2, values2);
+        y += kFramePad * m_m.ScaleY;
+        frameBox(top, y, true, true);
+    }
+
+    // A framed text section: its caption in small italics at the left, the text beside it.
+    // When drawing, a text that would pass its cut line (the reserved lines and the `after`
+    // twips of the blocks that follow it kept free above the page's foot) ends with a note.
+    void PrintQualityTextFrame1(const QString& caption, const QString& body, double& y, bool close,
+                                bool joinLines, int reserve, double after = 0) {
+        const double top = y;
+        y += kFramePad * m_m.ScaleY;
+        m_s.setFont(m_run.font(8, false, true));
+        text(m_grid[2], y + 50 * m_m.ScaleY, caption);
+        const double x = m_grid[2] + m_s.textWidth(caption) + 100 * m_m.ScaleX;
+        QString t = body;
+        if (joinLines) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
+        QStringList lines = m_run.wrap(t, 11, m_grid[20] - 50 * m_m.ScaleX - x);
+        if (lines.isEmpty()) lines.append(QString());
+        if (m_measure) {
+            y += lines.size() * m_m.LineHeight11;
+        } else {
+            const double lh = m_m.LineHeight11;
+            const double cut = m_m.bottom() - 600 * m_m.ScaleY - reserve * lh - after;
+            m_s.setFont(m_run.font(11));
+            for (int i = 0; i < lines.size(); ++i) {
+                const QString& l = lines[i];
+                // The note takes the last line that fits.
+                const bool more = i + 1 < lines.size();
+                if (y + lh > cut || (more && y + 2 * lh > cut)) {
+                    m_s.setFont(m_run.font(8));
+                    m_s.text(x, y, kCut1 + kCut2 + kCut3);
+                    y += m_m.LineHeight11;
+                    break;
+                }
+                m_s.text(x, y, l);
+                y += m_m.LineHeight11;
+            }
+        }
+        y += kFramePad * m_m.ScaleY;
+        frameBox(top, y, true, close);
+    }
+
+    // One requirement with every block its document prints. A text cut at the page's foot
+    // leaves room for the blocks after it, each section at least one line.
+    void requirement(int document, int row, double& y) {
+        const lists::ListModel& l = list();
+        const bool report = document == doc::QualityReport;
+        const std::vector<Section> sections = sectionsOf(document);
+        const double pad = kFramePad * m_m.ScaleY;
+        const double lh = m_m.LineHeight11;
+        const double block = 40 * m_m.ScaleY + lineHeight8() + lh + pad;
+        const double reportBlock = 40 * m_m.ScaleY + 2 * lh + pad;
+        auto after = [&](std::size_t from) {
+            double h = 0;
+            for (std::size_t k = from; k < sections.size(); ++k)
+                h += 2 * pad + lh + (sections[k].number == 3 ? block : 0);
+            return h;
+        };
+        PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[1]), l.cell(row, kText), y, false, true, 0,
+                               (report ? reportBlock : block) + after(0));
+        if (report)
+            PrintQualityHeaders3(row, y);
+        else
+            PrintQualityHeaders1(row, y);
+        for (std::size_t k = 0; k < sections.size(); ++k) {
+            const Section& section = sections[k];
+            PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[section.number]),
+                                   l.cell(row, section.column), y, section.closed, false, section.reserve,
+                                   (section.number == 3 ? block : 0) + after(k + 1));
+            if (section.number == 3) PrintQualityHeaders2(row, y);
+        }
+        y += kRequirementGap * m_m.ScaleY;
+    }
+
+private:
+    QString value(int row, int column) const { return DecimalComma(list().cell(row, column).trimmed()); }
+
+    // A caption's text and the texts of its continuation rows.
+    QString captionText(int row) const {
+        const lists::ListModel& l = list();
+        QString text = l.cell(row, kText).trimmed();
+        for (int c = row + 1; c <= l.rows() && lists::BlankString(l.cell(c, kLittera)) &&
+                              lists::BlankString(l.cell(c, kNumber)) && !lists::BlankString(l.cell(c, kText));
+             ++c)
+            text += QLatin1Char(' ') + l.cell(c, kText).trimmed();
+        return text;
+    }
+
+    void frameBox(double top, double bottom, bool topLine, bool bottomLine) {
+        const double left = m_grid[2] - 50 * m_m.ScaleX;
+        const double right = m_grid[20];
+        if (topLine) line(left, top, right, top);
+        line(left, top, left, bottom);
+        line(right, top, right, bottom);
+        if (bottomLine) line(left, bottom, right, bottom);
+    }
+
+    PrintRun& m_run;
+    Surface& m_s;
+    bool m_measure;
+    const PageModel& m_m;
+    Grid m_grid;
+};
+
+double qualityBodyTop(const PrintRun& run) {
+    const PageModel& m = run.page();
+    return m.OriginY + 700 * m.ScaleY;
+}
+
+} // namespace
+
+ReportCells ReportCellsOf(const lists::ListModel& list, int row) {
+    ReportCells cells;
+    const QChar mark = firstUpper(list.cell(row, kFulfilled));
+    const QChar type = firstUpper(list.cell(row, kType));
+    const bool weighted = type == u'1' || type == u'2';
+    if (mark == u'K')
+        cells.fulfilled = QStringLiteral("Kyllä");
+    else if (mark == u'E')
+        cells.fulfilled = QStringLiteral("Ei");
+    else
+        cells.fulfilled = QStringLiteral("-");
+    if (!weighted) {
+        cells.totPa = QStringLiteral("-");
+        return cells;
+    }
+    // A fulfilled requirement earns its weight, a failed one the share its factor gives;
+    // an uninspected one earns nothing yet.
+    const float weight = static_cast<float>(calc::CustomVal(list.cell(row, kWeight)));
+    if (mark == u'K')
+        cells.totPa = calc::DecimalS(weight, 1);
+    else if (mark == u'E')
+        cells.totPa =
+            calc::DecimalS(static_cast<float>(calc::CustomVal(list.cell(row, kFactor))) * weight, 1);
+    else
+        cells.totPa = QStringLiteral("-");
+    return cells;
+}
+
+std::vector<QualityItem> QualityItems(const lists::ListModel& list, int document, const QString& workPhase) {
+    std::vector<QualityItem> items;
+    const std::vector<QString> phases = workPhase.isEmpty() ? std::vector<QString>() : WorkPhaseLines(list);
+    int phaseRow = 0, subRow = 0;
+    bool phaseShown = false, subShown = false;
+    for (int r = 1; r <= list.rows(); ++r) {
+        const calc::CaptionInfo caption = calc::ListViewCaption(list, r, kText);
+        if (caption.level == 1) {
+            phaseRow = r;
+            phaseShown = false;
+            subRow = 0;
+            continue;
+        }
+        if (caption.level == 2) {
+            subRow = r;
+            subShown = false;
+            continue;
+        }
+        if (!PrintBrowseStep(list, r, document, workPhase, phases)) continue;
+        if (phaseRow > 0 && !phaseShown) {
+            items.push_back({phaseRow, true});
+            phaseShown = true;
+        }
+        if (subRow > 0 && !subShown) {
+            items.push_back({subRow, true});
+            subShown = true;
+        }
+        items.push_back({r, false});
+    }
+    return items;
+}
+
+bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const QString& workPhase,
+                     const std::vector<QString>& phases) {
+    if (lists::BlankString(list.cell(row, kNumber))) return false;
+    const QChar type = firstUpper(list.cell(row, kType));
+    const QChar mark = firstUpper(list.cell(row, kFulfilled));
+    if (document == doc::BridgeRequirements) return type == u'1';
+    if (!workPhase.isEmpty() && (row >= static_cast<int>(phases.size()) || phases[row] != workPhase))
+        return false;
+    if (document == doc::Deviations && mark != u'E') return false;
+    if (document == doc::QualityReport && (type.isNull() || type == u'3') &&
+        lists::BlankString(list.cell(row, kQualityReportText)))
+        return false;
+    return true;
+}
+
+double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item) {
+    QualityPainter painter(run, s, true);
+    double y = 0;
+    if (item.caption)
+        painter.PrintQualityData1(item.row, y);
+    else
+        painter.requirement(document, item.row, y);
+    return y;
+}
+
+double QualityBodyTop(const PrintRun& run) {
+    return qualityBodyTop(run);
+}
+
+void PrintQuality(PrintRun& run, Surface& s, int p) {
+    const PageEntry& e = run.entry(p);
+    if (e.document == kQualitySummary) {
+        PrintQualitySummary(run, s, p);
+        return;
+    }
+    const QString title = DocumentTitle(e.document, run.selection().WorkPhaseFilter[e.document]);
+    if (e.number == 1) {
+        PrintFrontPage(run, s, p, title);
+        return;
+    }
+    PrintTopHeader(run, s, p, title);
+    if (const lists::ListModel* list = run.source().requirements) {
+        QualityPainter painter(run, s, false);
+        double y = qualityBodyTop(run);
+        for (const QualityItem& item : run.qualityItems(e.document)) {
+            if (item.row < e.firstRow) continue;
+            if (item.row > e.lastRow || item.row > list->rows()) break;
+            if (item.caption)
+                painter.PrintQualityData1(item.row, y);
+            else
+                painter.requirement(e.document, item.row, y);
+        }
+    }
+    PrintBottomHeader(run, s, e.document == doc::QualityReport ? 0 : 1);
+}
+
+// The summary pages of the bridge's quality report.
+SummaryLayout QualitySummaryLayout(const PrintRun& run) {
+    const PageModel& m = run.page();
+    const double lh = m.LineHeight11;
+    SummaryLayout l;
+    const double room = m.bodyLimit() - qualityBodyTop(run);
+    // Every summary page: the table's header, the legends below it.
+    const double frame = 2 * lh + 5 * lh;
+    // The first one also: the title and the count table.
+    const double first = 2 * lh + 6 * lh;
+    l.firstRows = std::max(1, static_cast<int>((room - frame - first) / lh));
+    l.laterRows = std::max(1, static_cast<int>((room - frame) / lh));
+    return l;
+}
+
+void PrintQualitySummary(PrintRun& run, Surface& s, int p) {
+    const PageEntry& e = run.entry(p);
+    const PageModel& m = run.page();
+    const calc::QualityRecord& q = run.quality();
+    const Grid g = gridOf(m);
+    const double lh = m.LineHeight11;
+    PrintTopHeader(run, s, p, DocumentTitle(doc::QualityReport, QString()));
+    double y = qualityBodyTop(run);
+    const bool first = e.number == 2;
+    if (first) {
+        s.setFont(run.font(11, true));
+        s.text(g[1], y,
+               QStringLiteral("SILLAN LAATULUKU ") + calc::DecimalS(q.qualityNumber, 1) +
+                   QStringLiteral(" (100)"));
+        y += 2 * lh;
+    }
+
+    // The work phases.
+    s.setFont(run.font(11, false, true));
+    s.text(g[1], y, QStringLiteral("Littera"));
+    s.text(g[52], y, QStringLiteral("Työvaihe"));
+    s.textRight(g[36] - 200 * m.ScaleX, y, QStringLiteral("Pa%"));
+    s.textRight(g[37] - 200 * m.ScaleX, y, QStringLiteral("TotPa"));
+    s.textRight(g[38] - 200 * m.ScaleX, y, QStringLiteral("MaksPa"));
+    s.textRight(g[20], y, QStringLiteral("Tot%"));
+    y += lh;
+    s.line(g[1], y, g[20], y);
+    y += 40 * m.ScaleY;
+    auto cell = [&](int right, const QString& text, bool bold) {
+        s.setFont(run.font(11, bold));
+        s.textRight(right == 20 ? g[20] : g[right] - 200 * m.ScaleX, y, text);
+    };
+    for (int k = e.firstRow; k <= e.lastRow && k <= q.groupCount; ++k) {
+        s.setFont(run.font(11));
+        s.text(g[1], y, q.groupLittera[k].trimmed());
+        const QStringList name = run.wrap(q.groupText[k].trimmed(), 11, g[35] - g[52] - 200 * m.ScaleX);
+        s.text(g[52], y, name.value(0));
+        const float max = q.groupMax[k];
+        const float realized = q.groupRealized[k];
+        const float share = q.totalMax > 0 ? max / q.totalMax * 100 : 0;
+        cell(36, share == 0 ? QStringLiteral("0") : calc::DecimalS(share, 1), false);
+        if (max > 0) {
+            cell(37, calc::DecimalS(realized, 1), false);
+            cell(38, calc::DecimalS(max, 1), false);
+            cell(20, calc::DecimalS(realized / max * 100, 1), false);
+        } else {
+            cell(37, QStringLiteral("-"), true);
+            cell(38, QStringLiteral("-"), true);
+            cell(20, QStringLiteral("-"), true);
+        }
+        y += lh;
+    }
+    y += lh;
+    s.setFont(run.font(9));
+    for (const char* legend : {"Pa% = työvaiheen osuus koko sillan painoarvojen summasta",
+                               "TotPa = työvaiheen toteutunut painoarvojen summa",
+                               "MaksPa = työvaiheen painoarvojen summa", "Tot% = suhde TotPa/MaksPa"}) {
+        s.text(g[1], y, QString::fromUtf8(legend));
+        y += m.LineHeight9;
+    }
+
+    if (first) {
+        y += lh;
+        s.setFont(run.font(11, false, true));
+        s.text(g[1], y, QStringLiteral("Yhteenveto laatuvaatimuksista"));
+        s.textRight(g[36] - 200 * m.ScaleX, y, QStringLiteral("lkm"));
+        s.textRight(g[37] - 200 * m.ScaleX, y, QStringLiteral("tark."));
+        s.textRight(g[38] - 200 * m.ScaleX, y, QStringLiteral("ei tark."));
+        y += lh;
+        const struct {
+            const char* label;
+            int count, checked;
+        } types[] = {{"1 Siltakohtainen", q.countType1, q.checkedType1},
+                     {"2 KLVn mukainen", q.countType2, q.checkedType2},
+                     {"3 Ohjeellinen", q.countType3, q.checkedType3}};
+        int count = 0, checked = 0;
+        auto countRow = [&](const QString& label, int n, int done, bool bold) {
+            s.setFont(run.font(11, bold));
+            s.text(g[1], y, label);
+            cell(36, QString::number(n), bold);
+            cell(37, QString::number(done), bold);
+            cell(38, QString::number(n - done), bold);
+            y += lh;
+        };
+        for (const auto& t : types) {
+            countRow(QString::fromUtf8(t.label), t.count, t.checked, false);
+            count += t.count;
+            checked += t.checked;
+        }
+        countRow(QStringLiteral("Yhteensä"), count, checked, true);
+    }
+    PrintBottomHeader(run, s, 0);
+}
+
+} // namespace print
