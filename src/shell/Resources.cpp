@@ -2,100 +2,19 @@
 #include "documents/Form3.h"
 #include "documents/Form4.h"
 #include "platform/TextFile.h"
+#include "platform/ui/Icons.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QMenu>
-#include <QPainter>
-#include <QPainterPath>
 #include <QPushButton>
 
 namespace shell {
 
-namespace {
-
-// Small line drawings for the buttons that have no standard picture.
-QPixmap drawIcon(const QString& key) {
-    QPixmap pm(40, 40);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(40, 40, 40), 2.5));
-    p.setBrush(Qt::NoBrush);
-    if (key == QLatin1String("Cut")) {
-        p.drawEllipse(QPointF(12, 31), 5, 5);
-        p.drawEllipse(QPointF(28, 31), 5, 5);
-        p.drawLine(QPointF(15, 27), QPointF(28, 5));
-        p.drawLine(QPointF(25, 27), QPointF(12, 5));
-    } else if (key == QLatin1String("Copy")) {
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(6, 5, 18, 22));
-        p.drawRect(QRectF(16, 13, 18, 22));
-    } else if (key == QLatin1String("Paste")) {
-        p.setBrush(QColor(222, 184, 135));
-        p.drawRoundedRect(QRectF(7, 7, 24, 29), 3, 3);
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(14, 4, 10, 7));
-        p.drawRect(QRectF(17, 17, 17, 19));
-    } else if (key == QLatin1String("Print")) {
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(12, 4, 16, 12));
-        p.setBrush(QColor(180, 180, 180));
-        p.drawRoundedRect(QRectF(4, 15, 32, 14), 3, 3);
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(12, 24, 16, 12));
-    } else if (key == QLatin1String("Bridge")) {
-        QPainterPath arch;
-        arch.moveTo(6, 30);
-        arch.quadTo(20, 8, 34, 30);
-        p.drawPath(arch);
-        p.drawLine(QPointF(2, 16), QPointF(38, 16));
-        p.drawLine(QPointF(13, 16), QPointF(13, 21));
-        p.drawLine(QPointF(27, 16), QPointF(27, 21));
-        p.drawLine(QPointF(2, 34), QPointF(38, 34));
-    } else if (key == QLatin1String("Rulers")) {
-        p.setBrush(QColor(250, 220, 90));
-        p.drawRect(QRectF(3, 14, 34, 12));
-        for (int x = 7; x < 37; x += 5)
-            p.drawLine(QPointF(x, 14), QPointF(x, x % 10 == 2 ? 21 : 18));
-    } else if (key == QLatin1String("Card")) {
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(5, 6, 30, 28));
-        for (int y = 13; y < 32; y += 6)
-            p.drawLine(QPointF(10, y), QPointF(30, y));
-    } else if (key == QLatin1String("Dynamite")) {
-        p.setBrush(QColor(200, 40, 40));
-        p.drawRoundedRect(QRectF(6, 18, 28, 12), 3, 3);
-        QPainterPath fuse;
-        fuse.moveTo(20, 18);
-        fuse.quadTo(22, 8, 31, 6);
-        p.drawPath(fuse);
-        p.setPen(QPen(QColor(240, 150, 0), 3));
-        p.drawPoint(QPointF(32, 5));
-    }
-    return pm;
-}
-
-} // namespace
-
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
-    if (fallback != QStyle::SP_CustomBase) return QApplication::style()->standardIcon(fallback);
-    return QIcon(drawIcon(key));
-}
-
-QIcon applicationIcon() {
-    QPixmap pm(64, 64);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(Qt::NoPen);
-    p.setBrush(QColor(225, 236, 247));
-    p.drawRoundedRect(QRectF(1, 1, 62, 62), 10, 10);
-    p.drawPixmap(QRect(6, 8, 52, 52), drawIcon(QStringLiteral("Bridge")));
-    p.end();
-    return QIcon(pm);
+    return platform::toolIcon(key, fallback);
 }
 
 void LoadLogo(MDIForm1& main) {

@@ -52,8 +52,6 @@ bool sameFile(const QString& a, const QString& b);
 
 // Start-up resources (Resources.cpp).
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
-// The program's own icon: an arch bridge.
-QIcon applicationIcon();
 void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
 // Items whose windows are not part of this build stay disabled.
