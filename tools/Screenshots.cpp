@@ -1,9 +1,14 @@
 // Pictures of windows for looking at them as a user would, without a window manager:
 //   tamrik_screens OUTDIR [FILE.sl]
-// writes main.png (the main window with the project), splash.png and about.png.
+// writes main.png (the main window with the project), splash.png, about.png and, with a project,
+// editor.png (the row editor on its first requirement).
 // Run with QT_SCALE_FACTOR=2 to see the high-resolution look.
 #include "peripherals/Dialog1.h"
+#include "documents/Form2.h"
+#include "documents/Form5.h"
 #include "documents/ProjectWindow.h"
+#include "lists/ListModel.h"
+#include "lists/ui/ListView.h"
 #include "platform/ui/Icons.h"
 #include "shell/MDIForm1.h"
 #include "shell/frmSplash.h"
@@ -32,6 +37,24 @@ int main(int argc, char** argv) {
     about.show();
     QApplication::processEvents();
     about.grab().save(out.filePath(QStringLiteral("about.png")));
+    if (args.size() > 2) {
+        main.ToolbarMenuActions(QStringLiteral("Rulers"));
+        if (documents::Form2* f2 = main.ParseFormIndeces().f2) {
+            lists::ListView* requirements = f2->ListView1[1];
+            requirements->list()->selectOnly(2);
+            QApplication::setActiveWindow(&main);
+            requirements->setFocus();
+            QApplication::processEvents();
+            // The editor is modal: grab it once it is up, then close it.
+            QTimer::singleShot(300, [&out] {
+                if (QWidget* modal = QApplication::activeModalWidget()) {
+                    modal->grab().save(out.filePath(QStringLiteral("editor.png")));
+                    modal->close();
+                }
+            });
+            main.EditMenuClick(0);
+        }
+    }
     main.appState().settings.SaveSettingsOnExit = false;
     for (auto* w : main.projectWindows())
         main.FormUntouch(w);

@@ -65,6 +65,11 @@ void MDIForm1::showBaseList(int slot) {
 }
 
 void MDIForm1::baseListEditAction(lists::BaseListWindow* window, int index) {
+    // "Siirry..." of a base list window: the heading index of its own list.
+    if (index == 11) {
+        ShowBaseListIndex(*this, window);
+        return;
+    }
     listMenuAction(*this, window->view(), index);
 }
 

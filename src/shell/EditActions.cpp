@@ -25,49 +25,6 @@ namespace shell {
 
 namespace {
 
-// Cut 0, copy 1, paste 2, delete 3 on a text box, drop-down, rich-text box or the list edit
-// box. A locked control allows copying only.
-void CutCopyPasteDelSelection(QWidget* focus, int operation) {
-    if (auto* combo = qobject_cast<QComboBox*>(focus)) focus = combo->lineEdit();
-    if (auto* line = qobject_cast<QLineEdit*>(focus)) {
-        const bool locked = line->isReadOnly();
-        if (operation == 1) line->copy();
-        if (locked) return;
-        if (operation == 0) line->cut();
-        if (operation == 2) line->paste();
-        // Delete removes the selection; with nothing selected it does nothing.
-        if (operation == 3 && line->hasSelectedText()) line->del();
-    } else if (auto* plain = qobject_cast<QPlainTextEdit*>(focus)) {
-        if (operation == 1) plain->copy();
-        if (plain->isReadOnly()) return;
-        if (operation == 0) plain->cut();
-        if (operation == 2) plain->paste();
-        if (operation == 3) plain->textCursor().removeSelectedText();
-    } else if (auto* rich = qobject_cast<QTextEdit*>(focus)) {
-        if (operation == 1) rich->copy();
-        if (rich->isReadOnly()) return;
-        if (operation == 0) rich->cut();
-        if (operation == 2) rich->paste();
-        if (operation == 3) rich->textCursor().removeSelectedText();
-    }
-}
-
-void selectAllText(QWidget* focus) {
-    if (auto* combo = qobject_cast<QComboBox*>(focus)) focus = combo->lineEdit();
-    if (auto* line = qobject_cast<QLineEdit*>(focus))
-        line->selectAll();
-    else if (auto* plain = qobject_cast<QPlainTextEdit*>(focus))
-        plain->selectAll();
-    else if (auto* rich = qobject_cast<QTextEdit*>(focus))
-        rich->selectAll();
-}
-
-template <typename T> T* ancestor(QWidget* w) {
-    for (; w; w = w->parentWidget())
-        if (auto* t = qobject_cast<T*>(w)) return t;
-    return nullptr;
-}
-
 // The list that has the focus, unless its in-place edit box has it (that is a text control).
 lists::ListView* focusedList(QWidget* focus) {
     lists::ListView* view = ancestor<lists::ListView>(focus);
@@ -86,16 +43,19 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
     // While a cell is being edited, the text items act on the edit box, not on whole rows.
     if (editor->isEditing()) {
         if (index >= 6 && index <= 9) {
-            CutCopyPasteDelSelection(editor->editBox(), index - 6);
+            documents::CutCopyPasteDelSelection(editor->editBox(), index - 6);
             return;
         }
         if (index == 13) {
-            selectAllText(editor->editBox());
+            documents::SelectAllText(editor->editBox());
             return;
         }
     }
     {
         switch (index) {
+            case 0:
+                ShowListViewEditor(main, view);
+                return;
             case 1: {
                 // Only the two lists of the detailed data window have base lists of their own.
                 if (!ancestor<documents::Form2>(view)) return;
@@ -124,6 +84,9 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
             case 8:
                 editor->paste();
                 return;
+            case 11:
+                ShowIndex(main, 0);
+                return;
             case 13:
                 list->selectAll();
                 return;
@@ -145,14 +108,29 @@ void editMenuAction(MDIForm1& main, int index) {
         return;
     }
     switch (index) {
+        case 0:
+            // The shown document of the detailed data window opens in the text editor.
+            if (activeRichTextBox(main)) ShowTextEditor(main, 1);
+            break;
+        case 1:
+            if (QTextEdit* text = activeRichTextBox(main)) {
+                if (text->property("tag").toString() == QStringLiteral("Urakan laatusuunnitelma"))
+                    ShowTextEditor(main, 8);
+                else
+                    ShowIndex(main, 1);
+            }
+            break;
         case 6:
         case 7:
         case 8:
         case 9:
-            CutCopyPasteDelSelection(focus, index - 6);
+            documents::CutCopyPasteDelSelection(focus, index - 6);
+            break;
+        case 11:
+            ShowIndex(main, 0);
             break;
         case 13:
-            selectAllText(focus);
+            documents::SelectAllText(focus);
             break;
         default:
             break;

@@ -1,7 +1,6 @@
 #include "shell/Form8.h"
 
 #include "documents/Controls.h"
-#include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
@@ -198,14 +197,8 @@ void Form8::changeFont() {
 }
 
 void Form8::chooseLogo() {
-    AppState& state = m_main.appState();
-    const QString file = platform::ShowCommonDialog(1, QStringLiteral(".wmf"), false, state.dialog);
-    if (!file.isEmpty()) {
-        state.CurrentFileName = file;
-        state.settings.PLogoFile = file;
-        LoadLogo(m_main);
-    }
-    Text1[5]->setText(state.settings.PLogoFile);
+    showImageViewer(m_main, 1, QString(), this);
+    Text1[5]->setText(m_main.appState().settings.PLogoFile);
 }
 
 void Form8::restoreDefaults() {

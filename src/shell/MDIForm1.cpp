@@ -210,6 +210,14 @@ void MDIForm1::createMenus() {
                 [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
     connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
     connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
+    // "Teksti&editori" opens the shown document of the detailed data window; the summary needs
+    // only an active project.
+    connect(Submenu3[9], &QAction::triggered, this, [this] {
+        if (qobject_cast<documents::Form2*>(activeWindow())) ShowTextEditor(*this, 1);
+    });
+    connect(Submenu3[10], &QAction::triggered, this, [this] {
+        if (activeWindow()) ShowTextEditor(*this, 100);
+    });
 
     for (const QString& c :
          {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
@@ -522,8 +530,10 @@ void MDIForm1::FileMenuActions(int index) {
             UnloadActiveProject();
             break;
         case 7:
+            // Printing is not part of this build; its items stay disabled.
+            break;
         case 8:
-            // Printing and e-mail are not part of this build; their items stay disabled.
+            showMailDialog(*this);
             break;
         case 13:
         case 14:
@@ -910,7 +920,7 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     m_state.Loading = true;
     w->prepareNewProject();
     m_state.Loading = wasLoading;
-    disablePictureButtons(w);
+    connectPictureButtons(*this, w);
     EnableControlsPage(*this, w, true);
     return w;
 }

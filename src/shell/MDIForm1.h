@@ -32,6 +32,7 @@ class Form1;
 class Form2;
 class Form3;
 class Form4;
+class Form5;
 } // namespace documents
 
 namespace lists {
@@ -76,6 +77,13 @@ public:
     void contentChanged(QWidget* window) override;
     void listFocused(lists::ListView* view) override;
     void computeCardFigures(QWidget* card) override;
+    documents::Form1* basicDataWindowOf(QWidget* window) override;
+    documents::Form2* detailedDataWindowOf(QWidget* window) override;
+    void openFile(const QString& target) override;
+    void showHelp(int context, QWidget* from) override;
+    void restoreWindowPosition(int slot, QWidget* window) override;
+    void storeWindowPosition(int slot, QWidget* window) override;
+    QIcon toolIcon(const QString& key) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
 
@@ -106,6 +114,8 @@ public:
     // The two base list windows; they live from start-up to shutdown.
     lists::BaseListWindow* Form6 = nullptr;
     lists::BaseListWindow* Form7 = nullptr;
+    // The list row editor, made when first needed; it keeps its place between uses.
+    documents::Form5* Form5 = nullptr;
 
     // Dispatchers.
     void FileMenuActions(int index);

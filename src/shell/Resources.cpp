@@ -1,6 +1,4 @@
 // Start-up resources: toolbar pictures, the print logo and the office lines.
-#include "documents/Form3.h"
-#include "documents/Form4.h"
 #include "platform/TextFile.h"
 #include "platform/ui/Icons.h"
 #include "shell/MDIForm1.h"
@@ -10,11 +8,24 @@
 #include <QApplication>
 #include <QMenu>
 #include <QPushButton>
+#include <map>
 
 namespace shell {
 
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
     return platform::toolIcon(key, fallback);
+}
+
+QIcon shellToolIcon(const QString& key) {
+    // Our own pictures, under file names without spaces; a clone is a copy of the row.
+    static const std::map<QString, QString> drawn = {
+        {QStringLiteral("Dublicate"), QStringLiteral("Copy")},
+        {QStringLiteral("Check and browse next"), QStringLiteral("CheckNext")},
+        {QStringLiteral("New to end"), QStringLiteral("NewToEnd")},
+        {QStringLiteral("Update and browse next"), QStringLiteral("UpdateNext")},
+    };
+    const auto own = drawn.find(key);
+    return toolbarIcon(own != drawn.end() ? own->second : key, QStyle::SP_CustomBase);
 }
 
 void LoadLogo(MDIForm1& main) {
@@ -36,25 +47,11 @@ void readOfficeRows(AppState& state) {
         state.OfficeRows[i] = lines[i];
 }
 
-void disablePictureButtons(documents::ProjectWindow* window) {
-    // The picture buttons of the cards open the image viewer, which is not part of this build.
-    if (auto* card = qobject_cast<documents::Form3*>(window))
-        for (QPushButton* b : card->Command2) b->setEnabled(false);
-    if (auto* charge = qobject_cast<documents::Form4*>(window))
-        for (QPushButton* b : charge->Command1) b->setEnabled(false);
-}
-
 void applyAvailability(MDIForm1& main) {
-    // Printing, e-mail, the row editor, the text editor and the heading index are not part
-    // of this build: their items stay disabled so that nothing looks like it does something.
+    // Printing is not part of this build: its items stay disabled so that nothing looks like
+    // it does something.
     main.SubMenu0[7]->setEnabled(false);
-    main.SubMenu0[8]->setEnabled(false);
     main.toolbarButtons[QStringLiteral("Print")]->setEnabled(false);
-    main.toolbarButtons[QStringLiteral("Find")]->setEnabled(false);
-    main.SubMenu2[0]->setEnabled(false);
-    main.SubMenu2[11]->setEnabled(false);
-    main.Submenu3[9]->setEnabled(false);
-    main.Submenu3[10]->setEnabled(false);
 }
 
 } // namespace shell

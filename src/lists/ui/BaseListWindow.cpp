@@ -186,10 +186,8 @@ void BaseListWindow::createMenus() {
     SubMenu1[12]->setShortcut(QKeySequence(Qt::Key_Delete));
     for (QAction* a : SubMenu1)
         a->setShortcutContext(Qt::WindowShortcut);
-    // The row editor, the lists of a project and the heading index are not part of this build.
-    SubMenu1[3]->setEnabled(false);
+    // "Lisää luettelosta" has no base list of its own to offer here.
     SubMenu1[4]->setEnabled(false);
-    SubMenu1[14]->setEnabled(false);
 }
 
 QString BaseListWindow::extension() const {
@@ -328,6 +326,9 @@ void BaseListWindow::editMenuClick(int index) {
             m_host.baseListEditAction(this, dispatch[index]);
             return;
         }
+        case 14:
+            m_host.baseListEditAction(this, 11);
+            return;
         case 16:
             if (const ListEditor* editor = ListEditor::of(ListView1); editor && editor->isEditing()) {
                 m_host.baseListEditAction(this, 13);
