@@ -7,7 +7,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QMenu>
-#include <QPushButton>
 #include <map>
 
 namespace shell {
@@ -45,13 +44,6 @@ void readOfficeRows(AppState& state) {
     if (!platform::readTextLines(state.AppPath + QStringLiteral("Tamrik2000_office.txt"), lines)) return;
     for (int i = 0; i < 4 && i < lines.size(); ++i)
         state.OfficeRows[i] = lines[i];
-}
-
-void applyAvailability(MDIForm1& main) {
-    // Printing is not part of this build: its items stay disabled so that nothing looks like
-    // it does something.
-    main.SubMenu0[7]->setEnabled(false);
-    main.toolbarButtons[QStringLiteral("Print")]->setEnabled(false);
 }
 
 } // namespace shell
