@@ -50,11 +50,10 @@ inline bool writeZip(const QString& path, const Members& members) {
         gsf_output_close(child);
         g_object_unref(child);
     }
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        gsf_output_close(GSF_OUTPUT(*it));
-        g_object_unref(*it);
-    }
+    // Closing the archive closes its folders.
     gsf_output_close(GSF_OUTPUT(zip));
+    for (auto it = order.rbegin(); it != order.rend(); ++it)
+        g_object_unref(*it);
     g_object_unref(zip);
     gsf_output_close(sink);
     g_object_unref(sink);

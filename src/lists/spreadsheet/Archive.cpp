@@ -58,7 +58,14 @@ Archive::~Archive() = default;
 
 std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, Kind kind, QString* error) {
     static std::once_flag once;
-    std::call_once(once, [] { gsf_init(); });
+    std::call_once(once, [] {
+        gsf_init();
+        // A damaged file makes libgsf log what it found; the reader reports the failure itself.
+        for (const char* domain : {"libgsf", "libgsf:msole", "libgsf:zip"})
+            g_log_set_handler(
+                domain, GLogLevelFlags(G_LOG_LEVEL_MASK),
+                [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+    });
     auto handles = std::make_unique<Handles>();
     handles->source.reset(
         gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.constData()), bytes.size(), FALSE));
