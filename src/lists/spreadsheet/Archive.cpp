@@ -121,6 +121,7 @@ bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
     }
     // Read in pieces, so that a size that promises more than the data holds fails on the way.
     QByteArray data;
+    data.reserve(static_cast<qsizetype>(std::min<gsf_off_t>(size, 64 << 20)));
     constexpr gsf_off_t kPiece = 1 << 16;
     for (gsf_off_t done = 0; done < size;) {
         const gsf_off_t piece = std::min(kPiece, size - done);
