@@ -46,7 +46,8 @@ int costs(const QString& fileName) {
     inputs.costIndex = combo(10);
     inputs.generalPercent = combo(11);
     inputs.vatPercent = combo(12);
-    auto list = persist::ListFromRecord(project.content.windows[1].lists[0], lists::kind::QuantityList);
+    auto list =
+        persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
     print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
     return 0;
 }
@@ -55,7 +56,8 @@ int summary(const QString& fileName) {
     persist::ProjectFile project;
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
-    auto list = persist::ListFromRecord(project.content.windows[1].lists[1], lists::kind::Requirements);
+    auto list =
+        persist::ListFromRecord(persist::RecordList(project.content, 1, 1), lists::kind::Requirements);
     const calc::QualityRecord record = calc::CalculateQualityIndex(*list);
     QString text =
         calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());

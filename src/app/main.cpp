@@ -45,8 +45,8 @@ int main(int argc, char** argv) {
 
     QApplication::setWindowIcon(shell::applicationIcon());
     shell::MDIForm1 main;
-    main.show();
     main.startUp(!smoke);
+    if (smoke) main.show();
     if (!file.isEmpty()) main.openFromCommandLine(file);
     if (smoke) {
         // A smoke run leaves the user's settings as they were.

@@ -39,8 +39,9 @@ QString padRight(const QString& text, int width) {
 // One line of the type table: count, checked, checked per cent (blank without requirements)
 // and not checked.
 QString typeLine(const QString& label, int count, int checked) {
-    const QString percent = count == 0 ? QString(7, QLatin1Char(' '))
-                                       : padLeft(QString::number(RoundHalfEven(100.0 * checked / count)), 7);
+    const QString percent =
+        count == 0 ? QString(7, QLatin1Char(' '))
+                   : padLeft(QString::number(RoundHalfEven(static_cast<double>(checked) / count * 100)), 7);
     return label + padLeft(QString::number(count), 8) + padLeft(QString::number(checked), 6) + percent +
            padLeft(QString::number(count - checked), 10);
 }

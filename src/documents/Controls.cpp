@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -29,6 +30,49 @@ void ReturnControl(QWidget* control) {
     QWidget* target = control->focusProxy() ? control->focusProxy() : control;
     QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
     QApplication::sendEvent(target, &tab);
+}
+
+namespace {
+// The widget that holds the text of a control.
+QWidget* textWidget(QWidget* control) {
+    if (auto* box = qobject_cast<TextBox*>(control)) return box->editor();
+    if (auto* combo = qobject_cast<QComboBox*>(control)) return combo->lineEdit();
+    return control;
+}
+} // namespace
+
+void CutCopyPasteDelSelection(QWidget* control, int operation) {
+    QWidget* w = textWidget(control);
+    if (auto* line = qobject_cast<QLineEdit*>(w)) {
+        if (operation == 1) line->copy();
+        if (line->isReadOnly()) return;
+        if (operation == 0) line->cut();
+        if (operation == 2) line->paste();
+        // Delete removes the selection; with nothing selected it does nothing.
+        if (operation == 3 && line->hasSelectedText()) line->del();
+    } else if (auto* plain = qobject_cast<QPlainTextEdit*>(w)) {
+        if (operation == 1) plain->copy();
+        if (plain->isReadOnly()) return;
+        if (operation == 0) plain->cut();
+        if (operation == 2) plain->paste();
+        if (operation == 3) plain->textCursor().removeSelectedText();
+    } else if (auto* rich = qobject_cast<QTextEdit*>(w)) {
+        if (operation == 1) rich->copy();
+        if (rich->isReadOnly()) return;
+        if (operation == 0) rich->cut();
+        if (operation == 2) rich->paste();
+        if (operation == 3) rich->textCursor().removeSelectedText();
+    }
+}
+
+void SelectAllText(QWidget* control) {
+    QWidget* w = textWidget(control);
+    if (auto* line = qobject_cast<QLineEdit*>(w))
+        line->selectAll();
+    else if (auto* plain = qobject_cast<QPlainTextEdit*>(w))
+        plain->selectAll();
+    else if (auto* rich = qobject_cast<QTextEdit*>(w))
+        rich->selectAll();
 }
 
 void applyFieldLook(QWidget* w, bool readOnly) {

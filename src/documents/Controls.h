@@ -74,6 +74,12 @@ private:
 // Enter in a single-line box or a drop-down moves the focus on to the next control, as Tab.
 void ReturnControl(QWidget* control);
 
+// Cut 0, copy 1, paste 2, delete 3 on the selection of a text box, drop-down, rich-text box or
+// line edit (the list edit box among them). A read-only control allows copying only.
+void CutCopyPasteDelSelection(QWidget* control, int operation);
+// Selects the whole text of such a control.
+void SelectAllText(QWidget* control);
+
 // Palettes of the two looks of a field.
 void applyFieldLook(QWidget* w, bool readOnly);
 

@@ -3,6 +3,8 @@
 // shared procedures it calls when its content changes or a list gets the focus.
 #include "shell/AppState.h"
 
+#include <QIcon>
+
 class QPoint;
 class QWidget;
 
@@ -12,6 +14,9 @@ class ListEditHost;
 } // namespace lists
 
 namespace documents {
+
+class Form1;
+class Form2;
 
 class DocumentHost {
 public:
@@ -28,6 +33,22 @@ public:
     // "Las&ke tunnusluvut" of a characteristics card: computes its grey fields from the
     // project's basic data and quantity list.
     virtual void computeCardFigures(QWidget* card) {}
+
+    // The basic data and the detailed data window of the project that `window` (a project
+    // window or one of its lists) belongs to; for any other window those of the active project.
+    // Null when there is none.
+    virtual Form1* basicDataWindowOf(QWidget* window) { return nullptr; }
+    virtual Form2* detailedDataWindowOf(QWidget* window) { return nullptr; }
+    // Opens a file with its associated program, telling the user when that fails.
+    virtual void openFile(const QString& target) {}
+    // The user's guide at a topic, over `from` (a modal window keeps it usable).
+    virtual void showHelp(int context, QWidget* from) {}
+    // The window-position table: a tool window takes its slot's position when it opens and
+    // leaves its own there when it closes.
+    virtual void restoreWindowPosition(int slot, QWidget* window) {}
+    virtual void storeWindowPosition(int slot, QWidget* window) {}
+    // The picture of a toolbar button, by its key ("Cut", "Copy", "Find", ...).
+    virtual QIcon toolIcon(const QString& key) { return {}; }
 };
 
 } // namespace documents

@@ -4,8 +4,8 @@
 #include "documents/DocumentHost.h"
 #include "documents/FormLayout.h"
 #include "documents/NewWindow.h"
-#include "lists/ListView.h"
-#include "platform/PictureBox.h"
+#include "lists/ui/ListView.h"
+#include "platform/ui/PictureBox.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

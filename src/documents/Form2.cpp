@@ -6,7 +6,8 @@
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ListProcedures.h"
+#include "lists/ui/ListView.h"
 
 #include <QCheckBox>
 #include <QDragEnterEvent>
@@ -167,6 +168,24 @@ void Form2::showDocument(int index) {
     replaceDocument(this, RichTextBox1[0], RichTextBox1[index + 1]->document());
     RichTextBox1[0]->setProperty("tag", documentName(index));
     Label1[2]->setText(documentName(index));
+}
+
+void Form2::replaceShownDocument(const QTextDocument& document) {
+    const int cursor = RichTextBox1[0]->textCursor().position();
+    {
+        const QSignalBlocker block(RichTextBox1[0]);
+        replaceDocument(this, RichTextBox1[0], &document);
+    }
+    QTextCursor c(RichTextBox1[0]->document());
+    c.setPosition(std::min(cursor, RichTextBox1[0]->document()->characterCount() - 1));
+    RichTextBox1[0]->setTextCursor(c);
+    m_host.contentChanged(this);
+}
+
+bool Form2::FormatListView() {
+    lists::ListModel* quantities = list(0);
+    if (!quantities) return false;
+    return lists::FormatListView(*quantities, 1, 0, m_host.appState().settings.BlankLines);
 }
 
 void Form2::switchDocument(int oldIndex, int newIndex) {

@@ -35,6 +35,12 @@ public:
     void setStoredDocument(int index, const QTextDocument& document);
     // Copies the visible box into the holder of the shown document.
     void StoreRichTextDocument();
+    // Replaces the shown document with a copy of another one (the text editor writing back);
+    // the project is marked changed.
+    void replaceShownDocument(const QTextDocument& document);
+    // Formats the blank rows of the quantity list with the program's blank-row settings.
+    // Returns whether rows changed.
+    bool FormatListView();
     // The index (0..2) of the document shown, from the visible box's tag.
     int shownDocument() const;
 

@@ -4,7 +4,7 @@
 #include "documents/DocumentHost.h"
 #include "documents/FormLayout.h"
 #include "documents/NewWindow.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

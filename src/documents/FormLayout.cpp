@@ -2,8 +2,8 @@
 
 #include "documents/Controls.h"
 #include "documents/ProjectWindow.h"
-#include "lists/ListView.h"
-#include "platform/PictureBox.h"
+#include "lists/ui/ListView.h"
+#include "platform/ui/PictureBox.h"
 
 #include <QFrame>
 #include <QGridLayout>

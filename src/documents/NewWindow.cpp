@@ -4,7 +4,7 @@
 #include "documents/DocumentHost.h"
 #include "documents/ProjectWindow.h"
 #include "lists/ListFiles.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 
 #include <QHeaderView>

@@ -2,9 +2,10 @@
 
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
+#include "lists/ListFiles.h"
 #include "lists/ListModel.h"
-#include "lists/ListEditor.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListEditor.h"
+#include "lists/ui/ListView.h"
 #include "persist/WindowRecord.h"
 
 #include <QCloseEvent>
@@ -86,29 +87,42 @@ persist::WindowRecord ProjectWindow::toRecord() const {
 }
 
 void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
-    for (int i = 0; i < static_cast<int>(Text1.size()); ++i)
-        if (Text1[i]) Text1[i]->setText(i < record.texts.size() ? record.texts[i] : QString());
-    for (int i = 0; i < static_cast<int>(Combo1.size()); ++i)
-        if (Combo1[i]) Combo1[i]->setText(i < record.combos.size() ? record.combos[i] : QString());
-    for (int j = 0; j < static_cast<int>(ListView1.size()); ++j) {
+    // Only the controls the record has values for change: an older or shorter record leaves
+    // the others (a new project's defaults) as they are.
+    const int texts = std::min(static_cast<int>(Text1.size()), static_cast<int>(record.texts.size()));
+    for (int i = 0; i < texts; ++i)
+        if (Text1[i]) Text1[i]->setText(record.texts[i]);
+    const int combos = std::min(static_cast<int>(Combo1.size()), static_cast<int>(record.combos.size()));
+    for (int i = 0; i < combos; ++i)
+        if (Combo1[i]) Combo1[i]->setText(record.combos[i]);
+    const int lists = std::min(static_cast<int>(ListView1.size()), static_cast<int>(record.lists.size()));
+    for (int j = 0; j < lists; ++j) {
         lists::ListModel* m = list(j);
         if (!m) continue;
-        std::vector<lists::Row> rows;
-        if (j < static_cast<int>(record.lists.size())) {
-            const persist::ListRecord& src = record.lists[j];
-            const int keep = std::min(src.columns, m->lastDataCol());
-            rows.reserve(src.rows.size());
-            long long number = 0;
-            for (const QStringList& cells : src.rows) {
-                lists::Row row;
-                row.cells = cells.mid(0, keep);
-                while (row.cells.size() < m->lastDataCol())
-                    row.cells.append(QString());
-                row.cells.append(lists::formatRowNumber(++number));
-                rows.push_back(std::move(row));
-            }
+        const persist::ListRecord& src = record.lists[j];
+        // A list whose template was missing has no columns: it takes the record's, so that
+        // no cell is dropped and the next save writes the list back whole.
+        std::vector<lists::Column> columns = m->columns();
+        if (columns.empty() && src.columns > 0) {
+            QStringList headers;
+            for (int c = 1; c <= src.columns; ++c)
+                headers << QStringLiteral("Sarake %1").arg(c);
+            columns = lists::columnsForHeaders(headers);
         }
-        m->reset(m->columns(), std::move(rows));
+        const int dataCols = columns.empty() ? 0 : static_cast<int>(columns.size()) - 1;
+        const int keep = std::min(src.columns, dataCols);
+        std::vector<lists::Row> rows;
+        rows.reserve(src.rows.size());
+        long long number = 0;
+        for (const QStringList& cells : src.rows) {
+            lists::Row row;
+            row.cells = cells.mid(0, keep);
+            while (row.cells.size() < dataCols)
+                row.cells.append(QString());
+            row.cells.append(lists::formatRowNumber(++number));
+            rows.push_back(std::move(row));
+        }
+        m->reset(std::move(columns), std::move(rows));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "platform/Dialogs.h"
 #include "platform/TextFile.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace lists {
@@ -60,25 +61,64 @@ QString ParseString(const QString& line, int field, const QString& separator) {
     return line.mid(start, end < 0 ? -1 : end - start);
 }
 
+FileContent recogniseFile(const QByteArray& bytes) {
+    static const QByteArray zip("PK\x03\x04");
+    static const QByteArray emptyZip("PK\x05\x06");
+    static const QByteArray ole("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
+    if (bytes.startsWith(zip) || bytes.startsWith(emptyZip) || bytes.startsWith(ole))
+        return FileContent::Spreadsheet;
+    if (!bytes.contains('\0')) return FileContent::Text;
+    // A project: seven five-byte member entries, the text member's type 0, then CR LF.
+    if (bytes.size() >= 37 && bytes[4] == '\0' && bytes[35] == '\r' && bytes[36] == '\n')
+        return FileContent::Project;
+    return FileContent::Binary;
+}
+
+FileContent recogniseFile(const QString& fileName) {
+    QFile f(fileName);
+    if (!f.open(QIODevice::ReadOnly)) return FileContent::Text;
+    return recogniseFile(f.read(64 * 1024));
+}
+
 ReadStatus ReadListFile(const QString& fileName, const QString& separator, ListFileContent& content,
                         QString* error, const TextMeasure& measure) {
+    auto failed = [&](const QString& message) {
+        if (error) *error = message;
+        return ReadStatus::Failed;
+    };
     if (!QFileInfo(fileName).isFile()) {
         if (error) *error = QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei löydy.");
         return ReadStatus::Missing;
     }
-    QStringList lines;
+    QByteArray bytes;
     QString readError;
-    if (!platform::readTextLines(fileName, lines, &readError)) {
-        if (error) *error = readError;
-        return ReadStatus::Failed;
+    if (!platform::readFileBytes(fileName, bytes, &readError)) return failed(readError);
+    switch (recogniseFile(bytes)) {
+        case FileContent::Text:
+            break;
+        case FileContent::Spreadsheet:
+            return failed(QStringLiteral("Tiedosto ") + fileName +
+                          QStringLiteral(" on taulukkolaskentatiedosto, ei luettelotiedosto. Tuo se "
+                                         "luetteloon kohdasta \"Tuo...\"."));
+        case FileContent::Project:
+            return failed(QStringLiteral("Tiedosto ") + fileName +
+                          QStringLiteral(" on TAMRIK-projekti, ei luettelotiedosto. Avaa se "
+                                         "päävalikon kohdasta \"Tiedosto - Avaa...\"."));
+        case FileContent::Binary:
+            return failed(QStringLiteral("Tiedosto ") + fileName +
+                          QStringLiteral(" ei ole luettelotiedosto: siinä on merkkejä, joita "
+                                         "tekstitiedostossa ei ole."));
     }
-    if (lines.isEmpty()) {
-        if (error)
-            *error = QStringLiteral("Tiedostossa: ") + fileName + QStringLiteral(" ei ole otsikkoriviä.");
-        return ReadStatus::Failed;
-    }
+    const QStringList lines = platform::splitLines(platform::decodeText(bytes));
+    if (lines.isEmpty())
+        return failed(QStringLiteral("Tiedostossa: ") + fileName + QStringLiteral(" ei ole otsikkoriviä."));
+    const int n = separator.isEmpty() ? 1 : CalculateCols(lines.first(), separator);
+    if (n > kMaxListColumns)
+        return failed(QStringLiteral("Tiedostossa ") + fileName +
+                      QStringLiteral(" on %1 saraketta. Luettelossa voi olla enintään %2 saraketta.")
+                          .arg(n)
+                          .arg(kMaxListColumns));
     const QStringList headers = splitFields(lines.first(), separator);
-    const int n = static_cast<int>(headers.size());
     std::vector<Column> columns = columnsForHeaders(headers, measure);
 
     std::vector<Row> rows(lines.size() - 1);

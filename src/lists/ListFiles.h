@@ -34,9 +34,22 @@ struct ListFileContent {
     std::vector<Column> columns; // the header fields, then "Rivi"
     std::vector<Row> rows;       // numbered 00001, 00002, ... in file order
 };
+// What a file holds, told from its first bytes before it is read as a list: a spreadsheet
+// (a ZIP package or an OLE compound file), a TAMRIK project, other binary data (NUL bytes),
+// or text.
+enum class FileContent { Text, Spreadsheet, Project, Binary };
+FileContent recogniseFile(const QByteArray& bytes);
+// The same for a file on disk (its first 64 kB); Text when it cannot be read.
+FileContent recogniseFile(const QString& fileName);
+
+// The most columns a list file may have; a list has a few dozen.
+constexpr int kMaxListColumns = 256;
+
 enum class ReadStatus { Ok, Missing, Failed };
-// Reads a list text file. On failure `error` holds the message to show: "Tiedostoa: " + name +
-// " ei löydy." for a missing file, the system's description for other errors.
+// Reads a list text file (Windows-1252, or UTF-8 as decodeText tells). A spreadsheet, a
+// project or a binary file is refused, and so is a header of more than kMaxListColumns fields.
+// On failure `error` holds the message to show: "Tiedostoa: " + name + " ei löydy." for a
+// missing file, the system's description for other errors.
 ReadStatus ReadListFile(const QString& fileName, const QString& separator, ListFileContent& content,
                         QString* error = nullptr, const TextMeasure& measure = {});
 

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTextBrowser>
+#include <QAction>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -35,6 +36,10 @@ HelpViewer::HelpViewer(QWidget* parent)
     connect(m_browser, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
     layout->addWidget(bar);
     layout->addWidget(m_browser);
+    auto* close = new QAction(this);
+    close->setShortcut(QKeySequence(Qt::Key_Escape));
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    addAction(close);
 }
 
 bool HelpViewer::showTopic(const QString& helpFile, int context) {

@@ -21,12 +21,15 @@ bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, Q
     QString folder = QFileInfo(fileName).absolutePath();
     if (!folder.endsWith(QLatin1Char('/'))) folder += QLatin1Char('/');
     if (!ReadProjectText(file.members[0].data, folder, file.content, error)) return false;
-    if (file.content.windows[1].lists.size() < 2 && error) {
-        *error = QStringLiteral("yksityiskohtaisten tietojen luettelot puuttuvat");
-        return false;
-    }
     out = std::move(file);
     return true;
+}
+
+const ListRecord& RecordList(const ProjectContent& content, int window, int j) {
+    static const ListRecord none;
+    if (window < 0 || window >= static_cast<int>(content.windows.size())) return none;
+    const std::vector<ListRecord>& lists = content.windows[window].lists;
+    return j >= 0 && j < static_cast<int>(lists.size()) ? lists[j] : none;
 }
 
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind) {

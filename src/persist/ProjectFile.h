@@ -23,6 +23,10 @@ bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, Q
 
 // A list made from a list record, for model code that needs no window: the stored columns
 // with empty headers, then "Rivi" with the row numbers 00001, 00002, ...
+// List j of window record `window` (0 basic data, 1 detailed data, ...); an empty list when an
+// older or shorter record does not have it.
+const ListRecord& RecordList(const ProjectContent& content, int window, int j);
+
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind);
 
 // The files the requirement list refers to (columns 13 and 14 holding a folder), each once.

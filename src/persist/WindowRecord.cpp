@@ -46,6 +46,13 @@ RecordReader::RecordReader(QByteArray bytes, qsizetype start)
     : m_bytes(std::move(bytes))
     , m_pos(start) {}
 
+bool RecordReader::failAt(const QString& what) {
+    --m_line; // the line just read
+    fail(what);
+    ++m_line;
+    return false;
+}
+
 bool RecordReader::fail(const QString& what) {
     if (m_error.isEmpty()) m_error = QStringLiteral("rivi %1: %2").arg(m_line).arg(what);
     return false;
@@ -187,7 +194,13 @@ bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& dir
         ListRecord list;
         int rows = 0;
         if (!in.pair(rows, list.columns, 100000000, 10000)) return false;
-        list.rows.reserve(std::min(rows, 1000000));
+        // Every value takes at least its count line ("0" and CR LF), so a row count that the
+        // bytes left cannot hold is damage, not a list. Rows without columns carry nothing
+        // and are not kept.
+        if (list.columns > 0 && rows > in.bytesLeft() / (3 * static_cast<qsizetype>(list.columns)))
+            return in.failAt(QStringLiteral("rivimäärä %1 ei mahdu tiedostoon").arg(rows));
+        if (list.columns == 0) rows = 0;
+        list.rows.reserve(rows);
         for (int k = 0; k < rows; ++k) {
             QStringList row;
             row.reserve(list.columns);

@@ -50,6 +50,9 @@ public:
     QString error() const { return m_error; }
     int lineNumber() const { return m_line; }
     qsizetype offset() const { return m_pos; }
+    qsizetype bytesLeft() const { return m_bytes.size() - m_pos; }
+    // Fails with a message about the line read last.
+    bool failAt(const QString& what);
 
 private:
     bool fail(const QString& what);

@@ -25,8 +25,11 @@ QString filterForExtension(const QString& extension, bool save) {
                QStringLiteral(";*.xlsx|OpenDocument-laskentataulukot (*.ods)|*.ods");
     }
     if (e == QLatin1String(".wmf"))
+        // The picture loader reads these others as well (they are stored as bitmaps).
         return QStringLiteral(
-            "Metatiedosto (*.wmf, *.emf)|*.wmf;*.emf|Bittigrafiikka (*.bmp, *.jpg, *.gif )|*.bmp;*.jpg;*.gif");
+                   "Metatiedosto (*.wmf, *.emf)|*.wmf;*.emf|Bittigrafiikka (*.bmp, *.jpg, *.gif )|*.bmp;*.jpg;*.gif") +
+               QStringLiteral(
+                   "|Muut kuvat (*.png, *.jpeg, *.ico)|*.png;*.jpeg;*.ico|Kaikki tiedostot (*.*)|*.*");
     if (e == QLatin1String(".rtf")) return QStringLiteral("Teksti (*.txt )|*.txt|Rikas teksi (*.rtf)|*.rtf|");
     if (e == QLatin1String(".*")) return QStringLiteral("Kaikki tiedostot (*.*)|*.*|Teksti (*.txt )|*.txt");
     return {};
@@ -60,6 +63,19 @@ QString ShowCommonDialog(int kind, const QString& extension, bool multiple, Comm
     for (const QString& f : chosen)
         result += QChar(0) + QFileInfo(f).fileName();
     return result;
+}
+
+int EvaluateNFiles(QString& files) {
+    if (files.isEmpty()) return 0;
+    const QStringList parts = files.split(QChar(0));
+    if (parts.size() == 1) return 1;
+    QString folder = parts.first();
+    if (!folder.endsWith(QLatin1Char('/')) && !folder.endsWith(QLatin1Char('\\'))) folder += QLatin1Char('/');
+    QStringList paths;
+    for (qsizetype i = 1; i < parts.size(); ++i)
+        paths << folder + parts[i];
+    files = paths.join(QChar(0));
+    return static_cast<int>(paths.size());
 }
 
 } // namespace platform

@@ -18,4 +18,9 @@ QString filterForExtension(const QString& extension, bool save);
 // names separated by NUL characters; a single file as its full path.
 QString ShowCommonDialog(int kind, const QString& extension, bool multiple, CommonDialogState& state);
 
+// The number of files in a file dialog's result. Several files, given as the folder and the
+// names separated by NUL characters, are rewritten as full paths separated by NUL characters;
+// a single path stays as it is. An empty result holds 0 files.
+int EvaluateNFiles(QString& files);
+
 } // namespace platform

@@ -1,127 +1,49 @@
 #include "platform/Dialogs.h"
 
-#include <QApplication>
-#include <QColorDialog>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QFontDialog>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QRegularExpression>
+#include <cstdio>
 
 namespace platform {
 
 namespace {
 
-QWidget* dialogParent() {
-    return QApplication::activeWindow();
-}
-
-QMessageBox::StandardButton toButton(MsgAnswer a) {
-    switch (a) {
-        case MsgAnswer::Yes:
-            return QMessageBox::Yes;
-        case MsgAnswer::No:
-            return QMessageBox::No;
-        case MsgAnswer::Cancel:
-            return QMessageBox::Cancel;
-        case MsgAnswer::Ok:
-            break;
-    }
-    return QMessageBox::Ok;
-}
-
-class QtDialogs final : public Dialogs {
+// Without windows (the command line, a program that has not set up its dialogs) a message goes
+// to standard error and every question is answered as if the user cancelled.
+class ConsoleDialogs final : public Dialogs {
 public:
     MsgAnswer message(const MessageRequest& r) override {
-        QMessageBox box(dialogParent());
-        box.setWindowTitle(r.title.isEmpty() ? applicationTitle() : r.title);
-        box.setText(QString(r.text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
-        switch (r.icon) {
-            case MsgIcon::None:
-                box.setIcon(QMessageBox::NoIcon);
-                break;
-            case MsgIcon::Information:
-                box.setIcon(QMessageBox::Information);
-                break;
-            case MsgIcon::Question:
-                box.setIcon(QMessageBox::Question);
-                break;
-            case MsgIcon::Exclamation:
-                box.setIcon(QMessageBox::Warning);
-                break;
-            case MsgIcon::Critical:
-                box.setIcon(QMessageBox::Critical);
-                break;
-        }
+        const QString text = QString(r.text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
         switch (r.buttons) {
             case MsgButtons::Ok:
-                box.setStandardButtons(QMessageBox::Ok);
-                break;
-            case MsgButtons::YesNo:
-                box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-                break;
-            case MsgButtons::YesNoCancel:
-                box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-                break;
-        }
-        box.setDefaultButton(toButton(r.defaultButton));
-        switch (box.exec()) {
-            case QMessageBox::Yes:
-                return MsgAnswer::Yes;
-            case QMessageBox::No:
-                return MsgAnswer::No;
-            case QMessageBox::Ok:
                 return MsgAnswer::Ok;
-            default:
+            case MsgButtons::YesNo:
+                return MsgAnswer::No;
+            case MsgButtons::YesNoCancel:
                 break;
         }
-        return r.buttons == MsgButtons::YesNo ? MsgAnswer::No : MsgAnswer::Cancel;
+        return MsgAnswer::Cancel;
     }
-
-    QStringList files(const FileRequest& r) override {
-        QFileDialog dlg(dialogParent());
-        dlg.setNameFilters(r.filters);
-        dlg.setDirectory(r.directory);
-        if (r.save) {
-            dlg.setAcceptMode(QFileDialog::AcceptSave);
-            dlg.setFileMode(QFileDialog::AnyFile);
-            if (!r.defaultSuffix.isEmpty()) dlg.setDefaultSuffix(r.defaultSuffix);
-        } else {
-            dlg.setAcceptMode(QFileDialog::AcceptOpen);
-            dlg.setFileMode(r.multiple ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
-        }
-        if (dlg.exec() != QDialog::Accepted) return {};
-        return dlg.selectedFiles();
-    }
-
-    std::optional<QFont> font(const QFont& initial) override {
-        bool ok = false;
-        QFont f = QFontDialog::getFont(&ok, initial, dialogParent());
-        if (!ok) return std::nullopt;
-        return f;
-    }
-
-    std::optional<QColor> color(const QColor& initial) override {
-        QColor c = QColorDialog::getColor(initial, dialogParent());
-        if (!c.isValid()) return std::nullopt;
-        return c;
-    }
+    QStringList files(const FileRequest&) override { return {}; }
+    std::optional<QFont> font(const QFont&) override { return std::nullopt; }
+    std::optional<QColor> color(const QColor&) override { return std::nullopt; }
 };
 
-QtDialogs& qtDialogs() {
-    static QtDialogs d;
-    return d;
-}
-
 Dialogs* g_installed = nullptr;
+Dialogs* g_default = nullptr;
 
 } // namespace
 
 Dialogs::~Dialogs() = default;
 
 Dialogs& Dialogs::instance() {
-    return g_installed ? *g_installed : qtDialogs();
+    static ConsoleDialogs console;
+    if (g_installed) return *g_installed;
+    return g_default ? *g_default : console;
+}
+
+void Dialogs::setDefault(Dialogs* dialogs) {
+    g_default = dialogs;
 }
 
 void Dialogs::install(Dialogs* dialogs) {

@@ -1,7 +1,8 @@
 #pragma once
 // The one way the program shows a modal message box or asks for a file, a font or a colour.
-// The desktop program uses the Qt dialogs; tests install a scripted implementation that
-// answers from a queue and records what was shown.
+// The desktop program sets the Qt dialogs as the default (platform/ui/QtDialogs.h); tests install
+// a scripted implementation that answers from a queue and records what was shown. Without
+// either, messages go to standard error and questions are cancelled (the command line).
 #include <QColor>
 #include <QFont>
 #include <QString>
@@ -40,8 +41,10 @@ public:
     virtual std::optional<QColor> color(const QColor& initial) = 0;
 
     static Dialogs& instance();
-    // Installs another implementation (tests); nullptr restores the Qt dialogs.
+    // Installs another implementation (tests); nullptr restores the default.
     static void install(Dialogs* dialogs);
+    // The implementation used when none is installed (the windows set the Qt dialogs).
+    static void setDefault(Dialogs* dialogs);
 };
 
 // The title of the program's message boxes.

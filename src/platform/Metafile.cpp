@@ -114,13 +114,43 @@ int clearCapture(void* context) {
     return 0;
 }
 
+// The SVG layer writes a metafile's text into the element as it stands, so "Silta & Co" made
+// the whole picture invalid XML. The text of each element written from `from` on is escaped.
+void escapeTextElements(std::string& svg, std::size_t from) {
+    for (std::size_t at = svg.find("<text", from); at != std::string::npos; at = svg.find("<text", at)) {
+        const std::size_t open = svg.find('>', at);
+        const std::size_t close = open == std::string::npos ? open : svg.find("</text>", open);
+        if (close == std::string::npos) return;
+        std::string escaped;
+        for (std::size_t i = open + 1; i < close; ++i) {
+            switch (svg[i]) {
+                case '&':
+                    escaped += "&amp;";
+                    break;
+                case '<':
+                    escaped += "&lt;";
+                    break;
+                case '>':
+                    escaped += "&gt;";
+                    break;
+                default:
+                    escaped += svg[i];
+            }
+        }
+        svg.replace(open + 1, close - open - 1, escaped);
+        at = open + 1 + escaped.size() + 7;
+    }
+}
+
 template <typename Call, void (*wmfFunctionReference::*Layer)(wmfAPI*, Call*)>
 void noting(wmfAPI* api, Call* call) {
     auto* c = static_cast<SvgCapture*>(api->user_data);
     c->dc = call->dc;
+    const std::size_t start = c->svg.size();
     if constexpr (std::is_same_v<Call, wmfDrawPixel_t>) c->pixel = &call->color;
     if constexpr (std::is_same_v<Call, wmfDrawText_t>) c->text = true;
     (c->layer.*Layer)(api, call);
+    if constexpr (std::is_same_v<Call, wmfDrawText_t>) escapeTextElements(c->svg, start);
     c->dc = nullptr;
     c->pixel = nullptr;
     c->text = false;

@@ -131,6 +131,11 @@ Picture Picture::fromBytes(const QByteArray& bytes, int type, QString* error) {
     return Picture(bytes, static_cast<Type>(type));
 }
 
+Picture Picture::keptAsStored(const QByteArray& bytes, int type) {
+    if (type < Bitmap || type > EnhancedMetafile || bytes.isEmpty()) return {};
+    return Picture(bytes, static_cast<Type>(type));
+}
+
 Picture Picture::fromImage(const QImage& image) {
     if (image.isNull()) return {};
     return Picture(toBmp(image), Bitmap);

@@ -28,6 +28,9 @@ public:
     // A picture from stored bytes and type byte (a member of the project file). Type 0 gives an
     // empty picture. Bytes that do not fit the type give an empty picture and an error.
     static Picture fromBytes(const QByteArray& bytes, int type, QString* error = nullptr);
+    // Stored bytes of a known picture type (1..4) kept as they are although they cannot be
+    // shown: the picture draws nothing, but saving writes the user's bytes back unchanged.
+    static Picture keptAsStored(const QByteArray& bytes, int type);
     // An image from the clipboard or elsewhere, stored as a BMP bitmap; transparent parts
     // become white.
     static Picture fromImage(const QImage& image);

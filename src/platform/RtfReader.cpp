@@ -1,6 +1,7 @@
 // The RTF reader: a tokenizer and a stack of group states. The text is collected into
 // paragraphs and runs first; the document is filled only when the whole input has been read,
 // so a damaged file leaves the document as it was.
+#include "platform/CodePage.h"
 #include "platform/Cp1252.h"
 #include "platform/Rtf.h"
 
@@ -145,8 +146,16 @@ private:
     void controlWord(const QByteArray& word, bool hasParam, int param);
     void controlSymbol(char c);
     void text(char16_t c);
+    // A byte of text in the current font's code page; bytes are decoded together, since a
+    // character of a double-byte code page comes as two of them.
+    void textByte(char b);
+    void flushBytes();
+    int currentCodePage() const;
+    int fontCodePage(int font) const;
+    void endFontName();
     void endParagraph();
     Group& top() { return m_groups.back(); }
+    const Group& top() const { return m_groups.back(); }
     bool skipping() const { return m_groups.back().destination == Destination::Skip; }
     QTextCharFormat charFormat(const CharState& state) const;
 
@@ -161,6 +170,10 @@ private:
     QHash<int, QString> m_fonts;
     int m_fontNumber = 0; // the font table entry being read
     QByteArray m_fontName;
+    int m_documentCodePage = 1252;   // \ansicpg
+    QHash<int, int> m_fontCodePages; // from \fcharset or \cpg
+    QByteArray m_bytes;              // text bytes not decoded yet
+    int m_bytesCodePage = 1252;
     std::vector<ColorEntry> m_colors;
     ColorEntry m_color;
 };
@@ -182,6 +195,7 @@ bool Reader::read(QString* error) {
     while (m_pos < n) {
         const char c = m_in[m_pos];
         if (c == '{') {
+            flushBytes();
             m_pendingSkip = 0;
             Group g = m_groups.empty() ? Group{} : top();
             g.openedAt = m_pos;
@@ -190,12 +204,10 @@ bool Reader::read(QString* error) {
             continue;
         }
         if (c == '}') {
+            flushBytes();
             m_pendingSkip = 0;
             const Destination closing = top().destination;
-            if (closing == Destination::FontTable && !m_fontName.isEmpty()) {
-                m_fonts.insert(m_fontNumber, fromCp1252(m_fontName).trimmed());
-                m_fontName.clear();
-            }
+            if (closing == Destination::FontTable) endFontName();
             if (m_groups.size() == 1) m_finalChars = top().chars;
             m_groups.pop_back();
             ++m_pos;
@@ -220,10 +232,10 @@ bool Reader::read(QString* error) {
                         m_fontName.append(static_cast<char>(byte));
                         continue;
                     }
-                    const char raw = static_cast<char>(byte);
-                    text(fromCp1252(&raw, 1).at(0).unicode());
+                    textByte(static_cast<char>(byte));
                     continue;
                 }
+                flushBytes();
                 m_pos += 2;
                 if (m_pendingSkip > 0) {
                     --m_pendingSkip;
@@ -233,6 +245,7 @@ bool Reader::read(QString* error) {
                 continue;
             }
             // A control word: letters, an optional signed number, and an optional space.
+            flushBytes();
             qsizetype p = m_pos + 1;
             while (p < n && p - m_pos <= 32 && std::isalpha(static_cast<unsigned char>(m_in[p])))
                 ++p;
@@ -280,8 +293,7 @@ bool Reader::read(QString* error) {
         const Destination d = top().destination;
         if (d == Destination::FontTable) {
             if (c == ';') {
-                m_fonts.insert(m_fontNumber, fromCp1252(m_fontName).trimmed());
-                m_fontName.clear();
+                endFontName();
             } else {
                 m_fontName.append(c);
             }
@@ -296,12 +308,14 @@ bool Reader::read(QString* error) {
         }
         if (d == Destination::Skip) continue;
         if (c == '\t') {
+            flushBytes();
             text(u'\t');
             continue;
         }
         if (static_cast<unsigned char>(c) < 0x20) continue;
-        text(fromCp1252(&c, 1).at(0).unicode());
+        textByte(c);
     }
+    flushBytes();
     if (!m_groups.empty()) {
         return fail(
             error,
@@ -376,6 +390,10 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
         g.destination = Destination::Skip;
         return;
     }
+    if (w == "ansicpg") {
+        if (hasParam && param > 0) m_documentCodePage = param;
+        return;
+    }
     if (w == "fonttbl") {
         g.destination = Destination::FontTable;
         return;
@@ -387,9 +405,12 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
     }
     if (g.destination == Destination::FontTable) {
         if (w == "f") {
-            if (!m_fontName.isEmpty()) m_fonts.insert(m_fontNumber, fromCp1252(m_fontName).trimmed());
-            m_fontName.clear();
+            endFontName();
             m_fontNumber = param;
+        } else if (w == "fcharset") {
+            if (const int cp = codePageOfCharset(param)) m_fontCodePages.insert(m_fontNumber, cp);
+        } else if (w == "cpg" && hasParam && param > 0) {
+            m_fontCodePages.insert(m_fontNumber, param);
         }
         return;
     }
@@ -474,6 +495,37 @@ void Reader::text(char16_t c) {
     }
     if (p.runs.empty() || !(p.runs.back().chars == g.chars)) p.runs.push_back(Run{QString(), g.chars});
     p.runs.back().text.append(QChar(c));
+}
+
+int Reader::fontCodePage(int font) const {
+    return m_fontCodePages.value(font, m_documentCodePage);
+}
+
+int Reader::currentCodePage() const {
+    const int font = top().chars.font;
+    return fontCodePage(font < 0 ? m_defaultFont : font);
+}
+
+void Reader::textByte(char b) {
+    if (top().destination != Destination::Text) return;
+    const int codePage = currentCodePage();
+    if (codePage != m_bytesCodePage) flushBytes();
+    m_bytesCodePage = codePage;
+    m_bytes.append(b);
+}
+
+void Reader::flushBytes() {
+    if (m_bytes.isEmpty()) return;
+    const QString decoded = decodeCodePage(m_bytes, m_bytesCodePage);
+    m_bytes.clear();
+    for (const QChar c : decoded)
+        text(c.unicode());
+}
+
+void Reader::endFontName() {
+    if (!m_fontName.isEmpty())
+        m_fonts.insert(m_fontNumber, decodeCodePage(m_fontName, fontCodePage(m_fontNumber)).trimmed());
+    m_fontName.clear();
 }
 
 void Reader::endParagraph() {

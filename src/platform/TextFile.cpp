@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QStringDecoder>
 
 namespace platform {
 
@@ -37,10 +38,31 @@ bool readFileBytes(const QString& path, QByteArray& bytes, QString* error) {
     return true;
 }
 
+QString decodeText(const QByteArray& bytes) {
+    static const QByteArray bom("\xEF\xBB\xBF");
+    const bool marked = bytes.startsWith(bom);
+    const QByteArrayView body = marked ? QByteArrayView(bytes).sliced(bom.size()) : QByteArrayView(bytes);
+    bool multiByte = marked;
+    if (!marked) {
+        for (const char c : body)
+            if (static_cast<unsigned char>(c) >= 0x80) {
+                multiByte = true;
+                break;
+            }
+    }
+    if (multiByte) {
+        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        QString text = utf8.decode(body);
+        if (!utf8.hasError()) return text;
+        // Not UTF-8 after all: a byte-order mark before Windows-1252 text is still dropped.
+    }
+    return fromCp1252(body.data(), body.size());
+}
+
 bool readTextLines(const QString& path, QStringList& lines, QString* error) {
     QByteArray bytes;
     if (!readFileBytes(path, bytes, error)) return false;
-    lines = splitLines(fromCp1252(bytes));
+    lines = splitLines(decodeText(bytes));
     return true;
 }
 

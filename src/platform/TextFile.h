@@ -10,7 +10,12 @@ namespace platform {
 // from either platform are read alike. A final line end does not start an empty last line.
 QStringList splitLines(const QString& text);
 
-// Reads a whole text file as lines. On failure returns false and puts the system's
+// Decodes the bytes of a text file: Windows-1252, unless they begin with a UTF-8 byte-order
+// mark (which is dropped) or hold multi-byte UTF-8 sequences and nothing that is not UTF-8,
+// as spreadsheet programs write ".csv" files today.
+QString decodeText(const QByteArray& bytes);
+
+// Reads a whole text file as lines (decoded by decodeText). On failure returns false and puts the system's
 // description of the error, in Finnish where Qt has one, into `error`.
 bool readTextLines(const QString& path, QStringList& lines, QString* error = nullptr);
 

@@ -1,7 +1,7 @@
 // The two base list windows as the main window sees them.
 #include "documents/Form2.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/CommonDialog.h"
 #include "shell/MDIForm1.h"
 #include "shell/Settings.h"
@@ -65,6 +65,11 @@ void MDIForm1::showBaseList(int slot) {
 }
 
 void MDIForm1::baseListEditAction(lists::BaseListWindow* window, int index) {
+    // "Siirry..." of a base list window: the heading index of its own list.
+    if (index == 11) {
+        ShowBaseListIndex(*this, window);
+        return;
+    }
     listMenuAction(*this, window->view(), index);
 }
 

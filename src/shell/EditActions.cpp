@@ -2,12 +2,12 @@
 // editors of every window.
 #include "documents/Controls.h"
 #include "documents/Form2.h"
-#include "lists/BaseListWindow.h"
+#include "lists/ui/BaseListWindow.h"
 #include "lists/ListEditing.h"
-#include "lists/ListEditor.h"
+#include "lists/ui/ListEditor.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "shell/MDIForm1.h"
 #include "shell/Modes.h"
 #include "shell/ShellActions.h"
@@ -25,48 +25,6 @@ namespace shell {
 
 namespace {
 
-// Cut 0, copy 1, paste 2, delete 3 on a text box, drop-down, rich-text box or the list edit
-// box. A locked control allows copying only.
-void CutCopyPasteDelSelection(QWidget* focus, int operation) {
-    if (auto* combo = qobject_cast<QComboBox*>(focus)) focus = combo->lineEdit();
-    if (auto* line = qobject_cast<QLineEdit*>(focus)) {
-        const bool locked = line->isReadOnly();
-        if (operation == 1) line->copy();
-        if (locked) return;
-        if (operation == 0) line->cut();
-        if (operation == 2) line->paste();
-        if (operation == 3) line->del();
-    } else if (auto* plain = qobject_cast<QPlainTextEdit*>(focus)) {
-        if (operation == 1) plain->copy();
-        if (plain->isReadOnly()) return;
-        if (operation == 0) plain->cut();
-        if (operation == 2) plain->paste();
-        if (operation == 3) plain->textCursor().removeSelectedText();
-    } else if (auto* rich = qobject_cast<QTextEdit*>(focus)) {
-        if (operation == 1) rich->copy();
-        if (rich->isReadOnly()) return;
-        if (operation == 0) rich->cut();
-        if (operation == 2) rich->paste();
-        if (operation == 3) rich->textCursor().removeSelectedText();
-    }
-}
-
-void selectAllText(QWidget* focus) {
-    if (auto* combo = qobject_cast<QComboBox*>(focus)) focus = combo->lineEdit();
-    if (auto* line = qobject_cast<QLineEdit*>(focus))
-        line->selectAll();
-    else if (auto* plain = qobject_cast<QPlainTextEdit*>(focus))
-        plain->selectAll();
-    else if (auto* rich = qobject_cast<QTextEdit*>(focus))
-        rich->selectAll();
-}
-
-template <typename T> T* ancestor(QWidget* w) {
-    for (; w; w = w->parentWidget())
-        if (auto* t = qobject_cast<T*>(w)) return t;
-    return nullptr;
-}
-
 // The list that has the focus, unless its in-place edit box has it (that is a text control).
 lists::ListView* focusedList(QWidget* focus) {
     lists::ListView* view = ancestor<lists::ListView>(focus);
@@ -82,8 +40,22 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
     lists::ListModel* list = view->list();
     lists::ListEditor* editor = lists::ListEditor::of(view);
     if (!list || !editor) return;
+    // While a cell is being edited, the text items act on the edit box, not on whole rows.
+    if (editor->isEditing()) {
+        if (index >= 6 && index <= 9) {
+            documents::CutCopyPasteDelSelection(editor->editBox(), index - 6);
+            return;
+        }
+        if (index == 13) {
+            documents::SelectAllText(editor->editBox());
+            return;
+        }
+    }
     {
         switch (index) {
+            case 0:
+                ShowListViewEditor(main, view);
+                return;
             case 1: {
                 // Only the two lists of the detailed data window have base lists of their own.
                 if (!ancestor<documents::Form2>(view)) return;
@@ -112,6 +84,9 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
             case 8:
                 editor->paste();
                 return;
+            case 11:
+                ShowIndex(main, 0);
+                return;
             case 13:
                 list->selectAll();
                 return;
@@ -133,14 +108,29 @@ void editMenuAction(MDIForm1& main, int index) {
         return;
     }
     switch (index) {
+        case 0:
+            // The shown document of the detailed data window opens in the text editor.
+            if (activeRichTextBox(main)) ShowTextEditor(main, 1);
+            break;
+        case 1:
+            if (QTextEdit* text = activeRichTextBox(main)) {
+                if (text->property("tag").toString() == QStringLiteral("Urakan laatusuunnitelma"))
+                    ShowTextEditor(main, 8);
+                else
+                    ShowIndex(main, 1);
+            }
+            break;
         case 6:
         case 7:
         case 8:
         case 9:
-            CutCopyPasteDelSelection(focus, index - 6);
+            documents::CutCopyPasteDelSelection(focus, index - 6);
+            break;
+        case 11:
+            ShowIndex(main, 0);
             break;
         case 13:
-            selectAllText(focus);
+            documents::SelectAllText(focus);
             break;
         default:
             break;
@@ -217,16 +207,21 @@ void MDIForm1::showContextMenu(int context, const QPoint& globalPos) {
 void MDIForm1::ShowMenu2(int context, const QPoint& globalPos) {
     // Row operations and formatting belong to lists; text operations to both.
     const bool list = context == 0;
+    // The menu bar's items come back as they were when the pop-up closes, each one it changed.
+    std::vector<bool> before;
+    for (QAction* a : SubMenu2)
+        before.push_back(a->isEnabled());
     for (int i : {2, 3, 4, 15})
         SubMenu2[i]->setEnabled(list);
     for (int i : {6, 7, 8, 9, 13})
         SubMenu2[i]->setEnabled(true);
     applyAvailability(*this);
     MainMenu[2]->popup(globalPos);
-    // The items come back for the menu bar when the pop-up closes.
     connect(
         MainMenu[2], &QMenu::aboutToHide, this,
-        [this] {
+        [this, before] {
+            for (std::size_t i = 0; i < before.size() && i < SubMenu2.size(); ++i)
+                SubMenu2[i]->setEnabled(before[i]);
             if (documents::ProjectWindow* w = activeWindow()) EnableControlsPage(*this, w, false);
         },
         Qt::SingleShotConnection);

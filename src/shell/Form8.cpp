@@ -1,7 +1,6 @@
 #include "shell/Form8.h"
 
 #include "documents/Controls.h"
-#include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
@@ -125,7 +124,7 @@ Form8::Form8(MDIForm1& main)
 
     connect(Command1[0], &QPushButton::clicked, this, &Form8::saveAndClose);
     connect(Command1[1], &QPushButton::clicked, this, &QDialog::reject);
-    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100); });
+    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100, this); });
     connect(Command1[3], &QPushButton::clicked, this, &Form8::changeFont);
     connect(Command1[4], &QPushButton::clicked, this, &Form8::chooseLogo);
     connect(Command1[5], &QPushButton::clicked, this, &Form8::restoreDefaults);
@@ -198,14 +197,8 @@ void Form8::changeFont() {
 }
 
 void Form8::chooseLogo() {
-    AppState& state = m_main.appState();
-    const QString file = platform::ShowCommonDialog(1, QStringLiteral(".wmf"), false, state.dialog);
-    if (!file.isEmpty()) {
-        state.CurrentFileName = file;
-        state.settings.PLogoFile = file;
-        LoadLogo(m_main);
-    }
-    Text1[5]->setText(state.settings.PLogoFile);
+    showImageViewer(m_main, 1, QString(), this);
+    Text1[5]->setText(m_main.appState().settings.PLogoFile);
 }
 
 void Form8::restoreDefaults() {

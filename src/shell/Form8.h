@@ -26,7 +26,7 @@ public:
     void saveAndClose();
     // "Vaihda...": the fonts of the current printer into the font drop-down.
     void changeFont();
-    // "Hae...": chooses the logo file.
+    // "Hae...": the logo in the image viewer; the field then shows the logo's file.
     void chooseLogo();
     // "Palauta ohjelman alkuperäisasetukset".
     void restoreDefaults();

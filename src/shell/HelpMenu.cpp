@@ -37,10 +37,18 @@ void openHelpFile(MDIForm1& main, int index) {
     if (!target.isEmpty()) peripherals::OpenDocument(target);
 }
 
-void TamrikHelp(MDIForm1& main, int context) {
+void TamrikHelp(MDIForm1& main, int context, QWidget* dialog) {
     static QPointer<peripherals::HelpViewer> viewer;
+    // A modal dialog blocks every window but its own: help asked for from a dialog belongs to
+    // that dialog while it is open, so that it can be read, scrolled and closed.
+    QWidget* owner = dialog ? dialog : &main;
+    if (viewer && viewer->parentWidget() != owner) {
+        const QRect geometry = viewer->geometry();
+        viewer->setParent(owner, viewer->windowFlags());
+        viewer->setGeometry(geometry);
+    }
     if (!viewer) {
-        viewer = new peripherals::HelpViewer(&main);
+        viewer = new peripherals::HelpViewer(owner);
         viewer->setAttribute(Qt::WA_DeleteOnClose, false);
     }
     const QString file = main.appState().HelpFile;

@@ -7,7 +7,7 @@
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
 #include "shell/Captions.h"
@@ -18,6 +18,7 @@
 #include "shell/frmSplash.h"
 #include "platform/CommonDialog.h"
 #include "platform/TempDir.h"
+#include "platform/ui/QtDialogs.h"
 
 #include <QAction>
 #include <QApplication>
@@ -53,6 +54,7 @@ std::vector<documents::ProjectWindow*> ProjectWindows::all() const {
 MDIForm1::MDIForm1(QWidget* parent)
     : QMainWindow(parent)
     , m_store(std::make_unique<platform::SettingsStore>()) {
+    platform::useQtDialogs();
     setWindowTitle(platform::applicationTitle());
     resize(1100, 760);
     auto* central = new QWidget(this);
@@ -208,6 +210,14 @@ void MDIForm1::createMenus() {
                 [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
     connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
     connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
+    // "Teksti&editori" opens the shown document of the detailed data window; the summary needs
+    // only an active project.
+    connect(Submenu3[9], &QAction::triggered, this, [this] {
+        if (qobject_cast<documents::Form2*>(activeWindow())) ShowTextEditor(*this, 1);
+    });
+    connect(Submenu3[10], &QAction::triggered, this, [this] {
+        if (activeWindow()) ShowTextEditor(*this, 100);
+    });
 
     for (const QString& c :
          {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
@@ -303,11 +313,13 @@ void MDIForm1::pendingEvents() {
 // Start-up and shutdown
 
 void MDIForm1::startUp(bool showSplash) {
+    // The splash comes first; the main window shows once it stands at its stored place with
+    // Projekti1 in it.
     std::unique_ptr<frmSplash> splash;
     if (showSplash) {
         splash = std::make_unique<frmSplash>();
         splash->show();
-        pendingEvents();
+        splash->setProgress(0);
     }
     LoadSettings();
     if (splash) splash->setProgress(10);
@@ -333,6 +345,7 @@ void MDIForm1::startUp(bool showSplash) {
     m_state.Loading = false;
     splash.reset();
     setWindowTitle(platform::applicationTitle());
+    if (showSplash) show();
 }
 
 void MDIForm1::closeEvent(QCloseEvent* event) {
@@ -517,8 +530,10 @@ void MDIForm1::FileMenuActions(int index) {
             UnloadActiveProject();
             break;
         case 7:
+            // Printing is not part of this build; its items stay disabled.
+            break;
         case 8:
-            // Printing and e-mail are not part of this build; their items stay disabled.
+            showMailDialog(*this);
             break;
         case 13:
         case 14:
@@ -896,7 +911,7 @@ documents::ProjectWindow* MDIForm1::CreateDocumentWindow(int kind, const QString
     m_state.Loading = true;
     w->prepareNewProject();
     m_state.Loading = wasLoading;
-    disablePictureButtons(w);
+    connectPictureButtons(*this, w);
     EnableControlsPage(*this, w, true);
     return w;
 }

@@ -3,8 +3,8 @@
 // strip, the dispatchers of every menu and toolbar action, the project windows and their
 // captions, and the start-up and shutdown sequences.
 #include "documents/DocumentHost.h"
-#include "lists/BaseListWindow.h"
-#include "lists/ListEditor.h"
+#include "lists/ui/BaseListWindow.h"
+#include "lists/ui/ListEditor.h"
 #include "platform/Picture.h"
 #include "shell/AppState.h"
 
@@ -32,6 +32,7 @@ class Form1;
 class Form2;
 class Form3;
 class Form4;
+class Form5;
 } // namespace documents
 
 namespace lists {
@@ -62,6 +63,7 @@ public:
     ~MDIForm1() override;
 
     // The start-up sequence: splash, settings, base lists, help files, position, Projekti1.
+    // With the splash, the main window is shown at the end (tests start without either).
     void startUp(bool showSplash = true);
     // The program directory to use instead of the executable's (tests run from elsewhere).
     void setProgramDirectory(const QString& directory) { m_programDirectory = directory; }
@@ -74,6 +76,13 @@ public:
     void contentChanged(QWidget* window) override;
     void listFocused(lists::ListView* view) override;
     void computeCardFigures(QWidget* card) override;
+    documents::Form1* basicDataWindowOf(QWidget* window) override;
+    documents::Form2* detailedDataWindowOf(QWidget* window) override;
+    void openFile(const QString& target) override;
+    void showHelp(int context, QWidget* from) override;
+    void restoreWindowPosition(int slot, QWidget* window) override;
+    void storeWindowPosition(int slot, QWidget* window) override;
+    QIcon toolIcon(const QString& key) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
 
@@ -104,6 +113,8 @@ public:
     // The two base list windows; they live from start-up to shutdown.
     lists::BaseListWindow* Form6 = nullptr;
     lists::BaseListWindow* Form7 = nullptr;
+    // The list row editor, made when first needed; it keeps its place between uses.
+    documents::Form5* Form5 = nullptr;
 
     // Dispatchers.
     void FileMenuActions(int index);

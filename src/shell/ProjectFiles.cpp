@@ -7,11 +7,11 @@
 #include "documents/Form3.h"
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "persist/ProjectFile.h"
 #include "platform/Cp1252.h"
 #include "platform/Dialogs.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/Rtf.h"
 #include "platform/SettingsStore.h"
 #include "platform/TextFile.h"
@@ -104,11 +104,7 @@ QStringList fieldsOutsideCp1252(const ProjectWindows& w) {
             }
         }
     }
-    if (w.f2) {
-        for (int n = 1; n <= 3; ++n)
-            if (!platform::isCp1252(w.f2->RichTextBox1[n]->toPlainText()))
-                out << windowName(2) + QStringLiteral(": ") + documents::Form2::documentName(n - 1);
-    }
+    // The text documents are not named: their rich text keeps such characters as \uN.
     return out;
 }
 
@@ -222,6 +218,8 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     // Everything is read and checked before any window changes.
     persist::ProjectFile project_;
     std::array<platform::Picture, 6> pictures;
+    std::array<bool, 6> pictureGiven{};
+    QStringList damagedPictures;
     std::array<std::unique_ptr<QTextDocument>, 3> documents;
     {
         FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
@@ -234,10 +232,16 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
                 writeTemp(state.TempPath,
                           QStringLiteral("~Tamrik30_%1_tmp").arg(m) + persist::FileExtension(member.type),
                           member.data);
+                // A member of no known picture type leaves its picture box as it is.
                 if (m == 1 || persist::FileExtension(member.type) == QLatin1String(".tmp")) continue;
+                pictureGiven[m - 2] = true;
                 pictures[m - 2] = platform::Picture::fromBytes(member.data, member.type, &error);
-                if (pictures[m - 2].isNull())
-                    return fail(QStringLiteral("kuvaa %1 ei voi lukea: ").arg(m - 1) + error);
+                // A damaged picture costs only itself: the rest of the project opens, and its
+                // bytes are kept so that saving does not throw them away.
+                if (pictures[m - 2].isNull() && !member.data.isEmpty()) {
+                    damagedPictures << QStringLiteral("kuva %1: ").arg(m - 1) + error;
+                    pictures[m - 2] = platform::Picture::keptAsStored(member.data, member.type);
+                }
             }
         }
         for (int n = 0; n < 3; ++n) {
@@ -254,8 +258,9 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     const persist::ProjectContent& c = project_.content;
     QComboBox* references = w.f2->Combo1[0];
     references->clear();
+    // Every line is an item, an empty one too, so the items after it keep their places.
     for (const QString& item : c.referenceItems)
-        if (!item.isEmpty()) references->addItem(item);
+        references->addItem(item);
     main.DisplayProgress(30);
     w.f1->applyRecord(c.windows[0]);
     main.DisplayProgress(40);
@@ -277,12 +282,18 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     w.f2->showDocument(state.settings.StartUpDocument);
     if (!textOnly)
         for (int k = 0; k < 6; ++k)
-            w.f1->Image1[k]->setPicture(pictures[k]);
+            if (pictureGiven[k]) w.f1->Image1[k]->setPicture(pictures[k]);
     main.UpdateRecentFiles(file);
     main.ChangeFormCaptions(project, file, true);
     state.Loading = wasLoading;
     EnableControlsPage1(main, w.f1);
     EnableControlsPage(main, w.f2, true);
+    if (!damagedPictures.isEmpty())
+        platform::MsgBox(
+            QStringLiteral("Tiedoston ") + file +
+                QStringLiteral(" kaikkia kuvia ei voi näyttää. Ne säilyvät tiedostossa sellaisinaan:\r\n") +
+                damagedPictures.join(QStringLiteral("\r\n")),
+            MsgIcon::Exclamation);
     return true;
 }
 

@@ -1,6 +1,4 @@
 // Start-up resources: toolbar pictures, the print logo and the office lines.
-#include "documents/Form3.h"
-#include "documents/Form4.h"
 #include "platform/TextFile.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
@@ -10,7 +8,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPushButton>
+#include <map>
 
 namespace shell {
 
@@ -65,6 +63,14 @@ QPixmap drawIcon(const QString& key) {
         p.drawRect(QRectF(5, 6, 30, 28));
         for (int y = 13; y < 32; y += 6)
             p.drawLine(QPointF(10, y), QPointF(30, y));
+    } else if (key == QLatin1String("Check and browse next")) {
+        p.setPen(QPen(QColor(20, 130, 40), 5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        p.drawPolyline(QPolygonF({QPointF(7, 21), QPointF(16, 30), QPointF(33, 9)}));
+    } else if (key == QLatin1String("New to end")) {
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(9, 4, 22, 20));
+        p.setBrush(QColor(60, 110, 200));
+        p.drawRect(QRectF(9, 29, 22, 7));
     } else if (key == QLatin1String("Dynamite")) {
         p.setBrush(QColor(200, 40, 40));
         p.drawRoundedRect(QRectF(6, 18, 28, 12), 3, 3);
@@ -83,6 +89,23 @@ QPixmap drawIcon(const QString& key) {
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
     if (fallback != QStyle::SP_CustomBase) return QApplication::style()->standardIcon(fallback);
     return QIcon(drawIcon(key));
+}
+
+QIcon shellToolIcon(const QString& key) {
+    static const std::map<QString, QStyle::StandardPixmap> standard = {
+        {QStringLiteral("New"), QStyle::SP_FileIcon},
+        {QStringLiteral("Del"), QStyle::SP_TrashIcon},
+        {QStringLiteral("Find"), QStyle::SP_FileDialogContentsView},
+        {QStringLiteral("Update"), QStyle::SP_DialogSaveButton},
+        {QStringLiteral("Update and browse next"), QStyle::SP_MediaSkipForward},
+        {QStringLiteral("PgUp"), QStyle::SP_ArrowUp},
+        {QStringLiteral("PgDn"), QStyle::SP_ArrowDown},
+    };
+    const auto it = standard.find(key);
+    if (it != standard.end()) return toolbarIcon(key, it->second);
+    // A clone is a copy of the row.
+    return toolbarIcon(key == QLatin1String("Dublicate") ? QStringLiteral("Copy") : key,
+                       QStyle::SP_CustomBase);
 }
 
 QIcon applicationIcon() {
@@ -117,25 +140,11 @@ void readOfficeRows(AppState& state) {
         state.OfficeRows[i] = lines[i];
 }
 
-void disablePictureButtons(documents::ProjectWindow* window) {
-    // The picture buttons of the cards open the image viewer, which is not part of this build.
-    if (auto* card = qobject_cast<documents::Form3*>(window))
-        for (QPushButton* b : card->Command2) b->setEnabled(false);
-    if (auto* charge = qobject_cast<documents::Form4*>(window))
-        for (QPushButton* b : charge->Command1) b->setEnabled(false);
-}
-
 void applyAvailability(MDIForm1& main) {
-    // Printing, e-mail, the row editor, the text editor and the heading index are not part
-    // of this build: their items stay disabled so that nothing looks like it does something.
+    // Printing is not part of this build: its items stay disabled so that nothing looks like
+    // it does something.
     main.SubMenu0[7]->setEnabled(false);
-    main.SubMenu0[8]->setEnabled(false);
     main.toolbarButtons[QStringLiteral("Print")]->setEnabled(false);
-    main.toolbarButtons[QStringLiteral("Find")]->setEnabled(false);
-    main.SubMenu2[0]->setEnabled(false);
-    main.SubMenu2[11]->setEnabled(false);
-    main.Submenu3[9]->setEnabled(false);
-    main.Submenu3[10]->setEnabled(false);
 }
 
 } // namespace shell

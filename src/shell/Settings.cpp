@@ -147,7 +147,9 @@ void GetWinPos(const WindowPositions& table, int slot, QWidget* window) {
     if (table.height[slot] != 0) size.setHeight(table.height[slot] / kTwipsPerPixel);
     if (table.width[slot] != 0) size.setWidth(table.width[slot] / kTwipsPerPixel);
     target->resize(size);
-    target->move(pos);
+    // A window without a stored place is not moved, so that the system places it (a dialog
+    // over its owner) instead of at the corner of the screen.
+    if (table.top[slot] != 0 || table.left[slot] != 0) target->move(pos);
 }
 
 void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file) {

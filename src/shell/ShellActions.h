@@ -1,7 +1,9 @@
 #pragma once
 // Procedures of the main window that live in their own files, by topic.
 #include <QIcon>
+#include <QWidget>
 #include <QStyle>
+#include <QWidget>
 #include <array>
 
 namespace lists {
@@ -13,9 +15,20 @@ namespace documents {
 class ProjectWindow;
 }
 
+namespace platform {
+class Picture;
+}
+
 namespace shell {
 
 class MDIForm1;
+
+// The nearest widget of type T that holds `w` (or `w` itself); null when none does.
+template <typename T> T* ancestor(QWidget* w) {
+    for (; w; w = w->parentWidget())
+        if (auto* t = qobject_cast<T*>(w)) return t;
+    return nullptr;
+}
 struct AppState;
 struct ProjectWindows;
 
@@ -25,7 +38,9 @@ void showSettingsDialog(MDIForm1& main);
 // Help menu, About box and the separate help files (HelpMenu.cpp).
 void loadHelpFileMenu(MDIForm1& main);
 void openHelpFile(MDIForm1& main, int index);
-void TamrikHelp(MDIForm1& main, int context);
+// The user's guide at a topic. From a modal dialog, pass the dialog: the help window then
+// belongs to it and stays usable while the dialog is open.
+void TamrikHelp(MDIForm1& main, int context, QWidget* dialog = nullptr);
 void showAbout(MDIForm1& main);
 
 // The base list windows: slot 6 the unit price list, 7 the requirement base list
@@ -49,13 +64,26 @@ bool sameFile(const QString& a, const QString& b);
 
 // Start-up resources (Resources.cpp).
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
+// The pictures of the tool windows' buttons, by key.
+QIcon shellToolIcon(const QString& key);
 // The program's own icon: an arch bridge.
 QIcon applicationIcon();
 void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
 // Items whose windows are not part of this build stay disabled.
 void applyAvailability(MDIForm1& main);
-void disablePictureButtons(documents::ProjectWindow* window);
+
+// The e-mail dialog and the image viewer (PeripheralWindows.cpp).
+void showMailDialog(MDIForm1& main);
+// Opens the image viewer modally on a picture: slot 1 the print logo, 2..7 the pictures of
+// `project` (its folder and name). The viewer takes its place from slot 13 of the window table.
+void showImageViewer(MDIForm1& main, int slot, const QString& project, QWidget* parent);
+// Gives a changed picture back to its owner: the logo (with its file, when it came from one)
+// or the basic data window's picture slot - 2 of the project.
+void GiveBackPicture(MDIForm1& main, int slot, const QString& project, const platform::Picture& picture,
+                     const QString& file);
+// The cards' picture buttons open the viewer on their project's pictures.
+void connectPictureButtons(MDIForm1& main, documents::ProjectWindow* window);
 
 } // namespace shell
 
@@ -68,7 +96,19 @@ namespace lists {
 class BaseListWindow;
 }
 
+class QTextEdit;
+
 namespace shell {
+// The tool windows (ToolWindows.cpp). The row editor for a list; the text editor in an
+// EditorMode; the heading index that the active control calls for (kind as ShowIndexMode);
+// the heading index of a base list window.
+void ShowListViewEditor(MDIForm1& main, lists::ListView* view);
+void ShowTextEditor(MDIForm1& main, int mode);
+void ShowIndex(MDIForm1& main, int kind);
+void ShowBaseListIndex(MDIForm1& main, lists::BaseListWindow* window);
+// The detailed data window's shown document when it has the focus in the active window.
+QTextEdit* activeRichTextBox(MDIForm1& main);
+
 // "Lisää" of a base list window: its selected rows into the active detailed data window
 // (EditActions.cpp).
 void exportFromBaseList(MDIForm1& main, lists::BaseListWindow* window, int mode);

@@ -1,7 +1,7 @@
 #include "shell/frmSplash.h"
 
 #include "platform/Dialogs.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -72,7 +72,9 @@ frmSplash::frmSplash(QWidget* parent)
 
 void frmSplash::setProgress(int percent) {
     ProgressBar1->setValue(percent);
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // The main window is not shown yet, so the splash is the only window input can reach: a
+    // key or a click closes it early.
+    QCoreApplication::processEvents();
 }
 
 void frmSplash::keyPressEvent(QKeyEvent*) {

@@ -272,3 +272,13 @@ TEST(MakeSummaryText, WholeReportOfARealisticList) {
     EXPECT_EQ(text.count(QLatin1Char('\n')), expected.size());
     EXPECT_EQ(text.count(QLatin1Char('\r')), expected.size());
 }
+
+// The checked share was computed as 100 × checked / count, which rounds some halves the other
+// way than checked / count × 100: 23 of 40 printed 58 instead of 57.
+TEST(MakeSummaryTextRegression, CheckedShareIsCheckedOverCountTimesHundred) {
+    std::vector<QStringList> rows = {caption("7110", "KAIVUT")};
+    for (int i = 0; i < 40; ++i)
+        rows.push_back(requirement(QString::number(i + 1), "a", kType1, "1", i < 23 ? kYes : ""));
+    EXPECT_EQ(lineStarting(summaryOf(rows), "1 Silta"),
+              QStringLiteral("1 Siltakohtainen      40    23     57        17"));
+}

@@ -6,7 +6,7 @@
 #include "documents/Form3.h"
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QApplication>
 #include <QCheckBox>

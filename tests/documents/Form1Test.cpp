@@ -4,8 +4,8 @@
 #include "documents/Controls.h"
 #include "documents/Form1.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
-#include "platform/PictureBox.h"
+#include "lists/ui/ListView.h"
+#include "platform/ui/PictureBox.h"
 
 #include <QApplication>
 #include <QDate>

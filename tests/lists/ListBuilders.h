@@ -1,20 +1,13 @@
 #pragma once
 // Lists for the list tests, written as tables of cell texts.
 #include "common/ListHeaders.h"
+#include "common/QtPrinters.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 
 #include <QStringList>
 #include <ostream>
 #include <vector>
-
-// Readable failure messages for Qt strings.
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
-inline void PrintTo(const QStringList& l, std::ostream* os) {
-    *os << '[' << l.join(QStringLiteral("|")).toStdString() << ']';
-}
 
 namespace lists_test {
 

@@ -2,8 +2,8 @@
 // header clicks, and drops of rows from another list.
 #include "EditingBuilders.h"
 #include "common/ScriptedDialogs.h"
-#include "lists/ListEditor.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListEditor.h"
+#include "lists/ui/ListView.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>

@@ -144,3 +144,73 @@ TEST(ComboData, EntriesPerComboBox) {
     EXPECT_EQ(missing.entries.size(), 3u);
     EXPECT_TRUE(missing.entries[0].isEmpty());
 }
+
+// A spreadsheet, a project or any binary file opened as a list was shown as garbage, and the
+// next save wrote text over it. They are recognised and refused, and the list stays as it was.
+TEST(ListFilesRegression, FilesThatAreNotListsAreRefusedAndLeaveTheListAlone) {
+    QTemporaryDir dir;
+    ListModel list;
+    fill(list, kind::UnitPriceList, {"LITTERA", "TYÖVAIHE"}, {{"7100", "POHJATYÖT"}});
+    QByteArray project(35, '\0');
+    project += "\r\n4.0.17\r\n";
+    project += QByteArray(7, '\0');
+    const std::vector<std::pair<QByteArray, QString>> files = {
+        {QByteArray("PK\x03\x04\x14\0\0\0\x08\0", 10) + "[Content_Types].xml", "taulukkolaskentatiedosto"},
+        {QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1\0\0\0\0", 12), "taulukkolaskentatiedosto"},
+        {project, "TAMRIK-projekti"},
+        {QByteArray("GIF89a\x01\0\x01\0\0\0\0;", 14), "ei ole luettelotiedosto"},
+    };
+    for (const auto& [bytes, expected] : files) {
+        const QString path = dir.filePath("tiedosto.sl1");
+        writeBytes(path, bytes);
+        ScriptedDialogs dialogs;
+        EXPECT_FALSE(InitListView(list, path, ";")) << expected.toStdString();
+        ASSERT_EQ(dialogs.messages().size(), 1u);
+        EXPECT_TRUE(dialogs.lastText().contains(expected)) << dialogs.lastText().toStdString();
+        EXPECT_TRUE(dialogs.lastText().contains(path));
+        EXPECT_EQ(list.cell(1, 2), "POHJATYÖT");
+        EXPECT_EQ(bytesOf(path), bytes) << "nothing is written over the file";
+    }
+    EXPECT_EQ(recogniseFile(QByteArray("LITTERA;TYÖVAIHE\r\n")), FileContent::Text);
+}
+
+// A ".csv" saved as UTF-8 by a spreadsheet program came in as Windows-1252: "ä" turned into
+// "Ã¤" and the byte-order mark stayed in the first header.
+TEST(ListFilesRegression, Utf8ListFilesAreReadAsUtf8) {
+    QTemporaryDir dir;
+    const QString marked = dir.filePath("bom.csv");
+    writeBytes(marked, "\xEF\xBB\xBFLITTERA;TY\xC3\x96VAIHE\r\n7100;P\xC3\xA4\xC3\xA4osa\r\n");
+    const QString plain = dir.filePath("utf8.csv");
+    writeBytes(plain, "LITTERA;TY\xC3\x96VAIHE\n;Ter\xC3\xA4s \xE2\x82\xAC\n");
+    const QString ansi = dir.filePath("ansi.csv");
+    writeBytes(ansi, "LITTERA;TY\xD6VAIHE\r\n;Ter\xE4s \x80\r\n");
+    ScriptedDialogs dialogs;
+    ListModel list;
+    ASSERT_TRUE(InitListView(list, marked, ";"));
+    EXPECT_EQ(list.column(1).header, "LITTERA");
+    EXPECT_EQ(list.column(2).header, "TYÖVAIHE");
+    EXPECT_EQ(list.cell(1, 2), "Pääosa");
+    ASSERT_TRUE(InitListView(list, plain, ";"));
+    EXPECT_EQ(list.cell(1, 2), "Teräs €");
+    ASSERT_TRUE(InitListView(list, ansi, ";"));
+    EXPECT_EQ(list.cell(1, 2), "Teräs €");
+    EXPECT_TRUE(dialogs.messages().empty());
+}
+
+// A header line of a few hundred thousand ";" padded every row to as many cells and took
+// gigabytes; the columns are bounded and such a file is refused.
+TEST(ListFilesRegression, AHeaderWithTooManyColumnsIsRefused) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("leveä.csv");
+    writeBytes(path, QByteArray(300000, ';') + "\r\n" + QByteArray("a;b\r\n").repeated(1000));
+    ListModel list;
+    fill(list, kind::UnitPriceList, {"LITTERA"}, {{"7100"}});
+    ScriptedDialogs dialogs;
+    EXPECT_FALSE(InitListView(list, path, ";"));
+    EXPECT_TRUE(dialogs.lastText().contains("300001 saraketta")) << dialogs.lastText().toStdString();
+    EXPECT_EQ(list.cell(1, 1), "7100");
+    const QString wide = dir.filePath("sallittu.csv");
+    writeBytes(wide, QByteArray(kMaxListColumns - 1, ';') + "\r\n");
+    EXPECT_TRUE(InitListView(list, wide, ";"));
+    EXPECT_EQ(list.cols(), kMaxListColumns + 1);
+}

@@ -1,7 +1,7 @@
 #include "PlatformFixtures.h"
 #include "platform/Metafile.h"
 #include "platform/Picture.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/TextFile.h"
 
 #include <QBuffer>
@@ -237,4 +237,21 @@ TEST(PictureBox, ShowsThePictureScaledOrAnEmptyBox) {
     box.clear();
     EXPECT_TRUE(box.picture().isNull());
     EXPECT_EQ(box.grab().toImage().pixelColor(60, 40), base);
+}
+
+// A metafile whose text holds "&" or "<" was refused as not a picture: its text went into the
+// SVG unescaped, and a picture already stored in a project drew nothing.
+TEST(PictureRegression, MetafileTextWithMarkupCharactersIsShown) {
+    QString error;
+    const Picture p = Picture::fromFile(fixture(QStringLiteral("text.wmf")), &error);
+    ASSERT_FALSE(p.isNull()) << error.toStdString();
+    const QByteArray svg = wmfToSvg(p.bytes());
+    EXPECT_TRUE(svg.contains("Silta &amp; Co Oy &lt;\xC3\xA4&gt;")) << svg.right(300).toStdString();
+    const QImage image = p.toImage(QSize(400, 100));
+    // The text is drawn along the lower part of the frame.
+    int ink = 0;
+    for (int x = 20; x < 380; ++x)
+        for (int y = 60; y < 96; ++y)
+            ink += image.pixelColor(x, y).blue() > image.pixelColor(x, y).red() + 40;
+    EXPECT_GT(ink, 200);
 }

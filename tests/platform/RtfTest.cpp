@@ -378,3 +378,38 @@ TEST(Rtf, StylesActOnTheSelectionAsTheEditorMenuDoes) {
     EXPECT_EQ(formatOf(doc, QStringLiteral("lisätty")).fontWeight(), QFont::Bold);
     EXPECT_EQ(formatOf(doc, QStringLiteral("loppu")).fontWeight(), QFont::Normal);
 }
+
+// Documents from Polish, Russian or Japanese word processors were read as Windows-1252: the
+// document's \ansicpg and each font's \fcharset or \cpg now decide how the bytes read.
+TEST(RtfRegression, TextIsDecodedInTheCodePageOfItsFontOrDocument) {
+    struct Case {
+        QByteArray rtf;
+        QString text;
+    };
+    const std::vector<Case> cases = {
+        // The document's code page, through an ANSI font.
+        {"{\\rtf1\\ansi\\ansicpg1250\\deff0{\\fonttbl{\\f0\\fcharset0 Arial;}}\\f0 \\'a3\\'f3d\\'9f\\par}",
+         QStringLiteral("Łódź")},
+        // A Cyrillic font in a Western document, and back to the Western font in the same line.
+        {"{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset204 Times;}}"
+         "\\f1 \\'cf\\'f0\\'e8\\'e2\\'e5\\'f2 \\f0 caf\\'e9\\par}",
+         QStringLiteral("Привет café")},
+        // Two bytes a character in Shift-JIS, also split by a group boundary-free run.
+        {"{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fcharset128 MS Mincho;}}\\f0 \\'93\\'fa\\'96\\'7b\\par}",
+         QStringLiteral("日本")},
+        // \cpg of a font wins over its character set; \uN keeps its own character.
+        {"{\\rtf1\\ansi{\\fonttbl{\\f0\\fcharset0\\cpg1253 Arial;}}\\f0 \\'e1\\u946\\'e2\\par}",
+         QStringLiteral("αβ")},
+    };
+    for (const Case& c : cases) {
+        QTextDocument doc;
+        QString error;
+        ASSERT_TRUE(ReadRtf(c.rtf, doc, &error)) << error.toStdString();
+        EXPECT_EQ(doc.toPlainText(), c.text) << c.rtf.toStdString();
+    }
+    // A Cyrillic font name comes through as well.
+    QTextDocument doc;
+    ASSERT_TRUE(
+        ReadRtf("{\\rtf1\\ansi{\\fonttbl{\\f0\\fcharset204 \\'c0\\'f0\\'e8\\'e0\\'eb;}}\\f0 x\\par}", doc));
+    EXPECT_EQ(familyOf(formatOf(doc, QStringLiteral("x"))), QStringLiteral("Ариал"));
+}

@@ -2,10 +2,12 @@
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "documents/Form2.h"
-#include "lists/BaseListWindow.h"
+#include "lists/ui/BaseListWindow.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/Spreadsheet.h"
+#include "platform/TextFile.h"
+#include "lists/ui/ListView.h"
 #include "platform/SettingsStore.h"
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
@@ -14,6 +16,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -204,4 +207,33 @@ TEST_F(BaseListsTest, AMissingDefaultListIsReportedAndLeavesAnEmptyList) {
     EXPECT_TRUE(dialogs.texts().contains(QStringLiteral("Tiedostoa: /ei/ole/lista.sl2 ei löydy.")));
     EXPECT_EQ(other.Form7->list()->rows(), 0);
     store.deleteAll();
+}
+
+// "&Avaa..." accepted a spreadsheet as a list file: it showed as garbage, the caption named
+// the spreadsheet, and saving wrote text over it. It now goes through the import, and the
+// window is named after a list file beside it.
+TEST_F(BaseListsTest, OpeningASpreadsheetImportsItAndNeverSavesOverIt) {
+    QTemporaryDir dir;
+    lists::BaseListWindow* f7 = main->Form7;
+    const QString sheet = dir.filePath(QStringLiteral("vaatimukset.xlsx"));
+    QString error;
+    ASSERT_TRUE(lists::ExportListViewXlsx(*f7->list(), sheet, &error)) << error.toStdString();
+    QByteArray sheetBytes;
+    ASSERT_TRUE(platform::readFileBytes(sheet, sheetBytes));
+    const int rows = f7->list()->rows();
+    const QString third = f7->list()->cell(3, 3);
+
+    dialogs.chooseFile(sheet);
+    f7->SubMenu0[0]->trigger(); // "&Avaa..."
+    EXPECT_EQ(f7->windowTitle(),
+              dir.filePath(QStringLiteral("vaatimukset.sl2")) + QStringLiteral(" (Laatuvaatimusluettelo)"));
+    // The rows came in (a header row of the sheet may come with them).
+    EXPECT_GE(f7->list()->rows(), rows);
+    EXPECT_GT(findRow(*f7->list(), 3, third), 0);
+    f7->SubMenu0[1]->trigger(); // "&Tallenna"
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath(QStringLiteral("vaatimukset.sl2"))));
+    QByteArray after;
+    ASSERT_TRUE(platform::readFileBytes(sheet, after));
+    EXPECT_EQ(after, sheetBytes);
+    EXPECT_TRUE(f7->windowTitle().endsWith(QStringLiteral(" Ei muutettu")));
 }

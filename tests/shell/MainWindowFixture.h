@@ -7,6 +7,7 @@
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
 
+#include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -28,4 +29,15 @@ protected:
     }
     testing_support::ScriptedDialogs dialogs;
     std::unique_ptr<shell::MDIForm1> main;
+};
+
+// The same, with the main window shown and active, for tests that need the focus.
+class ShownMainWindowFixture : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        MainWindowFixture::SetUp();
+        main->show();
+        main->QWidget::activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(main.get()));
+    }
 };

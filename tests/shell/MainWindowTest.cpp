@@ -11,8 +11,10 @@
 #include "shell/Form8.h"
 #include "shell/MDIForm1.h"
 #include "shell/Settings.h"
+#include "shell/frmSplash.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QProgressBar>
@@ -20,6 +22,8 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QStatusBar>
+#include <QTest>
+#include <QTimer>
 #include <QToolBar>
 #include <gtest/gtest.h>
 
@@ -257,14 +261,16 @@ TEST_F(MainWindowTest, SettingsDialogEditsMemoryAndRestoringDefaultsSurvivesTheE
     EXPECT_FALSE(s.AutoFormat);
     EXPECT_EQ(main->appState().OfficeRows[3], QStringLiteral("Rivi 4"));
     // Nothing reaches the store before the end of the run.
-    EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("-")),
-              QStringLiteral("-"));
+    EXPECT_EQ(
+        platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("-")),
+        QStringLiteral("-"));
 
     platform::SettingsStore().save(QStringLiteral("General"), QStringLiteral("VAT"), QStringLiteral("19"));
     Form8 second(*main);
     second.restoreDefaults();
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("Ohjelman alkuperäiset asetukset palautuvat\r\nkun ohjelma käynnistetään uudestaan."));
+    EXPECT_EQ(
+        dialogs.lastText(),
+        QStringLiteral("Ohjelman alkuperäiset asetukset palautuvat\r\nkun ohjelma käynnistetään uudestaan."));
     EXPECT_FALSE(second.Check1[2]->isChecked());
     EXPECT_TRUE(main->shutDown());
     AppState next;
@@ -272,4 +278,34 @@ TEST_F(MainWindowTest, SettingsDialogEditsMemoryAndRestoringDefaultsSurvivesTheE
     EXPECT_EQ(next.settings.VAT, QStringLiteral("22"));
     EXPECT_TRUE(next.settings.AutoFormat);
     EXPECT_EQ(next.settings.BlankLines, (std::array<int, 6>{1, 1, 0, 1, 1, 0}));
+}
+
+// The main window showed before the splash and then jumped to its stored size, and the splash
+// could not be closed early. Now the splash stands alone while the program starts, and a key
+// on it closes it.
+TEST(StartUp, TheSplashComesFirstAndAKeyClosesIt) {
+    ScriptedDialogs dialogs;
+    platform::SettingsStore().deleteAll();
+    MDIForm1 main;
+    main.setProgramDirectory(testing_support::dataDir());
+    bool seen = false;
+    QTimer::singleShot(0, &main, [&] {
+        frmSplash* splash = nullptr;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* s = qobject_cast<frmSplash*>(w); s && s->isVisible()) splash = s;
+        ASSERT_TRUE(splash);
+        EXPECT_FALSE(main.isVisible());
+        QTest::keyClick(splash, Qt::Key_Escape);
+        EXPECT_FALSE(splash->isVisible());
+        seen = true;
+    });
+    main.startUp(true);
+    EXPECT_TRUE(seen);
+    EXPECT_TRUE(main.isVisible());
+    EXPECT_EQ(main.projectWindows().size(), 4u);
+    for (QWidget* w : QApplication::topLevelWidgets())
+        EXPECT_FALSE(qobject_cast<frmSplash*>(w)) << "the splash is gone after start-up";
+    main.appState().settings.SaveSettingsOnExit = false;
+    for (auto* w : main.projectWindows())
+        main.FormUntouch(w);
 }

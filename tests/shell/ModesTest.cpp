@@ -5,7 +5,7 @@
 #include "documents/Form1.h"
 #include "documents/Form2.h"
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
 #include "shell/Modes.h"

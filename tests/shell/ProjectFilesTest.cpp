@@ -8,9 +8,10 @@
 #include "documents/Form4.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
+#include "persist/ProjectText.h"
 #include "persist/SlContainer.h"
-#include "platform/PictureBox.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/SettingsStore.h"
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
@@ -189,10 +190,6 @@ TEST_F(ProjectFilesTest, DamagedFilesAreReportedAndTheWindowsKeepTheirContent) {
     ASSERT_TRUE(persist::UnpackContainer(good, members, &error));
     members[0].data.chop(members[0].data.size() / 3);
     damaged.emplace_back(QStringLiteral("kesken.sl"), persist::PackContainer(members));
-    ASSERT_TRUE(persist::UnpackContainer(good, members, &error));
-    members[1].data = QByteArray("ei kuva");
-    members[1].type = 1;
-    damaged.emplace_back(QStringLiteral("kuva.sl"), persist::PackContainer(members));
 
     for (const auto& [name, bytes] : damaged) {
         const QString path = dir.filePath(name);
@@ -248,4 +245,150 @@ TEST_F(ProjectFilesTest, SavingWithThePathOptionKeepsOnlyFileNames) {
     // A copy for sending leaves the captions and the recent files as they were.
     EXPECT_EQ(p1.f1->caption(), QStringLiteral("Projekti1 (Perustiedot)"));
     EXPECT_TRUE(main->appState().RecentFiles[0].isEmpty());
+}
+
+namespace {
+
+// The members and text of a saved project, to be edited and packed again.
+struct SavedProject {
+    persist::Members members;
+    persist::ProjectContent content;
+    bool read(const QByteArray& file) {
+        QString error;
+        return persist::UnpackContainer(file, members, &error) &&
+               persist::ReadProjectText(members[0].data, QString(), content, &error);
+    }
+    QByteArray pack() {
+        members[0].data = persist::WriteProjectText(content, false);
+        return persist::PackContainer(members);
+    }
+};
+
+} // namespace
+
+// An older or shorter record used to blank every field it did not cover, wiping a new
+// project's defaults, and an empty item of the reference list was dropped, moving the rest.
+TEST_F(ProjectFilesTest, ShortRecordsLeaveUncoveredFieldsAndEmptyReferenceItemsKeepTheirPlace) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString file = dir.filePath(QStringLiteral("vanha.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    SavedProject saved;
+    ASSERT_TRUE(saved.read(bytesOf(file)));
+    persist::WindowRecord& basic = saved.content.windows[0];
+    basic.texts = basic.texts.mid(0, 3);
+    basic.combos = basic.combos.mid(0, 2);
+    saved.content.windows[1].lists.resize(1); // the requirement list is not in the record
+    saved.content.referenceItems[3] = QString();
+    saved.content.referenceItems[4] = QStringLiteral("viides");
+    const QString older = dir.filePath(QStringLiteral("lyhyt.sl"));
+    ASSERT_TRUE(platform::writeFileAtomically(older, saved.pack()));
+
+    main->NewProject();
+    const ProjectWindows p2 = project(QStringLiteral("Projekti2"));
+    const QString moneyUnit = p2.f1->Combo1[4]->text();
+    ASSERT_FALSE(moneyUnit.isEmpty());
+    p2.f1->Text1[4]->setText(QStringLiteral("oletus"));
+    lists::AddListViewRow(*p2.f2->list(1), 1, true);
+    p2.f2->list(1)->setCell(1, 3, QStringLiteral("oma vaatimus"));
+    main->activateWindow(p2.f1);
+    dialogs.clear();
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), older, false))
+        << dialogs.messages().size() << dialogs.texts().join("/").toStdString();
+    EXPECT_EQ(p2.f1->Text1[0]->text(), QStringLiteral("Kärkölän silta"));
+    EXPECT_EQ(p2.f1->Text1[4]->text(), QStringLiteral("oletus"));
+    EXPECT_EQ(p2.f1->Combo1[4]->text(), moneyUnit);
+    EXPECT_EQ(p2.f2->list(1)->cell(1, 3), QStringLiteral("oma vaatimus"));
+    EXPECT_EQ(p2.f2->list(0)->cell(2, 6), QStringLiteral("8,50"));
+    const QComboBox* references = p2.f2->Combo1[0];
+    ASSERT_EQ(references->count(), 18);
+    EXPECT_EQ(references->itemText(3), QString());
+    EXPECT_EQ(references->itemText(4), QStringLiteral("viides"));
+}
+
+// A list whose template was missing has no columns; reading a project into it kept no
+// cells, and the next save wrote the quantity and requirement lists empty.
+TEST_F(ProjectFilesTest, AListWithoutColumnsTakesTheRecordsColumnsAndLosesNothing) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString file = dir.filePath(QStringLiteral("luettelot.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    const QByteArray original = bytesOf(file);
+
+    main->NewProject();
+    const ProjectWindows p2 = project(QStringLiteral("Projekti2"));
+    for (int j = 0; j < 2; ++j)
+        p2.f2->list(j)->reset({}, {});
+    main->activateWindow(p2.f1);
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), file, false));
+    const ProjectWindows back = project(file);
+    EXPECT_EQ(back.f2->list(0)->cols(), p1.f2->list(0)->cols());
+    EXPECT_EQ(back.f2->list(0)->cell(2, 6), QStringLiteral("8,50"));
+    EXPECT_EQ(back.f2->list(0)->rowNumberText(2), QStringLiteral("00002"));
+    EXPECT_EQ(back.f2->list(1)->cell(1, 3), QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
+    const QString again = dir.filePath(QStringLiteral("uudelleen.sl"));
+    main->activateWindow(back.f1);
+    ASSERT_TRUE(WriteSlFile(*main, file, again, false));
+    SavedProject a, b;
+    ASSERT_TRUE(a.read(original));
+    ASSERT_TRUE(b.read(bytesOf(again)));
+    for (int j = 0; j < 2; ++j) {
+        EXPECT_EQ(b.content.windows[1].lists[j].columns, a.content.windows[1].lists[j].columns);
+        EXPECT_EQ(b.content.windows[1].lists[j].rows, a.content.windows[1].lists[j].rows);
+    }
+}
+
+// A member of an unknown picture type cleared the box it would go to; a picture whose bytes
+// could not be shown made the whole project unopenable.
+TEST_F(ProjectFilesTest, UnknownAndDamagedPictureMembersLoseNothing) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    fill(p1);
+    const QString file = dir.filePath(QStringLiteral("kuvat.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    SavedProject saved;
+    ASSERT_TRUE(saved.read(bytesOf(file)));
+    saved.members[1].data = QByteArray("tuntematon");
+    saved.members[1].type = 7;
+    saved.members[2].data = QByteArray("ei kuva");
+    saved.members[2].type = 1;
+    const QString odd = dir.filePath(QStringLiteral("oudot.sl"));
+    ASSERT_TRUE(platform::writeFileAtomically(odd, saved.pack()));
+
+    main->NewProject();
+    const ProjectWindows p2 = project(QStringLiteral("Projekti2"));
+    const platform::Picture own = platform::Picture::fromImage(QImage(8, 8, QImage::Format_RGB32));
+    p2.f1->Image1[0]->setPicture(own);
+    main->activateWindow(p2.f1);
+    dialogs.clear();
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), odd, false));
+    EXPECT_EQ(p2.f1->Image1[0]->picture().bytes(), own.bytes());
+    EXPECT_EQ(p2.f1->Image1[1]->picture().bytes(), QByteArray("ei kuva"));
+    EXPECT_EQ(p2.f1->Image1[2]->picture().type(), 2);
+    EXPECT_EQ(p2.f1->Text1[0]->text(), QStringLiteral("Kärkölän silta"));
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("kuva 2"))) << dialogs.lastText().toStdString();
+
+    // Saved again, the unreadable picture's bytes go back as they came.
+    const QString again = dir.filePath(QStringLiteral("oudot2.sl"));
+    main->activateWindow(p2.f1);
+    ASSERT_TRUE(WriteSlFile(*main, odd, again, false));
+    SavedProject back;
+    ASSERT_TRUE(back.read(bytesOf(again)));
+    EXPECT_EQ(back.members[2].data, QByteArray("ei kuva"));
+    EXPECT_EQ(back.members[2].type, 1);
+}
+
+// The warning before saving named the three text documents, whose rich text keeps every
+// character; only fields that really turn into "?" are named.
+TEST_F(ProjectFilesTest, TextDocumentsKeepCharactersOutsideTheCodePageWithoutAWarning) {
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    QTextCursor(p1.f2->RichTextBox1[0]->document()).insertText(QStringLiteral("Łódź \u0101 \u4e2d"));
+    const QString file = dir.filePath(QStringLiteral("unicode.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
+    main->NewProject();
+    main->openFromCommandLine(file);
+    const ProjectWindows back = project(file);
+    ASSERT_TRUE(back.complete());
+    EXPECT_EQ(back.f2->RichTextBox1[0]->toPlainText(), QStringLiteral("Łódź \u0101 \u4e2d"));
 }

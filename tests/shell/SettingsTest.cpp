@@ -142,4 +142,9 @@ TEST(WindowPositions, TableTakesTwipsAndAppliesOnlyStoredValues) {
     GetWinPos(table, 5, &other);
     EXPECT_EQ(other.width(), 400);
     EXPECT_EQ(other.height(), 100);
+    // Without a stored place a window is left for the system to place (a dialog over its
+    // owner), not pinned to the corner of the screen.
+    QWidget fresh;
+    GetWinPos(WindowPositions{}, 13, &fresh);
+    EXPECT_FALSE(fresh.testAttribute(Qt::WA_Moved));
 }

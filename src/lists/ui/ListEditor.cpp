@@ -1,7 +1,7 @@
-#include "lists/ListEditor.h"
+#include "lists/ui/ListEditor.h"
 
 #include "lists/ListModel.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 
 #include <QCoreApplication>

@@ -1,16 +1,18 @@
-#include "lists/BaseListWindow.h"
+#include "lists/ui/BaseListWindow.h"
 
-#include "lists/ListEditor.h"
+#include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 #include "lists/Spreadsheet.h"
 #include "platform/Dialogs.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
+#include <QFileInfo>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -184,10 +186,8 @@ void BaseListWindow::createMenus() {
     SubMenu1[12]->setShortcut(QKeySequence(Qt::Key_Delete));
     for (QAction* a : SubMenu1)
         a->setShortcutContext(Qt::WindowShortcut);
-    // The row editor, the lists of a project and the heading index are not part of this build.
-    SubMenu1[3]->setEnabled(false);
+    // "Lisää luettelosta" has no base list of its own to offer here.
     SubMenu1[4]->setEnabled(false);
-    SubMenu1[14]->setEnabled(false);
 }
 
 QString BaseListWindow::extension() const {
@@ -227,6 +227,16 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             const TextMeasure measure = [metrics](const QString& t) {
                 return metrics.horizontalAdvance(t) * 15;
             };
+            if (recogniseFile(file) == FileContent::Spreadsheet) {
+                // A spreadsheet comes in through the import. The window is named after a list
+                // file beside it, so that saving never writes text over the spreadsheet.
+                if (!InitListView(*list(), file, QStringLiteral(".xls"))) return;
+                const QFileInfo info(file);
+                setWindowTitle(info.dir().filePath(info.completeBaseName() + extension()) + suffix() +
+                               kMarker);
+                m_host.baseListTouched(this);
+                break;
+            }
             if (InitListView(*list(), file, QStringLiteral(";"), measure))
                 setWindowTitle(file + suffix() + kMarker);
             break;
@@ -309,11 +319,20 @@ void BaseListWindow::editMenuClick(int index) {
             // Items that change the list mark the window changed; copying does not.
             if (index != 10 && index != 4) m_host.baseListTouched(this);
             static const int dispatch[] = {-1, -1, -1, 0, 1, 2, 3, 4, -1, 6, 7, 8, 9};
-            ListView1->setFocus();
+            // An open cell edit keeps the focus: the text items act on its text.
+            const ListEditor* editor = ListEditor::of(ListView1);
+            if (!editor || !editor->isEditing()) ListView1->setFocus();
             m_host.baseListEditAction(this, dispatch[index]);
             return;
         }
+        case 14:
+            m_host.baseListEditAction(this, 11);
+            return;
         case 16:
+            if (const ListEditor* editor = ListEditor::of(ListView1); editor && editor->isEditing()) {
+                m_host.baseListEditAction(this, 13);
+                return;
+            }
             list()->selectAll();
             return;
         case 18:

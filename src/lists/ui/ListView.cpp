@@ -1,4 +1,4 @@
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include "lists/ListModel.h"
 

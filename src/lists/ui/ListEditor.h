@@ -6,7 +6,7 @@
 // A window attaches one ListEditor to each of its lists and answers the ListEditHost questions
 // (see README.md in this folder).
 #include "lists/ListEditing.h"
-#include "lists/ListView.h"
+#include "lists/ui/ListView.h"
 
 #include <QObject>
 #include <QPixmap>

@@ -1,0 +1,800 @@
+#include "documents/Form5.h"
+
+#include "documents/Controls.h"
+#include "documents/DocumentHost.h"
+#include "documents/Form1.h"
+#include "documents/Form10.h"
+#include "documents/Form2.h"
+#include "documents/Form9.h"
+#include "lists/ListEditing.h"
+#include "lists/ui/ListEditor.h"
+#include "lists/ListFiles.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "lists/ui/ListView.h"
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace documents {
+
+namespace {
+
+constexpr int kWindowSlot = 5;
+constexpr int kHelpTopic = 250;
+constexpr int kSlotsPerRow = 4;
+namespace col = requirement_col;
+// The requirement card's second pane, the inspection, starts at this column.
+constexpr int kInspectionCol = 15;
+
+// Menu items of "&Tiedosto" and "&Selaa" by their key.
+const char* const kFileKeys[] = {
+    "Open document",         "Open attachment", nullptr,  "Browse document",
+    "Browse attachment",     nullptr,           "Update", "Update and browse next",
+    "Check and browse next", nullptr,           "Close"};
+const char* const kEditKeys[] = {"New",   "Dublicate", "New to end", "Delete all", nullptr, "Cut", "Copy",
+                                 "Paste", "Del",       nullptr,      "Select all", nullptr, "Edit"};
+
+// How many grid slots a short field takes: file names the whole row, references two.
+int slotsOf(const CardField& f, bool quality) {
+    if (quality && (f.column == col::Document || f.column == col::Attachment)) return kSlotsPerRow;
+    if (f.header.trimmed().toUpper() == QLatin1String("VIITE")) return 2;
+    return 1;
+}
+
+void setEditableLook(QWidget* field, bool editable) {
+    if (auto* t = qobject_cast<TextBox*>(field)) {
+        if (t->locked() == !editable && field->property("looked").toBool()) return;
+        t->setReadOnlyLook(!editable);
+    } else if (auto* c = qobject_cast<ComboBox*>(field)) {
+        if (c->locked() == !editable && field->property("looked").toBool()) return;
+        c->setReadOnlyLook(!editable);
+    }
+    field->setProperty("looked", true);
+}
+
+} // namespace
+
+Form5::Form5(DocumentHost& host, QWidget* parent)
+    : QDialog(parent)
+    , m_host(host) {
+    setObjectName(QStringLiteral("Form5"));
+    setModal(true);
+    setSizeGripEnabled(true);
+    setWindowTitle(platform::applicationTitle());
+    resize(1180, 760);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    createMenus();
+    createToolbar();
+    layout->addWidget(Toolbar1);
+    m_scroll = new QScrollArea(this);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    layout->addWidget(m_scroll, 1);
+    StatusBar1 = new QStatusBar(this);
+    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
+    StatusBar1->setSizeGripEnabled(false);
+    layout->addWidget(StatusBar1);
+    installEventFilter(this);
+}
+
+Form5::~Form5() {
+    // A field that loses the focus while the window goes away must not reach the card's
+    // handlers any more: the card is being taken apart.
+    for (ComboBox* c : Combo1) {
+        disconnect(c, nullptr, this, nullptr);
+        disconnect(c->lineEdit(), nullptr, this, nullptr);
+    }
+    for (TextBox* t : Text1)
+        disconnect(t, nullptr, this, nullptr);
+}
+
+void Form5::createMenus() {
+    auto* bar = new QMenuBar(this);
+    layout()->setMenuBar(bar);
+    auto addItems = [this](QMenu* menu, const QStringList& texts, const char* const* keys,
+                           std::vector<QAction*>& array) {
+        for (int i = 0; i < texts.size(); ++i) {
+            QAction* a = texts[i] == QLatin1String("-") ? menu->addSeparator() : menu->addAction(texts[i]);
+            array.push_back(a);
+            if (keys && keys[i]) {
+                const QString key = QString::fromLatin1(keys[i]);
+                connect(a, &QAction::triggered, this, [this, key] { ToolbarClick(key); });
+            }
+        }
+    };
+
+    QMenu* file = bar->addMenu(QStringLiteral("&Tiedosto"));
+    addItems(file,
+             {QString::fromUtf8("&Avaa tekninen töyselostus"), QStringLiteral("Avaa &viitetiedosto"),
+              QStringLiteral("-"), QString::fromUtf8("&Hae tekninen työselostus"),
+              QStringLiteral("Ha&e viitetiedosto"), QStringLiteral("-"),
+              QString::fromUtf8("Päivitä (Shift+Return)"),
+              QString::fromUtf8("Päivitä ja siirry seuraavaan (Alt+Return)"),
+              QString::fromUtf8("Täyttää vaatimukset, siirry seuraavaan (Ctrl+Return)"), QStringLiteral("-"),
+              QStringLiteral("&Sulje ikkuna (Esc)")},
+             kFileKeys, SubMenu0);
+
+    QMenu* edit = bar->addMenu(QStringLiteral("&Muokkaa"));
+    const std::array<QString, 4> rows = RowMenuTexts(QString());
+    addItems(edit,
+             {rows[0], rows[1], rows[2], rows[3], QStringLiteral("-"), QStringLiteral("Leikkaa"),
+              QStringLiteral("Kopio"), QString::fromUtf8("Liitä"), QStringLiteral("Poista"),
+              QStringLiteral("-"), QStringLiteral("&Valitse kaikki"), QStringLiteral("-"),
+              QStringLiteral("Muokkaa tekstieditorissa")},
+             kEditKeys, SubMenu1);
+    // The rows cannot all be deleted from the card.
+    SubMenu1[3]->setEnabled(false);
+    SubMenu1[5]->setShortcut(QKeySequence::Cut);
+    SubMenu1[6]->setShortcut(QKeySequence::Copy);
+    SubMenu1[7]->setShortcut(QKeySequence::Paste);
+    SubMenu1[12]->setShortcut(QKeySequence(Qt::Key_F9));
+
+    QMenu* browse = bar->addMenu(QStringLiteral("&Selaa"));
+    auto step = [this](QAction* a, int code) {
+        connect(a, &QAction::triggered, this, [this, code] { Browse(code); });
+    };
+    SubMenu2.push_back(browse->addAction(QStringLiteral("Edellinen (PgUp)")));
+    step(SubMenu2.back(), -browse::Any);
+    SubMenu2.push_back(browse->addAction(QStringLiteral("Seuraava (PgDn)")));
+    step(SubMenu2.back(), browse::Any);
+    SubMenu2.push_back(browse->addSeparator());
+    QMenu* previous = browse->addMenu(QStringLiteral("&Edellinen..."));
+    SubMenu2.push_back(previous->menuAction());
+    QMenu* next = browse->addMenu(QStringLiteral("&Seuraava..."));
+    SubMenu2.push_back(next->menuAction());
+    for (int direction : {-1, 1}) {
+        QMenu* menu = direction < 0 ? previous : next;
+        std::vector<QAction*>& array = direction < 0 ? SubMenu20 : SubMenu21;
+        const QStringList texts = BrowseMenuTexts(direction);
+        for (int i = 0; i < texts.size(); ++i) {
+            QAction* a = texts[i] == QLatin1String("-") ? menu->addSeparator() : menu->addAction(texts[i]);
+            array.push_back(a);
+            if (texts[i] != QLatin1String("-")) step(a, direction * (i + 2));
+        }
+    }
+    SubMenu2.push_back(browse->addSeparator());
+    SubMenu2.push_back(
+        browse->addAction(QString::fromUtf8("Siirry edelliseen työvaiheotsikkoon (Alt+PgUp)")));
+    step(SubMenu2.back(), -browse::Caption);
+    SubMenu2.push_back(
+        browse->addAction(QString::fromUtf8("Siirry seuraavaan työvaiheotsikkoon (Alt+PgDn)")));
+    step(SubMenu2.back(), browse::Caption);
+    SubMenu2.push_back(browse->addSeparator());
+    SubMenu2.push_back(browse->addAction(QStringLiteral("Siirry...")));
+    SubMenu2.back()->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+    connect(SubMenu2.back(), &QAction::triggered, this, [this] { ToolbarClick(QStringLiteral("Find")); });
+
+    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
+    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
+}
+
+void Form5::createToolbar() {
+    Toolbar1 = new QToolBar(this);
+    Toolbar1->setObjectName(QStringLiteral("Toolbar1"));
+    Toolbar1->setIconSize(QSize(20, 20));
+    Toolbar1->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    struct Button {
+        const char* key;
+        const char* tip;
+    };
+    const Button buttons[] = {{"Update", "Päivitä"},
+                              {"Update and browse next", "Päivitä ja näytä seuraava"},
+                              {"Check and browse next", "Täyttää vaatimukset, siirry seuraavaan"},
+                              {nullptr, nullptr},
+                              {"PgUp", "Näytä edellinen"},
+                              {"PgDn", "Näytä seuraava"},
+                              {nullptr, nullptr},
+                              {"New", "Lisää uusi"},
+                              {"Dublicate", "Kloonaa"},
+                              {"New to end", "Lisää uusi luettelon loppuun"},
+                              {nullptr, nullptr},
+                              {"Cut", "Leikkaa"},
+                              {"Copy", "Kopio"},
+                              {"Paste", "Liitä"},
+                              {"Del", "Poista"},
+                              {nullptr, nullptr},
+                              {"Find", "Siirry..."}};
+    for (const Button& b : buttons) {
+        if (!b.key) {
+            Toolbar1->addSeparator();
+            continue;
+        }
+        const QString key = QString::fromLatin1(b.key);
+        const QString tip = QString::fromUtf8(b.tip);
+        QAction* a = Toolbar1->addAction(m_host.toolIcon(key), tip);
+        a->setToolTip(tip);
+        a->setObjectName(key);
+        toolbarButtons[key] = a;
+        connect(a, &QAction::triggered, this, [this, key] { ToolbarClick(key); });
+    }
+    // The inspection's own button says what it does.
+    if (auto* check = qobject_cast<QToolButton*>(
+            Toolbar1->widgetForAction(toolbarButtons[QStringLiteral("Check and browse next")]))) {
+        check->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        check->setText(QString::fromUtf8("Täyttää vaatimukset"));
+    }
+}
+
+lists::ListModel* Form5::list() const {
+    return m_view ? m_view->list() : nullptr;
+}
+
+TextBox* Form5::textOfColumn(int column) const {
+    const CardField* f = FieldOfColumn(m_fields, column);
+    return f && f->longText && f->index < static_cast<int>(Text1.size()) ? Text1[f->index] : nullptr;
+}
+
+ComboBox* Form5::comboOfColumn(int column) const {
+    const CardField* f = FieldOfColumn(m_fields, column);
+    return f && !f->longText && f->index < static_cast<int>(Combo1.size()) ? Combo1[f->index] : nullptr;
+}
+
+QStringList Form5::comboTexts() const {
+    QStringList out;
+    for (const ComboBox* c : Combo1)
+        out.append(c->text());
+    return out;
+}
+
+QStringList Form5::textTexts() const {
+    QStringList out;
+    for (const TextBox* t : Text1)
+        out.append(t->text());
+    return out;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Setting up
+
+bool Form5::ShowListViewEditor(lists::ListView* view) {
+    lists::ListModel* model = view ? view->list() : nullptr;
+    if (!model) return false;
+    const int mode = m_host.appState().ProgramMode;
+    if (model->tag() == lists::kind::NoEdit) {
+        lists::ShowDeny(mode);
+        return false;
+    }
+    if (lists::ListEditor* editor = lists::ListEditor::of(view)) editor->closeEditor();
+    m_view = view;
+    buildCard();
+    fillComboLists();
+
+    const QString& kind = model->kind();
+    const std::array<QString, 4> rows = RowMenuTexts(kind);
+    for (int i = 0; i < 4; ++i)
+        SubMenu1[i]->setText(rows[i]);
+    const bool quality = lists::isQualityKind(kind);
+    for (int i : {3, 4})
+        SubMenu0[i]->setEnabled(quality);
+    const bool check = CheckAllowed(kind, mode);
+    SubMenu0[8]->setEnabled(check);
+    toolbarButtons[QStringLiteral("Check and browse next")]->setEnabled(check);
+    toolbarButtons[QStringLiteral("Check and browse next")]->setVisible(kind == lists::kind::Requirements);
+    for (int direction : {-1, 1}) {
+        std::vector<QAction*>& array = direction < 0 ? SubMenu20 : SubMenu21;
+        for (int i = 0; i < static_cast<int>(array.size()); ++i)
+            array[i]->setEnabled(BrowseCodeSelects(kind, i + 2));
+    }
+    SubMenu2[3]->setEnabled(quality);
+    SubMenu2[4]->setEnabled(quality);
+
+    if (model->rows() > 0) {
+        int r = model->selectedRow();
+        if (r < 1) r = std::clamp(model->currentRow(), 1, model->rows());
+        if (model->currentRow() != r || !model->isSelected(r)) model->selectOnly(r);
+        model->ensureVisible(r);
+    }
+    ImportToEditor();
+    if (!m_positioned) {
+        m_host.restoreWindowPosition(kWindowSlot, this);
+        m_positioned = true;
+    }
+    // An inspection starts at the result; any other card at its first field.
+    QWidget* start = nullptr;
+    if (check && comboOfColumn(col::Result)) start = comboOfColumn(col::Result);
+    if (start)
+        start->setFocus(Qt::OtherFocusReason);
+    else
+        focusFirstField();
+    return true;
+}
+
+void Form5::focusFirstField() {
+    for (const CardField& f : m_fields) {
+        QWidget* w = f.longText ? static_cast<QWidget*>(Text1[f.index]) : Combo1[f.index];
+        const bool locked = f.longText ? Text1[f.index]->locked() : Combo1[f.index]->locked();
+        if (!locked) {
+            w->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
+}
+
+void Form5::buildCard() {
+    lists::ListModel* model = list();
+    QStringList headers{model->kind()};
+    for (int c = 1; c <= model->lastDataCol(); ++c)
+        headers.append(model->column(c).header);
+    const QString signature = headers.join(QLatin1Char(';'));
+    if (signature == m_cardLayout && m_scroll->widget()) return;
+    m_cardLayout = signature;
+
+    // A card of another list: new fields for its columns.
+    if (QWidget* old = m_scroll->takeWidget()) old->deleteLater();
+    Label1.clear();
+    Label2.clear();
+    Text1.clear();
+    Combo1.clear();
+    m_fields = CardFields(*model);
+
+    auto* card = new QWidget;
+    auto* panes = new QHBoxLayout(card);
+    panes->setContentsMargins(8, 6, 8, 6);
+    panes->setSpacing(12);
+    const bool quality = lists::isQualityKind(model->kind());
+
+    // Fields fill a grid of four slots a row in column order; a long text takes a row of its own.
+    QGridLayout* grid = nullptr;
+    int gridRow = 0;
+    int slot = 0;
+    auto newPane = [&](const QString& title) {
+        QWidget* pane = nullptr;
+        if (title.isEmpty()) {
+            pane = new QWidget(card);
+        } else {
+            auto* box = new QGroupBox(title, card);
+            pane = box;
+        }
+        grid = new QGridLayout(pane);
+        grid->setHorizontalSpacing(8);
+        grid->setVerticalSpacing(3);
+        for (int k = 0; k < kSlotsPerRow; ++k)
+            grid->setColumnStretch(k, 1);
+        panes->addWidget(pane, 1);
+        gridRow = 0;
+        slot = 0;
+    };
+    newPane(quality ? QStringLiteral("Laatuvaatimus") : QString());
+    for (const CardField& f : m_fields) {
+        if (quality && f.column == kInspectionCol) newPane(QStringLiteral("Tarkastus ja raportointi"));
+        auto* label = new QLabel(f.header, card);
+        label->setTextFormat(Qt::PlainText);
+        // Room above the capitals for the dots of Ä and Ö.
+        label->setContentsMargins(0, 3, 0, 0);
+        label->setObjectName(QStringLiteral("%1_%2").arg(f.longText ? "Label2" : "Label1").arg(f.index));
+        if (f.longText) {
+            auto* box = new TextBox(true, card);
+            box->setObjectName(QStringLiteral("Text1_%1").arg(f.index));
+            const int lines = f.column == 3 && quality ? 5 : 3;
+            box->setMinimumHeight(box->fontMetrics().lineSpacing() * lines + 12);
+            Text1.push_back(box);
+            Label2.push_back(label);
+            if (slot > 0) {
+                gridRow += 2;
+                slot = 0;
+            }
+            grid->addWidget(label, gridRow, 0, 1, kSlotsPerRow);
+            grid->addWidget(box, gridRow + 1, 0, 1, kSlotsPerRow);
+            grid->setRowStretch(gridRow + 1, lines);
+            gridRow += 2;
+            connect(box, &TextBox::changed, this, [this] { touch(); });
+            box->editor()->installEventFilter(this);
+        } else {
+            auto* combo = new ComboBox(card);
+            combo->setObjectName(QStringLiteral("Combo1_%1").arg(f.index));
+            combo->setMaxVisibleItems(20);
+            Combo1.push_back(combo);
+            Label1.push_back(label);
+            const int span = slotsOf(f, quality);
+            if (slot + span > kSlotsPerRow) {
+                gridRow += 2;
+                slot = 0;
+            }
+            grid->addWidget(label, gridRow, slot, 1, span);
+            grid->addWidget(combo, gridRow + 1, slot, 1, span);
+            slot += span;
+            if (slot >= kSlotsPerRow) {
+                gridRow += 2;
+                slot = 0;
+            }
+            connect(combo, &ComboBox::changed, this, [this] { touch(); });
+            connect(combo, &ComboBox::returnPressed, this, [this] { focusNextChild(); });
+            combo->installEventFilter(this);
+            combo->lineEdit()->installEventFilter(this);
+            if (quality && (f.column == col::Document || f.column == col::Attachment)) {
+                connect(combo, &ComboBox::changed, this, [this] {
+                    SubMenu0[0]->setEnabled(comboOfColumn(col::Document) &&
+                                            !comboOfColumn(col::Document)->text().isEmpty());
+                    SubMenu0[1]->setEnabled(comboOfColumn(col::Attachment) &&
+                                            !comboOfColumn(col::Attachment)->text().isEmpty());
+                });
+            }
+        }
+    }
+    if (slot > 0) gridRow += 2;
+
+    // The rules follow what the user picks for the type, the method and the result.
+    for (int column : {col::Type, col::Method, col::Result}) {
+        ComboBox* combo = quality ? comboOfColumn(column) : nullptr;
+        if (!combo) continue;
+        connect(combo, &QComboBox::activated, this, [this, column] {
+            if (column == col::Type && !checkContractorType()) return;
+            EnableControlsForm5();
+        });
+        connect(combo->lineEdit(), &QLineEdit::editingFinished, this, [this, column] {
+            if (m_loading || !isVisible()) return;
+            if (column == col::Type && !checkContractorType()) return;
+            EnableControlsForm5();
+        });
+    }
+    m_scroll->setWidget(card);
+}
+
+void Form5::fillComboLists() {
+    ComboSources sources;
+    sources.today = QDate::currentDate();
+    if (Form1* basic = m_host.basicDataWindowOf(m_view)) sources.bridgeParts = basic->list(0);
+    const lists::ComboData references =
+        lists::readComboData(lists::comboDataPath(m_host.appState().AppPath, 2), 1, sources.today);
+    if (!references.entries.empty()) sources.referenceCodes = references.entries.front();
+    const bool wasLoading = m_loading;
+    m_loading = true;
+    // UpdateLabelAndComboList: each drop-down gets the list of its column's header.
+    for (const CardField& f : m_fields) {
+        if (f.longText) continue;
+        ComboBox* combo = Combo1[f.index];
+        const QString keep = combo->text();
+        combo->clear();
+        combo->addItems(ComboListItems(f.header, sources));
+        combo->setText(keep);
+    }
+    m_loading = wasLoading;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The card and its row
+
+void Form5::ImportToEditor() {
+    lists::ListModel* model = list();
+    if (!model) return;
+    m_row = model->currentRow();
+    if (m_row < 1 || m_row > model->rows()) m_row = 0;
+    m_loading = true;
+    for (const CardField& f : m_fields) {
+        const QString& value = model->cell(m_row, f.column);
+        if (f.longText)
+            Text1[f.index]->setText(value);
+        else
+            Combo1[f.index]->setText(value);
+    }
+    EnableControlsForm5();
+    m_loading = false;
+
+    const QString kind = model->kind();
+    QString title = platform::applicationTitle() + QStringLiteral(" (") + kind + QLatin1Char(')');
+    if (lists::isQualityKind(kind) && m_row > 0 && !lists::BlankString(model->cell(m_row, col::Identifier)))
+        title += QStringLiteral(" - ") + model->cell(m_row, col::Identifier).trimmed();
+    setWindowTitle(title);
+    // Where the row stands: its place in the list and the work phase it belongs to.
+    QStringList status{m_row > 0 ? QStringLiteral("Rivi %1/%2").arg(m_row).arg(model->rows())
+                                 : QString::fromUtf8("Luettelossa ei ole rivejä")};
+    if (m_row > 0) {
+        const lists::CaptionInfo c = lists::FindCaption(*model, m_row);
+        if (c.captionRow > 0)
+            status << (c.captionLittera.trimmed() + QLatin1Char(' ') + c.captionText.trimmed()).trimmed();
+        if (c.subcaptionRow > 0)
+            status
+                << (c.subcaptionLittera.trimmed() + QLatin1Char(' ') + c.subcaptionText.trimmed()).trimmed();
+    }
+    StatusBar1->showMessage(
+        status.join(QStringLiteral("   |   ")).replace(QLatin1String("\r\n"), QLatin1String(" ")));
+    for (QAction* a : {SubMenu0[6], SubMenu0[7], SubMenu1[1]})
+        a->setEnabled(m_row > 0);
+}
+
+void Form5::EnableControlsForm5() {
+    lists::ListModel* model = list();
+    if (!model) return;
+    const CardRules rules = documents::EnableControlsForm5(model->kind(), m_host.appState().ProgramMode,
+                                                           comboTexts(), static_cast<int>(Text1.size()));
+    const bool wasLoading = m_loading;
+    // Texts the rules put into the card are not changes of their own: they reach the row when
+    // the card is written back.
+    m_loading = true;
+    for (const auto& [index, text] : rules.setCombo)
+        if (index < static_cast<int>(Combo1.size())) Combo1[index]->setText(text);
+    m_loading = wasLoading;
+    for (int i = 0; i < static_cast<int>(Text1.size()); ++i)
+        setEditableLook(Text1[i], rules.textEditable[i] != 0);
+    for (int i = 0; i < static_cast<int>(Combo1.size()); ++i)
+        setEditableLook(Combo1[i], rules.comboEditable[i] != 0);
+    const bool quality = lists::isQualityKind(model->kind());
+    SubMenu0[0]->setEnabled(quality && rules.openDocument);
+    SubMenu0[1]->setEnabled(quality && rules.openAttachment);
+    // A file can be looked for only into a field that may be changed.
+    ComboBox* document = comboOfColumn(col::Document);
+    ComboBox* attachment = comboOfColumn(col::Attachment);
+    SubMenu0[3]->setEnabled(quality && document && !document->locked());
+    SubMenu0[4]->setEnabled(quality && attachment && !attachment->locked());
+}
+
+void Form5::touch() {
+    if (m_loading || !m_view) return;
+    if (lists::ListEditHost* host = m_host.listEditHost())
+        host->listEdited(m_view);
+    else
+        m_host.contentChanged(m_view->window());
+}
+
+bool Form5::checkContractorType() {
+    ComboBox* type = comboOfColumn(col::Type);
+    lists::ListModel* model = list();
+    if (!type || !model || type->locked() || m_checkingType) return true;
+    if (!ContractorTypeRefused(m_host.appState().ProgramMode, model->kind(), type->text())) return true;
+    m_checkingType = true;
+    platform::MsgBox(contractorTypeMessage(), platform::MsgIcon::Information);
+    m_checkingType = false;
+    // The focus stays in the field, its text selected, until the type is changed.
+    QTimer::singleShot(0, type, [type] {
+        type->setFocus(Qt::OtherFocusReason);
+        type->lineEdit()->selectAll();
+    });
+    type->setFocus(Qt::OtherFocusReason);
+    type->lineEdit()->selectAll();
+    return false;
+}
+
+bool Form5::UpdateRow() {
+    lists::ListModel* model = list();
+    if (!model || m_row < 1 || m_row > model->rows()) return false;
+    if (NeedsIdentifier(model->kind())) {
+        ComboBox* identifier = comboOfColumn(col::Identifier);
+        if (identifier && lists::BlankString(identifier->text())) {
+            platform::MsgBox(identifierMessage(), platform::MsgIcon::Information);
+            identifier->setFocus(Qt::OtherFocusReason);
+            identifier->lineEdit()->selectAll();
+            return false;
+        }
+    }
+    if (!checkContractorType()) return false;
+    if (!WriteCardToRow(*model, m_row, m_fields, textTexts(), comboTexts())) {
+        ImportToEditor();
+        return true;
+    }
+    touch();
+    // A quantity list keeps its blank rows in order when the program formats it by itself.
+    auto* detailed = qobject_cast<Form2*>(m_view->window());
+    if (detailed && detailed->list(0) == model && m_host.appState().settings.AutoFormat &&
+        detailed->FormatListView()) {
+        if (model->currentRow() > 0) model->ensureVisible(model->currentRow());
+    }
+    ImportToEditor();
+    return true;
+}
+
+bool Form5::Browse(int code) {
+    lists::ListModel* model = list();
+    if (!model || model->rows() == 0) return false;
+    const int distance = BrowseStep(*model, code);
+    if (distance == 0) return false;
+    BrowseRow(distance);
+    return true;
+}
+
+void Form5::BrowseRow(int distance) {
+    lists::ListModel* model = list();
+    if (!model) return;
+    const int target = std::clamp(model->currentRow() + distance, 1, model->rows());
+    model->selectOnly(target);
+    model->ensureVisible(target);
+    ImportToEditor();
+}
+
+bool Form5::CheckAndBrowseNext() {
+    lists::ListModel* model = list();
+    if (!model || m_row < 1 || !CheckAllowed(model->kind(), m_host.appState().ProgramMode)) return false;
+    ComboBox* identifier = comboOfColumn(col::Identifier);
+    ComboBox* result = comboOfColumn(col::Result);
+    if (!result) return false;
+    if (identifier && lists::BlankString(identifier->text())) {
+        platform::MsgBox(identifierMessage(), platform::MsgIcon::Information);
+        identifier->setFocus(Qt::OtherFocusReason);
+        identifier->lineEdit()->selectAll();
+        return false;
+    }
+    result->setText(QString::fromUtf8("Kyllä"));
+    if (!UpdateRow()) return false;
+    Browse(browse::Any);
+    return true;
+}
+
+void Form5::AddRow(int how) {
+    lists::ListModel* model = list();
+    if (!model) return;
+    const int mode = m_host.appState().ProgramMode;
+    if (how != 1) {
+        m_loading = true;
+        for (TextBox* t : Text1)
+            t->setText(QString());
+        for (ComboBox* c : Combo1)
+            c->setText(QString());
+        m_loading = false;
+    }
+    // A contractor's copy of a bridge-specific requirement becomes an advisory one.
+    ComboBox* type = comboOfColumn(col::Type);
+    if (type && mode == 2 && model->kind() == lists::kind::Requirements && ProtectedRequirement(type->text()))
+        type->setText(QStringLiteral("3 (ohjeellinen)"));
+    const int position =
+        how == 2 || model->rows() == 0 ? model->rows() + 1 : std::max(model->currentRow(), 1);
+    const int r = lists::AddListViewRow(*model, position, true);
+    if (how == 1) WriteCardToRow(*model, r, m_fields, textTexts(), comboTexts());
+    model->selectOnly(r);
+    model->ensureVisible(r);
+    touch();
+    ImportToEditor();
+    focusFirstField();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Commands
+
+QWidget* Form5::focusedField() const {
+    QWidget* focus = focusWidget();
+    for (TextBox* t : Text1)
+        if (focus && (focus == t || t->isAncestorOf(focus))) return t;
+    for (ComboBox* c : Combo1)
+        if (focus && (focus == c || c->isAncestorOf(focus))) return c;
+    return nullptr;
+}
+
+void Form5::ToolbarClick(const QString& key) {
+    if (key == QLatin1String("Update")) {
+        UpdateRow();
+    } else if (key == QLatin1String("Update and browse next")) {
+        if (UpdateRow()) Browse(browse::Any);
+    } else if (key == QLatin1String("Check and browse next")) {
+        CheckAndBrowseNext();
+    } else if (key == QLatin1String("PgUp")) {
+        Browse(-browse::Any);
+    } else if (key == QLatin1String("PgDn")) {
+        Browse(browse::Any);
+    } else if (key == QLatin1String("New")) {
+        AddRow(0);
+    } else if (key == QLatin1String("Dublicate")) {
+        AddRow(1);
+    } else if (key == QLatin1String("New to end")) {
+        AddRow(2);
+    } else if (key == QLatin1String("Cut") || key == QLatin1String("Copy") || key == QLatin1String("Paste") ||
+               key == QLatin1String("Del")) {
+        const int operation = key == QLatin1String("Cut")     ? 0
+                              : key == QLatin1String("Copy")  ? 1
+                              : key == QLatin1String("Paste") ? 2
+                                                              : 3;
+        if (QWidget* field = focusedField()) CutCopyPasteDelSelection(field, operation);
+    } else if (key == QLatin1String("Select all")) {
+        if (QWidget* field = focusedField()) SelectAllText(field);
+    } else if (key == QLatin1String("Edit")) {
+        openTextEditor();
+    } else if (key == QLatin1String("Find") || key == QLatin1String("Index")) {
+        showIndex();
+    } else if (key == QLatin1String("Browse document")) {
+        browseFile(col::Document);
+    } else if (key == QLatin1String("Browse attachment")) {
+        browseFile(col::Attachment);
+    } else if (key == QLatin1String("Open document")) {
+        openFile(col::Document);
+    } else if (key == QLatin1String("Open attachment")) {
+        openFile(col::Attachment);
+    } else if (key == QLatin1String("Close")) {
+        reject();
+    }
+    // "Delete all" does nothing.
+}
+
+void Form5::openTextEditor() {
+    QWidget* field = focusedField();
+    auto* text = qobject_cast<TextBox*>(field);
+    if (!text) return;
+    const auto it = std::find(Text1.begin(), Text1.end(), text);
+    EditorSource source;
+    source.mode = 2 + static_cast<int>(it - Text1.begin());
+    source.project = m_host.detailedDataWindowOf(m_view);
+    source.field = text;
+    m_host.appState().EditorMode = source.mode;
+    Form9 editor(m_host, source, this);
+    editor.exec();
+    text->setFocus(Qt::OtherFocusReason);
+}
+
+void Form5::showIndex() {
+    if (!m_view) return;
+    Form10::Source source;
+    source.list = m_view;
+    Form10 index(ShowIndexMode(3, QString(), QString()), source, &m_host, this);
+    if (index.exec() == QDialog::Accepted) ImportToEditor();
+    activateWindow();
+}
+
+void Form5::browseFile(int column) {
+    ComboBox* field = comboOfColumn(column);
+    if (!field || field->locked()) return;
+    const QString file = platform::ShowCommonDialog(1, QStringLiteral(".*"), false, m_host.appState().dialog);
+    m_host.appState().CurrentFileName = file;
+    if (file.isEmpty()) return;
+    field->setText(file);
+    field->setFocus(Qt::OtherFocusReason);
+}
+
+void Form5::openFile(int column) {
+    ComboBox* field = comboOfColumn(column);
+    if (field && !field->text().trimmed().isEmpty()) m_host.openFile(field->text().trimmed());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Keys
+
+bool Form5::handleKey(int key, Qt::KeyboardModifiers modifiers) {
+    if (const int code = BrowseCodeForKey(key, modifiers)) {
+        Browse(code);
+        return true;
+    }
+    const Qt::KeyboardModifiers m = modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (m == Qt::ShiftModifier) {
+            ToolbarClick(QStringLiteral("Update"));
+            return true;
+        }
+        if (m == Qt::AltModifier) {
+            ToolbarClick(QStringLiteral("Update and browse next"));
+            return true;
+        }
+        if (m == Qt::ControlModifier) {
+            ToolbarClick(QStringLiteral("Check and browse next"));
+            return true;
+        }
+    }
+    if (key == Qt::Key_Escape && m == Qt::NoModifier) {
+        ToolbarClick(QStringLiteral("Close"));
+        return true;
+    }
+    return false;
+}
+
+bool Form5::eventFilter(QObject* watched, QEvent* event) {
+    // The card's keys reach the fields first: a text box would take Return and the page keys
+    // for itself.
+    if (event->type() == QEvent::KeyPress) {
+        auto* ke = static_cast<QKeyEvent*>(event);
+        if (handleKey(ke->key(), ke->modifiers())) return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void Form5::done(int result) {
+    m_host.storeWindowPosition(kWindowSlot, this);
+    QDialog::done(result);
+}
+
+} // namespace documents

@@ -1,0 +1,18 @@
+#pragma once
+// Text in the single- and double-byte code pages of other systems (RTF documents declare theirs
+// with \ansicpg and per font with \fcharset or \cpg).
+#include <QByteArray>
+#include <QString>
+
+namespace platform {
+
+// Decodes bytes of a Windows code page (1250 .. 1258, 874, 932, 936, 949, 950, 1361, 437, 850,
+// 10000 for Mac Roman). Windows-1252 and any code page this system cannot convert decode as
+// Windows-1252; a byte sequence that is not valid in its code page becomes U+FFFD.
+QString decodeCodePage(const QByteArray& bytes, int codePage);
+
+// The code page of an RTF font character set (\fcharsetN); 0 when the set names no code page
+// of its own (ANSI, default, symbol), so that the document's code page applies.
+int codePageOfCharset(int charset);
+
+} // namespace platform

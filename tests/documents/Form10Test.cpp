@@ -1,0 +1,186 @@
+// The heading index: the headings of a list, the mode the active control calls for, going to a
+// heading in a list or a text, inserting headings into a text, and choosing one.
+#include "FormsTestHost.h"
+#include "RowCardLists.h"
+#include "common/ScriptedDialogs.h"
+#include "documents/Form10.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "lists/ui/ListView.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <QTimer>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+using namespace documents;
+using row_card_test::fillList;
+using row_card_test::inspectionList;
+
+namespace {
+
+QStringList describe(const std::vector<Heading>& headings) {
+    QStringList out;
+    for (const Heading& h : headings)
+        out.append(QStringLiteral("%1|%2|%3|%4").arg(h.littera, h.text).arg(h.row).arg(h.rowNumber));
+    return out;
+}
+
+QStringList shownRows(const QTreeWidget* tree) {
+    QStringList out;
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = tree->topLevelItem(i);
+        out.append(item->text(0) + "|" + item->text(1) + "|" + item->text(2));
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(HeadingIndex, HeadingsAreTheRowsWithALittera) {
+    lists::ListModel list;
+    inspectionList(list);
+    EXPECT_EQ(describe(HeadingsOfList(list)),
+              QStringList({"7110|KAIVUT JA LOUHINNAT|1|00001", "7111|Kaivu|3|00003",
+                           "|TIETYÖT SILTAPAIKALLA|8|00008", "7200|Alikulku|10|00010"}));
+
+    // A caption in capitals continued on the next row is one heading; an entry below a caption
+    // is not part of it.
+    fillList(list, lists::kind::QuantityList, row_card_test::quantityHeaders(),
+             {{"7170", "PÄÄLLYSRAKENNE,"},
+              {"", "BETONI"},
+              {"", "Kansilaatan valu", "400", "320", "m3"},
+              {"7171", "Muotit"},
+              {"", "Muotti"}});
+    EXPECT_EQ(describe(HeadingsOfList(list)),
+              QStringList({"7170|PÄÄLLYSRAKENNE, BETONI|1|00001", "7171|Muotit|4|00004"}));
+    list.clearRows();
+    EXPECT_TRUE(HeadingsOfList(list).empty());
+}
+
+TEST(HeadingIndex, ModeByActiveControl) {
+    EXPECT_EQ(ShowIndexMode(0, lists::kind::QuantityList, {}), "0");
+    EXPECT_EQ(ShowIndexMode(0, lists::kind::NoEdit, {}), "0");
+    EXPECT_EQ(ShowIndexMode(0, lists::kind::Requirements, {}), "1");
+    EXPECT_EQ(ShowIndexMode(0, lists::kind::Changes, {}), "");
+    EXPECT_EQ(ShowIndexMode(0, {}, "Rakennussuunnitelmaselostus"), "2");
+    EXPECT_EQ(ShowIndexMode(1, {}, "Rakennussuunnitelmaselostus"), "3");
+    EXPECT_EQ(ShowIndexMode(1, {}, "Koodaussuunnitelma"), "");
+    EXPECT_EQ(ShowIndexMode(2, {}, {}), "8");
+    EXPECT_EQ(ShowIndexMode(3, lists::kind::QuantityList, {}), "9");
+    EXPECT_EQ(IndexTextHeader(lists::kind::RequirementBase), "Vaatimus");
+    EXPECT_EQ(IndexTextHeader(lists::kind::UnitPriceList), "Työvaihe");
+    EXPECT_EQ(HeadingLine({"7110", "KAIVUT", 1, "00001"}), "7110\tKAIVUT");
+}
+
+TEST(Form10, FillsFromAListAndGoesToTheRow) {
+    lists::ListModel list;
+    inspectionList(list);
+    lists::ListView view;
+    view.setList(&list);
+    list.selectOnly(7);
+    Form10::Source source;
+    source.list = &view;
+    Form10 index(index_mode::Requirements, source);
+    EXPECT_EQ(index.windowTitle(), "TAMRIK 2006 (Työvaiheluettelo)");
+    EXPECT_EQ(index.ListView1->headerItem()->text(1), "Vaatimus");
+    EXPECT_EQ(shownRows(index.ListView1), QStringList({"7110|KAIVUT JA LOUHINNAT|1", "7111|Kaivu|3",
+                                                       "|TIETYÖT SILTAPAIKALLA|8", "7200|Alikulku|10"}));
+    // It opens at the heading of the list's current row.
+    EXPECT_EQ(index.chosen(), std::vector<int>{1});
+    EXPECT_EQ(index.Command1[0]->text(), "&Siirry kohtaan");
+    EXPECT_FALSE(index.Command1[1]->isEnabled());
+
+    index.selectHeading(3);
+    index.Command1[0]->click();
+    EXPECT_EQ(index.result(), QDialog::Accepted);
+    EXPECT_EQ(list.currentRow(), 10);
+    EXPECT_EQ(list.selectedRows(), std::vector<int>{10});
+
+    // A quantity list's index calls its headings work phases.
+    fillList(list, lists::kind::QuantityList, row_card_test::quantityHeaders(), {{"7100", "TYÖMAA"}});
+    Form10 quantities(index_mode::QuantityList, source);
+    EXPECT_EQ(quantities.ListView1->headerItem()->text(1), "Työvaihe");
+
+    // The index of an empty list is empty, and going to a heading does nothing.
+    list.clearRows();
+    Form10 empty(index_mode::QuantityList, source);
+    EXPECT_EQ(empty.ListView1->topLevelItemCount(), 0);
+    EXPECT_FALSE(empty.JumpToListViewRow());
+}
+
+TEST(Form10, FindsAndInsertsHeadingsInAText) {
+    testing_support::ScriptedDialogs dialogs;
+    lists::ListModel list;
+    inspectionList(list);
+    QTextEdit text;
+    text.setPlainText("Yleistä\nKaivu tehdään kuivana.\nLoppu");
+    Form10::Source source;
+    source.headings = &list;
+    source.text = &text;
+
+    Form10 jump(index_mode::PlanJump, source);
+    ASSERT_EQ(jump.headings().size(), 4u);
+    jump.selectHeading(1);
+    EXPECT_TRUE(jump.JumpToRichTextBoxRow());
+    EXPECT_EQ(text.textCursor().selectedText(), "Kaivu");
+    jump.selectHeading(3);
+    EXPECT_FALSE(jump.JumpToRichTextBoxRow());
+    EXPECT_EQ(dialogs.lastText(), "Otsikkoa \"Alikulku\" ei löydy tekstistä.");
+
+    // Inserting: the chosen headings at the caret, each on a line of its own, except those
+    // the text already has.
+    QTextCursor end(text.document());
+    end.movePosition(QTextCursor::End);
+    text.setTextCursor(end);
+    Form10 insert(index_mode::PlanInsert, source);
+    EXPECT_FALSE(insert.Command1[0]->isEnabled());
+    ASSERT_TRUE(insert.Command1[1]->isEnabled());
+    insert.ListView1->clearSelection();
+    for (int i : {0, 1, 3})
+        insert.ListView1->topLevelItem(i)->setSelected(true);
+    insert.Command1[1]->click();
+    EXPECT_EQ(text.toPlainText(),
+              "Yleistä\nKaivu tehdään kuivana.\nLoppu\n7110\tKAIVUT JA LOUHINNAT\n7200\tAlikulku\n");
+
+    text.setReadOnly(true);
+    Form10 locked(index_mode::PlanInsert, source);
+    EXPECT_FALSE(locked.Command1[1]->isEnabled());
+    EXPECT_EQ(locked.AddToRich(), 0);
+}
+
+TEST(Form10, ChoosingGivesTheRowNumberOfTheHeading) {
+    lists::ListModel list;
+    inspectionList(list);
+    list.selectOnly(9);
+    Form10::Source source;
+    source.headings = &list;
+    Form10 index(index_mode::Choose, source);
+    EXPECT_EQ(index.Command1[0]->text(), "&Valitse");
+    EXPECT_EQ(index.chosen(), std::vector<int>{2});
+    index.selectHeading(3);
+    index.Command1[0]->click();
+    EXPECT_EQ(index.chosenRowNumber(), std::optional<QString>("00010"));
+    EXPECT_EQ(list.currentRow(), 9); // choosing does not move the list
+
+    // The entry point for other windows: a modal index, "&Valitse" or "Peruuta".
+    auto answer = [](int heading) {
+        QTimer::singleShot(0, [heading] {
+            auto* open = qobject_cast<Form10*>(QApplication::activeModalWidget());
+            ASSERT_NE(open, nullptr);
+            if (heading < 0) {
+                open->Command1[2]->click();
+                return;
+            }
+            open->selectHeading(heading);
+            open->Command1[0]->click();
+        });
+    };
+    answer(0);
+    EXPECT_EQ(ChooseRequirementHeading(list), std::optional<QString>("00001"));
+    answer(-1);
+    EXPECT_EQ(ChooseRequirementHeading(list), std::nullopt);
+}

@@ -1,0 +1,275 @@
+// The text editor: what it opens in each mode, the text styles, the files, and writing back.
+#include "FormsTestHost.h"
+#include "RowCardLists.h"
+#include "common/ScriptedDialogs.h"
+#include "documents/Controls.h"
+#include "documents/Form2.h"
+#include "documents/Form9.h"
+#include "platform/Cp1252.h"
+#include "platform/Rtf.h"
+#include "platform/TextFile.h"
+
+#include <QAction>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <QToolBar>
+#include <gtest/gtest.h>
+
+using namespace documents;
+
+namespace {
+
+const QString kLockedMessage = QStringLiteral("Olet muokkaamassa suojattua kenttää tekstieditorissa.\r\n"
+                                              "Tietojen tuonti takaisin tekstieditorista on estetty.");
+
+// Selects characters [from, to) of the editor.
+void select(QTextEdit* box, int from, int to) {
+    QTextCursor c(box->document());
+    c.setPosition(from);
+    c.setPosition(to, QTextCursor::KeepAnchor);
+    box->setTextCursor(c);
+}
+
+QTextCharFormat formatAt(QTextEdit* box, int position) {
+    QTextCursor c(box->document());
+    c.setPosition(position + 1);
+    return c.charFormat();
+}
+
+class Form9Test : public ::testing::Test {
+protected:
+    testing_support::ScriptedDialogs dialogs;
+    testing_support::FormsTestHost host;
+};
+
+} // namespace
+
+TEST_F(Form9Test, EveryStyleOfTheStyleMenu) {
+    TextBox field(true);
+    field.setText("Otsikko ja teksti");
+    Form9 editor(host, {4, nullptr, &field, {}});
+    QTextEdit* box = editor.RichTextBox1;
+    EXPECT_EQ(editor.SubMenu11[0]->text(), "Pääotsikko");
+
+    select(box, 0, 7);
+    editor.StyleMenuClick(0); // Pääotsikko
+    EXPECT_EQ(formatAt(box, 0).fontWeight(), QFont::Bold);
+    EXPECT_EQ(formatAt(box, 0).fontPointSize(), 16);
+    EXPECT_NE(formatAt(box, 8).fontPointSize(), 16); // outside the selection
+    editor.StyleMenuClick(1);                        // Alaotsikko
+    EXPECT_EQ(formatAt(box, 3).fontPointSize(), 12);
+    editor.StyleMenuClick(5); // Normaali
+    EXPECT_EQ(formatAt(box, 0).fontWeight(), QFont::Normal);
+    EXPECT_EQ(formatAt(box, 0).fontPointSize(), 8);
+    EXPECT_EQ(formatAt(box, 0).foreground().color(), QColor(Qt::black));
+    editor.StyleMenuClick(2);
+    editor.StyleMenuClick(3);
+    editor.StyleMenuClick(4);
+    EXPECT_EQ(formatAt(box, 2).fontWeight(), QFont::Bold);
+    EXPECT_TRUE(formatAt(box, 2).fontItalic());
+    EXPECT_TRUE(formatAt(box, 2).fontUnderline());
+
+    // Superscript raises 10-point text by its own height, 200 twips; subscript puts it back.
+    select(box, 11, 17);
+    editor.StyleMenuClick(0);
+    select(box, 11, 17);
+    QTextCursor ten = box->textCursor();
+    QTextCharFormat size10;
+    size10.setFontPointSize(10);
+    ten.mergeCharFormat(size10);
+    editor.StyleMenuClick(6);
+    EXPECT_EQ(platform::baselineOffsetHalfPoints(formatAt(box, 12)) * 10, 200);
+    editor.StyleMenuClick(7);
+    EXPECT_EQ(platform::baselineOffsetHalfPoints(formatAt(box, 12)), 0);
+
+    // "Määritä...": the font and colour chosen; a cancelled font dialog changes nothing.
+    dialogs.nextFont = QFont("Liberation Serif", 14);
+    dialogs.nextFont->setStrikeOut(true);
+    dialogs.nextColor = QColor(200, 0, 0);
+    select(box, 8, 10);
+    editor.StyleMenuClick(8);
+    EXPECT_EQ(formatAt(box, 8).fontFamilies().toStringList(), QStringList{"Liberation Serif"});
+    EXPECT_EQ(formatAt(box, 8).fontPointSize(), 14);
+    EXPECT_TRUE(formatAt(box, 8).fontStrikeOut());
+    EXPECT_EQ(formatAt(box, 8).foreground().color(), QColor(200, 0, 0));
+    dialogs.nextFont.reset();
+    select(box, 0, 2);
+    editor.StyleMenuClick(8);
+    EXPECT_EQ(formatAt(box, 0).fontPointSize(), 8);
+}
+
+TEST_F(Form9Test, TheShownDocumentIsWrittenBackAsRichText) {
+    Form2 detailed(host);
+    QTextEdit* shown = detailed.RichTextBox1[0];
+    shown->setPlainText("Yleistä\nSilta on laattasilta.");
+    host.changed.clear();
+    QTextCursor at(shown->document());
+    at.setPosition(8);
+    shown->setTextCursor(at);
+
+    Form9 editor(host, {1, &detailed, nullptr, {}});
+    EXPECT_EQ(editor.windowTitle(), "TAMRIK 2006 (Rakennussuunnitelmaselostus)");
+    EXPECT_EQ(editor.SubMenu0[0]->text(), "Päivitä rakennussuunnitelmaselostus");
+    EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Yleistä\nSilta on laattasilta.");
+    EXPECT_EQ(editor.RichTextBox1->textCursor().position(), 8);
+    EXPECT_FALSE(editor.isChanged());
+    EXPECT_TRUE(dialogs.messages().empty());
+
+    select(editor.RichTextBox1, 0, 7);
+    editor.StyleMenuClick(0);
+    EXPECT_TRUE(editor.isChanged());
+    editor.ToolbarClick("Update");
+    EXPECT_FALSE(editor.isChanged());
+    EXPECT_EQ(shown->toPlainText(), "Yleistä\nSilta on laattasilta.");
+    EXPECT_EQ(formatAt(shown, 1).fontPointSize(), 16);
+    EXPECT_EQ(host.changed, std::vector<QWidget*>{&detailed});
+    // The stored copy follows when the window stores its shown document.
+    detailed.StoreRichTextDocument();
+    EXPECT_EQ(detailed.RichTextBox1[1]->toPlainText(), "Yleistä\nSilta on laattasilta.");
+}
+
+TEST_F(Form9Test, ALockedDocumentOpensForReadingOnly) {
+    Form2 detailed(host);
+    detailed.RichTextBox1[0]->setPlainText("Suojattu");
+    detailed.RichTextBox1[0]->setReadOnly(true);
+    Form9 editor(host, {1, &detailed, nullptr, {}});
+    EXPECT_EQ(dialogs.lastText(), kLockedMessage);
+    EXPECT_FALSE(editor.SubMenu0[0]->isEnabled());
+    EXPECT_FALSE(editor.toolbarButtons.at("Update")->isEnabled());
+    EXPECT_TRUE(editor.RichTextBox1->isReadOnly());
+    EXPECT_TRUE(editor.toolbarButtons.at("Copy")->isEnabled());
+    EXPECT_FALSE(editor.WriteBack());
+
+    TextBox field(true);
+    field.setText("lukittu");
+    field.setReadOnlyLook(true);
+    Form9 fieldEditor(host, {3, nullptr, &field, {}});
+    EXPECT_EQ(dialogs.messages().size(), 2u);
+    EXPECT_FALSE(fieldEditor.WriteBack());
+}
+
+TEST_F(Form9Test, ARowEditorFieldGetsPlainTextBack) {
+    TextBox field(true);
+    field.setText("Rivi 1\r\nRivi 2");
+    Form9 editor(host, {7, nullptr, &field, {}});
+    EXPECT_EQ(editor.windowTitle(), "TAMRIK 2006 (Tekstieditori)");
+    EXPECT_EQ(editor.SubMenu0[0]->text(), "Päivitä teksti");
+    EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Rivi 1\nRivi 2");
+    // Without a project the headings cannot be listed.
+    EXPECT_FALSE(editor.SubMenu1[7]->isEnabled());
+
+    editor.RichTextBox1->setPlainText("Uusi 1\nUusi 2");
+    select(editor.RichTextBox1, 0, 4);
+    editor.StyleMenuClick(2);
+    editor.FileMenuClick(0);
+    EXPECT_EQ(field.text(), "Uusi 1\r\nUusi 2");
+
+    // Closing with changes not written back asks first.
+    QTextCursor typing(editor.RichTextBox1->document());
+    typing.select(QTextCursor::Document);
+    typing.insertText("Kolmas");
+    dialogs.answer(platform::MsgAnswer::Cancel);
+    editor.reject();
+    EXPECT_EQ(field.text(), "Uusi 1\r\nUusi 2");
+    dialogs.answer(platform::MsgAnswer::Yes);
+    editor.reject();
+    EXPECT_EQ(field.text(), "Kolmas");
+    EXPECT_EQ(editor.result(), QDialog::Rejected);
+}
+
+TEST_F(Form9Test, TheQualityPlanTemplateIsInsertedAtTheCaret) {
+    QTemporaryDir dir;
+    host.state.QualityPlanTemplate = dir.filePath("Urakan laatusuunnitelma.txt");
+    ASSERT_TRUE(platform::writeTextLines(host.state.QualityPlanTemplate, {"1 Urakan tiedot", "2 Työmaa"}));
+    Form2 detailed(host);
+    detailed.showDocument(2);
+    QTextEdit* plan = detailed.RichTextBox1[0];
+    plan->setPlainText("Alku. Loppu.");
+    QTextCursor at(plan->document());
+    at.setPosition(6);
+    plan->setTextCursor(at);
+
+    Form9 editor(host, {8, &detailed, nullptr, {}});
+    EXPECT_EQ(editor.SubMenu0[0]->text(), "Lisää asiakirjaan");
+    EXPECT_EQ(editor.RichTextBox1->toPlainText(), "1 Urakan tiedot\n2 Työmaa");
+    select(editor.RichTextBox1, 16, 24);
+    EXPECT_TRUE(editor.WriteBack());
+    EXPECT_EQ(plan->toPlainText(), "Alku. 2 TyömaaLoppu.");
+    EXPECT_EQ(plan->textCursor().position(), 14);
+    // Nothing selected: the whole template.
+    QTextCursor none = editor.RichTextBox1->textCursor();
+    none.clearSelection();
+    editor.RichTextBox1->setTextCursor(none);
+    EXPECT_TRUE(editor.WriteBack());
+    EXPECT_EQ(plan->toPlainText(), "Alku. 2 Työmaa1 Urakan tiedot\n2 TyömaaLoppu.");
+
+    host.state.QualityPlanTemplate = dir.filePath("puuttuu.txt");
+    Form9 missing(host, {8, &detailed, nullptr, {}});
+    EXPECT_EQ(dialogs.lastText(), "Tiedostoa: " + host.state.QualityPlanTemplate + " ei löydy.");
+}
+
+TEST_F(Form9Test, TheRequirementSummaryIsShownReadOnly) {
+    Form2 detailed(host);
+    row_card_test::inspectionList(*detailed.list(1));
+    Form9 editor(host, {100, &detailed, nullptr, "/projektit/Kirkkojoen silta.sl"});
+    EXPECT_EQ(editor.windowTitle(), "TAMRIK 2006 (Laatuvaatimusten yhteenveto)");
+    const QString text = editor.RichTextBox1->toPlainText();
+    EXPECT_TRUE(text.contains("LAATUVAATIMUSTEN YHTEENVETO"));
+    EXPECT_TRUE(text.contains("/projektit/Kirkkojoen silta.sl"));
+    EXPECT_TRUE(text.contains("SILLAN LAATULUKU"));
+    EXPECT_TRUE(editor.RichTextBox1->isReadOnly());
+    EXPECT_EQ(editor.RichTextBox1->document()->defaultFont().family(), "Courier New");
+    for (int i : {0, 2, 4, 5, 7, 9, 11})
+        EXPECT_FALSE(editor.SubMenu1[i]->isEnabled()) << i;
+    for (const char* key : {"Update", "Find", "Cut", "Copy", "Paste", "Del"})
+        EXPECT_FALSE(editor.toolbarButtons.at(key)->isEnabled()) << key;
+    EXPECT_FALSE(editor.SubMenu0[0]->isEnabled());
+    EXPECT_TRUE(editor.SubMenu0[2]->isEnabled()); // it can still be saved as a file
+    EXPECT_FALSE(editor.isChanged());
+    EXPECT_TRUE(dialogs.messages().empty());
+}
+
+TEST_F(Form9Test, FilesAreImportedExportedAndInserted) {
+    QTemporaryDir dir;
+    TextBox field(true);
+    field.setText("Teksti");
+    Form9 editor(host, {2, nullptr, &field, {}});
+    select(editor.RichTextBox1, 0, 6);
+    editor.StyleMenuClick(2);
+
+    const QString rtf = dir.filePath("teksti.rtf");
+    dialogs.chooseFile(rtf);
+    editor.FileMenuClick(2);
+    QTextDocument back;
+    ASSERT_TRUE(platform::ReadRtfFile(back, rtf));
+    EXPECT_EQ(back.toPlainText(), "Teksti");
+
+    editor.RichTextBox1->setPlainText("muuta");
+    dialogs.chooseFile(rtf);
+    editor.FileMenuClick(1);
+    EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Teksti");
+    EXPECT_EQ(formatAt(editor.RichTextBox1, 1).fontWeight(), QFont::Bold);
+    EXPECT_TRUE(editor.isChanged());
+
+    // A text file in the single-byte code page replaces the selection.
+    const QString txt = dir.filePath("lisays.txt");
+    QFile f(txt);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(platform::toCp1252("Täyttö\r\nrivi"));
+    f.close();
+    select(editor.RichTextBox1, 0, 1);
+    dialogs.chooseFile(txt);
+    editor.FileMenuClick(3);
+    EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Täyttö\nrivieksti");
+
+    // Cancelled dialogs leave the editor as it is.
+    dialogs.chooseFile(QString());
+    editor.FileMenuClick(1);
+    dialogs.chooseFile(QString());
+    editor.FileMenuClick(3);
+    EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Täyttö\nrivieksti");
+    EXPECT_TRUE(dialogs.allAnswersUsed());
+}

@@ -1,0 +1,255 @@
+#include "common/QtPrinters.h"
+#include "common/ScriptedDialogs.h"
+#include "peripherals/Form13.h"
+#include "platform/ui/PictureBox.h"
+#include "platform/PictureClipboard.h"
+#include "platform/PlatformFixtures.h"
+
+#include <QAction>
+#include <QBuffer>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace peripherals;
+using platform::Picture;
+using platform_fixtures::fixture;
+using platform_fixtures::fixtureBytes;
+using testing_support::ScriptedDialogs;
+
+namespace {
+
+QByteArray encoded(const QImage& image, const char* format) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+QImage filled(QSize size, QColor colour) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+// A viewer whose given-back pictures are recorded.
+struct Viewer {
+    struct Given {
+        int slot;
+        Picture picture;
+        QString file;
+    };
+    explicit Viewer(int slot, const Picture& picture = Picture(),
+                    const QString& owner = QStringLiteral("Silta.sl"))
+        : form(slot, owner, picture, dialogState, [this](int n, const Picture& p, const QString& f) {
+            given.push_back({n, p, f});
+        }) {}
+    platform::CommonDialogState dialogState;
+    std::vector<Given> given;
+    Form13 form;
+};
+
+} // namespace
+
+TEST(ImageViewer, CaptionsOfTheSevenSlots) {
+    const char* suffixes[] = {" (Logotiedosto)",
+                              " (Ominaistietokortti - sivukuva)",
+                              " (Ominaistietokortti - poikkileikkaus)",
+                              " (Omainaistietokortti - logo)",
+                              " (Panostilakortti - sivukuva)",
+                              " (Panostilakortti - poikkileikkaus)",
+                              " (Panostilakortti - merkkikilpi)"};
+    for (int slot = 1; slot <= 7; ++slot) {
+        Viewer v(slot);
+        EXPECT_EQ(v.form.windowTitle(), QStringLiteral("Silta.sl") + QString::fromUtf8(suffixes[slot - 1]));
+    }
+    Viewer logo(1, Picture(), QStringLiteral("TAMRIK 2006"));
+    EXPECT_EQ(logo.form.windowTitle(), QStringLiteral("TAMRIK 2006 (Logotiedosto)"));
+}
+
+TEST(ImageViewer, NothingChangedGivesNothingBackHoweverItCloses) {
+    ScriptedDialogs dialogs;
+    const Picture logo = Picture::fromFile(fixture(QStringLiteral("logo.wmf")));
+    {
+        Viewer v(3, logo);
+        EXPECT_EQ(v.form.ImageSlot, 3);
+        v.form.CopyPicture(); // copying is no change
+        v.form.UpdateAndClose();
+        EXPECT_TRUE(v.given.empty());
+    }
+    {
+        Viewer v(3, logo);
+        v.form.show();
+        QTest::keyClick(&v.form, Qt::Key_Escape);
+        EXPECT_FALSE(v.form.isVisible());
+        EXPECT_TRUE(v.given.empty());
+    }
+    {
+        // A file dialog that was cancelled is no change either.
+        Viewer v(5, logo);
+        dialogs.chooseFile(QString());
+        v.form.OpenPictureFile();
+        EXPECT_EQ(v.form.ImageSlot, 5);
+        v.form.close();
+        EXPECT_TRUE(v.given.empty());
+    }
+}
+
+TEST(ImageViewer, LoadedPictureGoesBackWithItsFileUnlessCancelled) {
+    ScriptedDialogs dialogs;
+    const QString wmf = fixture(QStringLiteral("logo.wmf"));
+    {
+        Viewer v(1);
+        dialogs.chooseFile(wmf);
+        v.form.OpenPictureFile();
+        EXPECT_EQ(v.form.ImageSlot, -1);
+        EXPECT_EQ(v.form.tag(), wmf);
+        EXPECT_EQ(v.form.Image1->picture().bytes(), fixtureBytes(QStringLiteral("logo.wmf")));
+        EXPECT_TRUE(v.form.StatusBar1->currentMessage().contains(QStringLiteral("WMF")));
+        // The file dialog offers the picture types, metafiles first.
+        ASSERT_EQ(dialogs.fileRequests().size(), 1u);
+        EXPECT_TRUE(dialogs.fileRequests()[0].filters.first().startsWith(QStringLiteral("Metatiedosto")));
+        v.form.UpdateAndClose();
+        ASSERT_EQ(v.given.size(), 1u);
+        EXPECT_EQ(v.given[0].slot, 1);
+        EXPECT_EQ(v.given[0].file, wmf);
+        EXPECT_EQ(v.given[0].picture.type(), Picture::Metafile);
+    }
+    {
+        // Esc closes without cancelling: the change goes back.
+        Viewer v(6);
+        dialogs.chooseFile(fixture(QStringLiteral("logo.emf")));
+        v.form.OpenPictureFile();
+        v.form.show();
+        QTest::keyClick(&v.form, Qt::Key_Escape);
+        ASSERT_EQ(v.given.size(), 1u);
+        EXPECT_EQ(v.given[0].slot, 6);
+        EXPECT_EQ(v.given[0].picture.type(), Picture::EnhancedMetafile);
+    }
+    {
+        Viewer v(2);
+        dialogs.chooseFile(wmf);
+        v.form.OpenPictureFile();
+        v.form.MenuItems.back()->trigger(); // "Peruuta"
+        EXPECT_TRUE(v.given.empty());
+    }
+    {
+        // A file that is no picture is refused, and the viewer keeps what it had.
+        QTemporaryDir dir;
+        const QString text = dir.filePath(QStringLiteral("muistio.wmf"));
+        ASSERT_TRUE(platform::writeFileAtomically(text, "ei kuva"));
+        const Picture before = Picture::fromFile(wmf);
+        Viewer v(2, before);
+        dialogs.chooseFile(text);
+        v.form.OpenPictureFile();
+        EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("muistio.wmf")));
+        EXPECT_EQ(v.form.ImageSlot, 2);
+        EXPECT_EQ(v.form.Image1->picture().bytes(), before.bytes());
+    }
+}
+
+TEST(ImageViewer, PasteTakesMetafileThenDeviceIndependentBitmapThenBitmap) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    const QByteArray wmf = fixtureBytes(QStringLiteral("logo.wmf"));
+    const QByteArray bmp = encoded(filled(QSize(6, 3), Qt::green), "BMP");
+    const QByteArray png = encoded(filled(QSize(5, 4), Qt::red), "PNG");
+
+    auto offer = [&](bool withWmf, bool withBmp, bool withImage) {
+        auto* data = new QMimeData;
+        // Another program's names for the same content.
+        if (withWmf)
+            data->setData(QStringLiteral("application/x-openoffice-wmf;windows_formatname=\"Image WMF\""),
+                          wmf);
+        if (withBmp) data->setData(QStringLiteral("image/bmp"), bmp);
+        if (withImage) data->setData(QStringLiteral("image/png"), png);
+        clipboard->setMimeData(data);
+    };
+    auto paste = [](Viewer& v) {
+        v.form.PastePicture();
+        return v.form.Image1->picture();
+    };
+    {
+        Viewer v(2);
+        offer(true, true, true);
+        const Picture p = paste(v);
+        EXPECT_EQ(p.type(), Picture::Metafile);
+        EXPECT_EQ(p.bytes(), wmf);
+    }
+    {
+        Viewer v(2);
+        offer(false, true, true);
+        const Picture p = paste(v);
+        EXPECT_EQ(p.type(), Picture::Bitmap);
+        EXPECT_EQ(p.bytes(), bmp);
+    }
+    {
+        Viewer v(2);
+        offer(false, false, true);
+        const Picture p = paste(v);
+        EXPECT_EQ(p.type(), Picture::Bitmap);
+        EXPECT_EQ(p.sizeHint(), QSize(5, 4));
+    }
+    {
+        // Nothing to paste: the picture stays, but the slot counts as changed and goes back
+        // without a file.
+        ScriptedDialogs dialogs;
+        const Picture before = Picture::fromBytes(bmp, Picture::Bitmap);
+        Viewer v(7, before);
+        dialogs.chooseFile(fixture(QStringLiteral("logo.wmf")));
+        v.form.OpenPictureFile();
+        v.form.Image1->setPicture(before);
+        clipboard->clear();
+        v.form.PastePicture();
+        EXPECT_EQ(v.form.Image1->picture().bytes(), bmp);
+        EXPECT_TRUE(v.form.tag().isEmpty());
+        v.form.UpdateAndClose();
+        ASSERT_EQ(v.given.size(), 1u);
+        EXPECT_EQ(v.given[0].picture.bytes(), bmp);
+        EXPECT_TRUE(v.given[0].file.isEmpty());
+    }
+}
+
+TEST(ImageViewer, CopyPutsThePictureItselfOnTheClipboardAndDeleteEmptiesIt) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    const Picture logo = Picture::fromFile(fixture(QStringLiteral("logo.wmf")));
+    Viewer v(4, logo);
+    v.form.CopyPicture();
+    const QMimeData* data = clipboard->mimeData();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->data(QLatin1String(platform::kWmfMime)), logo.bytes());
+    EXPECT_TRUE(data->hasImage());
+    // Pasting it back gives the same metafile.
+    Viewer other(5);
+    other.form.PastePicture();
+    EXPECT_EQ(other.form.Image1->picture().bytes(), logo.bytes());
+
+    v.form.DeletePicture();
+    EXPECT_TRUE(v.form.Image1->picture().isNull());
+    EXPECT_EQ(v.form.ImageSlot, -4);
+    // Copying no picture leaves the clipboard empty.
+    v.form.CopyPicture();
+    EXPECT_TRUE(clipboard->mimeData() == nullptr || clipboard->mimeData()->formats().isEmpty());
+    v.form.UpdateAndClose();
+    ASSERT_EQ(v.given.size(), 1u);
+    EXPECT_TRUE(v.given[0].picture.isNull());
+    EXPECT_TRUE(v.given[0].file.isEmpty());
+}
+
+TEST(ImageViewer, PictureFillsTheWindowFromTheTopLeftWithItsProportions) {
+    // A picture twice as wide as high in a square window: full width, half the height, at the top.
+    const Picture wide = Picture::fromImage(filled(QSize(200, 100), Qt::red));
+    Viewer v(2, wide);
+    v.form.Image1->setFixedSize(300, 300);
+    v.form.show();
+    const QImage shown = v.form.Image1->grab().toImage();
+    ASSERT_EQ(shown.size(), QSize(300, 300));
+    EXPECT_EQ(shown.pixelColor(5, 5), QColor(Qt::red));
+    EXPECT_EQ(shown.pixelColor(295, 145), QColor(Qt::red));
+    EXPECT_NE(shown.pixelColor(150, 160), QColor(Qt::red));
+    EXPECT_NE(shown.pixelColor(150, 295), QColor(Qt::red));
+}

@@ -1,0 +1,330 @@
+#include "common/FakeMail.h"
+#include "common/ScriptedDialogs.h"
+#include "documents/Controls.h"
+#include "documents/Form1.h"
+#include "documents/Form2.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "peripherals/Dialog2.h"
+#include "persist/ProjectFile.h"
+#include "platform/CommonDialog.h"
+#include "platform/TextFile.h"
+#include "shell/Captions.h"
+#include "shell/MainWindowFixture.h"
+#include "shell/ProjectFiles.h"
+#include "shell/ShellActions.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace peripherals;
+using testing_support::FakeMail;
+
+TEST(MailMessage, ProjectNameRuleAttachmentPositionsAndBody) {
+    // Only an unsaved project's name gets the extension, and never twice.
+    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Projekti1")), QStringLiteral("Projekti1.sl"));
+    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Projekti12.SL")), QStringLiteral("Projekti12.SL"));
+    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Projekti3.sL")), QStringLiteral("Projekti3.sL"));
+    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Esimerkkisilta.sl")),
+              QStringLiteral("Esimerkkisilta.sl"));
+    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("silta")), QStringLiteral("silta"));
+
+    // The project first, then the list's files; blank entries are counted in the body only.
+    const QStringList files{QStringLiteral("/home/a/selostus.pdf"), QStringLiteral("   "),
+                            QStringLiteral("C:\\Työt\\mittaus.xls")};
+    platform::MailMessage m =
+        BuildMailMessage(QStringLiteral("Projekti1.sl"), QStringLiteral("/tmp/t/Projekti1.sl"), files, true);
+    EXPECT_EQ(m.body, QString(20, QLatin1Char(' ')));
+    ASSERT_EQ(m.attachments.size(), 3u);
+    EXPECT_EQ(m.attachments[0].name, QStringLiteral("Projekti1.sl"));
+    EXPECT_EQ(m.attachments[0].path, QStringLiteral("/tmp/t/Projekti1.sl"));
+    EXPECT_EQ(m.attachments[1].name, QStringLiteral("selostus.pdf"));
+    EXPECT_EQ(m.attachments[1].path, files[0]);
+    EXPECT_EQ(m.attachments[2].name, QStringLiteral("mittaus.xls"));
+    for (int k = 0; k < 3; ++k)
+        EXPECT_EQ(m.attachments[k].position, 5 * k);
+
+    // The files without the project; the list unchecked leaves them out of the count as well.
+    m = BuildMailMessage(QString(), QString(), files, true);
+    EXPECT_EQ(m.body, QString(15, QLatin1Char(' ')));
+    EXPECT_EQ(m.attachments[0].position, 0);
+    m = BuildMailMessage(QStringLiteral("S.sl"), QStringLiteral("/t/S.sl"), files, false);
+    EXPECT_EQ(m.body, QString(5, QLatin1Char(' ')));
+    EXPECT_EQ(m.attachments.size(), 1u);
+    // Only the list, and it is empty: no attachments, no spaces.
+    m = BuildMailMessage(QString(), QString(), {}, true);
+    EXPECT_TRUE(m.body.isEmpty());
+    EXPECT_TRUE(m.attachments.empty());
+}
+
+TEST(MailMessage, EvaluateNFilesOnOneAndOnSeveralFiles) {
+    QString files;
+    EXPECT_EQ(platform::EvaluateNFiles(files), 0);
+    files = QStringLiteral("/home/a/yksi tiedosto.pdf");
+    EXPECT_EQ(platform::EvaluateNFiles(files), 1);
+    EXPECT_EQ(files, QStringLiteral("/home/a/yksi tiedosto.pdf"));
+    files =
+        QStringLiteral("/home/a") + QChar(0) + QStringLiteral("b.pdf") + QChar(0) + QStringLiteral("c d.xls");
+    EXPECT_EQ(platform::EvaluateNFiles(files), 2);
+    EXPECT_EQ(files, QStringLiteral("/home/a/b.pdf") + QChar(0) + QStringLiteral("/home/a/c d.xls"));
+    // A folder that already ends in a separator gets no second one.
+    files = QStringLiteral("/") + QChar(0) + QStringLiteral("x") + QChar(0) + QStringLiteral("y");
+    EXPECT_EQ(platform::EvaluateNFiles(files), 2);
+    EXPECT_EQ(files, QStringLiteral("/x") + QChar(0) + QStringLiteral("/y"));
+    files = QStringLiteral("C:\\Työt\\") + QChar(0) + QStringLiteral("a.doc") + QChar(0) +
+            QStringLiteral("b.doc");
+    EXPECT_EQ(platform::EvaluateNFiles(files), 2);
+    EXPECT_EQ(files, QStringLiteral("C:\\Työt\\a.doc") + QChar(0) + QStringLiteral("C:\\Työt\\b.doc"));
+}
+
+namespace {
+
+class MailDialogTest : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        MainWindowFixture::SetUp();
+        host = std::make_unique<Host>(*main);
+    }
+    void TearDown() override {
+        host.reset();
+        MainWindowFixture::TearDown();
+    }
+
+    // The main window's answers, as the File menu's dialog gets them.
+    struct Host : MailHost {
+        explicit Host(shell::MDIForm1& m)
+            : main(m) {}
+        QString ActiveCaption() const override { return main.ActiveCaption(); }
+        bool SaveProjectCopy(const QString& project, const QString& file) override {
+            ++saves;
+            return shell::WriteSlFile(main, project, file, true);
+        }
+        QString TempPath() const override { return main.appState().TempPath; }
+        platform::CommonDialogState& DialogState() override { return main.appState().dialog; }
+        QStringList RequirementFiles() override {
+            return persist::PopulateFiles(*main.ParseFormIndeces().f2->list(1));
+        }
+        void ShowHelp(int context, QWidget*) override { helpContexts.push_back(context); }
+        shell::MDIForm1& main;
+        int saves = 0;
+        std::vector<int> helpContexts;
+    };
+
+    QString writeFile(const QString& name, const QByteArray& bytes) {
+        const QString path = files.filePath(name);
+        EXPECT_TRUE(platform::writeFileAtomically(path, bytes));
+        return path;
+    }
+
+    QTemporaryDir files;
+    std::unique_ptr<Host> host;
+};
+
+QStringList entries(const QListWidget* list) {
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i)
+        out << list->item(i)->text();
+    return out;
+}
+
+} // namespace
+
+TEST_F(MailDialogTest, ChecksEnableTheListAndTheSendButton) {
+    Dialog2 dialog(*host);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("TAMRIK 2006 (tietojen lähettäminen sähköpostilla)"));
+    // The project goes by default; the attachment frame waits for its box.
+    EXPECT_TRUE(dialog.Check1[0]->isChecked());
+    EXPECT_FALSE(dialog.Check1[1]->isChecked());
+    EXPECT_FALSE(dialog.Frame1->isEnabled());
+    EXPECT_FALSE(dialog.Command1[3]->isEnabled());
+    EXPECT_TRUE(dialog.Command1[0]->isEnabled());
+    dialog.Check1[1]->click();
+    EXPECT_TRUE(dialog.Frame1->isEnabled());
+    EXPECT_TRUE(dialog.List1->isEnabled());
+    EXPECT_TRUE(dialog.Command1[4]->isEnabled());
+    dialog.Check1[0]->click();
+    EXPECT_TRUE(dialog.Command1[0]->isEnabled());
+    dialog.Check1[1]->click();
+    EXPECT_FALSE(dialog.Command1[0]->isEnabled());
+    EXPECT_FALSE(dialog.Frame1->isEnabled());
+    dialog.Command1[2]->click();
+    EXPECT_EQ(host->helpContexts, std::vector<int>{2300});
+}
+
+TEST_F(MailDialogTest, AddingSeveralFilesAndRemovingSeveralSelected) {
+    // The files the requirement list refers to are offered from the start.
+    lists::ListModel& requirements = *main->ParseFormIndeces().f2->list(1);
+    lists::AddListViewRow(requirements, 1, true);
+    requirements.setCell(1, 13, QStringLiteral("/kuvat/työselostus.pdf"));
+    requirements.setCell(1, 14, QStringLiteral("viite ilman kansiota.pdf"));
+    Dialog2 dialog(*host);
+    EXPECT_EQ(entries(dialog.List1), QStringList{QStringLiteral("/kuvat/työselostus.pdf")});
+
+    dialog.Check1[1]->click();
+    dialogs.chooseFiles(
+        {QStringLiteral("/data/a.pdf"), QStringLiteral("/data/b c.xls"), QStringLiteral("/data/d.txt")});
+    dialog.Command1[3]->click();
+    ASSERT_EQ(dialogs.fileRequests().size(), 1u);
+    EXPECT_TRUE(dialogs.fileRequests()[0].multiple);
+    EXPECT_FALSE(dialogs.fileRequests()[0].save);
+    EXPECT_TRUE(dialogs.fileRequests()[0].filters.first().startsWith(QStringLiteral("Kaikki tiedostot")));
+    dialogs.chooseFile(QStringLiteral("/muu/e.doc"));
+    dialog.Command1[3]->click();
+    dialogs.chooseFiles({}); // cancelled: nothing changes
+    dialog.Command1[3]->click();
+    EXPECT_EQ(entries(dialog.List1),
+              (QStringList{QStringLiteral("/kuvat/työselostus.pdf"), QStringLiteral("/data/a.pdf"),
+                           QStringLiteral("/data/b c.xls"), QStringLiteral("/data/d.txt"),
+                           QStringLiteral("/muu/e.doc")}));
+
+    for (int i : {0, 2, 3})
+        dialog.List1->item(i)->setSelected(true);
+    dialog.Command1[4]->click();
+    EXPECT_EQ(entries(dialog.List1),
+              (QStringList{QStringLiteral("/data/a.pdf"), QStringLiteral("/muu/e.doc")}));
+}
+
+TEST_F(MailDialogTest, UnsavedProjectGoesAsACopyWithItsFilesAndTheWindowsStayAsTheyWere) {
+    FakeMail mail(0);
+    const shell::ProjectWindows w = main->ParseFormIndeces();
+    w.f1->Text1[0]->setText(QStringLiteral("Kärkölän silta"));
+    const QString captionBefore = w.f1->caption();
+    ASSERT_FALSE(shell::CaptionIsUnchanged(captionBefore));
+    const QString pdf = writeFile(QStringLiteral("selostus.pdf"), "%PDF-1.4");
+    const QString xls = writeFile(QStringLiteral("mittaukset.xls"), QByteArray("\xd0\xcf\x11\xe0", 4));
+
+    Dialog2 dialog(*host);
+    dialog.Check1[1]->click();
+    dialog.List1->addItems({pdf, xls});
+    dialog.show();
+    dialog.Command1[0]->click();
+
+    const QString copy = main->appState().TempPath + QStringLiteral("Projekti1.sl");
+    EXPECT_EQ(mail.arguments(),
+              (QStringList{QStringLiteral("--utf8"), QStringLiteral("--body"), QString(15, QLatin1Char(' ')),
+                           QStringLiteral("--attach"), copy, QStringLiteral("--attach"), pdf,
+                           QStringLiteral("--attach"), xls}));
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_FALSE(dialog.isVisible());
+    // The copy is the project as it is now; the windows keep their captions and changed state.
+    persist::ProjectFile sent;
+    QString error;
+    ASSERT_TRUE(persist::ReadProjectFile(copy, false, sent, &error)) << error.toStdString();
+    EXPECT_EQ(sent.content.windows[0].texts[0], QStringLiteral("Kärkölän silta"));
+    EXPECT_EQ(w.f1->caption(), captionBefore);
+    EXPECT_TRUE(main->appState().RecentFiles[0].isEmpty());
+}
+
+TEST_F(MailDialogTest, SavedProjectGoesUnderItsOwnName) {
+    FakeMail mail(0);
+    const QString file = files.filePath(QStringLiteral("Projektin silta.sl"));
+    ASSERT_TRUE(shell::WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    Dialog2 dialog(*host);
+    dialog.Command1[0]->click();
+    const QStringList args = mail.arguments();
+    ASSERT_EQ(args.size(), 5);
+    EXPECT_EQ(args[3], QStringLiteral("--attach"));
+    EXPECT_EQ(args[4], main->appState().TempPath + QStringLiteral("Projektin silta.sl"));
+    EXPECT_TRUE(shell::CaptionIsUnchanged(main->ActiveCaption()));
+    EXPECT_EQ(shell::ParseFileName(main->ActiveCaption()).project(), file);
+}
+
+TEST_F(MailDialogTest, WithoutAMailClientTheDraftCarriesTheProjectAndTheFiles) {
+    FakeMail mail(-1);
+    const QString pdf = writeFile(QStringLiteral("Työselostus ä.pdf"), "%PDF-1.4 työ");
+    Dialog2 dialog(*host);
+    dialog.Check1[1]->click();
+    dialog.List1->addItem(pdf);
+    dialog.Command1[0]->click();
+    ASSERT_EQ(mail.opened.size(), 1u);
+    const QString draft = mail.opened[0];
+    EXPECT_EQ(draft, main->appState().TempPath + QStringLiteral("Projekti1.eml"));
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_TRUE(dialogs.messages().empty());
+
+    QTemporaryDir out;
+    const QJsonObject m =
+        QJsonDocument::fromJson(testing_support::readDraftWithPython(draft, out.path())).object();
+    const QJsonArray parts = m[QStringLiteral("parts")].toArray();
+    ASSERT_EQ(parts.size(), 2);
+    EXPECT_EQ(parts[0].toObject()[QStringLiteral("name")].toString(), QStringLiteral("Projekti1.sl"));
+    EXPECT_EQ(parts[1].toObject()[QStringLiteral("name")].toString(), QStringLiteral("Työselostus ä.pdf"));
+    QByteArray sent, copy, original;
+    ASSERT_TRUE(platform::readFileBytes(out.filePath(QStringLiteral("0")), sent));
+    ASSERT_TRUE(platform::readFileBytes(main->appState().TempPath + QStringLiteral("Projekti1.sl"), copy));
+    EXPECT_EQ(sent, copy);
+    ASSERT_TRUE(platform::readFileBytes(out.filePath(QStringLiteral("1")), sent));
+    ASSERT_TRUE(platform::readFileBytes(pdf, original));
+    EXPECT_EQ(sent, original);
+
+    // When no program opens the draft either, the user is told where it is.
+    mail.openSucceeds = false;
+    Dialog2 again(*host);
+    again.Command1[0]->click();
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    EXPECT_TRUE(dialogs.lastText().contains(draft));
+    EXPECT_EQ(again.result(), QDialog::Accepted);
+}
+
+TEST_F(MailDialogTest, MissingFileIsNamedAndNothingIsSent) {
+    FakeMail mail(0);
+    const QString gone = files.filePath(QStringLiteral("poistettu.pdf"));
+    Dialog2 dialog(*host);
+    dialog.Check1[1]->click();
+    dialog.List1->addItem(gone);
+    dialog.show();
+    dialog.Command1[0]->click();
+    EXPECT_TRUE(dialogs.lastText().contains(gone));
+    EXPECT_TRUE(mail.arguments().isEmpty());
+    EXPECT_EQ(host->saves, 0);
+    // The dialog stays open so that the user can take the file off the list.
+    EXPECT_TRUE(dialog.isVisible());
+    dialog.List1->item(0)->setSelected(true);
+    dialog.Command1[4]->click();
+    dialog.Command1[0]->click();
+    EXPECT_EQ(mail.arguments().count(QStringLiteral("--attach")), 1);
+}
+
+TEST_F(MailDialogTest, CancelSavesNothingAndAFailedSendLeavesTheProjectAsItWas) {
+    {
+        FakeMail mail(0);
+        Dialog2 dialog(*host);
+        dialog.show();
+        dialog.Command1[1]->click();
+        EXPECT_EQ(dialog.result(), QDialog::Rejected);
+        EXPECT_EQ(host->saves, 0);
+        EXPECT_TRUE(mail.arguments().isEmpty());
+    }
+    // A mail program that fails, and no program for the draft: the dialog just closes.
+    FakeMail mail(4);
+    mail.openSucceeds = false;
+    const QString caption = main->ActiveCaption();
+    Dialog2 dialog(*host);
+    dialog.show();
+    dialog.Command1[0]->click();
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(main->ActiveCaption(), caption);
+}
+
+TEST_F(MailDialogTest, FileMenuOpensTheDialogOnlyWithAProject) {
+    EXPECT_TRUE(main->SubMenu0[8]->isEnabled());
+    bool shown = false;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<Dialog2*>(QApplication::activeModalWidget());
+        shown = dialog != nullptr;
+        if (dialog) dialog->Command1[1]->click();
+    });
+    main->FileMenuActions(8);
+    EXPECT_TRUE(shown);
+    main->UnloadActiveProject();
+    EXPECT_FALSE(main->SubMenu0[8]->isEnabled());
+}
