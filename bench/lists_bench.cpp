@@ -103,7 +103,7 @@ void BM_ImportXlsx(benchmark::State& state) {
 }
 BENCHMARK(BM_ImportXlsx)->Apply(sizes);
 
-// FreeXL only reads .xls: the file is made once by LibreOffice beside the benchmark program.
+// The export writes only .xlsx: the .xls is made once by LibreOffice beside the benchmark program.
 QString xlsFixture(int rowCount, QString* why) {
     const QString dir = QCoreApplication::applicationDirPath();
     const QString xls = dir + QStringLiteral("/lists_bench_%1.xls").arg(rowCount);
