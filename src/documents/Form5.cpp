@@ -821,6 +821,21 @@ bool Form5::eventFilter(QObject* watched, QEvent* event) {
     return QDialog::eventFilter(watched, event);
 }
 
+void Form5::reject() {
+    // A card with changes that have not reached the row is not closed without asking (Esc,
+    // "&Sulje ikkuna (Esc)" and the close box all come here).
+    if (hasUnwrittenChanges() && m_row > 0) {
+        const platform::MsgAnswer a = platform::Ask(
+            QString::fromUtf8("Kortin muutoksia ei ole viety riville.\r\n"
+                              "Viedäänkö muutokset riville ennen sulkemista?"),
+            platform::MsgButtons::YesNoCancel, platform::MsgIcon::Question, platform::MsgAnswer::Yes);
+        if (a == platform::MsgAnswer::Cancel) return;
+        // A refused write (no identifier, a contractor's type) keeps the card open.
+        if (a == platform::MsgAnswer::Yes && !UpdateRow()) return;
+    }
+    QDialog::reject();
+}
+
 void Form5::done(int result) {
     m_host.storeWindowPosition(kWindowSlot, this);
     QDialog::done(result);

@@ -85,6 +85,8 @@ public:
     std::map<QString, QAction*> toolbarButtons;
     QStatusBar* StatusBar1 = nullptr;
 
+    // Closing asks first when the card holds changes not yet written to its row.
+    void reject() override;
     void done(int result) override;
 
 protected:

@@ -84,6 +84,40 @@ TEST_F(Form5Test, TheCardShowsTheRowUnderItsHeaders) {
     EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
 }
 
+TEST_F(Form5Test, ClosingAsksAboutChangesNotWrittenToTheRow) {
+    open(6);
+    editor.show();
+    // Nothing typed: Esc closes at once.
+    QTest::keyClick(&editor, Qt::Key_Escape);
+    EXPECT_FALSE(editor.isVisible());
+    EXPECT_TRUE(dialogs.messages().empty());
+
+    // The card of row 6 with one field changed, closed with the answer given; whether it stays.
+    auto closeChanged = [&](int column, const QString& value, platform::MsgAnswer a) {
+        if (!editor.isVisible()) {
+            open(6);
+            editor.show();
+            column == 2 ? combo(column)->setText(value) : text(column)->setText(value);
+        }
+        dialogs.answer(a);
+        editor.ToolbarClick("Close");
+        return editor.isVisible();
+    };
+    EXPECT_TRUE(closeChanged(22, "Poikkeama korjataan", platform::MsgAnswer::Cancel));
+    EXPECT_TRUE(dialogs.lastText().startsWith("Kortin muutoksia ei ole viety riville."));
+    EXPECT_FALSE(closeChanged(22, "", platform::MsgAnswer::No));
+    EXPECT_EQ(cell(6, 22), "");
+    EXPECT_FALSE(closeChanged(22, "Poikkeama korjataan", platform::MsgAnswer::Yes));
+    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
+
+    // A write that is refused keeps the card open with what was typed.
+    EXPECT_TRUE(closeChanged(2, "", platform::MsgAnswer::Yes));
+    EXPECT_EQ(dialogs.lastText(), "Laatuvaatimuksella on oltava numero tai kirjaintunnus.");
+    EXPECT_EQ(cell(6, 2), "2");
+    EXPECT_TRUE(dialogs.allAnswersUsed());
+    editor.hide();
+}
+
 TEST_F(Form5Test, UpdateWritesTheCardWithoutExplanations) {
     open(7);
     combo(4)->setText("2 (KLVn mukainen)");
