@@ -10,6 +10,7 @@
 #include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
+#include "print/ui/PrintSession.h"
 #include "shell/Captions.h"
 #include "shell/Modes.h"
 #include "shell/Settings.h"
@@ -530,7 +531,7 @@ void MDIForm1::FileMenuActions(int index) {
             UnloadActiveProject();
             break;
         case 7:
-            // Printing is not part of this build; its items stay disabled.
+            showPrintDialog(*this);
             break;
         case 8:
             showMailDialog(*this);
@@ -987,7 +988,6 @@ void MDIForm1::EnableControlsMDI() {
         SubMenu0[i]->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
-    applyAvailability(*this);
 }
 
 } // namespace shell

@@ -39,6 +39,10 @@ namespace lists {
 class ListView;
 }
 
+namespace print::ui {
+class PrintSession;
+}
+
 namespace shell {
 
 class frmSplash;
@@ -85,6 +89,8 @@ public:
     QIcon toolIcon(const QString& key) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
+    // The choice of documents and the printer, kept from one print run to the next.
+    print::ui::PrintSession& printSession();
 
     // BaseListHost
     void baseListTouched(lists::BaseListWindow* window) override { FormTouch(window); }
@@ -196,6 +202,7 @@ private:
 
     AppState m_state;
     std::unique_ptr<platform::SettingsStore> m_store;
+    std::unique_ptr<print::ui::PrintSession> m_printSession;
     QString m_tag;
     std::vector<QLabel*> m_panels; // index 1..5
     QWidget* m_progressStrip = nullptr;

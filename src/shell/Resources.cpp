@@ -1,5 +1,6 @@
 // Start-up resources: toolbar pictures, the print logo and the office lines.
 #include "platform/TextFile.h"
+#include "print/ui/PrintIcons.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
 
@@ -37,13 +38,6 @@ QPixmap drawIcon(const QString& key) {
         p.setBrush(Qt::white);
         p.drawRect(QRectF(14, 4, 10, 7));
         p.drawRect(QRectF(17, 17, 17, 19));
-    } else if (key == QLatin1String("Print")) {
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(12, 4, 16, 12));
-        p.setBrush(QColor(180, 180, 180));
-        p.drawRoundedRect(QRectF(4, 15, 32, 14), 3, 3);
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(12, 24, 16, 12));
     } else if (key == QLatin1String("Bridge")) {
         QPainterPath arch;
         arch.moveTo(6, 30);
@@ -87,6 +81,7 @@ QPixmap drawIcon(const QString& key) {
 } // namespace
 
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback) {
+    if (key == QLatin1String("Print")) return print::ui::printerIcon();
     if (fallback != QStyle::SP_CustomBase) return QApplication::style()->standardIcon(fallback);
     return QIcon(drawIcon(key));
 }
@@ -138,13 +133,6 @@ void readOfficeRows(AppState& state) {
     if (!platform::readTextLines(state.AppPath + QStringLiteral("Tamrik2000_office.txt"), lines)) return;
     for (int i = 0; i < 4 && i < lines.size(); ++i)
         state.OfficeRows[i] = lines[i];
-}
-
-void applyAvailability(MDIForm1& main) {
-    // Printing is not part of this build: its items stay disabled so that nothing looks like
-    // it does something.
-    main.SubMenu0[7]->setEnabled(false);
-    main.toolbarButtons[QStringLiteral("Print")]->setEnabled(false);
 }
 
 } // namespace shell
