@@ -139,6 +139,22 @@ std::vector<Row> numberedRows(std::vector<QStringList>::iterator begin,
     return rows;
 }
 
+// The width of an exported column in characters of the sheet's default font: the list's own
+// width (twips), or more where the header or a cell is longer, so that the sheet reads without
+// widening columns by hand; a long remark does not make its column wider than a screen.
+double exportColumnWidth(const ListModel& list, int c) {
+    constexpr qsizetype kWidest = 60;
+    qsizetype longest = list.column(c).header.size();
+    for (const Row& row : list.allRows()) {
+        const QString text = row.cells.value(c - 1);
+        if (text.size() <= longest) continue;
+        const qsizetype line = text.indexOf(QLatin1Char('\n'));
+        longest = std::max(longest, std::min(line < 0 ? text.size() : line, kWidest));
+        if (longest >= kWidest) break;
+    }
+    return std::clamp(std::max(list.column(c).width / 105.0, longest + 1.0), 4.0, kWidest + 1.0);
+}
+
 } // namespace
 
 // ------------------------------------------------------------ numbers as text
@@ -272,9 +288,8 @@ bool ExportListViewXlsx(const ListModel& list, const QString& fileName, QString*
                                             nullptr);
     };
     for (int c = 1; c <= n; ++c) {
-        // Column widths in characters of the default font, from the list's widths in twips.
         worksheet_set_column(sheet, static_cast<lxw_col_t>(c - 1), static_cast<lxw_col_t>(c - 1),
-                             std::clamp(list.column(c).width / 105.0, 4.0, 80.0), nullptr);
+                             exportColumnWidth(list, c), nullptr);
         if (!list.column(c).header.isEmpty()) putText(0, c - 1, list.column(c).header);
     }
     // One number format per count of decimals, so that "12,50" shows as 12,50.

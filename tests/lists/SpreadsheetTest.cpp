@@ -348,6 +348,34 @@ TEST(SpreadsheetExport, NumbersAsNumbersAndReplacesWhole) {
     EXPECT_TRUE(error.startsWith("Tiedostoa: ")) << error.toStdString();
 }
 
+TEST(SpreadsheetExport, ColumnsWideEnoughForTheirTexts) {
+    QTemporaryDir dir;
+    ListModel list;
+    fill(list, kind::UnitPriceList, {"LITTERA", "TYÖVAIHE", "HUOMAUTUKSET"},
+         {{"7101", "Työmaan perustaminen ja purku", QString(300, 'x')}, {"", "lyhyt", "kaksi\r\nriviä"}});
+    for (int c = 1; c <= 3; ++c)
+        list.setColumnWidth(c, 1050); // ten characters
+    const QString path = dir.filePath("leveys.xlsx");
+    ASSERT_TRUE(ExportListViewXlsx(list, path));
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    QString error;
+    const auto zip = sheet::Archive::open(f.readAll(), sheet::Archive::Kind::Zip, &error);
+    ASSERT_TRUE(zip) << error.toStdString();
+    QByteArray xml;
+    ASSERT_TRUE(zip->read("xl/worksheets/sheet1.xml", xml, &error));
+    std::map<int, double> widths;
+    QXmlStreamReader x(xml);
+    while (!x.atEnd())
+        if (x.readNext() == QXmlStreamReader::StartElement && x.name() == QLatin1String("col"))
+            widths[x.attributes().value("min").toInt()] = x.attributes().value("width").toDouble();
+    EXPECT_GE(widths[1], 10) << "the list's own width at the least";
+    EXPECT_LT(widths[1], 12);
+    EXPECT_GE(widths[2], 29) << "the longest work phase fits";
+    EXPECT_GE(widths[3], 50) << "a long remark widens its column";
+    EXPECT_LE(widths[3], 70) << "but not beyond a screen";
+}
+
 TEST(SpreadsheetExport, FileGetsTheExtensionOfWhatIsWritten) {
     QTemporaryDir dir;
     ScriptedDialogs dialogs;
