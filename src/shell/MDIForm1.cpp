@@ -565,6 +565,15 @@ void MDIForm1::openFromCommandLine(const QString& file) {
                          MsgIcon::Information);
         return;
     }
+    // A unit price list or a requirement base list opens in its own window.
+    const QString suffix = fi.suffix().toLower();
+    if (suffix == QLatin1String("sl1") || suffix == QLatin1String("sl2")) {
+        const int slot = suffix == QLatin1String("sl1") ? 6 : 7;
+        lists::BaseListWindow* window = slot == 6 ? Form6 : Form7;
+        if (!window || FormTouched(window)) return;
+        if (window->openFile(fi.absoluteFilePath())) showBaseList(slot);
+        return;
+    }
     m_state.CurrentFileName = fi.absoluteFilePath();
     openProjectFile(m_state.CurrentFileName, false);
 }

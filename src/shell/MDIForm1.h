@@ -72,7 +72,8 @@ public:
     // The program directory to use instead of the executable's (tests run from elsewhere).
     void setProgramDirectory(const QString& directory) { m_programDirectory = directory; }
 
-    // Opens a project named on the command line, as "&Avaa..." would.
+    // Opens a project named on the command line (or handed over by a later start), as
+    // "&Avaa..." would; a ".sl1" or ".sl2" file opens in its base list window.
     void openFromCommandLine(const QString& file);
 
     // DocumentHost

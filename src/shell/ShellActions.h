@@ -69,8 +69,6 @@ bool sameFile(const QString& a, const QString& b);
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
 // The pictures of the tool windows' buttons, by key.
 QIcon shellToolIcon(const QString& key);
-// The program's own icon: an arch bridge.
-QIcon applicationIcon();
 void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
 
