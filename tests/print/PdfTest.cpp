@@ -127,6 +127,15 @@ TEST(Pdf, TheCommandLinePrintsTheSampleProjectAsThePreviewShowsIt) {
     const int pages = preview.TotalPages();
     ASSERT_EQ(pdfPages(out), pages);
     ASSERT_GE(pages, 6);
+    // Every document is numbered 1 .. n on its own, the quality report's summaries included.
+    for (int p = 1; p <= pages; ++p) {
+        const print::PageEntry& e = preview.entry(p);
+        const print::PageEntry* before = p > 1 ? &preview.entry(p - 1) : nullptr;
+        EXPECT_EQ(e.number, before && e.number > 1 ? before->number + 1 : 1) << "page " << p;
+        EXPECT_TRUE(pdfText(out, p).contains(QStringLiteral("Sivu %1 (%2)").arg(e.number).arg(e.count)) ||
+                    e.document == print::doc::Card || e.document == print::doc::ChargeCard)
+            << "page " << p;
+    }
     for (int p = 1; p <= pages; ++p) {
         std::vector<print::TextItem> items;
         print::Surface recorder(preview.fonts());
