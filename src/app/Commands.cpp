@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include "app/PrintCommand.h"
 #include "calc/CostEstimate.h"
 #include "calc/QualityIndex.h"
 #include "lists/ListConvert.h"
@@ -38,14 +39,7 @@ int costs(const QString& fileName) {
     persist::ProjectFile project;
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
-    const persist::WindowRecord& basic = project.content.windows[0];
-    auto combo = [&](int i) { return i < basic.combos.size() ? basic.combos[i] : QString(); };
-    calc::CostInputs inputs;
-    inputs.moneyUnit = combo(4);
-    inputs.unitPriceIndex = combo(3);
-    inputs.costIndex = combo(10);
-    inputs.generalPercent = combo(11);
-    inputs.vatPercent = combo(12);
+    const calc::CostInputs inputs = calc::CostInputsOf(project.content.windows[0].combos);
     auto list =
         persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
     print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
@@ -81,6 +75,7 @@ bool isCommand(const char* name) {
 }
 
 int runCommand(int argc, char** argv) {
+    if (std::strcmp(argv[1], "print") == 0) return printCommand(argc, argv);
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
     const QString command = args.value(1);

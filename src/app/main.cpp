@@ -1,8 +1,11 @@
 // Start of the program: parses the command line, then either runs a command without any
 // window or starts the desktop application.
 #include "app/Commands.h"
+#include "platform/TempDir.h"
+#include "platform/ui/Icons.h"
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
+#include "shell/SingleInstance.h"
 
 #include <QApplication>
 #include <QLibraryInfo>
@@ -43,8 +46,15 @@ int main(int argc, char** argv) {
                           QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(&qtTranslator);
 
-    QApplication::setWindowIcon(shell::applicationIcon());
+    QApplication::setWindowIcon(platform::applicationIcon());
+    // The desktop finds the program's menu entry and icon by this name.
+    QGuiApplication::setDesktopFileName(QStringLiteral("tamrik"));
+    // A file opened while the program runs goes to the running program.
+    const QString socket = shell::instanceSocketPath(platform::privateTempPath());
+    if (!smoke && !file.isEmpty() && shell::handToRunningProgram(socket, file)) return 0;
+
     shell::MDIForm1 main;
+    if (!smoke) (new shell::InstanceServer(main))->listen(socket);
     main.startUp(!smoke);
     if (smoke) main.show();
     if (!file.isEmpty()) main.openFromCommandLine(file);

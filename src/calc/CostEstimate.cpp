@@ -42,6 +42,16 @@ bool opensRoadWorks(const QString& phase) {
 
 } // namespace
 
+CostInputs CostInputsOf(const QStringList& combos) {
+    CostInputs in;
+    in.moneyUnit = combos.value(4);
+    in.unitPriceIndex = combos.value(3);
+    in.costIndex = combos.value(10);
+    in.generalPercent = combos.value(11);
+    in.vatPercent = combos.value(12);
+    return in;
+}
+
 double ConversionFactor(const CostInputs& inputs) {
     const double unitIndex = CustomVal(inputs.unitPriceIndex);
     if (unitIndex == 0) return 1;

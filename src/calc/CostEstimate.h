@@ -7,6 +7,7 @@
 // Columns of the quantity list: 1 littera, 2 work phase (or caption), 3 structural part,
 // 4 quantity, 5 unit, 6 unit price, 7 remarks, then "Rivi".
 #include <QString>
+#include <QStringList>
 
 namespace lists {
 class ListModel;
@@ -22,6 +23,9 @@ struct CostInputs {
     QString generalPercent; // Combo1(11) "Yhteiskustannus %"
     QString vatPercent;     // Combo1(12) "ALV %"
 };
+
+// The inputs from the basic data window's Combo1 texts, by index (missing ones empty).
+CostInputs CostInputsOf(const QStringList& basicCombos);
 
 // The results of one run. Money values and sums are single precision, as the printed
 // figures are.

@@ -97,6 +97,13 @@ void Form10::PopulateIndexWithListView(const lists::ListModel& list) {
         item->setData(0, kHeadingRole, i);
         item->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
         item->setToolTip(1, h.text);
+        // Work phases stand out from their sub-phases.
+        if (h.level == 1) {
+            QFont bold = ListView1->font();
+            bold.setBold(true);
+            item->setFont(0, bold);
+            item->setFont(1, bold);
+        }
         items.append(item);
     }
     ListView1->addTopLevelItems(items);
@@ -124,7 +131,7 @@ void Form10::selectHeading(int i) {
     if (!item) return;
     ListView1->setCurrentItem(item);
     item->setSelected(true);
-    ListView1->scrollToItem(item);
+    ListView1->scrollToItem(item, QAbstractItemView::PositionAtCenter);
 }
 
 std::vector<int> Form10::chosen() const {
@@ -205,6 +212,13 @@ void Form10::goTo() {
 void Form10::insert() {
     AddToRich();
     accept();
+}
+
+void Form10::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    // Laid out now: the chosen heading is shown amid its neighbours.
+    if (QTreeWidgetItem* item = ListView1->currentItem())
+        ListView1->scrollToItem(item, QAbstractItemView::PositionAtCenter);
 }
 
 void Form10::done(int result) {

@@ -93,6 +93,12 @@ Form5::Form5(DocumentHost& host, QWidget* parent)
     StatusBar1 = new QStatusBar(this);
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
     StatusBar1->setSizeGripEnabled(false);
+    // Says when the card holds changes that have not reached the row yet.
+    m_unwritten = new QLabel(QString::fromUtf8("Muutoksia ei ole viety riville (Shift+Return)"), StatusBar1);
+    m_unwritten->setObjectName(QStringLiteral("unwritten"));
+    m_unwritten->setStyleSheet(QStringLiteral("color: #a03000; font-weight: bold"));
+    m_unwritten->hide();
+    StatusBar1->addPermanentWidget(m_unwritten);
     layout->addWidget(StatusBar1);
     installEventFilter(this);
 }
@@ -237,6 +243,10 @@ void Form5::createToolbar() {
     }
 }
 
+bool Form5::hasUnwrittenChanges() const {
+    return !m_unwritten->isHidden();
+}
+
 lists::ListModel* Form5::list() const {
     return m_view ? m_view->list() : nullptr;
 }
@@ -285,6 +295,12 @@ bool Form5::ShowListViewEditor(lists::ListView* view) {
     const std::array<QString, 4> rows = RowMenuTexts(kind);
     for (int i = 0; i < 4; ++i)
         SubMenu1[i]->setText(rows[i]);
+    // The clone and append buttons say what they add, as their menu entries do.
+    for (const auto& [key, text] : {std::pair{QStringLiteral("Dublicate"), rows[1]},
+                                    std::pair{QStringLiteral("New to end"), rows[2]}}) {
+        toolbarButtons[key]->setText(text);
+        toolbarButtons[key]->setToolTip(text);
+    }
     const bool quality = lists::isQualityKind(kind);
     for (int i : {3, 4})
         SubMenu0[i]->setEnabled(quality);
@@ -450,6 +466,15 @@ void Form5::buildCard() {
         });
     }
     m_scroll->setWidget(card);
+    // The requirement card fills a large window; a shorter card a window of its own size.
+    if (quality) {
+        resize(1180, 760);
+    } else {
+        const QSize body = card->minimumSizeHint() + QSize(40, 120);
+        resize(std::max(760, body.width()), body.height() + Toolbar1->sizeHint().height() +
+                                                StatusBar1->sizeHint().height() +
+                                                layout()->menuBar()->sizeHint().height() + 24);
+    }
 }
 
 void Form5::fillComboLists() {
@@ -491,6 +516,7 @@ void Form5::ImportToEditor() {
     }
     EnableControlsForm5();
     m_loading = false;
+    m_unwritten->hide();
 
     const QString kind = model->kind();
     QString title = platform::applicationTitle() + QStringLiteral(" (") + kind + QLatin1Char(')');
@@ -542,6 +568,7 @@ void Form5::EnableControlsForm5() {
 
 void Form5::touch() {
     if (m_loading || !m_view) return;
+    m_unwritten->show();
     if (lists::ListEditHost* host = m_host.listEditHost())
         host->listEdited(m_view);
     else
@@ -610,6 +637,8 @@ void Form5::BrowseRow(int distance) {
     model->selectOnly(target);
     model->ensureVisible(target);
     ImportToEditor();
+    // The drop-down the user works in shows its new value selected, ready to be typed over.
+    if (auto* combo = qobject_cast<ComboBox*>(focusedField())) combo->lineEdit()->selectAll();
 }
 
 bool Form5::CheckAndBrowseNext() {
@@ -790,6 +819,21 @@ bool Form5::eventFilter(QObject* watched, QEvent* event) {
         if (handleKey(ke->key(), ke->modifiers())) return true;
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void Form5::reject() {
+    // A card with changes that have not reached the row is not closed without asking (Esc,
+    // "&Sulje ikkuna (Esc)" and the close box all come here).
+    if (hasUnwrittenChanges() && m_row > 0) {
+        const platform::MsgAnswer a = platform::Ask(
+            QString::fromUtf8("Kortin muutoksia ei ole viety riville.\r\n"
+                              "Viedäänkö muutokset riville ennen sulkemista?"),
+            platform::MsgButtons::YesNoCancel, platform::MsgIcon::Question, platform::MsgAnswer::Yes);
+        if (a == platform::MsgAnswer::Cancel) return;
+        // A refused write (no identifier, a contractor's type) keeps the card open.
+        if (a == platform::MsgAnswer::Yes && !UpdateRow()) return;
+    }
+    QDialog::reject();
 }
 
 void Form5::done(int result) {

@@ -43,6 +43,8 @@ public:
     // The list row the card shows; 0 for none.
     int row() const { return m_row; }
     const std::vector<CardField>& fields() const { return m_fields; }
+    // Whether the card holds changes not yet written into its row.
+    bool hasUnwrittenChanges() const;
     TextBox* textOfColumn(int column) const;
     ComboBox* comboOfColumn(int column) const;
 
@@ -83,6 +85,8 @@ public:
     std::map<QString, QAction*> toolbarButtons;
     QStatusBar* StatusBar1 = nullptr;
 
+    // Closing asks first when the card holds changes not yet written to its row.
+    void reject() override;
     void done(int result) override;
 
 protected:
@@ -109,6 +113,7 @@ private:
     std::vector<CardField> m_fields;
     QString m_cardLayout; // the kind and headers the card was built for
     QScrollArea* m_scroll = nullptr;
+    QLabel* m_unwritten = nullptr;
     int m_row = 0;
     bool m_loading = false;
     bool m_checkingType = false;

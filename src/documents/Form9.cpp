@@ -257,6 +257,8 @@ void Form9::load() {
     toolbarButtons[QStringLiteral("Paste")]->setEnabled(editable);
     toolbarButtons[QStringLiteral("Del")]->setEnabled(editable);
     RichTextBox1->document()->setModified(false);
+    // A field or the template is read from its beginning; a document from where its caret was.
+    if (mode != 1) RichTextBox1->moveCursor(QTextCursor::Start);
 
     if (m_locked && m_canWriteBack)
         platform::MsgBox(QString::fromUtf8("Olet muokkaamassa suojattua kenttää tekstieditorissa.\r\n"

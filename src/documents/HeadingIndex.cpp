@@ -15,7 +15,8 @@ std::vector<Heading> HeadingsOfList(const lists::ListModel& list) {
         const QString& text = list.cell(r, h);
         const bool road = text == lists::kRoadWorksCaption;
         if (lists::BlankString(littera) && !road) continue;
-        Heading heading{littera.trimmed(), text.trimmed(), r, list.rowNumberText(r)};
+        Heading heading{littera.trimmed(), text.trimmed(), r, list.rowNumberText(r),
+                        road || lists::CapitalString(text) ? 1 : 2};
         // A caption written on several rows: its capital texts below it belong to it.
         if (lists::CapitalString(text)) {
             for (int k = r + 1; k <= n; ++k) {

@@ -19,6 +19,7 @@ struct Heading {
     QString text;
     int row = 0;       // its position in the list
     QString rowNumber; // its "Rivi" value
+    int level = 1;     // 1 a work phase (in capitals, or the road works), 2 a sub-phase
 };
 
 // The headings of the list, in list order.

@@ -67,23 +67,17 @@ const CardField* FieldOfColumn(const std::vector<CardField>& fields, int column)
 QStringList ComboListItems(const QString& header, const ComboSources& sources) {
     const QString h = header.trimmed().toUpper();
     if (h == QLatin1String("PVM")) return {sources.today.toString(QStringLiteral("d.M.yyyy"))};
-    if (h == QLatin1String("OSA")) {
-        QStringList out =
-            fromUtf8({"Koko silta", "Maatuki 1", "Kehän anturat 1", "Maatuki 2", "Kehän anturat 2"});
-        for (int i = 1; i <= 9; ++i)
-            out.append(QStringLiteral("Välituki %1").arg(i));
-        out += fromUtf8({"Päällysrakenne", "Päällysrak. kaariosa", "Varusteet ja laitteet"});
-        return out;
-    }
-    if (h == QLatin1String("TUNNUS")) {
-        QStringList out = fromUtf8({"000 (koko silta)", "100 (maatuki 1)", "110 (kehän anturat 1)",
-                                    "200 (maatuki 2)", "210 (kehän anturat 2)"});
-        for (int i = 1; i <= 9; ++i)
-            out.append(QStringLiteral("%1 (välituki %2)").arg(300 + 10 * i).arg(i));
-        out +=
-            fromUtf8({"400 (päällysrakenne)", "500 (päällysrak. kaariosa)", "600 (varusteet ja laitteet)"});
-        return out;
-    }
+    if (h == QLatin1String("OSA"))
+        return fromUtf8({"Koko silta", "Maatuki 1", "Kehän anturat 1", "Maatuki 2", "Kehän anturat 2",
+                         "Välituki 1", "Välituki 2", "Välituki 3", "Välituki 4", "Välituki 5", "Välituki 6",
+                         "Välituki 7", "Välituki 8", "Välituki 9", "Päällysrakenne", "Päällysrak. kaariosa",
+                         "Varusteet ja laitteet"});
+    if (h == QLatin1String("TUNNUS"))
+        return fromUtf8({"000 (koko silta)", "100 (maatuki 1)", "110 (kehän anturat 1)", "200 (maatuki 2)",
+                         "210 (kehän anturat 2)", "310 (välituki 1)", "320 (välituki 2)", "330 (välituki 3)",
+                         "340 (välituki 4)", "350 (välituki 5)", "360 (välituki 6)", "370 (välituki 7)",
+                         "380 (välituki 8)", "390 (välituki 9)", "400 (päällysrakenne)",
+                         "500 (päällysrak. kaariosa)", "600 (varusteet ja laitteet)"});
     if (h == QLatin1String("RAK. OSA")) {
         QStringList out;
         if (const lists::ListModel* parts = sources.bridgeParts)
@@ -116,19 +110,23 @@ QStringList ComboListItems(const QString& header, const ComboSources& sources) {
     if (h == QLatin1String("PAINOARVO"))
         return {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2"),
                 QStringLiteral("3"), QStringLiteral("4"), QStringLiteral("5")};
-    if (h == QLatin1String("PAINOARVON KERROIN")) {
-        QStringList out{QStringLiteral("0,0 (virhe vaikuttaa)")};
-        for (int i = 1; i <= 9; ++i)
-            out.append(QStringLiteral("0,%1").arg(i));
-        out.append(QStringLiteral("1,0 (virhe ei vaikuta)"));
-        return out;
-    }
-    if (h == QLatin1String("TUKI")) {
-        QStringList out{QStringLiteral("MT 1"), QStringLiteral("MT 2")};
-        for (int i = 1; i <= 9; ++i)
-            out.append(QStringLiteral("VT %1").arg(i));
-        return out;
-    }
+    if (h == QLatin1String("PAINOARVON KERROIN"))
+        return {QStringLiteral("0,0 (virhe vaikuttaa)"),
+                QStringLiteral("0,1"),
+                QStringLiteral("0,2"),
+                QStringLiteral("0,3"),
+                QStringLiteral("0,4"),
+                QStringLiteral("0,5"),
+                QStringLiteral("0,6"),
+                QStringLiteral("0,7"),
+                QStringLiteral("0,8"),
+                QStringLiteral("0,9"),
+                QStringLiteral("1,0 (virhe ei vaikuta)")};
+    if (h == QLatin1String("TUKI"))
+        return {QStringLiteral("MT 1"), QStringLiteral("MT 2"), QStringLiteral("VT 1"),
+                QStringLiteral("VT 2"), QStringLiteral("VT 3"), QStringLiteral("VT 4"),
+                QStringLiteral("VT 5"), QStringLiteral("VT 6"), QStringLiteral("VT 7"),
+                QStringLiteral("VT 8"), QStringLiteral("VT 9")};
     if (h == QLatin1String("RAK.AINE")) return fromUtf8({"teräsbetoni"});
     return {};
 }

@@ -1,8 +1,10 @@
 #include "peripherals/Dialog1.h"
 
 #include "platform/Dialogs.h"
+#include "platform/ui/Icons.h"
 
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -37,9 +39,21 @@ Dialog1::Dialog1(const QString& version, const QString& copyright, const QString
     big.setPointSize(big.pointSize() + 6);
     big.setBold(true);
     Label1[0]->setFont(big);
-    for (int i : {0, 1, 8, 3, 7, 2, 4, 5, 6, 9})
+    // The program's icon beside its name.
+    auto* title = new QHBoxLayout;
+    auto* icon = new QLabel(frame);
+    icon->setObjectName(QStringLiteral("imgIcon"));
+    icon->setPixmap(platform::applicationIcon().pixmap(64, 64));
+    icon->setFixedSize(64, 64);
+    Label1[0]->setWordWrap(false);
+    title->addWidget(icon, 0, Qt::AlignTop);
+    title->addSpacing(8);
+    title->addWidget(Label1[0], 1);
+    inner->addLayout(title);
+    for (int i : {1, 8, 3, 7, 2, 4, 5, 6, 9})
         inner->addWidget(Label1[i]);
     layout->addWidget(frame);
+    setMinimumWidth(480);
     auto* Command1 = new QPushButton(QStringLiteral("OK"), this);
     Command1->setDefault(true);
     connect(Command1, &QPushButton::clicked, this, &QDialog::accept);

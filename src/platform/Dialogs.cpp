@@ -79,8 +79,10 @@ QStringList translateFilter(const QString& barFilter) {
         description.remove(trailingPatterns);
         QStringList patterns;
         for (const QString& p : parts[i + 1].split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-            const QString t = p.trimmed();
+            QString t = p.trimmed();
             if (t.isEmpty()) continue;
+            // "All files" are all, also those without an extension, which "*.*" would not match.
+            if (t == QLatin1String("*.*")) t = QStringLiteral("*");
             patterns << t.toLower();
             if (t.toUpper() != t.toLower()) patterns << t.toUpper();
         }

@@ -29,6 +29,7 @@ struct FileRequest {
     QString defaultSuffix; // added to a saved name that has no extension
     bool multiple = false;
     QString directory;
+    QString fileName; // the name a save dialog suggests
 };
 
 class Dialogs {

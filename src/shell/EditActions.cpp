@@ -215,7 +215,6 @@ void MDIForm1::ShowMenu2(int context, const QPoint& globalPos) {
         SubMenu2[i]->setEnabled(list);
     for (int i : {6, 7, 8, 9, 13})
         SubMenu2[i]->setEnabled(true);
-    applyAvailability(*this);
     MainMenu[2]->popup(globalPos);
     connect(
         MainMenu[2], &QMenu::aboutToHide, this,

@@ -10,6 +10,7 @@
 #include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
+#include "print/ui/PrintSession.h"
 #include "shell/Captions.h"
 #include "shell/Modes.h"
 #include "shell/Settings.h"
@@ -537,7 +538,7 @@ void MDIForm1::FileMenuActions(int index) {
             UnloadActiveProject();
             break;
         case 7:
-            // Printing is not part of this build; its items stay disabled.
+            showPrintDialog(*this);
             break;
         case 8:
             showMailDialog(*this);
@@ -569,6 +570,15 @@ void MDIForm1::openFromCommandLine(const QString& file) {
     if (!fi.exists()) {
         platform::MsgBox(QStringLiteral("Tiedostoa: ") + file + QStringLiteral(" ei löydy."),
                          MsgIcon::Information);
+        return;
+    }
+    // A unit price list or a requirement base list opens in its own window.
+    const QString suffix = fi.suffix().toLower();
+    if (suffix == QLatin1String("sl1") || suffix == QLatin1String("sl2")) {
+        const int slot = suffix == QLatin1String("sl1") ? 6 : 7;
+        lists::BaseListWindow* window = slot == 6 ? Form6 : Form7;
+        if (!window || FormTouched(window)) return;
+        if (window->openFile(fi.absoluteFilePath())) showBaseList(slot);
         return;
     }
     m_state.CurrentFileName = fi.absoluteFilePath();
@@ -1002,7 +1012,6 @@ void MDIForm1::EnableControlsMDI() {
         SubMenu0[i]->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
-    applyAvailability(*this);
 }
 
 } // namespace shell

@@ -39,6 +39,10 @@ namespace lists {
 class ListView;
 }
 
+namespace print::ui {
+class PrintSession;
+}
+
 namespace shell {
 
 class frmSplash;
@@ -69,7 +73,8 @@ public:
     // The program directory to use instead of the executable's (tests run from elsewhere).
     void setProgramDirectory(const QString& directory) { m_programDirectory = directory; }
 
-    // Opens a project named on the command line, as "&Avaa..." would.
+    // Opens a project named on the command line (or handed over by a later start), as
+    // "&Avaa..." would; a ".sl1" or ".sl2" file opens in its base list window.
     void openFromCommandLine(const QString& file);
     // Opens an autosaved copy as the changed project `project` (a file path, or the name of a
     // project never saved, which then takes the name of the project it opens into).
@@ -91,6 +96,8 @@ public:
     QIcon toolIcon(const QString& key) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
+    // The choice of documents and the printer, kept from one print run to the next.
+    print::ui::PrintSession& printSession();
 
     // BaseListHost
     void baseListTouched(lists::BaseListWindow* window) override { FormTouch(window); }
@@ -202,6 +209,7 @@ private:
 
     AppState m_state;
     std::unique_ptr<platform::SettingsStore> m_store;
+    std::unique_ptr<print::ui::PrintSession> m_printSession;
     QString m_tag;
     std::vector<QLabel*> m_panels; // index 1..5
     QWidget* m_progressStrip = nullptr;

@@ -65,7 +65,6 @@ void applyMenuState(MDIForm1& main, bool find, bool fromList, bool rows, bool ed
     for (int i : {2, 3, 4})
         main.SubMenu2[i]->setEnabled(rows);
     main.Submenu3[9]->setEnabled(editor);
-    applyAvailability(main);
 }
 
 bool isActive(MDIForm1& main, documents::ProjectWindow* w) {

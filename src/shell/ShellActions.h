@@ -32,6 +32,9 @@ template <typename T> T* ancestor(QWidget* w) {
 struct AppState;
 struct ProjectWindows;
 
+// The print selection dialog on the active project (PrintActions.cpp).
+void showPrintDialog(MDIForm1& main);
+
 // Settings dialog (Form8.cpp).
 void showSettingsDialog(MDIForm1& main);
 
@@ -66,12 +69,8 @@ bool sameFile(const QString& a, const QString& b);
 QIcon toolbarIcon(const QString& key, QStyle::StandardPixmap fallback);
 // The pictures of the tool windows' buttons, by key.
 QIcon shellToolIcon(const QString& key);
-// The program's own icon: an arch bridge.
-QIcon applicationIcon();
 void LoadLogo(MDIForm1& main);
 void readOfficeRows(AppState& state);
-// Items whose windows are not part of this build stay disabled.
-void applyAvailability(MDIForm1& main);
 
 // The e-mail dialog and the image viewer (PeripheralWindows.cpp).
 void showMailDialog(MDIForm1& main);

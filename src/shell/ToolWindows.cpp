@@ -25,6 +25,7 @@ void ShowListViewEditor(MDIForm1& main, lists::ListView* view) {
     if (!main.Form5) main.Form5 = new documents::Form5(main, &main);
     if (main.Form5->ShowListViewEditor(view)) main.Form5->exec();
     // Back in the list, at the row the card showed last.
+    view->window()->activateWindow();
     view->setFocus();
     if (ancestor<documents::ProjectWindow>(view)) main.UpdateCaptionText(view);
 }
@@ -48,6 +49,7 @@ void ShowTextEditor(MDIForm1& main, int mode) {
     main.appState().EditorMode = mode;
     documents::Form9 editor(main, source, &main);
     editor.exec();
+    static_cast<QWidget&>(main).activateWindow();
     if (source.project && mode != 100) source.project->RichTextBox1[0]->setFocus();
 }
 
@@ -70,6 +72,7 @@ void ShowIndex(MDIForm1& main, int kind) {
     }
     documents::Form10 index(mode, source, &main, &main);
     index.exec();
+    static_cast<QWidget&>(main).activateWindow();
     if (source.list) main.UpdateCaptionText(source.list);
 }
 

@@ -1,10 +1,12 @@
 #include "shell/frmSplash.h"
 
 #include "platform/Dialogs.h"
+#include "platform/ui/Icons.h"
 #include "platform/ui/PictureBox.h"
 
 #include <QApplication>
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QScreen>
@@ -50,6 +52,13 @@ frmSplash::frmSplash(QWidget* parent)
     QFont title = lblProductName->font();
     title.setPointSize(16);
     lblProductName->setFont(title);
+    auto* icon = new QLabel(frame);
+    icon->setObjectName(QStringLiteral("imgIcon"));
+    icon->setPixmap(platform::applicationIcon().pixmap(48, 48));
+    auto* titleRow = new QHBoxLayout;
+    titleRow->addWidget(icon);
+    titleRow->addSpacing(8);
+    titleRow->addWidget(lblProductName, 1);
     auto* lblVersion = new QLabel(versionText(), frame);
     lblVersion->setObjectName(QStringLiteral("lblVersion"));
     auto* lblCopyright = new QLabel(copyrightText(), frame);
@@ -59,7 +68,7 @@ frmSplash::frmSplash(QWidget* parent)
     ProgressBar1->setRange(0, 100);
     ProgressBar1->setTextVisible(false);
     layout->addWidget(imgLogo);
-    layout->addWidget(lblProductName);
+    layout->addLayout(titleRow);
     layout->addWidget(lblVersion);
     layout->addSpacing(12);
     layout->addWidget(loading);

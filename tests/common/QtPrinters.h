@@ -1,4 +1,5 @@
 #pragma once
+// Included into every test file by the build (tests/CMakeLists.txt).
 // Readable failure messages for Qt strings.
 #include <QStringList>
 #include <ostream>

@@ -25,7 +25,11 @@ namespace {
 QStringList describe(const std::vector<Heading>& headings) {
     QStringList out;
     for (const Heading& h : headings)
-        out.append(QStringLiteral("%1|%2|%3|%4").arg(h.littera, h.text).arg(h.row).arg(h.rowNumber));
+        out.append(QStringLiteral("%1|%2|%3|%4|L%5")
+                       .arg(h.littera, h.text)
+                       .arg(h.row)
+                       .arg(h.rowNumber)
+                       .arg(h.level));
     return out;
 }
 
@@ -44,8 +48,8 @@ TEST(HeadingIndex, HeadingsAreTheRowsWithALittera) {
     lists::ListModel list;
     inspectionList(list);
     EXPECT_EQ(describe(HeadingsOfList(list)),
-              QStringList({"7110|KAIVUT JA LOUHINNAT|1|00001", "7111|Kaivu|3|00003",
-                           "|TIETYÖT SILTAPAIKALLA|8|00008", "7200|Alikulku|10|00010"}));
+              QStringList({"7110|KAIVUT JA LOUHINNAT|1|00001|L1", "7111|Kaivu|3|00003|L2",
+                           "|TIETYÖT SILTAPAIKALLA|8|00008|L1", "7200|Alikulku|10|00010|L2"}));
 
     // A caption in capitals continued on the next row is one heading; an entry below a caption
     // is not part of it.
@@ -56,7 +60,7 @@ TEST(HeadingIndex, HeadingsAreTheRowsWithALittera) {
               {"7171", "Muotit"},
               {"", "Muotti"}});
     EXPECT_EQ(describe(HeadingsOfList(list)),
-              QStringList({"7170|PÄÄLLYSRAKENNE, BETONI|1|00001", "7171|Muotit|4|00004"}));
+              QStringList({"7170|PÄÄLLYSRAKENNE, BETONI|1|00001|L1", "7171|Muotit|4|00004|L2"}));
     list.clearRows();
     EXPECT_TRUE(HeadingsOfList(list).empty());
 }

@@ -72,10 +72,50 @@ TEST_F(Form5Test, TheCardShowsTheRowUnderItsHeaders) {
     EXPECT_EQ(editor.Combo1[16]->itemText(0), "Kyllä");
     EXPECT_TRUE(editor.windowTitle().startsWith("TAMRIK 2006 (Laatuvaatimukset)"));
     EXPECT_EQ(editor.SubMenu1[0]->text(), "Lisää uusi laatuvaatimus");
-    // Loading a row is no change of the project.
+    // Loading a row is no change of the project; a typed change is, and the card says that it
+    // has not reached the row until it is written back.
     EXPECT_TRUE(host.changed.empty());
+    EXPECT_FALSE(editor.hasUnwrittenChanges());
     editor.Text1[4]->setText("Poikkeama korjataan");
     EXPECT_FALSE(host.changed.empty());
+    EXPECT_TRUE(editor.hasUnwrittenChanges());
+    ASSERT_TRUE(editor.UpdateRow());
+    EXPECT_FALSE(editor.hasUnwrittenChanges());
+    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
+}
+
+TEST_F(Form5Test, ClosingAsksAboutChangesNotWrittenToTheRow) {
+    open(6);
+    editor.show();
+    // Nothing typed: Esc closes at once.
+    QTest::keyClick(&editor, Qt::Key_Escape);
+    EXPECT_FALSE(editor.isVisible());
+    EXPECT_TRUE(dialogs.messages().empty());
+
+    // The card of row 6 with one field changed, closed with the answer given; whether it stays.
+    auto closeChanged = [&](int column, const QString& value, platform::MsgAnswer a) {
+        if (!editor.isVisible()) {
+            open(6);
+            editor.show();
+            column == 2 ? combo(column)->setText(value) : text(column)->setText(value);
+        }
+        dialogs.answer(a);
+        editor.ToolbarClick("Close");
+        return editor.isVisible();
+    };
+    EXPECT_TRUE(closeChanged(22, "Poikkeama korjataan", platform::MsgAnswer::Cancel));
+    EXPECT_TRUE(dialogs.lastText().startsWith("Kortin muutoksia ei ole viety riville."));
+    EXPECT_FALSE(closeChanged(22, "", platform::MsgAnswer::No));
+    EXPECT_EQ(cell(6, 22), "");
+    EXPECT_FALSE(closeChanged(22, "Poikkeama korjataan", platform::MsgAnswer::Yes));
+    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
+
+    // A write that is refused keeps the card open with what was typed.
+    EXPECT_TRUE(closeChanged(2, "", platform::MsgAnswer::Yes));
+    EXPECT_EQ(dialogs.lastText(), "Laatuvaatimuksella on oltava numero tai kirjaintunnus.");
+    EXPECT_EQ(cell(6, 2), "2");
+    EXPECT_TRUE(dialogs.allAnswersUsed());
+    editor.hide();
 }
 
 TEST_F(Form5Test, UpdateWritesTheCardWithoutExplanations) {
@@ -281,6 +321,8 @@ TEST_F(Form5Test, OtherListsGetTheirOwnCard) {
     ASSERT_EQ(editor.Combo1.size(), 5u);
     EXPECT_EQ(editor.Text1[1]->text(), "leveys 6 m");
     EXPECT_EQ(editor.SubMenu1[0]->text(), "Lisää uusi työvaihe");
+    EXPECT_EQ(editor.toolbarButtons["Dublicate"]->toolTip(), "Kloonaa työvaihe");
+    EXPECT_EQ(editor.toolbarButtons["New to end"]->toolTip(), "Lisää uusi työvaihe luettelon loppuun");
     EXPECT_FALSE(editor.SubMenu0[3]->isEnabled());
     EXPECT_FALSE(editor.SubMenu20[0]->isEnabled());
     EXPECT_TRUE(editor.SubMenu2[0]->isEnabled());

@@ -210,35 +210,37 @@ QString BaseListWindow::currentFile() const {
     return caption;
 }
 
-void BaseListWindow::loadFile(const QString& fileName) {
+TextMeasure BaseListWindow::headerMeasure() const {
     const QFontMetrics metrics(ListView1->font());
-    const TextMeasure measure = [metrics](const QString& t) { return metrics.horizontalAdvance(t) * 15; };
-    InitListView(*list(), fileName, QStringLiteral(";"), measure);
+    return [metrics](const QString& t) { return metrics.horizontalAdvance(t) * 15; };
+}
+
+void BaseListWindow::loadFile(const QString& fileName) {
+    InitListView(*list(), fileName, QStringLiteral(";"), headerMeasure());
     setWindowTitle(fileName + suffix() + kMarker);
+}
+
+bool BaseListWindow::openFile(const QString& file) {
+    BusyPointer busy;
+    if (recogniseFile(file) == FileContent::Spreadsheet) {
+        // A spreadsheet comes in through the import. The window is named after a list file
+        // beside it, so that saving never writes text over the spreadsheet.
+        if (!InitListView(*list(), file, QStringLiteral(".xls"))) return false;
+        const QFileInfo info(file);
+        setWindowTitle(info.dir().filePath(info.completeBaseName() + extension()) + suffix() + kMarker);
+        m_host.baseListTouched(this);
+        return true;
+    }
+    if (!InitListView(*list(), file, QStringLiteral(";"), headerMeasure())) return false;
+    setWindowTitle(file + suffix() + kMarker);
+    return true;
 }
 
 void BaseListWindow::ListViewFileMenuActions(int action) {
     switch (action) {
         case 0: {
             const QString file = m_host.baseListFileDialog(1, extension());
-            if (file.isEmpty()) return;
-            BusyPointer busy;
-            const QFontMetrics metrics(ListView1->font());
-            const TextMeasure measure = [metrics](const QString& t) {
-                return metrics.horizontalAdvance(t) * 15;
-            };
-            if (recogniseFile(file) == FileContent::Spreadsheet) {
-                // A spreadsheet comes in through the import. The window is named after a list
-                // file beside it, so that saving never writes text over the spreadsheet.
-                if (!InitListView(*list(), file, QStringLiteral(".xls"))) return;
-                const QFileInfo info(file);
-                setWindowTitle(info.dir().filePath(info.completeBaseName() + extension()) + suffix() +
-                               kMarker);
-                m_host.baseListTouched(this);
-                break;
-            }
-            if (InitListView(*list(), file, QStringLiteral(";"), measure))
-                setWindowTitle(file + suffix() + kMarker);
+            if (!file.isEmpty()) openFile(file);
             break;
         }
         case 1:

@@ -2,6 +2,8 @@
 // The two base list windows: Form7 the quality requirement base list (".sl2"), Form6 the work
 // phase and unit price list (".sl1", with the choice of working conditions). Each holds one
 // list, a file menu, an edit menu and three buttons, and stays beside the project windows.
+#include "lists/ListFiles.h"
+
 #include <QMainWindow>
 #include <vector>
 
@@ -53,6 +55,9 @@ public:
     // Reads a list file into the window; the caption becomes file + suffix + " Ei muutettu".
     // A missing file is reported and leaves an empty list under that caption.
     void loadFile(const QString& fileName);
+    // "&Avaa..." of a chosen file: a list file, or a spreadsheet through the import. False
+    // (with a message shown) when it cannot be read; the window is then as it was.
+    bool openFile(const QString& file);
     // The file named in the caption.
     QString currentFile() const;
 
@@ -79,6 +84,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // Header widths in twips with the list's own font.
+    TextMeasure headerMeasure() const;
     void createMenus();
     BaseListHost& m_host;
     int m_slot;

@@ -84,6 +84,7 @@ public:
             dlg.setAcceptMode(QFileDialog::AcceptSave);
             dlg.setFileMode(QFileDialog::AnyFile);
             if (!r.defaultSuffix.isEmpty()) dlg.setDefaultSuffix(r.defaultSuffix);
+            if (!r.fileName.isEmpty()) dlg.selectFile(r.fileName);
         } else {
             dlg.setAcceptMode(QFileDialog::AcceptOpen);
             dlg.setFileMode(r.multiple ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);

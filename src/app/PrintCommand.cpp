@@ -1,0 +1,123 @@
+#include "app/PrintCommand.h"
+
+#include "persist/ProjectFile.h"
+#include "platform/SettingsStore.h"
+#include "print/PdfOutput.h"
+#include "print/PrintRun.h"
+
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QLocale>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+
+namespace app {
+
+namespace {
+
+std::atomic<bool> g_interrupted{false};
+
+void onInterrupt(int) {
+    g_interrupted = true;
+}
+
+int fail(const QString& message) {
+    std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
+    return 1;
+}
+
+const char* const kUsage = "käyttö: tamrik print TIEDOSTO.sl --pdf KOHDE.pdf [--docs 0,1,...]";
+
+// The printing settings of the user, as the desktop program would use them.
+print::PrintSettings userSettings(const QString& appPath) {
+    print::PrintSettings s;
+    s.appPath = appPath;
+    const platform::SettingsStore store;
+    const QString section = QStringLiteral("Printer");
+    s.PrinterFont = store.get(section, QStringLiteral("PrinterFont"), s.PrinterFont);
+    if (s.PrinterFont.trimmed().isEmpty()) s.PrinterFont = QStringLiteral("Arial");
+    s.PrintLogo = store.get(section, QStringLiteral("PrintLogo"), QStringLiteral("1")) == QLatin1String("1");
+    QString logo = store.get(section, QStringLiteral("PLogoFile"), QStringLiteral("Tamrik2006-logo.wmf"));
+    if (logo == QLatin1String("Tamrik2006-logo.wmf")) logo = appPath + logo;
+    if (logo.isEmpty())
+        s.PrintLogo = false;
+    else
+        s.logo = platform::Picture::fromFile(logo);
+    return s;
+}
+
+} // namespace
+
+int printCommand(int argc, char** argv) {
+    // Printing needs fonts and a paint device, not a display.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    // Money is grouped as the desktop program groups it, whatever the shell's locale.
+    QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+    const QStringList args = QCoreApplication::arguments().mid(2);
+
+    QString input, output, docs;
+    for (int i = 0; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--pdf") && i + 1 < args.size())
+            output = args[++i];
+        else if (args[i] == QLatin1String("--docs") && i + 1 < args.size())
+            docs = args[++i];
+        else if (!args[i].startsWith(QLatin1Char('-')) && input.isEmpty())
+            input = args[i];
+        else
+            return fail(QString::fromUtf8(kUsage));
+    }
+    if (input.isEmpty() || output.isEmpty()) return fail(QString::fromUtf8(kUsage));
+    if (QFileInfo(input).absoluteFilePath() == QFileInfo(output).absoluteFilePath())
+        return fail(QStringLiteral("tuloste ei voi korvata projektitiedostoa %1").arg(input));
+
+    print::Selection selection;
+    if (docs.isEmpty()) {
+        for (int d = 0; d < print::kDocumentCount; ++d)
+            selection.DocumentSelected[d] = print::DocumentAvailable(d);
+    } else {
+        for (const QString& part : docs.split(QLatin1Char(','))) {
+            bool ok = false;
+            const int d = part.trimmed().toInt(&ok);
+            if (!ok || d < 0 || d >= print::kDocumentCount)
+                return fail(QStringLiteral("asiakirjan numero %1 ei kelpaa (0..12)").arg(part));
+            if (!print::DocumentAvailable(d))
+                return fail(
+                    QStringLiteral("asiakirjaa %1 ei voi vielä tulostaa tällä ohjelmaversiolla").arg(d));
+            selection.DocumentSelected[d] = true;
+        }
+    }
+
+    persist::ProjectFile project;
+    QString error;
+    if (!persist::ReadProjectFile(input, false, project, &error))
+        return fail(input + QStringLiteral(": ") + error);
+    print::ProjectSource source = print::SourceFromProject(project);
+
+    print::PrintRun run(source.source, selection,
+                        userSettings(QCoreApplication::applicationDirPath() + QLatin1Char('/')));
+    run.setInform([](const QString& message) {
+        std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
+    });
+
+    // Ctrl+C ends the run without leaving a half-written file.
+    std::signal(SIGINT, onInterrupt);
+    std::signal(SIGTERM, onInterrupt);
+    const print::OutputResult result = print::WritePdf(
+        run, output, print::DefaultPageLayout(), print::kDefaultResolution,
+        [](int, double) { return !g_interrupted; }, &error);
+    switch (result) {
+        case print::OutputResult::Printed:
+            return 0;
+        case print::OutputResult::Cancelled:
+            return fail(QStringLiteral("tulostus keskeytettiin; tiedostoa %1 ei kirjoitettu").arg(output));
+        case print::OutputResult::NothingToPrint:
+            return fail(QStringLiteral("ei tulostettavia sivuja; tiedostoa %1 ei kirjoitettu").arg(output));
+        case print::OutputResult::DeviceFailed:
+            break;
+    }
+    return fail(error);
+}
+
+} // namespace app

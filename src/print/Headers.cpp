@@ -1,0 +1,98 @@
+// The page header and footer, and who signs each document.
+#include "lists/ListProcedures.h"
+#include "print/PrintRun.h"
+#include "print/Reports.h"
+
+#include <algorithm>
+
+namespace print {
+
+namespace {
+
+const QString kProgramTitle = QStringLiteral("TAMRIK 2006");
+
+bool anyFilled(const PrintSource& s, std::initializer_list<int> combos) {
+    return std::any_of(combos.begin(), combos.end(),
+                       [&s](int i) { return !lists::BlankString(s.basicCombo(i)); });
+}
+
+} // namespace
+
+Parties PartiesOf(const PrintRun& run, int document) {
+    const PrintSource& s = run.source();
+    bool contractor = document >= doc::QualityPlan || document == kQualitySummary;
+    // The requirements of document 7 are drawn up by either party: the contractor's once any of
+    // the contractor's names or dates is filled in.
+    if (document == doc::AllRequirements) contractor = anyFilled(s, {17, 15, 16, 14});
+    Parties p;
+    if (contractor) {
+        p.firstRole = QStringLiteral("URAKOITSIJA");
+        p.firstCompany = s.basicText(10);
+        p.secondRole = QStringLiteral("TILAAJA");
+        p.secondCompany = s.basicText(11);
+        p.drewUp = s.basicCombo(17);
+        p.drewUpDate = s.basicCombo(15);
+        p.checked = s.basicCombo(16);
+        p.checkedDate = s.basicCombo(14);
+    } else {
+        p.firstRole = QStringLiteral("SUUNNITTELIJA");
+        p.firstCompany = s.basicText(9);
+        p.drewUp = s.basicCombo(5);
+        p.drewUpDate = s.basicCombo(8);
+        p.checked = s.basicCombo(6);
+        p.checkedDate = s.basicCombo(7);
+    }
+    return p;
+}
+
+void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
+    const PageModel& m = run.page();
+    const PageEntry& e = run.entry(p);
+    s.setFont(run.font(9));
+    const double right = m.right();
+    s.textRight(right, m.OriginY, QStringLiteral("Sivu %1 (%2)").arg(e.number).arg(e.count));
+    const QString printed =
+        QStringLiteral("Tulostettu: ") + run.settings().printedOn.toString(QStringLiteral("d.M.yyyy"));
+    s.textRight(right, m.OriginY + m.LineHeight9, printed);
+    if (e.number < 2) return;
+
+    const PrintSource& src = run.source();
+    const QString identification =
+        src.basicText(0) + QStringLiteral("  ") + src.basicText(1) + QLatin1Char('/') + src.basicCombo(9);
+    const QString first = run.wrap(identification, 9, 0.6 * m.UsableWidth).value(0).trimmed();
+    s.text(m.OriginX, m.OriginY, first);
+    const Parties parties = PartiesOf(run, e.document);
+    s.text(m.OriginX, m.OriginY + m.LineHeight9,
+           QStringLiteral("Laati: ") + parties.drewUp + QLatin1Char(' ') + parties.drewUpDate);
+
+    // The title between the identification and the print date, at most two lines.
+    const double titleX = m.OriginX + s.textWidth(first) + 250 * m.ScaleX;
+    const double titleEnd = right - s.textWidth(printed) - 250 * m.ScaleX;
+    const QStringList lines = run.wrap(title, 9, std::max(titleEnd - titleX, 1000.0 * m.ScaleX));
+    for (int i = 0; i < std::min<qsizetype>(2, lines.size()); ++i)
+        s.text(titleX, m.OriginY + i * m.LineHeight9, lines[i]);
+
+    const double y = m.OriginY + 560 * m.ScaleY;
+    s.line(m.OriginX, y, right, y);
+}
+
+void PrintBottomHeader(PrintRun& run, Surface& s, int kind) {
+    const PageModel& m = run.page();
+    const double lineY = m.bottom() - 360 * m.ScaleY;
+    s.line(m.OriginX, lineY, m.right(), lineY);
+    s.setFont(run.font(9));
+    const double y = m.bottom() - m.LineHeight11;
+    if (kind == 0) {
+        s.text(m.OriginX, y, kProgramTitle);
+    } else if (kind == 1) {
+        s.text(
+            m.OriginX, y,
+            QStringLiteral("Ty = vaatimustyyppi (1 = siltakohtainen, 2 = KLV:n mukainen, 3 = ohjeellinen)"));
+        const QString methods = QStringLiteral(
+            "Tt = tarkastustapa (M = mittaus, K = katselmus, T = todetaan, A = ainestodistus ym.), Pa = painoarvo (0,1,2,3,4,5)");
+        s.text(m.OriginX, y + m.LineHeight9, methods);
+        s.textRight(m.right(), y, kProgramTitle);
+    }
+}
+
+} // namespace print

@@ -1,0 +1,325 @@
+#include "print/PrintRun.h"
+
+#include "lists/ListModel.h"
+#include "print/Reports.h"
+#include "print/TextLines.h"
+
+#include <QImage>
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <cmath>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+namespace print {
+
+namespace {
+
+// The preview's pixels: 15 twips to a pixel at scale 1.
+constexpr double kPreviewDpi = 96;
+
+bool sameMetrics(const DeviceMetrics& a, const DeviceMetrics& b) {
+    return std::abs(a.pageWidth - b.pageWidth) < 0.5 && std::abs(a.pageHeight - b.pageHeight) < 0.5 &&
+           std::abs(a.printableWidth - b.printableWidth) < 0.5 &&
+           std::abs(a.printableHeight - b.printableHeight) < 0.5 && a.landscape == b.landscape;
+}
+
+// The PDF engine takes a large buffer for every page it compresses and gives it back at once.
+// With glibc's defaults the memory goes back to the system each time and every page pays for
+// fresh pages from the kernel, a millisecond each; keeping it in the heap makes long runs quick.
+void keepPageBuffersInHeap() {
+#if defined(__GLIBC__)
+    static const bool done = [] {
+        mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);
+        mallopt(M_TRIM_THRESHOLD, 256 * 1024 * 1024);
+        return true;
+    }();
+    (void)done;
+#endif
+}
+
+int rowsOf(const lists::ListModel* list) {
+    return list ? list->rows() : 0;
+}
+
+} // namespace
+
+bool DocumentAvailable(int document) {
+    return document == doc::Quantities || document == doc::Costs;
+}
+
+QString DocumentTitle(int document, const QString& workPhase) {
+    const QString phase = workPhase.trimmed();
+    switch (document) {
+        case doc::Quantities:
+            return QStringLiteral("Sillan määräluettelo");
+        case doc::Costs:
+            return QStringLiteral("Sillan kustannusarvio");
+        case doc::BridgeRequirements:
+            return QStringLiteral("Siltakohtaiset laatuvaatimukset");
+        case doc::PlanDescription:
+            return QStringLiteral("Rakennussuunnitelmaselostus");
+        case doc::CodingPlan:
+            return QStringLiteral("Koodaussuunnitelma");
+        case doc::AllRequirements:
+            return phase.isEmpty() ? QStringLiteral("Sillan laatuvaatimukset")
+                                   : QStringLiteral("Laatuvaatimukset  ") + phase;
+        case doc::QualityPlan:
+            return QStringLiteral("Urakan laatusuunnitelma");
+        case doc::QualityPlans:
+            return phase.isEmpty() ? QStringLiteral("Sillan laatusuunnitelma")
+                                   : QStringLiteral("Laatusuunnitelma  ") + phase;
+        case doc::Inspections:
+            return phase.isEmpty() ? QStringLiteral("Sillan tarkastus- ja mittausraportti")
+                                   : QStringLiteral("Tarkastus- ja mittausraportti  ") + phase;
+        case doc::Deviations:
+            return phase.isEmpty() ? QStringLiteral("Sillan poikkeamaraportti")
+                                   : QStringLiteral("Poikkeamaraportti  ") + phase;
+        case doc::QualityReport:
+        case kQualitySummary:
+            return QStringLiteral("Sillan laaturaportti");
+        default:
+            return QString();
+    }
+}
+
+PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSettings settings)
+    : m_source(source)
+    , m_selection(selection)
+    , m_settings(std::move(settings))
+    , m_device(MetricsOf(DefaultPageLayout(), kDefaultResolution)) {}
+
+PrintRun::~PrintRun() = default;
+
+void PrintRun::inform(const QString& message) {
+    if (m_shown.contains(message)) return;
+    m_shown.insert(message);
+    m_messages.append(message);
+    if (m_inform) m_inform(message);
+}
+
+Font PrintRun::font(double size, bool bold, bool italic) const {
+    return Font{m_settings.PrinterFont, size * m_page.ScaleY, bold, italic};
+}
+
+double PrintRun::quantityLitteraWidth() {
+    if (m_litteraWidth >= 0) return m_litteraWidth;
+    m_litteraWidth = 0;
+    const Font body{m_settings.PrinterFont, 11};
+    if (const lists::ListModel* list = m_source.quantities)
+        for (int r = 1; r <= list->rows(); ++r)
+            m_litteraWidth = std::max(m_litteraWidth, m_fonts.width(body, list->cell(r, 1).trimmed()));
+    return m_litteraWidth;
+}
+
+QStringList PrintRun::wrap(const QString& text, double size, double width) {
+    bool tooLong = false;
+    const float scale = m_page.ScaleX > 0 ? m_page.ScaleX : 1.0f;
+    QStringList lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, width / scale, &tooLong);
+    if (tooLong) inform(kWordTooLong);
+    return lines;
+}
+
+bool PrintRun::PrintArea(float scale) {
+    m_page = print::PrintArea(m_device, scale, m_settings.margins);
+    const Font f11{m_settings.PrinterFont, 11};
+    const Font f9{m_settings.PrinterFont, 9};
+    m_page.LineHeight11 = static_cast<float>(1.2 * m_fonts.height(f11) * m_page.ScaleY);
+    m_page.LineHeight9 = static_cast<float>(1.2 * m_fonts.height(f9) * m_page.ScaleY);
+    if (AreaFits(m_page)) return true;
+    inform(kAreaDoesNotFit);
+    return false;
+}
+
+bool PrintRun::progressed(int page) {
+    if (m_cancelled) return false;
+    if (m_progress && !m_progress(page, m_rowsTotal > 0 ? m_rowsDone / m_rowsTotal : 1.0)) m_cancelled = true;
+    return !m_cancelled;
+}
+
+bool PrintRun::addPage(int& page, int document, int number, int firstRow, int lastRow) {
+    if (page >= kMaxPages) return false;
+    ++page;
+    m_pages.push_back(PageEntry{document, number, 0, firstRow, lastRow});
+    return progressed(page);
+}
+
+void PrintRun::finishDocument(int firstPage, int lastPage) {
+    const int count = lastPage - firstPage + 1;
+    for (int p = firstPage; p <= lastPage; ++p)
+        m_pages[p - 1].count = count;
+}
+
+bool PrintRun::CalculateListViewPages(int& page, int document, int rowCount,
+                                      const std::function<double(int)>& rowHeight, int extraRows,
+                                      const std::function<double(int)>& extraHeight) {
+    const int first = page + 1;
+    if (!addPage(page, document, 1, 0, 0)) return false;
+    const double top = ListBodyTop(*this);
+    const double limit = m_page.bodyLimit();
+    int number = 2;
+    // An empty body page shows the rows from firstRow to lastRow = firstRow - 1, none.
+    if (!addPage(page, document, number, 1, 0)) return false;
+    double y = top;
+    for (int r = 1; r <= rowCount + extraRows; ++r) {
+        const double h = r <= rowCount ? rowHeight(r) : extraHeight(r - rowCount);
+        PageEntry& current = m_pages.back();
+        // A row that crosses the body's end starts the next page, unless it is the page's first.
+        if (y + h > limit && current.lastRow >= current.firstRow) {
+            if (!addPage(page, document, ++number, r, r - 1)) return false;
+            y = top;
+        }
+        y += h;
+        m_pages.back().lastRow = r;
+        if (r <= rowCount) m_rowsDone += 1;
+    }
+    finishDocument(first, page);
+    return true;
+}
+
+bool PrintRun::CalculateNormalPages(int& page, int document, int count) {
+    const int first = page + 1;
+    for (int n = 1; n <= count; ++n)
+        if (!addPage(page, document, n, 0, 0)) return false;
+    finishDocument(first, page);
+    return true;
+}
+
+PageCountResult PrintRun::PageCount(const Progress& progress) {
+    if (!PrintArea(1.0f)) return PageCountResult::AreaDoesNotFit;
+    const bool costs = m_selection.DocumentSelected[doc::Costs];
+    if (costs && m_source.quantities)
+        m_costs = calc::CalculateCosts(*m_source.quantities, m_source.costInputs());
+    if (m_selection.DocumentSelected[doc::QualityReport] && m_source.requirements)
+        m_quality = calc::CalculateQualityIndex(*m_source.requirements);
+    if (!m_selection.PaginationStale) return PageCountResult::Done;
+
+    m_pages.clear();
+    m_progress = progress;
+    m_cancelled = false;
+    m_rowsDone = 0;
+    m_rowsTotal = 0;
+    for (int d = 0; d < kDocumentCount; ++d) {
+        if (!m_selection.DocumentSelected[d] || !DocumentAvailable(d)) continue;
+        m_rowsTotal += (d == doc::Quantities || d == doc::Costs) ? rowsOf(m_source.quantities) : 1;
+    }
+
+    Surface measure(m_fonts);
+    int page = 0;
+    bool ok = true;
+    for (int d = 0; d < kDocumentCount && ok; ++d) {
+        if (!m_selection.DocumentSelected[d] || !DocumentAvailable(d)) continue;
+        switch (d) {
+            case doc::Quantities:
+            case doc::Costs: {
+                auto height = [&](int r) { return QuantityRowHeight(*this, measure, d, r); };
+                int extra = 0;
+                std::function<double(int)> extraHeight;
+                if (d == doc::Costs) {
+                    // The summaries follow the last row; they go on a page of their own when they
+                    // do not fit below it, and each on its own when a page cannot hold both.
+                    const double lh = m_page.LineHeight11;
+                    const double both = (CostSummaryLines(*this, 1) + CostSummaryLines(*this, 2)) * lh;
+                    const double room = m_page.bodyLimit() - ListBodyTop(*this);
+                    m_costSummaryBlocks = both <= room ? 1 : 2;
+                    if (both <= room) {
+                        extra = 1;
+                        extraHeight = [both](int) { return both; };
+                    } else {
+                        extra = 2;
+                        extraHeight = [this, lh](int k) { return CostSummaryLines(*this, k) * lh; };
+                    }
+                }
+                ok = CalculateListViewPages(page, d, rowsOf(m_source.quantities), height, extra, extraHeight);
+                break;
+            }
+            case doc::Card:
+            case doc::ChargeCard:
+                ok = CalculateNormalPages(page, d, 1);
+                m_rowsDone += 1;
+                break;
+            default:
+                break;
+        }
+    }
+    m_progress = nullptr;
+    if (!ok) {
+        m_pages.clear();
+        if (m_cancelled) return PageCountResult::Cancelled;
+        inform(kTooManyPages);
+        return PageCountResult::TooManyPages;
+    }
+    m_selection.PaginationStale = false;
+    return PageCountResult::Done;
+}
+
+void PrintRun::PrintPage(Surface& surface, int p) {
+    if (p < 1 || p > TotalPages()) return;
+    switch (entry(p).document) {
+        case doc::Quantities:
+            PrintQuantity(*this, surface, p);
+            break;
+        case doc::Costs:
+            PrintCosts(*this, surface, p);
+            break;
+        default:
+            break;
+    }
+    surface.flush();
+}
+
+OutputResult PrintRun::PrintAllDocuments(QPagedPaintDevice& device, const Progress& progress) {
+    const DeviceMetrics metrics = MetricsOf(device);
+    if (!sameMetrics(metrics, m_device)) m_selection.PaginationStale = true;
+    m_device = metrics;
+    // Callers that show what is going on paginate first; here pagination reports like output.
+    switch (PageCount(progress)) {
+        case PageCountResult::Done:
+            break;
+        case PageCountResult::Cancelled:
+            return OutputResult::Cancelled;
+        default:
+            return OutputResult::NothingToPrint;
+    }
+    if (TotalPages() == 0) return OutputResult::NothingToPrint;
+    keepPageBuffersInHeap();
+    QPainter painter;
+    if (!painter.begin(&device)) return OutputResult::DeviceFailed;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    Surface surface(m_fonts, painter, metrics.dpiX, metrics.dpiY, QPointF(0, 0), AdjustLineWidth(metrics));
+    const int total = TotalPages();
+    for (int p = 1; p <= total; ++p) {
+        if (p > 1) device.newPage();
+        PrintPage(surface, p);
+        if (progress && !progress(p, static_cast<double>(p) / total)) {
+            painter.end();
+            return OutputResult::Cancelled;
+        }
+    }
+    painter.end();
+    return OutputResult::Printed;
+}
+
+void PrintRun::PrintPreviewPage(QPainter& painter, QPointF paper, int p) {
+    const double px = 1440.0 / kPreviewDpi;
+    const QPointF origin =
+        paper + QPointF(std::round((m_page.PageWidth - m_page.PrintableWidth) / 2.0) / px,
+                        std::round((m_page.PageHeight - m_page.PrintableHeight) / 2.0) / px);
+    Surface surface(m_fonts, painter, kPreviewDpi, kPreviewDpi, origin, 1);
+    PrintPage(surface, p);
+}
+
+QImage PrintRun::PreviewImage(int p) {
+    const double px = 1440.0 / kPreviewDpi;
+    QImage image(std::max(1, static_cast<int>(std::ceil(m_page.PageWidth / px))),
+                 std::max(1, static_cast<int>(std::ceil(m_page.PageHeight / px))), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    PrintPreviewPage(painter, QPointF(0, 0), p);
+    painter.end();
+    return image;
+}
+
+} // namespace print

@@ -1,0 +1,311 @@
+// The quantity list (document 0) and the cost estimate with its summaries (document 1).
+#include "calc/NumberText.h"
+#include "lists/ListModel.h"
+#include "lists/ListProcedures.h"
+#include "print/PrintRun.h"
+#include "print/Reports.h"
+
+#include <algorithm>
+
+namespace print {
+
+namespace {
+
+constexpr int kLittera = 1;
+constexpr int kWorkPhase = 2;
+constexpr int kPart = 3;
+constexpr int kQuantity = 4;
+constexpr int kUnit = 5;
+constexpr int kUnitPrice = 6;
+constexpr int kRemarks = 7;
+
+// Room between a column's text and the next column.
+constexpr double kGap = 120;
+
+// The description column starts after the widest littera, so that a long littera never runs
+// into it.
+double descriptionX(PrintRun& run, double fromSpec) {
+    const PageModel& m = run.page();
+    return std::max(fromSpec, m.OriginX + (run.quantityLitteraWidth() + kGap) * m.ScaleX);
+}
+
+struct Layout {
+    double descriptionX = 0;
+    double descriptionWidth = 0;
+    double remarksWidth = 0; // 0: no remarks column
+};
+
+Layout layoutOf(PrintRun& run, Surface& s, int document) {
+    const PageModel& m = run.page();
+    Layout l;
+    if (document == doc::Quantities) {
+        const QuantityColumns c = quantityColumns(m);
+        l.descriptionX = descriptionX(run, c.workPhase);
+        l.descriptionWidth = c.part - l.descriptionX - kGap * m.ScaleX;
+        l.remarksWidth = m.right() - c.remarks;
+    } else {
+        const CostColumns c = costColumns(m);
+        l.descriptionX = descriptionX(run, c.description);
+        s.setFont(run.font(11, false, true));
+        const double headerLeft = c.quantity - s.textWidth(QStringLiteral("Määrä"));
+        l.descriptionWidth = headerLeft - l.descriptionX - kGap * m.ScaleX;
+    }
+    return l;
+}
+
+const lists::ListModel* quantitiesOf(const PrintRun& run) {
+    return run.source().quantities;
+}
+
+// The lines of a row: its description and, in the quantity list, its remarks.
+struct RowLines {
+    QStringList description;
+    QStringList remarks;
+    int count() const { return std::max<int>(1, std::max(description.size(), remarks.size())); }
+};
+
+RowLines rowLines(PrintRun& run, const Layout& l, int row) {
+    const lists::ListModel& list = *quantitiesOf(run);
+    RowLines lines;
+    if (lists::BlankListItem(list, row).blank) return lines;
+    lines.description = run.wrap(list.cell(row, kWorkPhase), 11, l.descriptionWidth);
+    if (l.remarksWidth > 0) lines.remarks = run.wrap(list.cell(row, kRemarks), 11, l.remarksWidth);
+    return lines;
+}
+
+void headerRow(PrintRun& run, Surface& s, int document) {
+    const PageModel& m = run.page();
+    const double y = m.OriginY + 700 * m.ScaleY;
+    s.setFont(run.font(11, false, true));
+    const Layout l = layoutOf(run, s, document);
+    s.setFont(run.font(11, false, true));
+    if (document == doc::Quantities) {
+        const QuantityColumns c = quantityColumns(m);
+        s.text(c.littera, y, QStringLiteral("Littera"));
+        s.text(l.descriptionX, y, QStringLiteral("Työvaihe"));
+        s.text(c.part, y, QStringLiteral("Osa"));
+        s.text(c.unit, y, QStringLiteral("Yks"));
+        s.text(c.quantity, y, QStringLiteral("Määrä"));
+        s.text(c.remarks, y, QStringLiteral("Huomautukset"));
+    } else {
+        const CostColumns c = costColumns(m);
+        s.text(c.littera, y, QStringLiteral("Littera"));
+        s.text(l.descriptionX, y, QStringLiteral("Kustanuksen laatu"));
+        s.textRight(c.quantity, y, QStringLiteral("Määrä"));
+        s.text(c.unit, y, QStringLiteral("Yks"));
+        s.text(c.unitPrice - 0.65 * s.textWidth(QStringLiteral("Hinta/yks.")), y,
+               QStringLiteral("Yks hinta"));
+        s.textRight(c.cost, y, QStringLiteral("Kustannus"));
+        s.textRight(c.sum, y, QStringLiteral("Summa"));
+    }
+}
+
+// Draws a row from y; lines that would pass the body's end are cut.
+void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, double y) {
+    const lists::ListModel& list = *quantitiesOf(run);
+    const PageModel& m = run.page();
+    const RowLines lines = rowLines(run, l, row);
+    if (lines.description.isEmpty() && lines.remarks.isEmpty()) return;
+    const double lh = m.LineHeight11;
+    const double limit = m.bodyLimit();
+    s.setFont(run.font(11));
+    auto column = [&](double x, const QStringList& text) {
+        for (int i = 0; i < text.size(); ++i) {
+            const double lineY = y + i * lh;
+            if (i > 0 && lineY + lh > limit) break;
+            s.text(x, lineY, text[i]);
+        }
+    };
+    column(l.descriptionX, lines.description);
+    const QString littera = list.cell(row, kLittera).trimmed();
+    if (document == doc::Quantities) {
+        const QuantityColumns c = quantityColumns(m);
+        s.text(c.littera, y, littera);
+        s.text(c.part, y, list.cell(row, kPart).trimmed());
+        s.text(c.unit, y, list.cell(row, kUnit).trimmed());
+        s.text(c.quantity, y, DecimalComma(list.cell(row, kQuantity).trimmed()));
+        column(c.remarks, lines.remarks);
+        return;
+    }
+    const CostColumns c = costColumns(m);
+    const QString& quantity = list.cell(row, kQuantity);
+    const QString& unitPrice = list.cell(row, kUnitPrice);
+    s.text(c.littera, y, littera);
+    s.textRight(c.quantity, y, DecimalComma(quantity.trimmed()));
+    s.text(c.unit, y, list.cell(row, kUnit).trimmed());
+    s.textRight(c.unitPrice, y, DecimalComma(unitPrice.trimmed()));
+    if (!lists::BlankString(quantity) && !lists::BlankString(unitPrice)) {
+        const float amount = static_cast<float>(calc::CustomVal(quantity) * calc::CustomVal(unitPrice));
+        s.textRight(c.cost, y, calc::MoneyS(amount, 2));
+    }
+    s.textRight(c.sum, y, list.rowTag(row));
+}
+
+void listPage(PrintRun& run, Surface& s, int p) {
+    const PageEntry& e = run.entry(p);
+    const QString title = DocumentTitle(e.document, QString());
+    if (e.number == 1) {
+        PrintFrontPage(run, s, p, title);
+        return;
+    }
+    PrintTopHeader(run, s, p, title);
+    headerRow(run, s, e.document);
+    const Layout l = layoutOf(run, s, e.document);
+    const int rows = quantitiesOf(run) ? quantitiesOf(run)->rows() : 0;
+    double y = ListBodyTop(run);
+    for (int r = e.firstRow; r <= std::min(e.lastRow, rows); ++r) {
+        drawRow(run, s, l, e.document, r, y);
+        y += rowLines(run, l, r).count() * run.page().LineHeight11;
+    }
+    if (e.document == doc::Costs && e.lastRow > rows) {
+        // The summaries are the rows after the list: one block, or each block on its own.
+        if (run.costSummaryBlocks() == 1 || e.firstRow <= rows + 1) PrintCostSummary1(run, s, y);
+        if (run.costSummaryBlocks() == 1 || e.lastRow >= rows + 2) PrintCostSummary2(run, s, y);
+    }
+    PrintBottomHeader(run, s, 0);
+}
+
+QString indexText(const QString& index) {
+    return DecimalComma(index.trimmed());
+}
+
+// One summary line: a label at the description column (a littera before it when given) and an
+// amount with the money unit, right-aligned at the sum column, or four spaces in from it.
+void summaryLine(PrintRun& run, Surface& s, double& y, const QString& label, float amount, bool bold,
+                 bool indent = false, const QString& littera = QString()) {
+    const PageModel& m = run.page();
+    const CostColumns c = costColumns(m);
+    s.setFont(run.font(11, bold));
+    if (!littera.isEmpty()) s.text(c.littera, y, littera);
+    s.text(descriptionX(run, c.description), y, label);
+    const QString money = calc::MoneyS(amount, 2);
+    if (!money.isEmpty()) {
+        const QString unit = run.source().basicCombo(4).trimmed();
+        QString text = unit.isEmpty() ? money : money + QLatin1Char(' ') + unit;
+        if (indent) text += QStringLiteral("    ");
+        s.textRight(c.sum, y, text);
+    }
+    y += m.LineHeight11;
+}
+
+void heading(PrintRun& run, Surface& s, double& y, const QString& text, bool bold) {
+    const CostColumns c = costColumns(run.page());
+    s.setFont(run.font(11, bold));
+    s.text(descriptionX(run, c.description), y, text);
+    y += run.page().LineHeight11;
+}
+
+} // namespace
+
+QString DecimalComma(const QString& number) {
+    QString out = number;
+    out.replace(QLatin1Char('.'), QLatin1Char(','));
+    return out;
+}
+
+QuantityColumns quantityColumns(const PageModel& m) {
+    const double r = m.right();
+    const double sx = m.ScaleX;
+    if (m.Landscape)
+        return {m.OriginX, m.OriginX + 1100 * sx, r - 7000 * sx, r - 6000 * sx, r - 5000 * sx, r - 4000 * sx};
+    return {m.OriginX, m.OriginX + 700 * sx, r - 5000 * sx, r - 4400 * sx, r - 3600 * sx, r - 2800 * sx};
+}
+
+CostColumns costColumns(const PageModel& m) {
+    const double r = m.right();
+    const double sx = m.ScaleX;
+    if (m.Landscape)
+        return {m.OriginX, m.OriginX + 1000 * sx, r - 5400 * sx, r - 5100 * sx, r - 3600 * sx, r - 1800 * sx,
+                r};
+    return {m.OriginX, m.OriginX + 800 * sx, r - 4400 * sx, r - 4200 * sx, r - 3000 * sx, r - 1500 * sx, r};
+}
+
+double ListBodyTop(const PrintRun& run) {
+    const PageModel& m = run.page();
+    return m.OriginY + 700 * m.ScaleY + m.LineHeight11 + 40 * m.ScaleY;
+}
+
+double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row) {
+    const Layout l = layoutOf(run, s, document);
+    return rowLines(run, l, row).count() * run.page().LineHeight11;
+}
+
+int CostSummaryLines(const PrintRun& run, int block) {
+    // An empty list never closes the bridge block; its summaries still print, without amounts.
+    if (block == 1) return run.costs().bridgeSummaryLines > 0 ? run.costs().bridgeSummaryLines : 7;
+    return run.costs().roadSummaryLines > 0 ? run.costs().roadSummaryLines : 25;
+}
+
+void PrintQuantity(PrintRun& run, Surface& s, int p) {
+    listPage(run, s, p);
+}
+
+void PrintCosts(PrintRun& run, Surface& s, int p) {
+    listPage(run, s, p);
+}
+
+void PrintCostSummary1(PrintRun& run, Surface& s, double& y) {
+    const calc::CostRecord& r = run.costs();
+    const calc::CostInputs in = run.source().costInputs();
+    const QString unitIndex = indexText(in.unitPriceIndex);
+    const QString costIndex = indexText(in.costIndex);
+    y += run.page().LineHeight11;
+    summaryLine(run, s, y, QStringLiteral("Rakennuskustannukset (i = ") + unitIndex + QLatin1Char(')'),
+                r.bridgeSum, true);
+    summaryLine(run, s, y,
+                QStringLiteral("Työmaan yhteiskustannukset ") + indexText(in.generalPercent) +
+                    QLatin1Char('%'),
+                r.bridgeGeneral, true, false, QStringLiteral("600"));
+    summaryLine(run, s, y, QStringLiteral("Sillan kustannukset (i = ") + unitIndex + QLatin1Char(')'),
+                r.bridgeTotal, true);
+    summaryLine(run, s, y, QStringLiteral("Kustannustason noususta aiheutuva muutos"),
+                r.bridgeConverted - r.bridgeTotal, true);
+    summaryLine(run, s, y, QStringLiteral("Pyöristys"), r.bridgeRounded - r.bridgeConverted, true);
+    summaryLine(run, s, y, QStringLiteral("Sillan kustannukset (i = ") + costIndex + QLatin1Char(')'),
+                r.bridgeRounded, true, true);
+}
+
+void PrintCostSummary2(PrintRun& run, Surface& s, double& y) {
+    const calc::CostRecord& r = run.costs();
+    const calc::CostInputs in = run.source().costInputs();
+    const QString unitIndex = indexText(in.unitPriceIndex);
+    const QString costIndex = indexText(in.costIndex);
+    const double lh = run.page().LineHeight11;
+    const float vat = static_cast<float>(calc::CustomVal(in.vatPercent));
+    const float whole = calc::CustomRound(r.bridgeRounded + r.roadRounded);
+    y += lh;
+    summaryLine(run, s, y,
+                QStringLiteral("Tietöiden rakennuskustannukset (i = ") + unitIndex + QLatin1Char(')'),
+                r.roadSum, true);
+    summaryLine(run, s, y,
+                QStringLiteral("Työmaan yhteiskustannukset ") + indexText(in.generalPercent) +
+                    QLatin1Char('%'),
+                r.roadGeneral, true, false, QStringLiteral("600"));
+    summaryLine(run, s, y, QStringLiteral("Tietyöt siltapaikalla (i = ") + unitIndex + QLatin1Char(')'),
+                r.roadTotal, true);
+    summaryLine(run, s, y, QStringLiteral("Kustannustason noususta aiheutuva muutos"),
+                r.roadConverted - r.roadTotal, true);
+    summaryLine(run, s, y, QStringLiteral("Pyöristys"), r.roadRounded - r.roadConverted, true);
+    summaryLine(run, s, y, QStringLiteral("Tietyöt siltapaikalla (i = ") + costIndex + QLatin1Char(')'),
+                r.roadRounded, true, true);
+    summaryLine(run, s, y, QStringLiteral("Sillan kokonaiskustannus (i = ") + costIndex + QLatin1Char(')'),
+                whole, true, true);
+    y += lh;
+    heading(run, s, y, QStringLiteral("YHTEENVETO JA ARVONLISÄVEROA KOSKEVA ERITTELY"), false);
+    const struct {
+        const char* title;
+        float amount;
+    } groups[] = {{"Sillan kustannukset", r.bridgeRounded},
+                  {"Tietyöt siltapaikalla", r.roadRounded},
+                  {"Sillan ja siltapaikan tietöiden kustannukset", whole}};
+    for (const auto& g : groups) {
+        y += lh;
+        heading(run, s, y, QString::fromUtf8(g.title), true);
+        summaryLine(run, s, y, QStringLiteral("- ilman arvonlisäveroa"), g.amount, false);
+        summaryLine(run, s, y, QStringLiteral("- arvonlisävero"), g.amount * vat / 100, false);
+    }
+    y += lh;
+    heading(run, s, y, QStringLiteral("Kustannukset eivät sisällä rakennuttamiskustannuksia"), false);
+}
+
+} // namespace print

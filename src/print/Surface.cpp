@@ -1,0 +1,186 @@
+#include "print/Surface.h"
+
+#include "platform/Picture.h"
+
+#include <QFont>
+#include <QGlyphRun>
+#include <QPainter>
+#include <QPen>
+#include <cmath>
+
+namespace print {
+
+namespace {
+// Faces are measured at this pixel size, large enough that their advances are the design ones.
+constexpr double kReferencePixels = 2048;
+constexpr double kTwipsPerPoint = 20;
+// Kept widths per face before the cache starts again (a long list has many distinct texts).
+constexpr qsizetype kMaxCachedWidths = 200000;
+} // namespace
+
+struct FontBook::Face {
+    QRawFont reference;
+    double ascent = 0; // ems
+    double descent = 0;
+    QHash<QString, double> widths; // ems
+    std::map<long long, QRawFont> sized;
+};
+
+FontBook::FontBook() = default;
+FontBook::~FontBook() = default;
+
+FontBook::Face& FontBook::face(const Font& font) {
+    QString key = font.name;
+    key += font.bold ? QLatin1Char('B') : QLatin1Char('-');
+    key += font.italic ? QLatin1Char('I') : QLatin1Char('-');
+    auto it = m_faces.find(key);
+    if (it != m_faces.end()) return *it->second;
+    QFont qfont(font.name);
+    qfont.setBold(font.bold);
+    qfont.setItalic(font.italic);
+    qfont.setPixelSize(static_cast<int>(kReferencePixels));
+    qfont.setHintingPreference(QFont::PreferNoHinting);
+    qfont.setKerning(true);
+    auto f = std::make_unique<Face>();
+    f->reference = QRawFont::fromFont(qfont);
+    if (f->reference.isValid()) {
+        f->ascent = f->reference.ascent() / kReferencePixels;
+        f->descent = f->reference.descent() / kReferencePixels;
+    } else {
+        // Without any usable font the texts still take room, so pagination stays sound.
+        f->ascent = 0.905;
+        f->descent = 0.212;
+    }
+    return *m_faces.emplace(key, std::move(f)).first->second;
+}
+
+const QRawFont& FontBook::rawFont(Face& face, double pixelSize) {
+    const long long key = std::llround(pixelSize * 64);
+    auto it = face.sized.find(key);
+    if (it != face.sized.end()) return it->second;
+    QRawFont raw = face.reference;
+    if (raw.isValid()) raw.setPixelSize(pixelSize);
+    return face.sized.emplace(key, raw).first->second;
+}
+
+void FontBook::layout(Face& face, const QString& text, QList<quint32>& glyphs,
+                      std::vector<double>& advances) {
+    glyphs = face.reference.glyphIndexesForString(text);
+    const QList<QPointF> a =
+        face.reference.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
+    advances.resize(glyphs.size());
+    for (qsizetype i = 0; i < glyphs.size(); ++i)
+        advances[i] = i < a.size() ? a[i].x() / kReferencePixels : 0;
+}
+
+double FontBook::width(const Font& font, const QString& text) {
+    if (text.isEmpty()) return 0;
+    Face& f = face(font);
+    double em = 0;
+    auto it = f.widths.constFind(text);
+    if (it != f.widths.constEnd()) {
+        em = *it;
+    } else {
+        if (!f.reference.isValid()) {
+            em = 0.5 * text.size();
+        } else {
+            QList<quint32> glyphs;
+            std::vector<double> advances;
+            layout(f, text, glyphs, advances);
+            for (double a : advances)
+                em += a;
+        }
+        if (f.widths.size() >= kMaxCachedWidths) f.widths.clear();
+        f.widths.insert(text, em);
+    }
+    return em * font.size * kTwipsPerPoint;
+}
+
+double FontBook::height(const Font& font) {
+    const Face& f = face(font);
+    return (f.ascent + f.descent) * font.size * kTwipsPerPoint;
+}
+
+double FontBook::ascent(const Font& font) {
+    return face(font).ascent * font.size * kTwipsPerPoint;
+}
+
+Surface::Surface(FontBook& fonts)
+    : m_fonts(fonts) {}
+
+Surface::Surface(FontBook& fonts, QPainter& painter, double dpiX, double dpiY, QPointF origin, int lineWidth)
+    : m_fonts(fonts)
+    , m_painter(&painter)
+    , m_dpiX(dpiX)
+    , m_dpiY(dpiY)
+    , m_origin(origin)
+    , m_lineWidth(lineWidth < 1 ? 1 : lineWidth) {}
+
+Surface::~Surface() {
+    flush();
+}
+
+void Surface::setFont(const QString& name, double size, bool bold, bool italic) {
+    m_font.name = name;
+    m_font.size = size;
+    m_font.bold = bold;
+    m_font.italic = italic;
+}
+
+QPointF Surface::toDevice(double x, double y) const {
+    return QPointF(m_origin.x() + x * m_dpiX / 1440.0, m_origin.y() + y * m_dpiY / 1440.0);
+}
+
+void Surface::text(double x, double y, const QString& text) {
+    if (text.isEmpty()) return;
+    if (m_recorder) m_recorder->push_back({x, y, text, m_font});
+    if (!m_painter) return;
+    FontBook::Face& face = m_fonts.face(m_font);
+    if (!face.reference.isValid()) return;
+    const double pixelSize = m_font.size * m_dpiY / 72.0;
+    if (&face != m_runFace || pixelSize != m_runPixelSize) {
+        flush();
+        m_runFace = &face;
+        m_runPixelSize = pixelSize;
+    }
+    m_fonts.layout(face, text, m_glyphs, m_advances);
+    const double twipsPerEm = m_font.size * kTwipsPerPoint;
+    const double baseline = y + face.ascent * twipsPerEm;
+    double pen = x;
+    for (qsizetype i = 0; i < m_glyphs.size(); ++i) {
+        m_runGlyphs.append(m_glyphs[i]);
+        m_runPositions.append(toDevice(pen, baseline));
+        pen += m_advances[i] * twipsPerEm;
+    }
+}
+
+void Surface::flush() {
+    if (!m_painter || m_runGlyphs.isEmpty()) return;
+    QGlyphRun run;
+    run.setRawFont(m_fonts.rawFont(*m_runFace, m_runPixelSize));
+    run.setGlyphIndexes(m_runGlyphs);
+    run.setPositions(m_runPositions);
+    m_painter->setPen(Qt::black);
+    m_painter->drawGlyphRun(QPointF(0, 0), run);
+    m_runGlyphs.clear();
+    m_runPositions.clear();
+}
+
+void Surface::line(double x1, double y1, double x2, double y2, int width) {
+    if (!m_painter) return;
+    QPen pen(Qt::black);
+    pen.setWidthF(std::max(1, width) * m_lineWidth);
+    pen.setCapStyle(Qt::FlatCap);
+    m_painter->setPen(pen);
+    m_painter->drawLine(toDevice(x1, y1), toDevice(x2, y2));
+}
+
+void Surface::picture(const platform::Picture& picture, const QRectF& target) {
+    if (!m_painter || picture.isNull()) return;
+    flush();
+    const QPointF topLeft = toDevice(target.left(), target.top());
+    const QPointF bottomRight = toDevice(target.right(), target.bottom());
+    picture.draw(*m_painter, QRectF(topLeft, bottomRight));
+}
+
+} // namespace print

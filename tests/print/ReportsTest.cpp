@@ -1,0 +1,230 @@
+// What the quantity list, the cost estimate and the front page put where.
+#include "calc/CostEstimate.h"
+#include "calc/NumberText.h"
+#include "print/PrintFixtures.h"
+#include "print/Reports.h"
+
+#include <gtest/gtest.h>
+
+using print_test::entry;
+using print_test::find;
+using print_test::recordPage;
+using print_test::TestProject;
+using print_test::texts;
+
+namespace {
+
+constexpr double kTolerance = 0.5; // twips
+
+double rightEdge(print::PrintRun& run, const print::TextItem& item) {
+    return item.x + run.fonts().width(item.font, item.text);
+}
+
+// The text at the height of `label` that ends furthest right: a summary line's amount.
+QString amountBeside(const std::vector<print::TextItem>& items, const QString& label) {
+    const print::TextItem* l = find(items, label);
+    if (!l) return QStringLiteral("<no label>");
+    const print::TextItem* best = nullptr;
+    for (const print::TextItem& i : items)
+        if (std::abs(i.y - l->y) < 1 && &i != l && (!best || i.x > best->x)) best = &i;
+    return best && best->x > l->x ? best->text : QString();
+}
+
+} // namespace
+
+TEST(Reports, QuantityColumnsSitAtTheirEdgesInPortraitAndLandscape) {
+    for (auto orientation : {QPageLayout::Portrait, QPageLayout::Landscape}) {
+        TestProject t;
+        t.setQuantities(
+            {{QStringLiteral("7101"), QStringLiteral("Kaivu"), QStringLiteral("100"), QStringLiteral("12.5"),
+              QStringLiteral("m3"), QStringLiteral("8.25"), QStringLiteral("kallio")}});
+        auto run = t.run({print::doc::Quantities, print::doc::Costs}, print::DefaultPageLayout(orientation));
+        ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+        const print::PageModel& m = run->page();
+        const bool landscape = orientation == QPageLayout::Landscape;
+        ASSERT_EQ(m.Landscape, landscape);
+        const double r = m.right();
+
+        const auto quantity = recordPage(*run, 2);
+        const struct {
+            const char* header;
+            double x;
+        } left[] = {{"Littera", m.OriginX},
+                    {"Työvaihe", m.OriginX + (landscape ? 1100 : 700)},
+                    {"Osa", r - (landscape ? 7000 : 5000)},
+                    {"Yks", r - (landscape ? 6000 : 4400)},
+                    {"Määrä", r - (landscape ? 5000 : 3600)},
+                    {"Huomautukset", r - (landscape ? 4000 : 2800)}};
+        for (const auto& c : left) {
+            const print::TextItem* item = find(quantity, QString::fromUtf8(c.header));
+            ASSERT_TRUE(item) << c.header;
+            EXPECT_NEAR(item->x, c.x, kTolerance) << c.header << (landscape ? " landscape" : " portrait");
+            EXPECT_NEAR(item->y, m.OriginY + 700, kTolerance);
+            EXPECT_TRUE(item->font.italic);
+        }
+        // Values under their headers, numbers with a decimal comma.
+        EXPECT_NEAR(find(quantity, QStringLiteral("12,5"))->x, r - (landscape ? 5000 : 3600), kTolerance);
+        EXPECT_NEAR(find(quantity, QStringLiteral("kallio"))->x, r - (landscape ? 4000 : 2800), kTolerance);
+
+        const auto costs = recordPage(*run, 4);
+        const struct {
+            const char* text;
+            double right;
+        } rightAligned[] = {{"Määrä", r - (landscape ? 5400 : 4400)},
+                            {"Kustannus", r - (landscape ? 1800 : 1500)},
+                            {"Summa", r},
+                            {"12,5", r - (landscape ? 5400 : 4400)},
+                            {"8,25", r - (landscape ? 3600 : 3000)},
+                            {"103,13", r - (landscape ? 1800 : 1500)}};
+        for (const auto& c : rightAligned) {
+            const print::TextItem* item = find(costs, QString::fromUtf8(c.text));
+            ASSERT_TRUE(item) << c.text;
+            EXPECT_NEAR(rightEdge(*run, *item), c.right, kTolerance) << c.text;
+        }
+        EXPECT_NEAR(find(costs, QStringLiteral("Yks"))->x, r - (landscape ? 5100 : 4200), kTolerance);
+        EXPECT_NEAR(find(costs, QStringLiteral("Kustanuksen laatu"))->x, m.OriginX + (landscape ? 1000 : 800),
+                    kTolerance);
+    }
+}
+
+TEST(Reports, LongDescriptionsWrapWithinTheirColumnAndTheDescriptionFollowsTheWidestLittera) {
+    TestProject t;
+    const QString text = QStringLiteral(
+        "Teräsbetonirakenteiden raudoitus sisältäen tartuntateräkset, jatkokset ja tukiraudoitteet");
+    t.setQuantities(
+        {{QStringLiteral("7131.12"), text, QStringLiteral("100"), QStringLiteral("5"), QStringLiteral("t")}});
+    auto run = t.run({print::doc::Quantities});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const auto items = recordPage(*run, 2);
+    const print::TextItem* littera = find(items, QStringLiteral("7131.12"));
+    ASSERT_TRUE(littera);
+    const double litteraEnd = rightEdge(*run, *littera);
+    const double columnEnd = print::quantityColumns(run->page()).part;
+    QString joined;
+    int lines = 0;
+    const print::TextItem* first = find(items, QStringLiteral("Teräsbetonirakenteiden raudoitus "));
+    ASSERT_TRUE(first);
+    EXPECT_GT(first->x, litteraEnd) << "the description starts after the littera";
+    for (const print::TextItem& i : items) {
+        if (i.y < littera->y - 1 || std::abs(i.x - first->x) > kTolerance) continue;
+        ++lines;
+        joined += i.text;
+        EXPECT_LT(rightEdge(*run, i), columnEnd);
+    }
+    EXPECT_GE(lines, 2);
+    EXPECT_EQ(joined.simplified(), text);
+}
+
+TEST(Reports, CostSummariesPrintTheFiguresOfTheCostEstimate) {
+    TestProject t;
+    t.setQuantities(
+        {{QStringLiteral("7110"), QStringLiteral("KAIVUT")},
+         entry(QStringLiteral("Kaivu"), QStringLiteral("1450"), QStringLiteral("m3ktr"),
+               QStringLiteral("8,00")),
+         entry(QStringLiteral("Täyttö"), QStringLiteral("620"), QStringLiteral("m3rtr"),
+               QStringLiteral("10.50")),
+         {QString(), QStringLiteral("TIETYÖT SILTAPAIKALLA")},
+         entry(QStringLiteral("Rumpu"), QStringLiteral("12"), QStringLiteral("m"), QStringLiteral("72"))});
+    auto run = t.run({print::doc::Costs});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const calc::CostRecord r = calc::CalculateCosts(t.quantities, t.source.costInputs());
+    ASSERT_GT(r.roadSum, 0);
+    const auto items = recordPage(*run, run->TotalPages());
+    auto money = [](float v) { return calc::MoneyS(v, 2) + QStringLiteral(" €"); };
+    const float whole = calc::CustomRound(r.bridgeRounded + r.roadRounded);
+    const struct {
+        const char* label;
+        QString amount;
+    } lines[] = {{"Rakennuskustannukset (i = 104)", money(r.bridgeSum)},
+                 {"Sillan kustannukset (i = 104)", money(r.bridgeTotal)},
+                 {"Kustannustason noususta aiheutuva muutos", money(r.bridgeConverted - r.bridgeTotal)},
+                 {"Sillan kustannukset (i = 127)", money(r.bridgeRounded) + QStringLiteral("    ")},
+                 {"Tietöiden rakennuskustannukset (i = 104)", money(r.roadSum)},
+                 {"Tietyöt siltapaikalla (i = 104)", money(r.roadTotal)},
+                 {"Tietyöt siltapaikalla (i = 127)", money(r.roadRounded) + QStringLiteral("    ")},
+                 {"Sillan kokonaiskustannus (i = 127)", money(whole) + QStringLiteral("    ")}};
+    for (const auto& l : lines)
+        EXPECT_EQ(amountBeside(items, QString::fromUtf8(l.label)), l.amount) << l.label;
+    // The general costs line carries its littera; the VAT lines their amounts.
+    const QStringList all = texts(items);
+    EXPECT_EQ(all.count(QStringLiteral("Työmaan yhteiskustannukset 25%")), 2);
+    EXPECT_EQ(all.count(QStringLiteral("600")), 2);
+    EXPECT_TRUE(all.contains(money(r.bridgeGeneral)));
+    EXPECT_TRUE(all.contains(money(whole * 22 / 100)));
+    EXPECT_TRUE(all.contains(money(r.bridgeRounded * 22 / 100)));
+    EXPECT_TRUE(all.contains(QStringLiteral("YHTEENVETO JA ARVONLISÄVEROA KOSKEVA ERITTELY")));
+    EXPECT_TRUE(all.contains(QStringLiteral("Kustannukset eivät sisällä rakennuttamiskustannuksia")));
+    // The caption group's subtotal stands in the sum column of the row that closes it.
+    const auto body = recordPage(*run, 2);
+    EXPECT_TRUE(texts(body).contains(calc::MoneyS(1450 * 8.0f + 620 * 10.5f, 2)));
+
+    // Without a cost index the estimate still prints; its labels show an empty index.
+    t.source.basicCombos[10].clear();
+    auto noIndex = t.run({print::doc::Costs});
+    ASSERT_EQ(noIndex->PageCount(), print::PageCountResult::Done);
+    EXPECT_TRUE(texts(recordPage(*noIndex, noIndex->TotalPages()))
+                    .contains(QStringLiteral("Sillan kustannukset (i = )")));
+}
+
+TEST(Reports, HeadersNameThePageTheDateAndWhoDrewUpTheDocument) {
+    TestProject t;
+    t.setQuantities({entry(QStringLiteral("Kaivu"))});
+    auto run = t.run({print::doc::Quantities});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const auto front = recordPage(*run, 1);
+    EXPECT_TRUE(find(front, QStringLiteral("Sivu 1 (2)")));
+    EXPECT_TRUE(find(front, QStringLiteral("Tulostettu: 23.11.2026")));
+    EXPECT_FALSE(find(front, QStringLiteral("Laati: Matti Virtanen 14.3.2006")));
+    const auto body = recordPage(*run, 2);
+    const print::TextItem* page = find(body, QStringLiteral("Sivu 2 (2)"));
+    ASSERT_TRUE(page);
+    EXPECT_NEAR(rightEdge(*run, *page), run->page().right(), kTolerance);
+    EXPECT_DOUBLE_EQ(page->font.size, 9);
+    EXPECT_TRUE(find(body, QStringLiteral("Kirkkojoen silta  Vt 4, tieosa 215/Jyväskylä")));
+    EXPECT_TRUE(find(body, QStringLiteral("Laati: Matti Virtanen 14.3.2006")));
+    EXPECT_TRUE(find(body, QStringLiteral("Sillan määräluettelo")));
+    EXPECT_TRUE(find(body, QStringLiteral("TAMRIK 2006")));
+}
+
+TEST(Reports, FrontPagePartiesFollowTheDocument) {
+    TestProject t;
+    auto run = t.run({print::doc::Quantities});
+    struct Case {
+        int document;
+        bool contractorFilled;
+        const char* first;
+        const char* second;
+        const char* drewUp;
+    };
+    const Case cases[] = {{0, true, "SUUNNITTELIJA", "", "Matti Virtanen"},
+                          {6, true, "SUUNNITTELIJA", "", "Matti Virtanen"},
+                          {7, false, "SUUNNITTELIJA", "", "Matti Virtanen"},
+                          {7, true, "URAKOITSIJA", "TILAAJA", "Pekka Nieminen"},
+                          {8, true, "URAKOITSIJA", "TILAAJA", "Pekka Nieminen"},
+                          {12, false, "URAKOITSIJA", "TILAAJA", ""}};
+    for (const Case& c : cases) {
+        // Any one of the contractor's names or dates makes document 7 the contractor's.
+        t.source.basicCombos[17] = c.contractorFilled ? QStringLiteral("Pekka Nieminen") : QString();
+        const print::Parties p = print::PartiesOf(*run, c.document);
+        EXPECT_EQ(p.firstRole, QString::fromUtf8(c.first)) << c.document;
+        EXPECT_EQ(p.secondRole, QString::fromUtf8(c.second)) << c.document;
+        EXPECT_EQ(p.drewUp, QString::fromUtf8(c.drewUp)) << c.document;
+        if (p.secondRole == QLatin1String("TILAAJA")) EXPECT_EQ(p.secondCompany, t.source.basicText(11));
+        EXPECT_EQ(p.firstCompany, t.source.basicText(p.firstRole == QLatin1String("URAKOITSIJA") ? 10 : 9));
+    }
+    t.source.basicCombos[17].clear();
+    t.source.basicCombos[14] = QStringLiteral("5.5.2006");
+    EXPECT_EQ(print::PartiesOf(*run, 7).firstRole, QStringLiteral("URAKOITSIJA"));
+
+    // The front page of the quantity list: the bridge, the title, the designer and the signatures.
+    t.source.basicCombos[14].clear();
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const QStringList front = texts(recordPage(*run, 1));
+    for (const char* expected :
+         {"Keski-Suomi", "Kirkkojoen silta", "Vt 4, tieosa 215 / Jyväskylä", "Suunnitelman numero   KeS-2817",
+          "Sillan määräluettelo", "Rakenneosien numerointi", "100  Maatuki 1", "SUUNNITTELIJA",
+          "Suunnittelu Oy", "40100 JYVÄSKYLÄ", "Laati: Matti Virtanen", "14.3.2006", "Tarkastus",
+          "Hyväksyntä", "Geotekninen tarkastus", "Kulkukorkeus (m)", "TAMRIK 2006"})
+        EXPECT_TRUE(front.contains(QString::fromUtf8(expected))) << expected;
+    EXPECT_FALSE(front.contains(QStringLiteral("TILAAJA")));
+}
