@@ -359,8 +359,9 @@ TEST(SpreadsheetExport, ColumnsWideEnoughForTheirTexts) {
     ASSERT_TRUE(ExportListViewXlsx(list, path));
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QByteArray bytes = f.readAll(); // the archive reads from it
     QString error;
-    const auto zip = sheet::Archive::open(f.readAll(), sheet::Archive::Kind::Zip, &error);
+    const auto zip = sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &error);
     ASSERT_TRUE(zip) << error.toStdString();
     QByteArray xml;
     ASSERT_TRUE(zip->read("xl/worksheets/sheet1.xml", xml, &error));
