@@ -22,25 +22,6 @@ bool sameFile(const QString& a, const QString& b) {
     return fa.absoluteFilePath() == fb.absoluteFilePath();
 }
 
-bool readSpreadsheet(const QString& fileName, ListModel& list, QString* error) {
-    std::vector<QStringList> sheetRows;
-    if (!readFirstSheet(fileName, 0, sheetRows, error)) return false;
-    if (sheetRows.empty()) {
-        if (error)
-            *error = QStringLiteral("Taulukkotiedoston: ") + fileName +
-                     QStringLiteral(" ensimmäinen taulukko on tyhjä.");
-        return false;
-    }
-    std::vector<Column> columns = columnsForHeaders(sheetRows.front());
-    std::vector<Row> rows(sheetRows.size() - 1);
-    for (std::size_t i = 1; i < sheetRows.size(); ++i) {
-        rows[i - 1].cells = std::move(sheetRows[i]);
-        rows[i - 1].cells.append(formatRowNumber(static_cast<long long>(i)));
-    }
-    list.reset(std::move(columns), std::move(rows));
-    return true;
-}
-
 } // namespace
 
 bool ConvertListFile(const QString& in, const QString& out, QString* error) {
@@ -68,7 +49,7 @@ bool ConvertListFile(const QString& in, const QString& out, QString* error) {
         if (ReadListFile(in, QStringLiteral(";"), content, &readError) != ReadStatus::Ok)
             return fail(readError);
         list.reset(std::move(content.columns), std::move(content.rows));
-    } else if (!readSpreadsheet(in, list, error)) {
+    } else if (!readSpreadsheetList(in, list, error)) {
         return false;
     }
 

@@ -282,7 +282,8 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             break;
         }
         case 5: {
-            const QString file = m_host.baseListFileDialog(2, QStringLiteral(".xls"));
+            // What is written is .xlsx, so that is the file's extension too.
+            const QString file = spreadsheetExportName(m_host.baseListFileDialog(2, QStringLiteral(".xls")));
             if (file.isEmpty()) return;
             QString error;
             BusyPointer busy;

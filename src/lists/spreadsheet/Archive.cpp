@@ -1,0 +1,151 @@
+#include "lists/spreadsheet/Archive.h"
+
+#include <QStringList>
+
+#include <gsf/gsf-infile-msole.h>
+#include <gsf/gsf-infile-zip.h>
+#include <gsf/gsf-infile.h>
+#include <gsf/gsf-input-memory.h>
+#include <gsf/gsf-input.h>
+#include <gsf/gsf-utils.h>
+
+#include <mutex>
+
+namespace lists::sheet {
+
+namespace {
+
+// No member of a spreadsheet comes near this; a larger promise is a damaged or hostile file.
+constexpr qint64 kLargestMember = qint64(1) << 30;
+
+struct Unref {
+    void operator()(gpointer p) const {
+        if (p) g_object_unref(p);
+    }
+};
+using InputPtr = std::unique_ptr<GsfInput, Unref>;
+
+QString messageOf(GError* err) {
+    QString text = err && err->message ? QString::fromUtf8(err->message) : QString();
+    if (err) g_error_free(err);
+    return text;
+}
+
+// The child of a folder whose name equals `name` without regard to case (the exact name first).
+GsfInput* childNamed(GsfInfile* folder, const QString& name) {
+    const QByteArray utf8 = name.toUtf8();
+    if (GsfInput* exact = gsf_infile_child_by_name(folder, utf8.constData())) return exact;
+    const int count = gsf_infile_num_children(folder);
+    for (int i = 0; i < count; ++i) {
+        const char* childName = gsf_infile_name_by_index(folder, i);
+        if (childName && QString::fromUtf8(childName).compare(name, Qt::CaseInsensitive) == 0)
+            return gsf_infile_child_by_index(folder, i);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+struct Archive::Handles {
+    InputPtr source;
+    InputPtr root; // a GsfInfile
+};
+
+Archive::Archive(std::unique_ptr<Handles> handles)
+    : m_handles(std::move(handles)) {}
+
+Archive::~Archive() = default;
+
+std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, Kind kind, QString* error) {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        gsf_init();
+        // A damaged file makes libgsf log what it found; the reader reports the failure itself.
+        for (const char* domain : {"libgsf", "libgsf:msole", "libgsf:zip"})
+            g_log_set_handler(
+                domain, GLogLevelFlags(G_LOG_LEVEL_MASK),
+                [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+    });
+    auto handles = std::make_unique<Handles>();
+    handles->source.reset(
+        gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.constData()), bytes.size(), FALSE));
+    GError* err = nullptr;
+    GsfInfile* root = kind == Kind::Zip ? gsf_infile_zip_new(handles->source.get(), &err)
+                                        : gsf_infile_msole_new(handles->source.get(), &err);
+    if (!root) {
+        const QString reason = messageOf(err);
+        if (error)
+            *error = (kind == Kind::Zip ? QStringLiteral("ZIP-pakkaus on vahingoittunut")
+                                        : QStringLiteral("OLE-rakenne on vahingoittunut")) +
+                     (reason.isEmpty() ? QString() : QStringLiteral(" (") + reason + QLatin1Char(')'));
+        return nullptr;
+    }
+    handles->root.reset(GSF_INPUT(root));
+    return std::unique_ptr<Archive>(new Archive(std::move(handles)));
+}
+
+namespace {
+
+// libgsf gives files and folders the same type; only a folder has a count of children.
+bool isFolder(GsfInput* input) {
+    return GSF_IS_INFILE(input) && gsf_infile_num_children(GSF_INFILE(input)) >= 0;
+}
+
+InputPtr member(GsfInput* root, const QString& path) {
+    InputPtr current(GSF_INPUT(g_object_ref(root)));
+    for (const QString& part : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        if (!isFolder(current.get())) return nullptr;
+        InputPtr child(childNamed(GSF_INFILE(current.get()), part));
+        if (!child) return nullptr;
+        current = std::move(child);
+    }
+    return current;
+}
+
+} // namespace
+
+bool Archive::contains(const QString& path) const {
+    return member(m_handles->root.get(), path) != nullptr;
+}
+
+bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
+    InputPtr input = member(m_handles->root.get(), path);
+    if (!input || isFolder(input.get())) {
+        if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" puuttuu");
+        return false;
+    }
+    const gsf_off_t size = gsf_input_size(input.get());
+    if (size < 0 || size > kLargestMember) {
+        if (error) *error = QStringLiteral("osan ") + path + QStringLiteral(" koko on mahdoton");
+        return false;
+    }
+    // Read in pieces, so that a size that promises more than the data holds fails on the way.
+    QByteArray data;
+    data.reserve(static_cast<qsizetype>(std::min<gsf_off_t>(size, 64 << 20)));
+    constexpr gsf_off_t kPiece = 1 << 16;
+    for (gsf_off_t done = 0; done < size;) {
+        const gsf_off_t piece = std::min(kPiece, size - done);
+        const qsizetype at = data.size();
+        data.resize(at + piece);
+        if (!gsf_input_read(input.get(), static_cast<size_t>(piece),
+                            reinterpret_cast<guint8*>(data.data() + at))) {
+            if (error)
+                *error =
+                    QStringLiteral("osa ") + path + QStringLiteral(" katkeaa tavun %1 kohdalla").arg(done);
+            return false;
+        }
+        done += piece;
+    }
+    out = std::move(data);
+    return true;
+}
+
+bool looksLikeZip(const QByteArray& bytes) {
+    return bytes.startsWith("PK\x03\x04") || bytes.startsWith("PK\x05\x06");
+}
+
+bool looksLikeOle(const QByteArray& bytes) {
+    return bytes.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
+}
+
+} // namespace lists::sheet

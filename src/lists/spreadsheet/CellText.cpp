@@ -1,0 +1,383 @@
+#include "lists/spreadsheet/CellText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+namespace lists::sheet {
+
+namespace {
+
+// A number as at most 15 significant decimal digits d1 d2 ... and the exponent of d1:
+// value = d1,d2d3... * 10^exponent.
+struct Decimal {
+    bool negative = false;
+    std::string digits; // without trailing zeros; empty for zero
+    int exponent = 0;
+};
+
+Decimal decimalOf(double value) {
+    Decimal d;
+    if (value == 0 || !std::isfinite(value)) return d;
+    d.negative = value < 0;
+    char buf[40];
+    const auto result =
+        std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14);
+    const std::string_view text(buf, static_cast<std::size_t>(result.ptr - buf));
+    const std::size_t e = text.find('e');
+    for (std::size_t i = 0; i < e; ++i)
+        if (text[i] != '.') d.digits += text[i];
+    std::from_chars(text.data() + e + (text[e + 1] == '+' ? 2 : 1), text.data() + text.size(), d.exponent);
+    while (!d.digits.empty() && d.digits.back() == '0')
+        d.digits.pop_back();
+    return d;
+}
+
+// Rounds to `decimals` places, halves away from zero.
+void roundTo(Decimal& d, int decimals) {
+    const int keep = d.exponent + decimals + 1;
+    if (keep >= static_cast<int>(d.digits.size())) return;
+    if (keep < 0) {
+        d.digits.clear();
+        return;
+    }
+    const bool up = d.digits[static_cast<std::size_t>(keep)] >= '5';
+    d.digits.resize(static_cast<std::size_t>(keep));
+    if (up) {
+        int i = keep - 1;
+        for (; i >= 0; --i) {
+            char& c = d.digits[static_cast<std::size_t>(i)];
+            if (c == '9') {
+                c = '0';
+            } else {
+                ++c;
+                break;
+            }
+        }
+        if (i < 0) {
+            d.digits.insert(d.digits.begin(), '1');
+            ++d.exponent;
+        }
+    }
+    while (!d.digits.empty() && d.digits.back() == '0')
+        d.digits.pop_back();
+}
+
+// The digits written out without an exponent, with minDecimals .. maxDecimals decimals.
+QString plainText(const Decimal& d, int minDecimals) {
+    QString out;
+    const int n = static_cast<int>(d.digits.size());
+    if (d.digits.empty()) {
+        out = QStringLiteral("0");
+    } else {
+        if (d.negative) out += QLatin1Char('-');
+        if (d.exponent < 0) {
+            out += QLatin1Char('0');
+        } else {
+            for (int i = 0; i <= d.exponent; ++i)
+                out += QLatin1Char(i < n ? d.digits[static_cast<std::size_t>(i)] : '0');
+        }
+    }
+    QString fraction;
+    if (!d.digits.empty()) {
+        for (int i = d.exponent + 1; i < n; ++i)
+            fraction += QLatin1Char(i < 0 ? '0' : d.digits[static_cast<std::size_t>(i)]);
+    }
+    while (fraction.size() < minDecimals)
+        fraction += QLatin1Char('0');
+    if (!fraction.isEmpty()) out += QLatin1Char(',') + fraction;
+    return out;
+}
+
+CellFormat fixed(int decimals) {
+    CellFormat f;
+    f.kind = CellFormat::Fixed;
+    f.minDecimals = f.maxDecimals = static_cast<std::uint8_t>(decimals);
+    return f;
+}
+
+qint64 floorDiv(qint64 a, qint64 b) {
+    return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
+}
+
+} // namespace
+
+QString generalNumberText(double value) {
+    if (!std::isfinite(value)) return {};
+    if (value == 0) return QStringLiteral("0");
+    if (std::floor(value) == value && std::fabs(value) < 1e16)
+        return QString::number(static_cast<qint64>(value));
+    const Decimal d = decimalOf(value);
+    const int n = static_cast<int>(d.digits.size());
+    const int decimals = std::max(0, n - 1 - d.exponent);
+    if (d.exponent >= -9 && d.exponent <= 14 && decimals <= 15) return plainText(d, 0);
+    // With an exponent, as spreadsheets show the numbers that would not fit otherwise.
+    QString out = d.negative ? QStringLiteral("-") : QString();
+    out += QLatin1Char(d.digits[0]);
+    if (n > 1) out += QLatin1Char(',') + QString::fromLatin1(d.digits.data() + 1, n - 1);
+    out += d.exponent < 0 ? QStringLiteral("E-") : QStringLiteral("E+");
+    out += QStringLiteral("%1").arg(std::abs(d.exponent), 2, 10, QLatin1Char('0'));
+    return out;
+}
+
+QString numberText(double value, const CellFormat& format) {
+    switch (format.kind) {
+        case CellFormat::Fixed:
+        case CellFormat::Percent: {
+            if (!std::isfinite(value)) return {};
+            Decimal d = decimalOf(format.kind == CellFormat::Percent ? value * 100 : value);
+            roundTo(d, format.maxDecimals);
+            QString text = plainText(d, format.minDecimals);
+            return format.kind == CellFormat::Percent ? text + QLatin1Char('%') : text;
+        }
+        case CellFormat::General:
+            return generalNumberText(value);
+        case CellFormat::Boolean:
+            return booleanText(value != 0);
+        default:
+            return serialText(value, format, nullDate(false));
+    }
+}
+
+QString booleanText(bool value) {
+    return value ? QStringLiteral("TOSI") : QStringLiteral("EPÄTOSI");
+}
+
+QDate nullDate(bool date1904) {
+    return date1904 ? QDate(1904, 1, 1) : QDate(1899, 12, 30);
+}
+
+QString dateText(const QDate& date) {
+    return QString::number(date.day()) + QLatin1Char('.') + QString::number(date.month()) + QLatin1Char('.') +
+           QString::number(date.year());
+}
+
+QString clockText(qint64 hours, int minutes, int seconds, bool withSeconds) {
+    QString t = QString::number(hours) + QLatin1Char(':') +
+                QStringLiteral("%1").arg(minutes, 2, 10, QLatin1Char('0'));
+    if (withSeconds) t += QLatin1Char(':') + QStringLiteral("%1").arg(seconds, 2, 10, QLatin1Char('0'));
+    return t;
+}
+
+QString serialText(double serial, const CellFormat& format, const QDate& nullDate) {
+    // Beyond 31.12.9999 no date exists; such a number is shown as a number.
+    if (!std::isfinite(serial) || std::fabs(serial) > 3000000) return generalNumberText(serial);
+    const qint64 total = std::llround(serial * 86400.0);
+    if (format.kind == CellFormat::Elapsed) {
+        const qint64 t = total < 0 ? -total : total;
+        const QString sign = total < 0 ? QStringLiteral("-") : QString();
+        switch (format.elapsedUnit) {
+            case 's':
+                return sign + QString::number(t);
+            case 'm':
+                return sign + QString::number(t / 60) + QLatin1Char(':') +
+                       QStringLiteral("%1").arg(t % 60, 2, 10, QLatin1Char('0'));
+            default:
+                return sign + clockText(t / 3600, static_cast<int>(t / 60 % 60), static_cast<int>(t % 60),
+                                        format.seconds);
+        }
+    }
+    const qint64 days = floorDiv(total, 86400);
+    const int secs = static_cast<int>(total - days * 86400);
+    const QString clock = clockText(secs / 3600, secs / 60 % 60, secs % 60, format.seconds);
+    switch (format.kind) {
+        case CellFormat::Time:
+            return clock;
+        case CellFormat::DateTime:
+            return dateText(nullDate.addDays(days)) + QLatin1Char(' ') + clock;
+        default:
+            return dateText(nullDate.addDays(days));
+    }
+}
+
+// Whether the sections of a format code are "TRUE";"TRUE";"FALSE": the format a spreadsheet
+// program gives to true and false stored as 1 and 0.
+bool isBooleanFormat(QStringView code) {
+    const QList<QStringView> sections = code.split(QLatin1Char(';'));
+    if (sections.size() != 3) return false;
+    auto literal = [](QStringView s) {
+        s = s.trimmed();
+        if (s.startsWith(QLatin1Char('"')) && s.endsWith(QLatin1Char('"')) && s.size() >= 2)
+            s = s.mid(1, s.size() - 2);
+        return s.toString().toUpper();
+    };
+    const QString yes = literal(sections[0]);
+    const QString no = literal(sections[2]);
+    return (yes == QLatin1String("TRUE") || yes == QStringLiteral("TOSI")) &&
+           (no == QLatin1String("FALSE") || no == QStringLiteral("EPÄTOSI"));
+}
+
+CellFormat excelFormat(QStringView code) {
+    if (isBooleanFormat(code)) {
+        CellFormat f;
+        f.kind = CellFormat::Boolean;
+        return f;
+    }
+    bool date = false, time = false, seconds = false, percent = false, other = false, placeholders = false;
+    bool point = false;
+    char elapsed = 0;
+    int minDecimals = 0, maxDecimals = 0;
+    char lastClock = 0; // the last of h, m, s, d, y: tells minutes from months
+    const qsizetype n = code.size();
+    auto lower = [&](qsizetype i) { return i < n ? code[i].toLower().unicode() : 0; };
+    auto startsWith = [&](qsizetype i, QLatin1StringView word) {
+        return code.mid(i, word.size()).compare(word, Qt::CaseInsensitive) == 0;
+    };
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = lower(i);
+        if (c == ';') break;
+        if (c == '"') {
+            while (++i < n && code[i] != QLatin1Char('"')) {
+            }
+            continue;
+        }
+        if (c == '\\' || c == '_' || c == '*') { // the next character is shown as it is
+            ++i;
+            continue;
+        }
+        if (c == '[') {
+            const qsizetype end = code.indexOf(QLatin1Char(']'), i);
+            const QStringView inner = code.mid(i + 1, (end < 0 ? n : end) - i - 1);
+            if (!inner.isEmpty() && std::all_of(inner.begin(), inner.end(), [&](QChar ch) {
+                    return ch.toLower() == inner[0].toLower();
+                })) {
+                const char16_t unit = inner[0].toLower().unicode();
+                if (unit == 'h' || unit == 'm' || unit == 's') {
+                    time = true;
+                    if (!elapsed) elapsed = static_cast<char>(unit);
+                    if (unit == 's') seconds = true;
+                    lastClock = static_cast<char>(unit);
+                }
+            }
+            if (end < 0) break;
+            i = end;
+            continue;
+        }
+        if (startsWith(i, QLatin1StringView("general"))) {
+            i += 6;
+            continue;
+        }
+        if (startsWith(i, QLatin1StringView("am/pm"))) {
+            i += 4;
+            continue;
+        }
+        if (startsWith(i, QLatin1StringView("a/p"))) {
+            i += 2;
+            continue;
+        }
+        switch (c) {
+            case 'd':
+            case 'y':
+                date = true;
+                lastClock = static_cast<char>(c);
+                break;
+            case 'h':
+                time = true;
+                lastClock = 'h';
+                break;
+            case 's':
+                time = seconds = true;
+                lastClock = 's';
+                break;
+            case 'm': {
+                qsizetype j = i;
+                while (lower(j) == 'm')
+                    ++j;
+                qsizetype next = j;
+                while (next < n && !code[next].isLetter() && code[next] != QLatin1Char(';'))
+                    ++next;
+                const bool minutes = lastClock == 'h' || lower(next) == 's';
+                (minutes ? time : date) = true;
+                lastClock = 'm';
+                i = j - 1;
+                break;
+            }
+            case '0':
+            case '#':
+            case '?':
+                placeholders = true;
+                if (point) {
+                    if (c == '0') ++minDecimals;
+                    ++maxDecimals;
+                }
+                break;
+            case '.':
+                if (placeholders || lower(i + 1) == '0' || lower(i + 1) == '#' || lower(i + 1) == '?')
+                    point = true;
+                break;
+            case '%':
+                percent = true;
+                break;
+            case 'e':
+                if (lower(i + 1) == '+' || lower(i + 1) == '-') other = true; // scientific
+                break;
+            case '/':
+                if (placeholders) other = true; // a fraction
+                break;
+            default:
+                break;
+        }
+    }
+    CellFormat f;
+    if (date || time) {
+        f.kind = elapsed
+                     ? CellFormat::Elapsed
+                     : (date && time ? CellFormat::DateTime : (date ? CellFormat::Date : CellFormat::Time));
+        f.seconds = seconds;
+        f.elapsedUnit = elapsed;
+        return f;
+    }
+    if (other || !placeholders) return f;
+    f.kind = percent ? CellFormat::Percent : CellFormat::Fixed;
+    f.minDecimals = static_cast<std::uint8_t>(std::min(minDecimals, 30));
+    f.maxDecimals = static_cast<std::uint8_t>(std::min(maxDecimals, 30));
+    return f;
+}
+
+CellFormat excelBuiltinFormat(int id) {
+    switch (id) {
+        case 1:
+        case 3:
+        case 5:
+        case 6:
+        case 37:
+        case 38:
+        case 41:
+        case 42:
+            return fixed(0);
+        case 2:
+        case 4:
+        case 7:
+        case 8:
+        case 39:
+        case 40:
+        case 43:
+        case 44:
+            return fixed(2);
+        case 9:
+            return excelFormat(u"0%");
+        case 10:
+            return excelFormat(u"0.00%");
+        case 18:
+        case 20:
+            return excelFormat(u"h:mm");
+        case 19:
+        case 21:
+            return excelFormat(u"h:mm:ss");
+        case 22:
+            return excelFormat(u"d.m.yyyy h:mm");
+        case 45:
+            return excelFormat(u"mm:ss");
+        case 46:
+            return excelFormat(u"[h]:mm:ss");
+        case 47:
+            return excelFormat(u"mm:ss.0");
+        default:
+            if ((id >= 14 && id <= 17) || (id >= 27 && id <= 36) || (id >= 50 && id <= 58))
+                return excelFormat(u"d.m.yyyy");
+            return {};
+    }
+}
+
+} // namespace lists::sheet

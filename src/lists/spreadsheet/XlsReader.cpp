@@ -1,0 +1,672 @@
+// The first worksheet of an Excel binary workbook (.xls): BIFF8 and BIFF5 inside an OLE compound
+// file (the "Workbook" or "Book" stream), BIFF2 to BIFF4 as a plain record stream. A record is a
+// 16-bit id, a 16-bit length and its data; a record longer than 8224 bytes goes on in CONTINUE
+// records. Formula cells keep the result that the writing program stored with them.
+#include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/SheetReaders.h"
+#include "platform/Cp1252.h"
+
+#include <QByteArrayView>
+#include <QHash>
+#include <QStringDecoder>
+
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace lists::sheet {
+
+namespace {
+
+enum Record : quint16 {
+    kBof2 = 0x0009,
+    kBof3 = 0x0209,
+    kBof4 = 0x0409,
+    kBof58 = 0x0809,
+    kEof = 0x000A,
+    kContinue = 0x003C,
+    kFilePass = 0x002F,
+    kCodePage = 0x0042,
+    kDateMode = 0x0022,
+    kFormat23 = 0x001E,
+    kFormat = 0x041E,
+    kXf2 = 0x0043,
+    kXf3 = 0x0243,
+    kXf4 = 0x0443,
+    kXf = 0x00E0,
+    kSst = 0x00FC,
+    kBoundSheet = 0x0085,
+    kInteger2 = 0x0002,
+    kNumber2 = 0x0003,
+    kLabel2 = 0x0004,
+    kBoolErr2 = 0x0005,
+    kFormula = 0x0006,
+    kString2 = 0x0007,
+    kNumber = 0x0203,
+    kLabel = 0x0204,
+    kBoolErr = 0x0205,
+    kFormula3 = 0x0206,
+    kString = 0x0207,
+    kFormula4 = 0x0406,
+    kRk = 0x027E,
+    kMulRk = 0x00BD,
+    kRString = 0x00D6,
+    kLabelSst = 0x00FD,
+    kShrFmla = 0x04BC,
+    kArray = 0x0221,
+    kTable = 0x0236,
+};
+
+enum class Biff { V2, V3, V4, V5, V8 };
+
+quint16 u16(const char* p) {
+    return static_cast<quint16>(static_cast<quint8>(p[0]) | (static_cast<quint8>(p[1]) << 8));
+}
+quint32 u32(const char* p) {
+    return static_cast<quint32>(u16(p)) | (static_cast<quint32>(u16(p + 2)) << 16);
+}
+double f64(const char* p) {
+    quint64 bits = 0;
+    for (int i = 7; i >= 0; --i)
+        bits = (bits << 8) | static_cast<quint8>(p[i]);
+    double v;
+    std::memcpy(&v, &bits, sizeof v);
+    return v;
+}
+
+double rkValue(quint32 rk) {
+    double v;
+    if (rk & 2) {
+        v = static_cast<double>(static_cast<qint32>(rk) >> 2);
+    } else {
+        const quint64 bits = static_cast<quint64>(rk & 0xFFFFFFFCu) << 32;
+        std::memcpy(&v, &bits, sizeof v);
+    }
+    return (rk & 1) ? v / 100 : v;
+}
+
+QString errorText(int code) {
+    switch (code) {
+        case 0x00:
+            return QStringLiteral("#NULL!");
+        case 0x07:
+            return QStringLiteral("#DIV/0!");
+        case 0x0F:
+            return QStringLiteral("#VALUE!");
+        case 0x17:
+            return QStringLiteral("#REF!");
+        case 0x1D:
+            return QStringLiteral("#NAME?");
+        case 0x24:
+            return QStringLiteral("#NUM!");
+        default:
+            return QStringLiteral("#N/A");
+    }
+}
+
+// The built-in formats of BIFF2 to BIFF4 files, which number them in their own order.
+CellFormat oldBuiltinFormat(int index) {
+    static const char* const codes[] = {
+        "General",  "0",        "0.00",       "#,##0",         "#,##0.00", "#,##0",   "#,##0",
+        "#,##0.00", "#,##0.00", "0%",         "0.00%",         "0.00E+00", "m/d/yy",  "d-mmm-yy",
+        "d-mmm",    "mmm-yy",   "h:mm AM/PM", "h:mm:ss AM/PM", "h:mm",     "h:mm:ss", "m/d/yy h:mm"};
+    if (index < 0 || index >= static_cast<int>(std::size(codes))) return {};
+    return excelFormat(QString::fromLatin1(codes[index]));
+}
+
+// The data of a record and of the CONTINUE records after it, read across their borders. Within
+// the characters of a string, every continuation starts with a new flags byte.
+class Segments {
+public:
+    void add(QByteArrayView data) { m_parts.push_back(data); }
+    bool atEnd() {
+        skipEmpty();
+        return m_part >= m_parts.size();
+    }
+    bool bytes(qsizetype n, char* out) {
+        while (n > 0) {
+            skipEmpty();
+            if (m_part >= m_parts.size()) return false;
+            const QByteArrayView p = m_parts[m_part];
+            const qsizetype take = std::min(n, p.size() - m_pos);
+            if (out) {
+                std::memcpy(out, p.data() + m_pos, static_cast<std::size_t>(take));
+                out += take;
+            }
+            m_pos += take;
+            n -= take;
+        }
+        return true;
+    }
+    std::optional<quint32> uint(int size) {
+        char buf[4] = {};
+        if (!bytes(size, buf)) return std::nullopt;
+        return size == 1 ? static_cast<quint8>(buf[0]) : size == 2 ? u16(buf) : u32(buf);
+    }
+    // `count` characters of one or two bytes each; `decode` turns single bytes into text.
+    bool characters(qsizetype count, bool wide, const std::function<QString(QByteArrayView)>& decode,
+                    QString& out) {
+        while (count > 0) {
+            if (m_part >= m_parts.size()) return false;
+            if (m_pos >= partSize()) {
+                ++m_part;
+                m_pos = 0;
+                if (m_part >= m_parts.size() || partSize() < 1) return false;
+                wide = (m_parts[m_part][0] & 1) != 0;
+                m_pos = 1;
+                continue;
+            }
+            const QByteArrayView p = m_parts[m_part];
+            const qsizetype available = (p.size() - m_pos) / (wide ? 2 : 1);
+            if (available == 0) { // half a character: the rest is in the next part
+                m_pos = p.size();
+                continue;
+            }
+            const qsizetype take = std::min(count, available);
+            const char* at = p.data() + m_pos;
+            out += wide ? utf16(at, take) : decode(QByteArrayView(at, take));
+            m_pos += take * (wide ? 2 : 1);
+            count -= take;
+        }
+        return true;
+    }
+
+private:
+    static QString utf16(const char* at, qsizetype count) {
+        QString s(count, Qt::Uninitialized);
+        for (qsizetype i = 0; i < count; ++i)
+            s[i] = QChar(u16(at + 2 * i));
+        return s;
+    }
+    qsizetype partSize() const { return m_part < m_parts.size() ? m_parts[m_part].size() : 0; }
+    void skipEmpty() {
+        while (m_part < m_parts.size() && m_pos >= m_parts[m_part].size()) {
+            ++m_part;
+            m_pos = 0;
+        }
+    }
+    std::vector<QByteArrayView> m_parts;
+    std::size_t m_part = 0;
+    qsizetype m_pos = 0;
+};
+
+class BiffReader {
+public:
+    BiffReader(QByteArrayView stream, SheetBuilder& out)
+        : m_stream(stream)
+        , m_out(out) {}
+
+    bool read(QString* error);
+
+private:
+    struct Rec {
+        quint16 id = 0;
+        qsizetype offset = 0; // of the record's header in the stream
+        QByteArrayView data;
+    };
+    bool next(qsizetype& pos, Rec& rec);
+    bool fail(const QString& what, const Rec& rec);
+    bool fail(const QString& what);
+    bool need(const Rec& rec, qsizetype size);
+    // Reads a substream from its BOF on: the workbook's globals, or a sheet into the builder.
+    bool readSubstream(qsizetype pos, bool sheet);
+    bool globalRecord(const Rec& rec, qsizetype pos);
+    bool cellRecord(const Rec& rec, qsizetype pos);
+
+    QString byteText(QByteArrayView bytes) const;
+    // A string whose length field is `lengthSize` bytes, at `at` in the record.
+    QString recordString(const Rec& rec, qsizetype at, int lengthSize, bool* ok);
+    QString continuedString(const Rec& rec, qsizetype pos, qsizetype at, int lengthSize, bool* ok);
+    bool unicodeString(Segments& s, int lengthSize, QString& out);
+    void readSst(const Rec& rec, qsizetype pos);
+
+    CellFormat formatOfXf(int xf) const;
+    CellFormat formatAt(int index) const;
+    void putNumber(int row, int col, double value, const CellFormat& format);
+
+    QByteArrayView m_stream;
+    SheetBuilder& m_out;
+    Biff m_biff = Biff::V8;
+    bool m_date1904 = false;
+    int m_codePage = 1252;
+    mutable std::optional<QStringDecoder> m_decoder; // for code pages other than Windows-1252
+    QHash<int, CellFormat> m_formats;                // by index (by order before BIFF5)
+    int m_formatCount = 0;
+    std::vector<int> m_xfFormats; // format index of each XF record
+    std::vector<QString> m_sst;
+    std::optional<quint32> m_firstSheet;      // stream offset of the first worksheet's BOF
+    int m_pendingRow = -1, m_pendingCol = -1; // a formula whose text result follows
+    QString m_error;
+};
+
+bool BiffReader::fail(const QString& what, const Rec& rec) {
+    m_error =
+        what +
+        QStringLiteral(" (tietue 0x%1 tavussa %2)").arg(rec.id, 4, 16, QLatin1Char('0')).arg(rec.offset);
+    return false;
+}
+
+bool BiffReader::fail(const QString& what) {
+    m_error = what;
+    return false;
+}
+
+bool BiffReader::need(const Rec& rec, qsizetype size) {
+    return rec.data.size() >= size || fail(QStringLiteral("tietue on vajaa"), rec);
+}
+
+bool BiffReader::next(qsizetype& pos, Rec& rec) {
+    if (pos + 4 > m_stream.size()) {
+        m_error = QStringLiteral("tietovirta päättyy kesken tavussa %1").arg(pos);
+        return false;
+    }
+    rec.id = u16(m_stream.data() + pos);
+    const quint16 length = u16(m_stream.data() + pos + 2);
+    rec.offset = pos;
+    if (pos + 4 + length > m_stream.size()) {
+        rec.data = {};
+        return fail(QStringLiteral("tietue katkeaa"), rec);
+    }
+    rec.data = m_stream.sliced(pos + 4, length);
+    pos += 4 + length;
+    return true;
+}
+
+QString BiffReader::byteText(QByteArrayView bytes) const {
+    if (m_decoder) return m_decoder->decode(bytes);
+    return platform::fromCp1252(bytes.data(), bytes.size());
+}
+
+bool BiffReader::unicodeString(Segments& s, int lengthSize, QString& out) {
+    const auto count = s.uint(lengthSize);
+    const auto flags = s.uint(1);
+    if (!count || !flags) return false;
+    quint32 runs = 0, extra = 0;
+    if (*flags & 0x08) {
+        const auto r = s.uint(2);
+        if (!r) return false;
+        runs = *r;
+    }
+    if (*flags & 0x04) {
+        const auto e = s.uint(4);
+        if (!e) return false;
+        extra = *e;
+    }
+    QString text;
+    if (!s.characters(
+            *count, (*flags & 1) != 0, [this](QByteArrayView b) { return byteText(b); }, text))
+        return false;
+    if (!s.bytes(qsizetype(runs) * 4, nullptr) || !s.bytes(extra, nullptr)) return false;
+    out = withCrLf(text);
+    return true;
+}
+
+QString BiffReader::recordString(const Rec& rec, qsizetype at, int lengthSize, bool* ok) {
+    *ok = false;
+    if (m_biff == Biff::V8) {
+        Segments s;
+        if (at <= rec.data.size()) s.add(rec.data.sliced(at));
+        QString out;
+        *ok = unicodeString(s, lengthSize, out);
+        return out;
+    }
+    if (at + lengthSize > rec.data.size()) return {};
+    const qsizetype n = lengthSize == 1 ? static_cast<quint8>(rec.data[at]) : u16(rec.data.data() + at);
+    if (at + lengthSize + n > rec.data.size()) return {};
+    *ok = true;
+    return withCrLf(byteText(rec.data.sliced(at + lengthSize, n)));
+}
+
+// A BIFF8 string that may go on in CONTINUE records after the record at `pos` (the end of it).
+QString BiffReader::continuedString(const Rec& rec, qsizetype pos, qsizetype at, int lengthSize, bool* ok) {
+    if (m_biff != Biff::V8) return recordString(rec, at, lengthSize, ok);
+    Segments s;
+    if (at <= rec.data.size()) s.add(rec.data.sliced(at));
+    Rec more;
+    qsizetype p = pos;
+    while (p + 4 <= m_stream.size() && u16(m_stream.data() + p) == kContinue && next(p, more))
+        s.add(more.data);
+    QString out;
+    *ok = unicodeString(s, lengthSize, out);
+    return out;
+}
+
+void BiffReader::readSst(const Rec& rec, qsizetype pos) {
+    Segments s;
+    if (rec.data.size() < 8) return;
+    const quint32 unique = u32(rec.data.data() + 4);
+    s.add(rec.data.sliced(8));
+    Rec more;
+    qsizetype p = pos;
+    while (p + 4 <= m_stream.size() && u16(m_stream.data() + p) == kContinue && next(p, more))
+        s.add(more.data);
+    // The count is only an upper bound: what the data holds decides.
+    m_sst.reserve(std::min<quint32>(unique, static_cast<quint32>(m_stream.size() / 3)));
+    for (quint32 i = 0; i < unique && !s.atEnd(); ++i) {
+        QString text;
+        if (!unicodeString(s, 2, text)) break;
+        m_sst.push_back(std::move(text));
+    }
+}
+
+CellFormat BiffReader::formatAt(int index) const {
+    const auto it = m_formats.constFind(index);
+    if (it != m_formats.cend()) return *it;
+    return m_biff >= Biff::V5 ? excelBuiltinFormat(index) : oldBuiltinFormat(index);
+}
+
+CellFormat BiffReader::formatOfXf(int xf) const {
+    if (xf < 0 || xf >= static_cast<int>(m_xfFormats.size())) return {};
+    return formatAt(m_xfFormats[static_cast<std::size_t>(xf)]);
+}
+
+void BiffReader::putNumber(int row, int col, double value, const CellFormat& format) {
+    m_out.setCell(row, col,
+                  format.isDateOrTime() ? serialText(value, format, nullDate(m_date1904))
+                                        : numberText(value, format));
+}
+
+bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
+    const char* d = rec.data.data();
+    switch (rec.id) {
+        case kFilePass:
+            return fail(QStringLiteral("työkirja on suojattu salasanalla"));
+        case kCodePage:
+            if (!need(rec, 2)) return false;
+            m_codePage = u16(d);
+            m_decoder.reset();
+            switch (m_codePage) {
+                case 367:
+                case 1252:
+                case 1200:
+                case 32769:
+                    break;
+                case 10000:
+                case 32768:
+                    m_decoder.emplace("macintosh");
+                    break;
+                default:
+                    m_decoder.emplace(
+                        m_codePage >= 1250 && m_codePage <= 1258
+                            ? QStringLiteral("windows-%1").arg(m_codePage).toLatin1().constData()
+                            : QStringLiteral("cp%1").arg(m_codePage).toLatin1().constData());
+            }
+            if (m_decoder && !m_decoder->isValid()) m_decoder.reset();
+            return true;
+        case kDateMode:
+            if (!need(rec, 2)) return false;
+            m_date1904 = u16(d) == 1;
+            return true;
+        case kFormat23:
+        case kFormat: {
+            bool ok = false;
+            QString code;
+            int index = m_formatCount;
+            if (rec.id == kFormat23) {
+                code = recordString(rec, 0, 1, &ok);
+            } else if (m_biff == Biff::V4) {
+                code = recordString(rec, 2, 1, &ok);
+            } else {
+                if (!need(rec, 2)) return false;
+                index = u16(d);
+                code = recordString(rec, 2, m_biff == Biff::V8 ? 2 : 1, &ok);
+            }
+            if (!ok) return fail(QStringLiteral("lukumuodon teksti on vajaa"), rec);
+            m_formats.insert(index, excelFormat(code));
+            ++m_formatCount;
+            return true;
+        }
+        case kXf2:
+            if (!need(rec, 3)) return false;
+            m_xfFormats.push_back(static_cast<quint8>(d[2]) & 0x3F);
+            return true;
+        case kXf3:
+        case kXf4:
+            if (!need(rec, 2)) return false;
+            m_xfFormats.push_back(static_cast<quint8>(d[1]));
+            return true;
+        case kXf:
+            if (!need(rec, 4)) return false;
+            m_xfFormats.push_back(u16(d + 2));
+            return true;
+        case kSst:
+            readSst(rec, pos);
+            return true;
+        case kBoundSheet:
+            if (!need(rec, 6)) return false;
+            // The first sheet that is a worksheet (type 0); charts and macro sheets hold no cells.
+            if (!m_firstSheet && (static_cast<quint8>(d[5]) & 0x0F) == 0) m_firstSheet = u32(d);
+            return true;
+        default:
+            return true;
+    }
+}
+
+bool BiffReader::cellRecord(const Rec& rec, qsizetype pos) {
+    const char* d = rec.data.data();
+    const bool biff2 = m_biff == Biff::V2;
+    // BIFF2 cells carry three attribute bytes, the second of which holds the format index.
+    auto cell = [&](int& row, int& col, CellFormat& format, qsizetype size) {
+        if (!need(rec, size)) return false;
+        row = u16(d);
+        col = u16(d + 2);
+        format = biff2 ? formatAt(static_cast<quint8>(d[5]) & 0x3F) : formatOfXf(u16(d + 4));
+        return true;
+    };
+    int row = 0, col = 0;
+    CellFormat format;
+    if (rec.id != kString && rec.id != kString2 && rec.id != kShrFmla && rec.id != kArray &&
+        rec.id != kTable && rec.id != kContinue)
+        m_pendingRow = -1;
+    switch (rec.id) {
+        case kNumber2:
+            if (!biff2) return true;
+            if (!cell(row, col, format, 15)) return false;
+            putNumber(row, col, f64(d + 7), format);
+            return true;
+        case kInteger2:
+            if (!biff2) return true;
+            if (!cell(row, col, format, 9)) return false;
+            putNumber(row, col, u16(d + 7), format);
+            return true;
+        case kNumber:
+            if (!cell(row, col, format, 14)) return false;
+            putNumber(row, col, f64(d + 6), format);
+            return true;
+        case kRk:
+            if (!cell(row, col, format, 10)) return false;
+            putNumber(row, col, rkValue(u32(d + 6)), format);
+            return true;
+        case kMulRk: {
+            if (!need(rec, 6)) return false;
+            row = u16(d);
+            const int first = u16(d + 2);
+            // The record's length says how many cells it holds; its last-column field is not needed.
+            const qsizetype count = (rec.data.size() - 6) / 6;
+            for (qsizetype i = 0; i < count; ++i) {
+                const char* p = d + 4 + 6 * i;
+                putNumber(row, first + static_cast<int>(i), rkValue(u32(p + 2)), formatOfXf(u16(p)));
+            }
+            return true;
+        }
+        case kLabel2:
+        case kLabel:
+        case kRString: {
+            if (rec.id == kLabel2 && !biff2) return true;
+            if (!cell(row, col, format, biff2 ? 8 : 8)) return false;
+            bool ok = false;
+            const QString text = biff2 ? recordString(rec, 7, 1, &ok) : continuedString(rec, pos, 6, 2, &ok);
+            if (!ok) return fail(QStringLiteral("solun teksti on vajaa"), rec);
+            m_out.setCell(row, col, text);
+            return true;
+        }
+        case kLabelSst: {
+            if (!cell(row, col, format, 10)) return false;
+            const quint32 index = u32(d + 6);
+            // An index beyond the strings read shows nothing rather than some other text.
+            if (index < m_sst.size()) m_out.setCell(row, col, m_sst[index]);
+            return true;
+        }
+        case kBoolErr2:
+        case kBoolErr: {
+            if (rec.id == kBoolErr2 && !biff2) return true;
+            const qsizetype at = biff2 ? 7 : 6;
+            if (!cell(row, col, format, at + 2)) return false;
+            const int value = static_cast<quint8>(d[at]);
+            m_out.setCell(row, col, d[at + 1] ? errorText(value) : booleanText(value != 0));
+            return true;
+        }
+        case kFormula:
+        case kFormula3:
+        case kFormula4: {
+            const qsizetype at = biff2 ? 7 : 6;
+            if (!cell(row, col, format, at + 8)) return false;
+            const char* result = d + at;
+            if (u16(result + 6) != 0xFFFF) {
+                putNumber(row, col, f64(result), format);
+                return true;
+            }
+            switch (static_cast<quint8>(result[0])) {
+                case 0: // the text follows in a STRING record
+                    m_pendingRow = row;
+                    m_pendingCol = col;
+                    break;
+                case 1:
+                    m_out.setCell(row, col, booleanText(result[2] != 0));
+                    break;
+                case 2:
+                    m_out.setCell(row, col, errorText(static_cast<quint8>(result[2])));
+                    break;
+                default: // an empty text
+                    break;
+            }
+            return true;
+        }
+        case kString2:
+        case kString: {
+            if (m_pendingRow < 0) return true;
+            bool ok = false;
+            const QString text = rec.id == kString2 ? recordString(rec, 0, 1, &ok)
+                                                    : continuedString(rec, pos, 0, biff2 ? 1 : 2, &ok);
+            if (!ok) return fail(QStringLiteral("kaavan tulosteksti on vajaa"), rec);
+            m_out.setCell(m_pendingRow, m_pendingCol, text);
+            m_pendingRow = -1;
+            return true;
+        }
+        default:
+            return true;
+    }
+}
+
+bool BiffReader::readSubstream(qsizetype pos, bool sheet) {
+    Rec rec;
+    if (!next(pos, rec)) return false;
+    if (rec.id != kBof2 && rec.id != kBof3 && rec.id != kBof4 && rec.id != kBof58)
+        return fail(QStringLiteral("taulukon alkutietue puuttuu"), rec);
+    while (pos < m_stream.size()) {
+        if (!next(pos, rec)) return false;
+        if (rec.id == kEof) return true;
+        if (rec.id == kBof2 || rec.id == kBof3 || rec.id == kBof4 || rec.id == kBof58) {
+            // An embedded chart or another substream inside: skip to its end.
+            int depth = 1;
+            while (depth > 0 && pos < m_stream.size()) {
+                if (!next(pos, rec)) return false;
+                if (rec.id == kEof)
+                    --depth;
+                else if (rec.id == kBof2 || rec.id == kBof3 || rec.id == kBof4 || rec.id == kBof58)
+                    ++depth;
+            }
+            continue;
+        }
+        if (!globalRecord(rec, pos)) return false;
+        if (sheet && !cellRecord(rec, pos)) return false;
+    }
+    // A stream that ends without its EOF record still gives the cells it holds.
+    return true;
+}
+
+bool BiffReader::read(QString* error) {
+    auto done = [&](bool ok) {
+        if (!ok && error) *error = m_error;
+        return ok;
+    };
+    if (m_stream.size() < 8) return done(fail(QStringLiteral("tiedosto on liian lyhyt")));
+    const quint16 bof = u16(m_stream.data());
+    const char* d = m_stream.data() + 4;
+    const quint16 length = u16(m_stream.data() + 2);
+    if (length < 4) return done(fail(QStringLiteral("tiedoston alkutietue on vajaa")));
+    switch (bof) {
+        case kBof2:
+            m_biff = Biff::V2;
+            break;
+        case kBof3:
+            m_biff = Biff::V3;
+            break;
+        case kBof4:
+            m_biff = Biff::V4;
+            break;
+        case kBof58:
+            m_biff = u16(d) >= 0x0600 ? Biff::V8 : Biff::V5;
+            break;
+        default:
+            return done(fail(QStringLiteral("tiedosto ei ala Excel-taulukon alkutietueella")));
+    }
+    const quint16 type = u16(d + 2);
+    if (m_biff >= Biff::V5 || type == 0x0100) {
+        // Workbook globals first; the first worksheet is where its BOUNDSHEET record points
+        // (BIFF4 workbooks: the first worksheet substream after the globals).
+        qsizetype pos = 0;
+        Rec rec;
+        if (!next(pos, rec)) return done(false);
+        while (true) {
+            if (!next(pos, rec)) return done(false);
+            if (rec.id == kEof) break;
+            if (!globalRecord(rec, pos)) return done(false);
+        }
+        if (m_biff < Biff::V5) {
+            while (pos + 8 <= m_stream.size()) {
+                const qsizetype at = pos;
+                if (!next(pos, rec)) return done(false);
+                if (rec.id == kBof4 && rec.data.size() >= 4 && u16(rec.data.data() + 2) == 0x0010)
+                    return done(readSubstream(at, true));
+            }
+            return done(fail(QStringLiteral("työkirjassa ei ole laskentataulukkoa")));
+        }
+        if (!m_firstSheet) return done(fail(QStringLiteral("työkirjassa ei ole laskentataulukkoa")));
+        if (*m_firstSheet + 8 > static_cast<quint64>(m_stream.size()) ||
+            u16(m_stream.data() + *m_firstSheet) != kBof58)
+            return done(fail(
+                QStringLiteral("ensimmäisen taulukon alku (tavu %1) on virheellinen").arg(*m_firstSheet)));
+        return done(readSubstream(static_cast<qsizetype>(*m_firstSheet), true));
+    }
+    if (type != 0x0010) return done(fail(QStringLiteral("tiedosto ei ole laskentataulukko")));
+    return done(readSubstream(0, true));
+}
+
+} // namespace
+
+bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error) {
+    QByteArray stream;
+    QByteArrayView view(bytes);
+    if (looksLikeOle(bytes)) {
+        const std::unique_ptr<Archive> ole = Archive::open(bytes, Archive::Kind::Ole, error);
+        if (!ole) return false;
+        const QString name = ole->contains(QStringLiteral("Workbook")) ? QStringLiteral("Workbook")
+                             : ole->contains(QStringLiteral("Book"))   ? QStringLiteral("Book")
+                                                                       : QString();
+        if (name.isEmpty()) {
+            if (error)
+                *error = ole->contains(QStringLiteral("EncryptedPackage"))
+                             ? QStringLiteral("työkirja on suojattu salasanalla")
+                             : QStringLiteral("tiedostossa ei ole Excel-työkirjaa");
+            return false;
+        }
+        if (!ole->read(name, stream, error)) return false;
+        view = QByteArrayView(stream);
+    }
+    BiffReader reader(view, out);
+    return reader.read(error);
+}
+
+} // namespace lists::sheet
