@@ -1,5 +1,7 @@
 #include "lists/ListFiles.h"
 
+#include <algorithm>
+
 #include "lists/Spreadsheet.h"
 #include "platform/Cp1252.h"
 #include "platform/Dialogs.h"
@@ -67,7 +69,17 @@ FileContent recogniseFile(const QByteArray& bytes) {
     static const QByteArray ole("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
     if (bytes.startsWith(zip) || bytes.startsWith(emptyZip) || bytes.startsWith(ole))
         return FileContent::Spreadsheet;
-    if (!bytes.contains('\0')) return FileContent::Text;
+    if (!bytes.contains('\0')) {
+        // Text has tabs and line ends but hardly any other control characters; random or
+        // compressed bytes have one in every ten or so.
+        const qsizetype n = std::min<qsizetype>(bytes.size(), 64 * 1024);
+        qsizetype controls = 0;
+        for (qsizetype i = 0; i < n; ++i) {
+            const auto c = static_cast<unsigned char>(bytes[i]);
+            if (c < 0x20 && c != '\t' && c != '\n' && c != '\r' && c != '\f' && c != 0x1A) ++controls;
+        }
+        return controls * 100 > n ? FileContent::Binary : FileContent::Text;
+    }
     // A project: seven five-byte member entries, the text member's type 0, then CR LF.
     if (bytes.size() >= 37 && bytes[4] == '\0' && bytes[35] == '\r' && bytes[36] == '\n')
         return FileContent::Project;
@@ -93,6 +105,15 @@ ReadStatus ReadListFile(const QString& fileName, const QString& separator, ListF
     QByteArray bytes;
     QString readError;
     if (!platform::readFileBytes(fileName, bytes, &readError)) return failed(readError);
+    return readListBytes(bytes, fileName, separator, content, error, measure);
+}
+
+ReadStatus readListBytes(const QByteArray& bytes, const QString& fileName, const QString& separator,
+                         ListFileContent& content, QString* error, const TextMeasure& measure) {
+    auto failed = [&](const QString& message) {
+        if (error) *error = message;
+        return ReadStatus::Failed;
+    };
     switch (recogniseFile(bytes)) {
         case FileContent::Text:
             break;
@@ -118,6 +139,17 @@ ReadStatus ReadListFile(const QString& fileName, const QString& separator, ListF
                       QStringLiteral(" on %1 saraketta. Luettelossa voi olla enintään %2 saraketta.")
                           .arg(n)
                           .arg(kMaxListColumns));
+    // Every row gets a cell for each column however short its line is, so many short lines under
+    // a wide header would take far more memory than the file holds. A list written by this
+    // program has at least a separator per cell; allow twice that and a margin.
+    const qsizetype rowCount = lines.size() - 1;
+    if (rowCount > 0 && rowCount * n > 2 * bytes.size() + kListCellMargin)
+        return failed(
+            QStringLiteral("Tiedostossa ") + fileName +
+            QStringLiteral(" on %1 riviä ja %2 saraketta mutta vain %3 tavua: se ei ole luettelotiedosto.")
+                .arg(rowCount)
+                .arg(n)
+                .arg(bytes.size()));
     const QStringList headers = splitFields(lines.first(), separator);
     std::vector<Column> columns = columnsForHeaders(headers, measure);
 

@@ -35,8 +35,9 @@ struct ListFileContent {
     std::vector<Row> rows;       // numbered 00001, 00002, ... in file order
 };
 // What a file holds, told from its first bytes before it is read as a list: a spreadsheet
-// (a ZIP package or an OLE compound file), a TAMRIK project, other binary data (NUL bytes),
-// or text.
+// (a ZIP package or an OLE compound file), a TAMRIK project, other binary data (NUL bytes, or
+// more than one control character in a hundred other than tab, line ends and form feed), or
+// text.
 enum class FileContent { Text, Spreadsheet, Project, Binary };
 FileContent recogniseFile(const QByteArray& bytes);
 // The same for a file on disk (its first 64 kB); Text when it cannot be read.
@@ -44,6 +45,8 @@ FileContent recogniseFile(const QString& fileName);
 
 // The most columns a list file may have; a list has a few dozen.
 constexpr int kMaxListColumns = 256;
+// Cells a list file may have beyond two for each of its bytes (short lines under a wide header).
+constexpr qsizetype kListCellMargin = 1000000;
 
 enum class ReadStatus { Ok, Missing, Failed };
 // Reads a list text file (Windows-1252, or UTF-8 as decodeText tells). A spreadsheet, a
@@ -52,6 +55,9 @@ enum class ReadStatus { Ok, Missing, Failed };
 // missing file, the system's description for other errors.
 ReadStatus ReadListFile(const QString& fileName, const QString& separator, ListFileContent& content,
                         QString* error = nullptr, const TextMeasure& measure = {});
+// The same for a file's bytes already read; `fileName` only names the file in the messages.
+ReadStatus readListBytes(const QByteArray& bytes, const QString& fileName, const QString& separator,
+                         ListFileContent& content, QString* error = nullptr, const TextMeasure& measure = {});
 
 // Replaces the list's columns and rows with those of a list file; column widths are the header
 // text's width plus 200 twips. With ".xls" as the separator the file is a spreadsheet and goes

@@ -3,8 +3,11 @@
 #include "platform/Cp1252.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QStringDecoder>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace platform {
 
@@ -89,6 +92,14 @@ bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString* 
         if (error) *error = f.errorString();
         f.cancelWriting();
         return false;
+    }
+    // The commit wrote the new file to the disk before the rename; the folder's entry follows,
+    // so that a power cut right after a save does not bring back the old file.
+    const int dir =
+        ::open(QFile::encodeName(QFileInfo(path).absolutePath()).constData(), O_RDONLY | O_DIRECTORY);
+    if (dir >= 0) {
+        ::fsync(dir);
+        ::close(dir);
     }
     return true;
 }

@@ -27,7 +27,8 @@ QByteArray encodeLines(const QStringList& lines, QString* unencodable = nullptr)
 bool writeTextLines(const QString& path, const QStringList& lines, QString* error = nullptr,
                     QString* unencodable = nullptr);
 
-// Writes raw bytes atomically (a temporary file in the same folder, renamed over the target).
+// Writes raw bytes atomically: a temporary file in the same folder, flushed to the disk and
+// renamed over the target, so that a crash, a kill or a full disk leaves the old file whole.
 bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString* error = nullptr);
 
 // Reads a whole file; false with the error description when it cannot be read.

@@ -17,6 +17,9 @@ struct WindowPositions {
 };
 
 // Values of the settings store as the program keeps them in memory.
+// The longest autosave interval the settings accept: a day.
+constexpr int kMaxAutosaveMinutes = 24 * 60;
+
 struct Settings {
     QString MoneyUnit = QStringLiteral("€");
     QString GeneralCostFraction = QStringLiteral("25");
@@ -34,6 +37,8 @@ struct Settings {
     QString File2 = QStringLiteral("Yksikköhinnat2002.sl1");
     int StartUpDocument = 0;
     std::array<QString, 5> DefaultComboData;
+    // Minutes between autosaved copies of changed projects; 0 turns the autosave off.
+    int AutosaveMinutes = 5;
     // In memory only, reset at every start.
     bool SaveSettingsOnExit = true;
     std::array<int, 4> margins{800, 800, 1400, 800};

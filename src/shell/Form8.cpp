@@ -4,6 +4,7 @@
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
+#include "shell/Recovery.h"
 #include "shell/Settings.h"
 #include "shell/ShellActions.h"
 
@@ -73,9 +74,16 @@ Form8::Form8(MDIForm1& main)
     Check1[2] = new QCheckBox(QStringLiteral("Tallenna ohjelman asetukset lopetettaessa"), general);
     grid->addWidget(Check1[1], 7, 0, 1, 3);
     grid->addWidget(Check1[2], 8, 0, 1, 3);
+    grid->addWidget(
+        new QLabel(QStringLiteral("Palautuskopio muutetuista projekteista (min, 0 = ei kopiota)"), general),
+        9, 0);
+    Text4 = new documents::TextBox(false, general);
+    Text4->setMaximumWidth(60);
+    returnMovesOn(this, Text4);
+    grid->addWidget(Text4, 9, 1, Qt::AlignLeft);
     Command1[5] = new QPushButton(QStringLiteral("Palauta ohjelman alkuperäisasetukset"), general);
-    grid->addWidget(Command1[5], 9, 0, 1, 2, Qt::AlignLeft);
-    grid->setRowStretch(10, 1);
+    grid->addWidget(Command1[5], 10, 0, 1, 2, Qt::AlignLeft);
+    grid->setRowStretch(11, 1);
     SSTab1->addTab(general, QStringLiteral("Yleiset"));
 
     // Automaattinen muotoilu
@@ -150,6 +158,7 @@ void Form8::loadFields() {
     Check2[0]->setChecked(s.AutoFormat);
     for (int i = 0; i < 6; ++i)
         Text2[i]->setText(QString::number(s.BlankLines[i]));
+    Text4->setText(QString::number(s.AutosaveMinutes));
     QStringList office;
     int last = -1;
     for (int i = 0; i < 4; ++i)
@@ -176,6 +185,13 @@ void Form8::saveAndClose() {
         const double v = Text2[i]->text().trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
         // A count that is not a number, or a negative one, keeps the value it had.
         if (ok && v >= 0 && v < 1000) s.BlankLines[i] = static_cast<int>(std::nearbyint(v));
+    }
+    bool ok = false;
+    const int minutes = Text4->text().trimmed().toInt(&ok);
+    // Minutes that are not a whole number in range keep the interval it had.
+    if (ok && minutes >= 0 && minutes <= kMaxAutosaveMinutes) {
+        s.AutosaveMinutes = minutes;
+        m_main.recovery().setInterval(minutes);
     }
     state.OfficeRows = {};
     const QStringList lines = Text3->text().split(QStringLiteral("\r\n"));

@@ -35,10 +35,11 @@ public:
     std::vector<documents::TextBox*> Text1; // 0..5
     std::vector<documents::TextBox*> Text2; // 0..5
     documents::TextBox* Text3 = nullptr;
-    std::vector<QComboBox*> Combo1;     // 0
-    std::vector<QCheckBox*> Check1;     // 1, 2 (index 0 unused)
-    std::vector<QCheckBox*> Check2;     // 0
-    std::vector<QPushButton*> Command1; // 0..5
+    documents::TextBox* Text4 = nullptr; // minutes between autosaved copies
+    std::vector<QComboBox*> Combo1;      // 0
+    std::vector<QCheckBox*> Check1;      // 1, 2 (index 0 unused)
+    std::vector<QCheckBox*> Check2;      // 0
+    std::vector<QPushButton*> Command1;  // 0..5
 
 protected:
     void done(int result) override;

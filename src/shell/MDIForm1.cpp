@@ -15,6 +15,7 @@
 #include "shell/Modes.h"
 #include "shell/Settings.h"
 #include "shell/ProjectFiles.h"
+#include "shell/Recovery.h"
 #include "shell/ShellActions.h"
 #include "shell/frmSplash.h"
 #include "platform/CommonDialog.h"
@@ -56,6 +57,7 @@ MDIForm1::MDIForm1(QWidget* parent)
     : QMainWindow(parent)
     , m_store(std::make_unique<platform::SettingsStore>()) {
     platform::useQtDialogs();
+    m_recovery = new Recovery(*this);
     setWindowTitle(platform::applicationTitle());
     resize(1100, 760);
     auto* central = new QWidget(this);
@@ -96,6 +98,9 @@ MDIForm1::MDIForm1(QWidget* parent)
 MDIForm1::~MDIForm1() {
     // Sub-windows activate one another while they are destroyed; the menus may be gone by then.
     m_shuttingDown = true;
+    // The session's copies go first, before the windows that they watch.
+    delete m_recovery;
+    m_recovery = nullptr;
     disconnect(mdiArea, nullptr, this, nullptr);
 }
 
@@ -347,6 +352,8 @@ void MDIForm1::startUp(bool showSplash) {
     splash.reset();
     setWindowTitle(platform::applicationTitle());
     if (showSplash) show();
+    m_recovery->start(m_state.TempPath, m_state.settings.AutosaveMinutes);
+    m_recovery->offerRecovery();
 }
 
 void MDIForm1::closeEvent(QCloseEvent* event) {
@@ -578,8 +585,8 @@ void MDIForm1::openFromCommandLine(const QString& file) {
     openProjectFile(m_state.CurrentFileName, false);
 }
 
-void MDIForm1::openProjectFile(const QString& file, bool textOnly) {
-    if (FileNameInUse()) return;
+void MDIForm1::openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs) {
+    if (recoveredAs.isEmpty() && FileNameInUse()) return;
     ParsedCaption c = ParseFileName(ActiveCaption());
     bool created = false;
     if (!(c.directory.isEmpty() && c.unchanged && !c.name.isEmpty())) {
@@ -587,7 +594,11 @@ void MDIForm1::openProjectFile(const QString& file, bool textOnly) {
         c = ParseFileName(name);
         created = true;
     }
-    if (!ReadSlFile(*this, c.project(), file, textOnly) && created) {
+    // A project never saved keeps the name of the windows it opens into, so that no two
+    // projects share a name.
+    QString openAs = recoveredAs;
+    if (!openAs.isEmpty() && ParseFileName(openAs).directory.isEmpty()) openAs = c.project();
+    if (!ReadSlFile(*this, c.project(), file, textOnly, openAs) && created) {
         // A project created only for this open goes away again.
         ProjectWindows w = projectWindowsOf(c.project());
         for (documents::ProjectWindow* pw : w.all())
@@ -595,6 +606,10 @@ void MDIForm1::openProjectFile(const QString& file, bool textOnly) {
         ClearStatusBar();
         EnableControlsMDI();
     }
+}
+
+void MDIForm1::openRecoveredProject(const QString& copy, const QString& project) {
+    openProjectFile(copy, false, project);
 }
 
 void MDIForm1::EditMenuClick(int index) {

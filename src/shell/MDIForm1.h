@@ -46,6 +46,7 @@ class PrintSession;
 namespace shell {
 
 class frmSplash;
+class Recovery;
 
 // The four windows of one project; null where a window is not found.
 struct ProjectWindows {
@@ -75,6 +76,11 @@ public:
     // Opens a project named on the command line (or handed over by a later start), as
     // "&Avaa..." would; a ".sl1" or ".sl2" file opens in its base list window.
     void openFromCommandLine(const QString& file);
+    // Opens an autosaved copy as the changed project `project` (a file path, or the name of a
+    // project never saved, which then takes the name of the project it opens into).
+    void openRecoveredProject(const QString& copy, const QString& project);
+    // The autosave of this program's projects.
+    Recovery& recovery() { return *m_recovery; }
 
     // DocumentHost
     AppState& appState() override { return m_state; }
@@ -197,7 +203,7 @@ private:
     void createStatusBar();
     QAction* addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
                      const QKeySequence& shortcut = QKeySequence());
-    void openProjectFile(const QString& file, bool textOnly);
+    void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString());
     void pendingEvents();
     void unloadWindow(documents::ProjectWindow* window);
 
@@ -210,6 +216,7 @@ private:
     QLabel* m_progressText = nullptr;
     bool m_shuttingDown = false;
     QString m_programDirectory;
+    Recovery* m_recovery = nullptr;
 };
 
 } // namespace shell

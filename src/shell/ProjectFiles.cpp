@@ -115,6 +115,51 @@ void writeTemp(const QString& tempPath, const QString& name, const QByteArray& b
 
 } // namespace
 
+QByteArray ProjectContainer(MDIForm1& main, const ProjectWindows& w, bool keepNames, bool progress) {
+    AppState& state = main.appState();
+    auto step = [&](int percent) {
+        if (progress) main.DisplayProgress(percent);
+    };
+    auto temp = [&](const QString& name, const QByteArray& bytes) {
+        if (progress) writeTemp(state.TempPath, name, bytes);
+    };
+    persist::ProjectContent content;
+    const QComboBox* references = w.f2->Combo1[0];
+    for (int i = 0; i < 18 && i < references->count(); ++i)
+        content.referenceItems << references->itemText(i);
+    step(20);
+    content.windows[0] = w.f1->toRecord();
+    step(40);
+    content.windows[1] = w.f2->toRecord();
+    step(80);
+    content.windows[2] = w.f3->toRecord();
+    step(90);
+    content.windows[3] = w.f4->toRecord();
+    // Check box values as the file keeps them: 0 unchecked, 1 checked, 2 greyed.
+    for (const QCheckBox* c : w.f4->Check1)
+        content.checks << QString::number(
+            c->checkState() == Qt::Checked ? 1 : (c->checkState() == Qt::Unchecked ? 0 : 2));
+    w.f2->StoreRichTextDocument();
+    for (int n = 1; n <= 3; ++n) {
+        content.documents[n - 1] = platform::WriteRtf(*w.f2->RichTextBox1[n]->document());
+        temp(QStringLiteral("Tamrik2000_tmp%1.rtf").arg(n), content.documents[n - 1]);
+    }
+
+    persist::Members members;
+    members[0].data = persist::WriteProjectText(content, keepNames);
+    temp(QStringLiteral("~Tamrik30_1.tmp"), members[0].data);
+    for (int k = 0; k < 6; ++k) {
+        const platform::Picture& picture = w.f1->Image1[k]->picture();
+        members[k + 1].type = picture.type();
+        members[k + 1].data = picture.isNull() ? QByteArray() : picture.bytes();
+        temp(QStringLiteral("~Tamrik30_%1.tmp").arg(k + 2), members[k + 1].data);
+    }
+    const QByteArray container = persist::PackContainer(members);
+    temp(QStringLiteral("~Tamrik30.tmp"), container);
+
+    return container;
+}
+
 bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bool keepNames) {
     AppState& state = main.appState();
     const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
@@ -145,40 +190,7 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     }
     FileOperation operation(main, QStringLiteral("Tallentaa tiedostoa..."));
 
-    persist::ProjectContent content;
-    const QComboBox* references = w.f2->Combo1[0];
-    for (int i = 0; i < 18 && i < references->count(); ++i)
-        content.referenceItems << references->itemText(i);
-    main.DisplayProgress(20);
-    content.windows[0] = w.f1->toRecord();
-    main.DisplayProgress(40);
-    content.windows[1] = w.f2->toRecord();
-    main.DisplayProgress(80);
-    content.windows[2] = w.f3->toRecord();
-    main.DisplayProgress(90);
-    content.windows[3] = w.f4->toRecord();
-    // Check box values as the file keeps them: 0 unchecked, 1 checked, 2 greyed.
-    for (const QCheckBox* c : w.f4->Check1)
-        content.checks << QString::number(
-            c->checkState() == Qt::Checked ? 1 : (c->checkState() == Qt::Unchecked ? 0 : 2));
-    w.f2->StoreRichTextDocument();
-    for (int n = 1; n <= 3; ++n) {
-        content.documents[n - 1] = platform::WriteRtf(*w.f2->RichTextBox1[n]->document());
-        writeTemp(state.TempPath, QStringLiteral("Tamrik2000_tmp%1.rtf").arg(n), content.documents[n - 1]);
-    }
-
-    persist::Members members;
-    members[0].data = persist::WriteProjectText(content, keepNames);
-    writeTemp(state.TempPath, QStringLiteral("~Tamrik30_1.tmp"), members[0].data);
-    for (int k = 0; k < 6; ++k) {
-        const platform::Picture& picture = w.f1->Image1[k]->picture();
-        members[k + 1].type = picture.type();
-        members[k + 1].data = picture.isNull() ? QByteArray() : picture.bytes();
-        writeTemp(state.TempPath, QStringLiteral("~Tamrik30_%1.tmp").arg(k + 2), members[k + 1].data);
-    }
-    const QByteArray container = persist::PackContainer(members);
-    writeTemp(state.TempPath, QStringLiteral("~Tamrik30.tmp"), container);
-
+    const QByteArray container = ProjectContainer(main, w, keepNames, true);
     QString error;
     if (!platform::writeFileAtomically(file, container, &error)) {
         platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") +
@@ -200,7 +212,8 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     return true;
 }
 
-bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, bool textOnly) {
+bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, bool textOnly,
+                const QString& openAs) {
     AppState& state = main.appState();
     const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
     if (!w.complete()) return false;
@@ -283,8 +296,12 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     if (!textOnly)
         for (int k = 0; k < 6; ++k)
             if (pictureGiven[k]) w.f1->Image1[k]->setPicture(pictures[k]);
-    main.UpdateRecentFiles(file);
-    main.ChangeFormCaptions(project, file, true);
+    if (openAs.isEmpty()) {
+        main.UpdateRecentFiles(file);
+        main.ChangeFormCaptions(project, file, true);
+    } else {
+        main.ChangeFormCaptions(project, openAs, false);
+    }
     state.Loading = wasLoading;
     EnableControlsPage1(main, w.f1);
     EnableControlsPage(main, w.f2, true);

@@ -71,6 +71,11 @@ void ReadSettingsValues(const platform::SettingsStore& store, AppState& state) {
     s.File1 = store.get(kFiles, QStringLiteral("File1"), d.File1);
     s.File2 = store.get(kFiles, QStringLiteral("File2"), d.File2);
     state.ProgramMode = toInt(store.get(kGeneral, QStringLiteral("ProgramMode"), QStringLiteral("3")), 3);
+    s.AutosaveMinutes =
+        toInt(store.get(kGeneral, QStringLiteral("AutosaveMinutes"), QString::number(d.AutosaveMinutes)),
+              d.AutosaveMinutes);
+    if (s.AutosaveMinutes < 0 || s.AutosaveMinutes > kMaxAutosaveMinutes)
+        s.AutosaveMinutes = d.AutosaveMinutes;
     if (state.ProgramMode < 1 || state.ProgramMode > 3) state.ProgramMode = 3;
     s.StartUpDocument = toInt(store.get(kGui, QStringLiteral("StartUpDocument"), QStringLiteral("0")), 0);
     if (s.StartUpDocument < 0 || s.StartUpDocument > 2) s.StartUpDocument = 0;
@@ -86,6 +91,7 @@ void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) 
     store.save(kGeneral, QStringLiteral("Index"), s.Index);
     store.save(kGeneral, QStringLiteral("IndexBaseYear"), s.IndexBaseYear);
     store.save(kGeneral, QStringLiteral("ProgramMode"), QString::number(state.ProgramMode));
+    store.save(kGeneral, QStringLiteral("AutosaveMinutes"), QString::number(s.AutosaveMinutes));
     store.save(kFormat, QStringLiteral("AutoFormat"),
                s.AutoFormat ? QStringLiteral("True") : QStringLiteral("False"));
     for (int i = 0; i < 6; ++i)

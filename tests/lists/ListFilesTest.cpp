@@ -214,3 +214,28 @@ TEST(ListFilesRegression, AHeaderWithTooManyColumnsIsRefused) {
     EXPECT_TRUE(InitListView(list, wide, ";"));
     EXPECT_EQ(list.cols(), kMaxListColumns + 1);
 }
+
+// Empty lines under a header of 256 columns each became a row of 257 cells: a file of a few
+// megabytes took gigabytes. A file with more cells than its bytes can carry is refused; a list
+// as this program writes it, with every separator, is not.
+TEST(ListFilesRegression, ShortLinesUnderAWideHeaderAreBounded) {
+    QTemporaryDir dir;
+    const QByteArray header = QByteArray(kMaxListColumns - 1, ';') + "\r\n";
+    const QString empty = dir.filePath("tyhjia.csv");
+    writeBytes(empty, header + QByteArray("\r\n").repeated(200000));
+    ListModel list;
+    fill(list, kind::UnitPriceList, {"LITTERA"}, {{"7100"}});
+    ScriptedDialogs dialogs;
+    EXPECT_FALSE(InitListView(list, empty, ";"));
+    EXPECT_TRUE(dialogs.lastText().contains("200000 riviä ja 256 saraketta"))
+        << dialogs.lastText().toStdString();
+    EXPECT_TRUE(dialogs.lastText().contains(empty));
+    EXPECT_EQ(list.cell(1, 1), "7100");
+
+    const QString full = dir.filePath("taysi.csv");
+    writeBytes(full, header + QByteArray(kMaxListColumns - 1, ';').append("\r\n").repeated(20000));
+    dialogs.clear();
+    EXPECT_TRUE(InitListView(list, full, ";"));
+    EXPECT_EQ(list.rows(), 20000);
+    EXPECT_TRUE(dialogs.messages().empty());
+}

@@ -1,6 +1,7 @@
 // Spreadsheet import of files made by LibreOffice (each compared with what LibreOffice shows of
 // it), the row rules of the import, damaged files, and the .xlsx export.
 #include "ListBuilders.h"
+#include "SheetFiles.h"
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "lists/ListFiles.h"
@@ -211,6 +212,49 @@ TEST(SpreadsheetImport, HundredBlankRowsEndTheSheet) {
     EXPECT_EQ(list.rowNumberText(101), "00101");
 }
 
+TEST(SpreadsheetImport, TwelveUsedRowsWithAGapBecomeTwelveRows) {
+    // Rows 3 .. 5 of the sheet are empty, nothing is below row 12, and row 1 is not the list's
+    // header row, so it is a row like any other.
+    QByteArray rows;
+    auto textRow = [](int n) {
+        return QString("<table:table-row><table:table-cell office:value-type=\"string\"><text:p>%1</text:p>"
+                       "</table:table-cell><table:table-cell office:value-type=\"float\" office:value=\"%1\">"
+                       "<text:p>%1</text:p></table:table-cell></table:table-row>")
+            .arg(n)
+            .toUtf8();
+    };
+    for (int r = 1; r <= 12; ++r) {
+        if (r == 3) // rows 3, 4 and 5, stored once
+            rows += "<table:table-row table:number-rows-repeated=\"3\"><table:table-cell/></table:table-row>";
+        else if (r < 3 || r > 5)
+            rows += textRow(r);
+    }
+    rows += "<table:table-row table:number-rows-repeated=\"1048564\"><table:table-cell/></table:table-row>";
+    const QByteArray content =
+        "<?xml version=\"1.0\"?><office:document-content "
+        "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+        "xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\" "
+        "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\"><office:body><office:spreadsheet>"
+        "<table:table table:name=\"A\">" +
+        rows + "</table:table></office:spreadsheet></office:body></office:document-content>";
+    QTemporaryDir dir;
+    const QString path = dir.filePath("kaksitoista.ods");
+    ASSERT_TRUE(sheet_files::writeZip(
+        path, {{"mimetype", "application/vnd.oasis.opendocument.spreadsheet"}, {"content.xml", content}}));
+
+    ListModel list;
+    fill(list, kind::QuantityList, {"LITTERA", "TYÖVAIHE"}, {{"vanha"}});
+    ASSERT_TRUE(ImportListViewXls(list, path));
+    ASSERT_EQ(list.rows(), 12);
+    EXPECT_EQ(list.rowNumberText(1), "00001");
+    EXPECT_EQ(list.rowNumberText(12), "00012");
+    for (int r = 1; r <= 12; ++r) {
+        const QStringList expected =
+            r >= 3 && r <= 5 ? QStringList{"", ""} : QStringList{QString::number(r), QString::number(r)};
+        EXPECT_EQ(lists_test::dataRows(list)[r - 1], expected) << "row " << r;
+    }
+}
+
 TEST(SpreadsheetImport, HeaderRowIsSkippedOnlyWhenItMatches) {
     QTemporaryDir dir;
     ListModel source;
@@ -359,8 +403,9 @@ TEST(SpreadsheetExport, ColumnsWideEnoughForTheirTexts) {
     ASSERT_TRUE(ExportListViewXlsx(list, path));
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QByteArray bytes = f.readAll(); // the archive reads from it
     QString error;
-    const auto zip = sheet::Archive::open(f.readAll(), sheet::Archive::Kind::Zip, &error);
+    const auto zip = sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &error);
     ASSERT_TRUE(zip) << error.toStdString();
     QByteArray xml;
     ASSERT_TRUE(zip->read("xl/worksheets/sheet1.xml", xml, &error));

@@ -1,0 +1,29 @@
+// Spreadsheet import: .xls through FreeXL, .xlsx and .ods through orcus. The libraries read
+// files, so each input is written to a file in memory first, named by what its first bytes say.
+#include "FuzzSupport.h"
+#include "lists/Spreadsheet.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <unistd.h>
+
+TAMRIK_FUZZ_START
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const QByteArray bytes = fuzz::bytes(data, size);
+    const char* extension = ".xls";
+    if (bytes.startsWith("PK")) extension = bytes.indexOf("opendocument") >= 0 ? ".ods" : ".xlsx";
+    static const QString dir =
+        QFileInfo::exists(QStringLiteral("/dev/shm")) ? QStringLiteral("/dev/shm") : QDir::tempPath();
+    const QString name = dir + QStringLiteral("/tamrik-fuzz-%1").arg(getpid()) + QLatin1String(extension);
+    QFile file(name);
+    if (!file.open(QIODevice::WriteOnly)) return 0;
+    file.write(bytes);
+    file.close();
+    std::vector<QStringList> rows;
+    QString error;
+    lists::readFirstSheet(name, 7, rows, &error);
+    QFile::remove(name);
+    return 0;
+}

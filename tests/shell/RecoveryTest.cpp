@@ -1,0 +1,224 @@
+// Autosave and recovery: copies of changed projects in the session folder, and the question at
+// the next start after a program was killed.
+#include "MainWindowFixture.h"
+#include "documents/Controls.h"
+#include "documents/Form1.h"
+#include "documents/Form2.h"
+#include "lists/ListModel.h"
+#include "persist/ProjectFile.h"
+#include "platform/TextFile.h"
+#include "shell/Captions.h"
+#include "shell/Form8.h"
+#include "shell/ProjectFiles.h"
+#include "shell/Recovery.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace shell;
+using platform::MsgAnswer;
+
+namespace {
+
+class RecoveryTest : public MainWindowFixture {
+protected:
+    ProjectWindows project(const QString& name) { return main->projectWindowsOf(name); }
+    std::vector<RecoveredProject> copies() { return recoveryCopies(main->recovery().sessionFolder()); }
+
+    // A program that changes a project (first saved as `savedAs` when given), and with
+    // `newText` a second, never saved project, takes its autosave copies and is killed.
+    void runAndKill(const QString& text, const QString& savedAs = QString(),
+                    const QString& newText = QString()) {
+        const pid_t child = fork();
+        if (child == 0) {
+            shell::MDIForm1 other;
+            other.setProgramDirectory(testing_support::dataDir());
+            other.startUp(false);
+            if (!savedAs.isEmpty()) WriteSlFile(other, QStringLiteral("Projekti1"), savedAs, false);
+            auto change = [&other](const QString& project, const QString& to) {
+                const ProjectWindows w = other.projectWindowsOf(project);
+                w.f1->Text1[0]->setText(to);
+                other.contentChanged(w.f1);
+            };
+            change(ParseFileName(other.ActiveCaption()).project(), text);
+            if (!newText.isEmpty()) change(other.NewProject(), newText);
+            other.recovery().autosave();
+            raise(SIGKILL);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+    }
+
+    // The next start of the program.
+    std::unique_ptr<MDIForm1> restart() {
+        auto next = std::make_unique<MDIForm1>();
+        next->setProgramDirectory(testing_support::dataDir());
+        next->startUp(false);
+        return next;
+    }
+
+    static void closeQuietly(MDIForm1& m) {
+        m.appState().settings.SaveSettingsOnExit = false;
+        for (auto* w : m.projectWindows())
+            m.FormUntouch(w);
+    }
+
+    QTemporaryDir dir;
+};
+
+TEST_F(RecoveryTest, AutosaveCopiesChangedProjectsOnlyAndTouchesNothingElse) {
+    ASSERT_FALSE(main->recovery().sessionFolder().isEmpty());
+    EXPECT_EQ(main->recovery().interval(), 5) << "five minutes unless the settings say otherwise";
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    const QString file = dir.filePath(QStringLiteral("Silta.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    QByteArray saved;
+    ASSERT_TRUE(platform::readFileBytes(file, saved));
+    main->recovery().autosave();
+    EXPECT_TRUE(copies().empty()) << "nothing unsaved, nothing copied";
+
+    const QString project = ParseFileName(file).project();
+    const ProjectWindows w = project.isEmpty() ? p1 : main->projectWindowsOf(project);
+    w.f1->Text1[0]->setText(QStringLiteral("Muutettu silta"));
+    main->contentChanged(w.f1);
+    const QString caption = w.f1->caption();
+    EXPECT_FALSE(CaptionIsUnchanged(caption));
+    main->recovery().autosave();
+
+    const std::vector<RecoveredProject> c = copies();
+    ASSERT_EQ(c.size(), 1u);
+    EXPECT_EQ(c[0].project, project);
+    EXPECT_LE(qAbs(c[0].time.secsTo(QDateTime::currentDateTime())), 60);
+    persist::ProjectFile read;
+    QString error;
+    ASSERT_TRUE(persist::ReadProjectFile(c[0].copy, false, read, &error)) << error.toStdString();
+    EXPECT_EQ(read.content.windows[0].texts.value(0), QStringLiteral("Muutettu silta"));
+    // The user's file, the captions and the changed state are as they were.
+    QByteArray after;
+    ASSERT_TRUE(platform::readFileBytes(file, after));
+    EXPECT_EQ(after, saved);
+    EXPECT_EQ(w.f1->caption(), caption);
+    EXPECT_TRUE(main->appState().RecentFiles[0] == file);
+
+    // A save removes the copy at once.
+    ASSERT_TRUE(WriteSlFile(*main, project, file, false));
+    EXPECT_TRUE(copies().empty());
+
+    // So does closing the project without saving.
+    w.f1->Text1[0]->setText(QStringLiteral("Taas muutettu"));
+    main->contentChanged(w.f1);
+    main->recovery().autosave();
+    EXPECT_EQ(copies().size(), 1u);
+    dialogs.answer(MsgAnswer::No);
+    main->activateWindow(w.f1);
+    EXPECT_FALSE(main->UnloadActiveProject());
+    EXPECT_TRUE(copies().empty());
+
+    // A normal end removes the whole session folder.
+    const QString folder = main->recovery().sessionFolder();
+    EXPECT_TRUE(QFileInfo(folder).isDir());
+    TearDown();
+    EXPECT_FALSE(QFileInfo(folder).exists());
+    SetUp();
+}
+
+TEST_F(RecoveryTest, AKilledProgramsProjectsComeBackAtTheNextStartWithTheQuestion) {
+    const QString file = dir.filePath(QStringLiteral("Kärkölän silta.sl"));
+    runAndKill(QStringLiteral("Tallentamaton muutos"), file, QStringLiteral("Uusi projekti"));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> next = restart();
+    ASSERT_EQ(dialogs.messages().size(), 2u);
+    const QString asked = dialogs.texts().join(QStringLiteral("\n--\n"));
+    const QString when = QDateTime::currentDateTime().toString(QStringLiteral("d.M.yyyy"));
+    EXPECT_TRUE(
+        asked.contains(QStringLiteral("\r\n") + ParseFileName(file).project() + QStringLiteral("\r\n")))
+        << asked.toStdString();
+    EXPECT_TRUE(asked.contains(QStringLiteral("\r\nProjekti2\r\n"))) << asked.toStdString();
+    EXPECT_EQ(asked.count(QStringLiteral("palautuskopio ajalta ") + when), 2) << asked.toStdString();
+
+    // The saved project opens under its own name, changed, with the unsaved change; the one
+    // never saved opens as a new changed project.
+    const ProjectWindows saved = next->projectWindowsOf(ParseFileName(file).project());
+    ASSERT_TRUE(saved.complete());
+    EXPECT_EQ(saved.f1->Text1[0]->text(), QStringLiteral("Tallentamaton muutos"));
+    EXPECT_FALSE(CaptionIsUnchanged(saved.f1->caption()));
+    int unsaved = 0;
+    for (auto* w : next->projectWindows()) {
+        auto* f1 = qobject_cast<documents::Form1*>(w);
+        if (!f1 || f1->Text1[0]->text() != QStringLiteral("Uusi projekti")) continue;
+        ++unsaved;
+        EXPECT_TRUE(ParseFileName(f1->caption()).directory.isEmpty());
+        EXPECT_FALSE(CaptionIsUnchanged(f1->caption()));
+    }
+    EXPECT_EQ(unsaved, 1);
+    EXPECT_TRUE(next->appState().RecentFiles[0].isEmpty()) << "the copy is not a recent file";
+    // The restored projects are this program's now: copied again, and not offered twice.
+    EXPECT_EQ(recoveryCopies(next->recovery().sessionFolder()).size(), 2u);
+    closeQuietly(*next);
+    next.reset();
+
+    dialogs.clear();
+    next = restart();
+    EXPECT_TRUE(dialogs.messages().empty());
+    closeQuietly(*next);
+}
+
+TEST_F(RecoveryTest, NoRemovesTheCopyAndARunningProgramKeepsItsOwn) {
+    // This program has a changed project with a copy: a second program started beside it
+    // leaves that copy alone.
+    const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
+    p1.f1->Text1[0]->setText(QStringLiteral("Käynnissä"));
+    main->contentChanged(p1.f1);
+    main->recovery().autosave();
+    ASSERT_EQ(copies().size(), 1u);
+
+    runAndKill(QStringLiteral("Hylätään"));
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::No);
+    std::unique_ptr<MDIForm1> next = restart();
+    ASSERT_EQ(dialogs.messages().size(), 1u) << "only the killed program's copy is offered";
+    EXPECT_EQ(copies().size(), 1u);
+    for (auto* w : next->projectWindows())
+        if (auto* f1 = qobject_cast<documents::Form1*>(w))
+            EXPECT_NE(f1->Text1[0]->text(), QStringLiteral("Hylätään"));
+    closeQuietly(*next);
+    next.reset();
+
+    dialogs.clear();
+    next = restart();
+    EXPECT_TRUE(dialogs.messages().empty()) << "no removed the copy";
+    closeQuietly(*next);
+}
+
+TEST_F(RecoveryTest, TheIntervalIsASettingAndZeroTurnsTheAutosaveOff) {
+    Form8 settings(*main);
+    EXPECT_EQ(settings.Text4->text(), QStringLiteral("5"));
+    settings.Text4->setText(QStringLiteral("0"));
+    settings.saveAndClose();
+    EXPECT_EQ(main->appState().settings.AutosaveMinutes, 0);
+    EXPECT_EQ(main->recovery().interval(), 0);
+
+    Form8 again(*main);
+    again.Text4->setText(QStringLiteral("kymmenen"));
+    again.saveAndClose();
+    EXPECT_EQ(main->appState().settings.AutosaveMinutes, 0) << "a text that is no number changes nothing";
+
+    Form8 third(*main);
+    third.Text4->setText(QStringLiteral("12"));
+    third.saveAndClose();
+    EXPECT_EQ(main->recovery().interval(), 12);
+    main->SaveSettings();
+    platform::SettingsStore store;
+    EXPECT_EQ(store.get(QStringLiteral("General"), QStringLiteral("AutosaveMinutes")), QStringLiteral("12"));
+}
+
+} // namespace

@@ -1,0 +1,1 @@
+Tämä ei ole projekti.
