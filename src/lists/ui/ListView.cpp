@@ -1,6 +1,7 @@
 #include "lists/ui/ListView.h"
 
 #include "lists/ListModel.h"
+#include "lists/ui/ListEditor.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -13,6 +14,12 @@ namespace {
 constexpr int kTwipsPerPixel = 15;
 constexpr int kMaxAutoWidth = 320;
 } // namespace
+
+ListView::~ListView() {
+    // The editor watches the viewport; it must not see the viewport's last events while this
+    // view is half taken down.
+    if (ListEditor* editor = ListEditor::of(this)) viewport()->removeEventFilter(editor);
+}
 
 ListView::ListView(QWidget* parent)
     : QTreeView(parent) {

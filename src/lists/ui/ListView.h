@@ -2,18 +2,20 @@
 // The list view widget: a QTreeView over a ListModel. The row-number column is hidden, rows
 // are selected whole and several at a time, and the selection lives in the model so that
 // the list procedures see it; the view mirrors it both ways.
+#include "lists/ListModel.h"
+
+#include <QPointer>
 #include <QTreeView>
 
 namespace lists {
-
-class ListModel;
 
 class ListView : public QTreeView {
     Q_OBJECT
 public:
     explicit ListView(QWidget* parent = nullptr);
+    ~ListView() override;
 
-    ListModel* list() const { return m_list; }
+    ListModel* list() const { return m_list.data(); }
     void setList(ListModel* list);
     // The control index of the list in its window (ListView1[index]).
     int index() const { return m_index; }
@@ -54,7 +56,8 @@ private:
     void syncToModel();
     void onScrollRequest(int row);
 
-    ListModel* m_list = nullptr;
+    // The model belongs to the window and may go before the view does.
+    QPointer<ListModel> m_list;
     int m_index = 0;
     bool m_syncing = false;
     QPoint m_lastMouse;
