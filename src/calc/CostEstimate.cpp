@@ -2,6 +2,7 @@
 
 #include "calc/NumberText.h"
 #include "lists/ListProcedures.h"
+#include "lists/Columns.h"
 #include "lists/ListModel.h"
 
 #include <charconv>
@@ -10,10 +11,7 @@ namespace calc {
 
 namespace {
 
-constexpr int kLitteraCol = 1;
-constexpr int kPhaseCol = 2;
-constexpr int kQuantityCol = 4;
-constexpr int kUnitPriceCol = 6;
+using namespace lists::quantityCol;
 
 // Litteras of the superstructure, compared as text on their first four characters.
 const QString kSuperstructureFrom = QStringLiteral("7170");
@@ -60,9 +58,8 @@ double ConversionFactor(const CostInputs& inputs) {
 
 bool NextIsCaption1(const lists::ListModel& list, int row) {
     for (int r = row + 1; r <= list.rows(); ++r) {
-        if (lists::CapitalString(list.cell(r, kPhaseCol))) return true;
-        if (!lists::BlankString(list.cell(r, kQuantityCol)) ||
-            !lists::BlankString(list.cell(r, kUnitPriceCol)))
+        if (lists::CapitalString(list.cell(r, kWorkPhase))) return true;
+        if (!lists::BlankString(list.cell(r, kQuantity)) || !lists::BlankString(list.cell(r, kUnitPrice)))
             return false;
     }
     return true;
@@ -84,7 +81,7 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
         // The road-works caption, or the last row when there is none, closes the bridge block;
         // that row already belongs to the road works. Only the first such caption closes it,
         // so a later heading that mentions the road works does not discard the bridge's sum.
-        if (!bridgeClosed && (i == n || opensRoadWorks(list.cell(i, kPhaseCol)))) {
+        if (!bridgeClosed && (i == n || opensRoadWorks(list.cell(i, kWorkPhase)))) {
             closeBlock(blockSum, generalPercent, factor, rec.bridgeSum, rec.bridgeGeneral, rec.bridgeTotal,
                        rec.bridgeConverted, rec.bridgeRounded);
             rec.bridgeSummaryRow = i - 1;
@@ -96,12 +93,12 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
         }
 
         // A row without a littera stays in the superstructure block of the row above it.
-        const QStringView littera = QStringView(list.cell(i, kLitteraCol)).left(4);
+        const QStringView littera = QStringView(list.cell(i, kLittera)).left(4);
         if (!lists::BlankString(littera))
             superstructure = littera >= kSuperstructureFrom && littera <= kSuperstructureTo;
 
-        const QString& quantity = list.cell(i, kQuantityCol);
-        const QString& unitPrice = list.cell(i, kUnitPriceCol);
+        const QString& quantity = list.cell(i, kQuantity);
+        const QString& unitPrice = list.cell(i, kUnitPrice);
         if (lists::BlankString(quantity) || lists::BlankString(unitPrice)) {
             list.setRowTag(i, QString());
             continue;

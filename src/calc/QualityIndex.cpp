@@ -2,6 +2,7 @@
 
 #include "calc/NumberText.h"
 #include "lists/ListProcedures.h"
+#include "lists/Columns.h"
 #include "lists/ListModel.h"
 
 #include <QLocale>
@@ -11,13 +12,7 @@ namespace calc {
 
 namespace {
 
-constexpr int kLitteraCol = 1;
-constexpr int kIdentifierCol = 2;
-constexpr int kTextCol = 3;
-constexpr int kTypeCol = 4;
-constexpr int kWeightCol = 11;
-constexpr int kResultCol = 21;
-constexpr int kFactorCol = 24;
+using namespace lists::requirementCol;
 
 const QString kCrLf = QStringLiteral("\r\n");
 
@@ -50,7 +45,7 @@ QString typeLine(const QString& label, int count, int checked) {
 
 CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn) {
     CaptionInfo info;
-    const QString& littera = list.cell(row, kLitteraCol);
+    const QString& littera = list.cell(row, kLittera);
     const QString& text = list.cell(row, captionColumn);
     const bool roadWorks = text == lists::kRoadWorksCaption;
     if (!roadWorks && lists::BlankString(littera)) return info;
@@ -84,7 +79,7 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
     };
 
     for (int r = 1; r <= list.rows(); ++r) {
-        const CaptionInfo caption = ListViewCaption(list, r, kTextCol);
+        const CaptionInfo caption = ListViewCaption(list, r, kText);
         if (caption.level == 1) {
             storePhase();
             storeSub();
@@ -99,23 +94,23 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
             subMax = subRealized = 0;
             continue;
         }
-        if (lists::BlankString(list.cell(r, kIdentifierCol))) continue;
+        if (lists::BlankString(list.cell(r, kNumber))) continue;
 
-        const QChar type = firstChar(list.cell(r, kTypeCol));
-        const QChar result = firstChar(list.cell(r, kResultCol));
+        const QChar type = firstChar(list.cell(r, kType));
+        const QChar result = firstChar(list.cell(r, kFulfilled));
         const bool met = result == u'K';
         const bool failed = result == u'E';
         if (type == u'1' || type == u'2') {
             const bool type1 = type == u'1';
             (type1 ? rec.countType1 : rec.countType2)++;
-            const float weight = static_cast<float>(CustomVal(list.cell(r, kWeightCol)));
+            const float weight = static_cast<float>(CustomVal(list.cell(r, kWeight)));
             rec.totalMax += weight;
             phaseMax += weight;
             subMax += weight;
             if (met || failed) {
                 // A failed requirement still earns the share of its weight that its factor says.
                 const float earned =
-                    met ? weight : static_cast<float>(CustomVal(list.cell(r, kFactorCol))) * weight;
+                    met ? weight : static_cast<float>(CustomVal(list.cell(r, kFactor))) * weight;
                 rec.totalRealized += earned;
                 phaseRealized += earned;
                 subRealized += earned;

@@ -1,4 +1,5 @@
 #include "lists/ListEditing.h"
+#include "lists/Columns.h"
 
 #include "lists/ListProcedures.h"
 #include "platform/Dialogs.h"
@@ -14,7 +15,7 @@ namespace lists {
 namespace {
 
 // The requirement type column of both quality kinds.
-constexpr int kTypeColumn = 4;
+constexpr int kTypeColumn = requirementCol::kType;
 
 bool beginsWithOneOrTwo(const QString& text) {
     return text.startsWith(QLatin1Char('1')) || text.startsWith(QLatin1Char('2'));

@@ -4,6 +4,7 @@
 #include "calc/QualityIndex.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
+#include "lists/Columns.h"
 #include "print/PrintRun.h"
 #include "print/Reports.h"
 #include "print/WorkPhase.h"
@@ -15,28 +16,7 @@ namespace print {
 
 namespace {
 
-constexpr int kLittera = 1;
-constexpr int kNumber = 2;
-constexpr int kText = 3;
-constexpr int kType = 4;
-constexpr int kReference = 5;
-constexpr int kRequired = 6;
-constexpr int kLower = 7;
-constexpr int kUpper = 8;
-constexpr int kUnit = 9;
-constexpr int kMethod = 10;
-constexpr int kWeight = 11;
-constexpr int kQualityPlan = 12;
-constexpr int kInspection = 15;
-constexpr int kCount = 16;
-constexpr int kMinimum = 17;
-constexpr int kMaximum = 18;
-constexpr int kMean = 19;
-constexpr int kQualityReportText = 20;
-constexpr int kFulfilled = 21;
-constexpr int kDeviation = 22;
-constexpr int kCorrection = 23;
-constexpr int kFactor = 24;
+using namespace lists::requirementCol;
 
 // Room above and below the text inside a frame, and between two requirements.
 constexpr double kFramePad = 30;

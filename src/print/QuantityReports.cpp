@@ -2,6 +2,7 @@
 #include "calc/NumberText.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
+#include "lists/Columns.h"
 #include "print/PrintRun.h"
 #include "print/Reports.h"
 
@@ -11,13 +12,7 @@ namespace print {
 
 namespace {
 
-constexpr int kLittera = 1;
-constexpr int kWorkPhase = 2;
-constexpr int kPart = 3;
-constexpr int kQuantity = 4;
-constexpr int kUnit = 5;
-constexpr int kUnitPrice = 6;
-constexpr int kRemarks = 7;
+using namespace lists::quantityCol;
 
 // Room between a column's text and the next column.
 constexpr double kGap = 120;
