@@ -11,7 +11,9 @@
 #include <QRandomGenerator>
 #include <QStandardPaths>
 #include <QTimer>
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace platform {
 
@@ -108,6 +110,19 @@ struct Run {
 // itself when it ends, and is not killed when this program ends.
 enum class Kind { Question, MayRunOn };
 
+// The programs started to run on (mail programs) that have not ended yet. They outlive this
+// program on purpose; the list is never freed, so it keeps them accounted for to the end.
+std::vector<QProcess*>& runningOn() {
+    static auto* processes = new std::vector<QProcess*>;
+    return *processes;
+}
+
+void forget(QProcess* process) {
+    auto& running = runningOn();
+    running.erase(std::remove(running.begin(), running.end(), process), running.end());
+    process->deleteLater();
+}
+
 // Runs a program and waits for it at most `wait` milliseconds, letting paint events through
 // but no input, so that nothing is started twice.
 Run runAndWait(const QString& program, const QStringList& arguments, int wait, Kind kind) {
@@ -125,17 +140,18 @@ Run runAndWait(const QString& program, const QStringList& arguments, int wait, K
                          run->finished = true;
                          run->ok = s == QProcess::NormalExit && code == 0;
                          if (question) run->output = process->readAllStandardOutput();
-                         process->deleteLater();
+                         forget(process);
                      });
     QObject::connect(process, &QProcess::errorOccurred, process, [process, run](QProcess::ProcessError e) {
         if (e != QProcess::FailedToStart) return;
         run->finished = true;
-        process->deleteLater();
+        forget(process);
     });
     QEventLoop loop;
     QObject::connect(process, &QProcess::finished, &loop, &QEventLoop::quit);
     QObject::connect(process, &QProcess::errorOccurred, &loop, &QEventLoop::quit);
     QTimer::singleShot(wait, &loop, &QEventLoop::quit);
+    if (!question) runningOn().push_back(process);
     process->start();
     if (!run->finished) loop.exec(QEventLoop::ExcludeUserInputEvents);
     if (!run->finished && question) {

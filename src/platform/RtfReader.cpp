@@ -523,8 +523,12 @@ void Reader::flushBytes() {
 }
 
 void Reader::endFontName() {
-    if (!m_fontName.isEmpty())
-        m_fonts.insert(m_fontNumber, decodeCodePage(m_fontName, fontCodePage(m_fontNumber)).trimmed());
+    // Control characters are no part of a font's name; a name of nothing else names no font, and
+    // text in it takes the default font, as the writer would write it.
+    QString name = decodeCodePage(m_fontName, fontCodePage(m_fontNumber));
+    name.removeIf([](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7F; });
+    name = name.trimmed();
+    if (!name.isEmpty()) m_fonts.insert(m_fontNumber, name);
     m_fontName.clear();
 }
 

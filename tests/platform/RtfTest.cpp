@@ -2,6 +2,7 @@
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
 
+#include <QDir>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTextBlock>
@@ -282,6 +283,20 @@ TEST(Rtf, MangledFilesNeverCrashTheReader) {
         }
     }
     EXPECT_GT(read, 0);
+}
+
+// Inputs the fuzzer found to read but not to write back the same: each must now be stable.
+TEST(Rtf, FuzzedFilesThatReadWriteBackTheSame) {
+    const QDir dir(fixture(QStringLiteral("fuzzed")));
+    const QStringList names = dir.entryList({QStringLiteral("*.rtf")}, QDir::Files, QDir::Name);
+    ASSERT_FALSE(names.isEmpty());
+    for (const QString& name : names) {
+        SCOPED_TRACE(name.toStdString());
+        QTextDocument doc;
+        ASSERT_TRUE(ReadRtf(fixtureBytes(QStringLiteral("fuzzed/") + name), doc));
+        const QByteArray written = WriteRtf(doc);
+        EXPECT_EQ(rewrite(written).toStdString(), written.toStdString());
+    }
 }
 
 TEST(Rtf, FileNameChoosesRichOrPlainText) {
