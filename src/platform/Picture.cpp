@@ -3,11 +3,13 @@
 #include "platform/Metafile.h"
 #include "platform/TextFile.h"
 
+#include <algorithm>
 #include <QBuffer>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <algorithm>
 
 namespace platform {
 
@@ -29,6 +31,8 @@ bool isIco(const QByteArray& b) {
 }
 
 // Decodes a raster image; for an icon the largest of its images.
+constexpr int kMostIconPictures = 64;
+
 QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr) {
     QBuffer buffer;
     buffer.setData(bytes);
@@ -36,7 +40,11 @@ QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr) {
     QImageReader reader(&buffer, format);
     reader.setAutoTransform(true);
     QImage best;
-    const int count = std::max(reader.imageCount(), 1);
+    int count = std::max(reader.imageCount(), 1);
+    // An icon's directory names its pictures in 16 bytes each after a 6-byte header; a count
+    // beyond what the file holds (or beyond any real icon) would decode the same bytes again
+    // and again.
+    if (format) count = std::min({count, kMostIconPictures, std::max(1, int((bytes.size() - 6) / 16))});
     for (int i = 0; i < count; ++i) {
         if (i > 0 && !reader.jumpToImage(i)) break;
         const QImage image = reader.read();

@@ -194,6 +194,19 @@ TEST(Picture, DamagedMetafilesDrawNothingAndDoNotCrash) {
         (void)wmfToSvg(wmf.left(n));
 }
 
+// An icon whose directory claims tens of thousands of pictures (as a fuzzer's input did) still
+// shows the one it holds, without decoding it again for every claimed entry.
+TEST(Picture, IconCountBeyondItsBytesStillShowsItsPicture) {
+    QByteArray icon = encoded("ICO");
+    ASSERT_EQ(icon.mid(2, 4), QByteArray::fromHex("01000100"));
+    icon[4] = char(0x60);
+    icon[5] = char(0xEA); // 60000 pictures
+    const Picture p = Picture::fromBytes(icon, Picture::Icon);
+    ASSERT_FALSE(p.isNull());
+    EXPECT_EQ(p.sizeHint(), QSize(8, 4));
+    EXPECT_EQ(QColor(p.toImage(QSize(8, 4)).pixel(0, 0)), QColor(Qt::red));
+}
+
 TEST(Picture, ClipboardImagesAreStoredAsBitmapsOnWhite) {
     QImage image(4, 2, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
