@@ -4,6 +4,7 @@
 #include "print/PrintRun.h"
 #include "print/ui/PrintHost.h"
 #include "print/ui/PrintIcons.h"
+#include "platform/ui/Icons.h"
 
 #include <QAction>
 #include <QKeyEvent>
@@ -61,31 +62,6 @@ private:
     bool m_dragging = false;
     QPoint m_pressed;
 };
-
-QIcon drawnIcon(const QString& key) {
-    QPixmap pm(32, 32);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(40, 40, 40), 2.2));
-    if (key == QLatin1String("Zoom out") || key == QLatin1String("Zoom in")) {
-        p.setBrush(Qt::white);
-        p.drawEllipse(QPointF(13, 13), 9, 9);
-        p.drawLine(QPointF(19.5, 19.5), QPointF(28, 28));
-        p.drawLine(QPointF(8.5, 13), QPointF(17.5, 13));
-        if (key == QLatin1String("Zoom in")) p.drawLine(QPointF(13, 8.5), QPointF(13, 17.5));
-    } else if (key == QLatin1String("Pdf")) {
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(6, 2, 20, 28));
-        QFont f = p.font();
-        f.setPixelSize(9);
-        f.setBold(true);
-        p.setFont(f);
-        p.setPen(QColor(170, 20, 20));
-        p.drawText(QRectF(6, 10, 20, 12), Qt::AlignCenter, QStringLiteral("PDF"));
-    }
-    return QIcon(pm);
-}
 
 } // namespace
 
@@ -161,15 +137,15 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     connect(next, &QAction::triggered, this, [this] { PrintPreviewPage(1); });
     Toolbar1->addSeparator();
     addToolButton(QStringLiteral("Zoom out"), QStringLiteral("Loitonna sivua"),
-                  drawnIcon(QStringLiteral("Zoom out")), &Form12::zoomOut);
+                  platform::toolIcon(QStringLiteral("ZoomOut")), &Form12::zoomOut);
     addToolButton(QStringLiteral("Zoom in"), QStringLiteral("Lähennä sivua"),
-                  drawnIcon(QStringLiteral("Zoom in")), &Form12::zoomIn);
+                  platform::toolIcon(QStringLiteral("ZoomIn")), &Form12::zoomIn);
     Toolbar1->addSeparator();
     QAction* printButton =
         addToolButton(QStringLiteral("Print"), QStringLiteral("Tulosta..."), printerIcon(), nullptr);
     connect(printButton, &QAction::triggered, this, [this] { done(Print); });
     QAction* pdfButton = addToolButton(QStringLiteral("Pdf"), QStringLiteral("Tulosta PDF-tiedostoon..."),
-                                       drawnIcon(QStringLiteral("Pdf")), nullptr);
+                                       platform::toolIcon(QStringLiteral("Pdf")), nullptr);
     connect(pdfButton, &QAction::triggered, this, [this] { done(Pdf); });
 
     m_canvas = new PreviewCanvas(*this);
