@@ -33,6 +33,7 @@ quint32 word32(const QByteArray& b, qsizetype at) {
 constexpr quint32 kPlaceableKey = 0x9AC6CDD7;
 constexpr qsizetype kPlaceableSize = 22;
 constexpr qsizetype kWmfHeaderSize = 18;
+constexpr qsizetype kMaxRecordAt = 12;        // in the standard header: the largest record, in words
 constexpr quint32 kEmfSignature = 0x464D4520; // " EMF"
 constexpr qsizetype kEmfHeaderSize = 88;
 
@@ -195,6 +196,12 @@ QByteArray wmfToSvg(const QByteArray& wmf, QString* error) {
         return {};
     }
     QByteArray input = wmf; // the library reads through a non-const pointer
+    // The library sets aside room for the largest record the header names; no record can be
+    // longer than the file, so a larger figure (a damaged header) is brought down to that.
+    const qsizetype header = word32(input, 0) == kPlaceableKey ? kPlaceableSize : 0;
+    const quint32 mostWords = static_cast<quint32>((input.size() - header) / 2);
+    if (word32(input, header + kMaxRecordAt) > mostWords)
+        qToLittleEndian(mostWords, input.data() + header + kMaxRecordAt);
     wmfAPI_Options options{};
     options.function = wmf_svg_function;
     const unsigned long flags =

@@ -33,11 +33,31 @@ qreal pointSizeOf(const QTextCharFormat& f, qreal fallback) {
     return fallback > 0 ? fallback : 12;
 }
 
+// The code page's byte of a character, or -1.
+int cp1252Byte(char16_t c) {
+    QString bad;
+    const QByteArray b = toCp1252(QString(QChar(c)), &bad);
+    return bad.isEmpty() ? static_cast<uchar>(b[0]) : -1;
+}
+
+// A font name as the font table can hold it and a reader gives it back: in the code page the
+// table names (others become "?"), without control characters or the ";" that ends a name, and
+// without spaces at its ends.
+QString writableFontName(const QString& name) {
+    QString out;
+    for (const QChar ch : name) {
+        const char16_t c = ch.unicode();
+        if (c < 0x20 || c == 0x7F || c == u';') continue;
+        out += c >= 0x80 && cp1252Byte(c) < 0 ? QChar(u'?') : ch;
+    }
+    return out.trimmed();
+}
+
 QString familyOf(const QTextCharFormat& f, const QFont& base) {
     const QStringList families = f.fontFamilies().toStringList();
-    if (!families.isEmpty() && !families.first().isEmpty()) return families.first();
-    if (const QString family = f.stringProperty(QTextFormat::FontFamily); !family.isEmpty()) return family;
-    return base.family();
+    QString family = families.isEmpty() ? QString() : writableFontName(families.first());
+    if (family.isEmpty()) family = writableFontName(f.stringProperty(QTextFormat::FontFamily));
+    return family.isEmpty() ? writableFontName(base.family()) : family;
 }
 
 class Tables {
@@ -113,13 +133,6 @@ const char* fontFamilyKeyword(const QString& name) {
         return "\\fswiss";
     if (n.contains(QLatin1String("symbol"))) return "\\ftech";
     return "\\fnil";
-}
-
-// The code page's byte of a character, or -1.
-int cp1252Byte(char16_t c) {
-    QString bad;
-    const QByteArray b = toCp1252(QString(QChar(c)), &bad);
-    return bad.isEmpty() ? static_cast<uchar>(b[0]) : -1;
 }
 
 class Writer {
