@@ -36,6 +36,8 @@ constexpr qsizetype kWmfHeaderSize = 18;
 constexpr qsizetype kMaxRecordAt = 12;        // in the standard header: the largest record, in words
 constexpr quint32 kEmfSignature = 0x464D4520; // " EMF"
 constexpr qsizetype kEmfHeaderSize = 88;
+constexpr qsizetype kEmfDescriptionAt = 60; // its length in UTF-16 units, then its offset
+constexpr qsizetype kEmfPixelFormatAt = 88; // its size in bytes, then its offset
 
 bool standardWmfHeaderAt(const QByteArray& b, qsizetype at) {
     if (b.size() < at + kWmfHeaderSize) return false;
@@ -249,6 +251,26 @@ QByteArray emfToSvg(const QByteArray& emf, QString* error) {
         return {};
     }
     QByteArray input = emf;
+    // The converter reads the header's description (and pixel format) wherever the header says,
+    // and reads a description of no stated length up to a zero it may never find: a part that
+    // does not lie inside the header record is taken out of the copy it reads.
+    const quint32 headerSize = word32(input, 4);
+    if (headerSize > input.size()) {
+        if (error) *error = damaged();
+        return {};
+    }
+    auto insideHeader = [&](quint32 offset, quint64 length) {
+        return length > 0 && offset >= kEmfHeaderSize && offset + length <= headerSize;
+    };
+    if (!insideHeader(word32(input, kEmfDescriptionAt + 4), 2ull * word32(input, kEmfDescriptionAt))) {
+        qToLittleEndian(quint32(0), input.data() + kEmfDescriptionAt);
+        qToLittleEndian(quint32(0), input.data() + kEmfDescriptionAt + 4);
+    }
+    if (headerSize >= kEmfPixelFormatAt + 8 &&
+        !insideHeader(word32(input, kEmfPixelFormatAt + 4), word32(input, kEmfPixelFormatAt))) {
+        qToLittleEndian(quint32(0), input.data() + kEmfPixelFormatAt);
+        qToLittleEndian(quint32(0), input.data() + kEmfPixelFormatAt + 4);
+    }
     generatorOptions options{};
     options.nameSpace = const_cast<char*>(""); // a prefix makes the XML invalid
     options.verbose = false;
