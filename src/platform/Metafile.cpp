@@ -274,7 +274,10 @@ QByteArray emfToSvg(const QByteArray& emf, QString* error) {
     generatorOptions options{};
     options.nameSpace = const_cast<char*>(""); // a prefix makes the XML invalid
     options.verbose = false;
-    options.emfplus = true;
+    // EMF+ records ride inside comment records, and the converter's EMF+ reader reads past
+    // their ends on damaged files; the plain EMF records that every dual file also holds draw
+    // the same picture.
+    options.emfplus = false;
     options.svgDelimiter = true;
     char* out = nullptr;
     size_t outLength = 0;

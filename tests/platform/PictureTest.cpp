@@ -207,6 +207,15 @@ TEST(Picture, IconCountBeyondItsBytesStillShowsItsPicture) {
     EXPECT_EQ(QColor(p.toImage(QSize(8, 4)).pixel(0, 0)), QColor(Qt::red));
 }
 
+// A fuzzer's metafile whose EMF+ comment runs past its record: the plain records still draw the
+// picture, and nothing reads outside the file (the checked build would stop on it).
+TEST(Picture, MetafileWithADamagedEmfPlusCommentDrawsItsPlainRecords) {
+    const QByteArray bytes = bytesOf(fixture(QStringLiteral("fuzzed/emf-plus-overrun.emf")));
+    const Picture p = Picture::fromBytes(bytes, Picture::EnhancedMetafile);
+    ASSERT_FALSE(p.isNull());
+    EXPECT_GT(nonWhitePixels(p.toImage(QSize(80, 60))), 50);
+}
+
 TEST(Picture, ClipboardImagesAreStoredAsBitmapsOnWhite) {
     QImage image(4, 2, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
