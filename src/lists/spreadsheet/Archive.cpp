@@ -17,6 +17,7 @@ namespace {
 
 // No member of a spreadsheet comes near this; a larger promise is a damaged or hostile file.
 constexpr qint64 kLargestMember = qint64(1) << 30;
+constexpr qint64 kDeflateRatio = 1032;
 
 struct Unref {
     void operator()(gpointer p) const {
@@ -114,8 +115,13 @@ bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
         if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" puuttuu");
         return false;
     }
+    // Deflate packs at most about 1032 bytes into one, so a member cannot unpack to more than
+    // that many times the whole file; a larger size is a damaged entry (and libgsf may fill
+    // what the data does not hold).
     const gsf_off_t size = gsf_input_size(input.get());
-    if (size < 0 || size > kLargestMember) {
+    const gsf_off_t most =
+        std::min<gsf_off_t>(kLargestMember, gsf_input_size(m_handles->source.get()) * kDeflateRatio + 1024);
+    if (size < 0 || size > most) {
         if (error) *error = QStringLiteral("osan ") + path + QStringLiteral(" koko on mahdoton");
         return false;
     }
