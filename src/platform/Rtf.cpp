@@ -135,10 +135,22 @@ const char* fontFamilyKeyword(const QString& name) {
     return "\\fnil";
 }
 
+// The characters that RTF can hold: controls other than the tab and object placeholders go.
+QString rtfText(const QString& s) {
+    QString out;
+    out.reserve(s.size());
+    for (const QChar ch : s) {
+        const char16_t c = ch.unicode();
+        if ((c < 0x20 && c != u'\t') || c == 0xFFFC) continue;
+        out.append(ch);
+    }
+    return out;
+}
+
 class Writer {
 public:
-    // Text: ASCII as it is, Windows-1252 as \'hh, the rest as \uN with "?" for readers without
-    // Unicode.
+    // Text (as rtfText leaves it): ASCII as it is, Windows-1252 as \'hh, the rest as \uN with
+    // "?" for readers without Unicode.
     void text(const QString& s) {
         for (const QChar ch : s) {
             const char16_t c = ch.unicode();
@@ -146,8 +158,6 @@ public:
                 word("\\tab");
             } else if (c == 0x2028) {
                 word("\\line");
-            } else if (c < 0x20 || c == 0xFFFC) {
-                continue; // controls and object placeholders have no RTF text
             } else if (c < 0x80) {
                 if (m_delimit) m_out.append(' ');
                 m_delimit = false;
@@ -231,12 +241,15 @@ QByteArray WriteRtf(const QTextDocument& document) {
         block.format = b.blockFormat();
         for (auto it = b.begin(); !it.atEnd(); ++it) {
             const QTextFragment fragment = it.fragment();
-            if (!fragment.isValid() || fragment.length() == 0) continue;
+            if (!fragment.isValid()) continue;
+            // Text of controls alone writes nothing; its format switches would read back as nothing.
+            const QString text = rtfText(fragment.text());
+            if (text.isEmpty()) continue;
             const Effective e = effective(fragment.charFormat(), base, tables);
             if (!block.pieces.empty() && block.pieces.back().format == e)
-                block.pieces.back().text += fragment.text();
+                block.pieces.back().text += text;
             else
-                block.pieces.push_back(Piece{fragment.text(), e});
+                block.pieces.push_back(Piece{text, e});
         }
         if (block.pieces.empty()) block.empty = effective(b.charFormat(), base, tables);
         blocks.push_back(std::move(block));
