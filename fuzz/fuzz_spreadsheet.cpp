@@ -1,6 +1,7 @@
 // Spreadsheet import (.xls, .xlsx, .ods) as a user imports a file: each input is written to a
 // file in memory first, named by what its first bytes say, and read by its name.
 #include "FuzzSupport.h"
+#include "common/SlowUnwinder.h"
 #include "lists/Spreadsheet.h"
 
 #include <glib.h>
@@ -9,13 +10,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <unistd.h>
-
-// libgsf loses a little memory on some damaged OLE files (see cmake/lsan.supp). Its frames are
-// found only by the slow unwinder, since GLib has no frame pointers; without them the suppression
-// could not tell that leak from one of ours.
-extern "C" const char* __asan_default_options() {
-    return "fast_unwind_on_malloc=0:malloc_context_size=10";
-}
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     fuzz::start(argc, argv);

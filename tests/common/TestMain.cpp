@@ -1,6 +1,7 @@
 // Test start-up shared by every test executable: a QApplication on the offscreen platform,
 // settings in a temporary folder, and a pinned locale, so that no test depends on the user's
 // display, settings or regional format.
+#include "common/SlowUnwinder.h"
 #include "common/TestSupport.h"
 
 #include <QApplication>
@@ -31,17 +32,6 @@ QString dataDir() {
 }
 
 } // namespace testing_support
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-// In the checked build: libgsf loses a little memory on some damaged OLE files (cmake/lsan.supp
-// names it). GLib has no frame pointers, so only the slow unwinder finds libgsf's frames, and
-// without them the suppression could not tell that leak from one of ours.
-extern "C" const char* __asan_default_options() {
-    return "fast_unwind_on_malloc=0:malloc_context_size=10";
-}
-#endif
-#endif
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
