@@ -6,6 +6,7 @@
 #include "documents/Form10.h"
 #include "documents/Form2.h"
 #include "documents/Form9.h"
+#include "lists/Columns.h"
 #include "lists/ListEditing.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
@@ -40,9 +41,7 @@ namespace {
 constexpr int kWindowSlot = 5;
 constexpr int kHelpTopic = 250;
 constexpr int kSlotsPerRow = 4;
-namespace col = requirement_col;
-// The requirement card's second pane, the inspection, starts at this column.
-constexpr int kInspectionCol = 15;
+namespace col = lists::requirementCol;
 
 // Menu items of "&Tiedosto" and "&Selaa" by their key.
 const char* const kFileKeys[] = {
@@ -54,7 +53,8 @@ const char* const kEditKeys[] = {"New",   "Dublicate", "New to end", "Delete all
 
 // How many grid slots a short field takes: file names the whole row, references two.
 int slotsOf(const CardField& f, bool quality) {
-    if (quality && (f.column == col::Document || f.column == col::Attachment)) return kSlotsPerRow;
+    if (quality && (f.column == col::kWorkDescriptionFile || f.column == col::kReferenceFile))
+        return kSlotsPerRow;
     if (f.header.trimmed().toUpper() == QLatin1String("VIITE")) return 2;
     return 1;
 }
@@ -329,7 +329,7 @@ bool Form5::ShowListViewEditor(lists::ListView* view) {
     }
     // An inspection starts at the result; any other card at its first field.
     QWidget* start = nullptr;
-    if (check && comboOfColumn(col::Result)) start = comboOfColumn(col::Result);
+    if (check && comboOfColumn(col::kFulfilled)) start = comboOfColumn(col::kFulfilled);
     if (start)
         start->setFocus(Qt::OtherFocusReason);
     else
@@ -394,7 +394,8 @@ void Form5::buildCard() {
     };
     newPane(quality ? QStringLiteral("Laatuvaatimus") : QString());
     for (const CardField& f : m_fields) {
-        if (quality && f.column == kInspectionCol) newPane(QStringLiteral("Tarkastus ja raportointi"));
+        // The requirement card's second pane, the inspection, starts at the inspection text.
+        if (quality && f.column == col::kInspection) newPane(QStringLiteral("Tarkastus ja raportointi"));
         auto* label = new QLabel(f.header, card);
         label->setTextFormat(Qt::PlainText);
         // Room above the capitals for the dots of Ä and Ö.
@@ -439,12 +440,12 @@ void Form5::buildCard() {
             connect(combo, &ComboBox::returnPressed, this, [this] { focusNextChild(); });
             combo->installEventFilter(this);
             combo->lineEdit()->installEventFilter(this);
-            if (quality && (f.column == col::Document || f.column == col::Attachment)) {
+            if (quality && (f.column == col::kWorkDescriptionFile || f.column == col::kReferenceFile)) {
                 connect(combo, &ComboBox::changed, this, [this] {
-                    SubMenu0[0]->setEnabled(comboOfColumn(col::Document) &&
-                                            !comboOfColumn(col::Document)->text().isEmpty());
-                    SubMenu0[1]->setEnabled(comboOfColumn(col::Attachment) &&
-                                            !comboOfColumn(col::Attachment)->text().isEmpty());
+                    SubMenu0[0]->setEnabled(comboOfColumn(col::kWorkDescriptionFile) &&
+                                            !comboOfColumn(col::kWorkDescriptionFile)->text().isEmpty());
+                    SubMenu0[1]->setEnabled(comboOfColumn(col::kReferenceFile) &&
+                                            !comboOfColumn(col::kReferenceFile)->text().isEmpty());
                 });
             }
         }
@@ -452,16 +453,16 @@ void Form5::buildCard() {
     if (slot > 0) gridRow += 2;
 
     // The rules follow what the user picks for the type, the method and the result.
-    for (int column : {col::Type, col::Method, col::Result}) {
+    for (int column : {col::kType, col::kMethod, col::kFulfilled}) {
         ComboBox* combo = quality ? comboOfColumn(column) : nullptr;
         if (!combo) continue;
         connect(combo, &QComboBox::activated, this, [this, column] {
-            if (column == col::Type && !checkContractorType()) return;
+            if (column == col::kType && !checkContractorType()) return;
             EnableControlsForm5();
         });
         connect(combo->lineEdit(), &QLineEdit::editingFinished, this, [this, column] {
             if (m_loading || !isVisible()) return;
-            if (column == col::Type && !checkContractorType()) return;
+            if (column == col::kType && !checkContractorType()) return;
             EnableControlsForm5();
         });
     }
@@ -520,8 +521,8 @@ void Form5::ImportToEditor() {
 
     const QString kind = model->kind();
     QString title = platform::applicationTitle() + QStringLiteral(" (") + kind + QLatin1Char(')');
-    if (lists::isQualityKind(kind) && m_row > 0 && !lists::BlankString(model->cell(m_row, col::Identifier)))
-        title += QStringLiteral(" - ") + model->cell(m_row, col::Identifier).trimmed();
+    if (lists::isQualityKind(kind) && m_row > 0 && !lists::BlankString(model->cell(m_row, col::kNumber)))
+        title += QStringLiteral(" - ") + model->cell(m_row, col::kNumber).trimmed();
     setWindowTitle(title);
     // Where the row stands: its place in the list and the work phase it belongs to.
     QStringList status{m_row > 0 ? QStringLiteral("Rivi %1/%2").arg(m_row).arg(model->rows())
@@ -560,8 +561,8 @@ void Form5::EnableControlsForm5() {
     SubMenu0[0]->setEnabled(quality && rules.openDocument);
     SubMenu0[1]->setEnabled(quality && rules.openAttachment);
     // A file can be looked for only into a field that may be changed.
-    ComboBox* document = comboOfColumn(col::Document);
-    ComboBox* attachment = comboOfColumn(col::Attachment);
+    ComboBox* document = comboOfColumn(col::kWorkDescriptionFile);
+    ComboBox* attachment = comboOfColumn(col::kReferenceFile);
     SubMenu0[3]->setEnabled(quality && document && !document->locked());
     SubMenu0[4]->setEnabled(quality && attachment && !attachment->locked());
 }
@@ -576,7 +577,7 @@ void Form5::touch() {
 }
 
 bool Form5::checkContractorType() {
-    ComboBox* type = comboOfColumn(col::Type);
+    ComboBox* type = comboOfColumn(col::kType);
     lists::ListModel* model = list();
     if (!type || !model || type->locked() || m_checkingType) return true;
     if (!ContractorTypeRefused(m_host.appState().ProgramMode, model->kind(), type->text())) return true;
@@ -597,7 +598,7 @@ bool Form5::UpdateRow() {
     lists::ListModel* model = list();
     if (!model || m_row < 1 || m_row > model->rows()) return false;
     if (NeedsIdentifier(model->kind())) {
-        ComboBox* identifier = comboOfColumn(col::Identifier);
+        ComboBox* identifier = comboOfColumn(col::kNumber);
         if (identifier && lists::BlankString(identifier->text())) {
             platform::MsgBox(identifierMessage(), platform::MsgIcon::Information);
             identifier->setFocus(Qt::OtherFocusReason);
@@ -644,8 +645,8 @@ void Form5::BrowseRow(int distance) {
 bool Form5::CheckAndBrowseNext() {
     lists::ListModel* model = list();
     if (!model || m_row < 1 || !CheckAllowed(model->kind(), m_host.appState().ProgramMode)) return false;
-    ComboBox* identifier = comboOfColumn(col::Identifier);
-    ComboBox* result = comboOfColumn(col::Result);
+    ComboBox* identifier = comboOfColumn(col::kNumber);
+    ComboBox* result = comboOfColumn(col::kFulfilled);
     if (!result) return false;
     if (identifier && lists::BlankString(identifier->text())) {
         platform::MsgBox(identifierMessage(), platform::MsgIcon::Information);
@@ -672,7 +673,7 @@ void Form5::AddRow(int how) {
         m_loading = false;
     }
     // A contractor's copy of a bridge-specific requirement becomes an advisory one.
-    ComboBox* type = comboOfColumn(col::Type);
+    ComboBox* type = comboOfColumn(col::kType);
     if (type && mode == 2 && model->kind() == lists::kind::Requirements && ProtectedRequirement(type->text()))
         type->setText(QStringLiteral("3 (ohjeellinen)"));
     const int position =
@@ -729,13 +730,13 @@ void Form5::ToolbarClick(const QString& key) {
     } else if (key == QLatin1String("Find") || key == QLatin1String("Index")) {
         showIndex();
     } else if (key == QLatin1String("Browse document")) {
-        browseFile(col::Document);
+        browseFile(col::kWorkDescriptionFile);
     } else if (key == QLatin1String("Browse attachment")) {
-        browseFile(col::Attachment);
+        browseFile(col::kReferenceFile);
     } else if (key == QLatin1String("Open document")) {
-        openFile(col::Document);
+        openFile(col::kWorkDescriptionFile);
     } else if (key == QLatin1String("Open attachment")) {
-        openFile(col::Attachment);
+        openFile(col::kReferenceFile);
     } else if (key == QLatin1String("Close")) {
         reject();
     }

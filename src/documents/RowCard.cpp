@@ -2,24 +2,42 @@
 
 #include "calc/QualityIndex.h"
 #include "documents/CardText.h"
+#include "lists/Columns.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "platform/Dialogs.h"
+
+#include <algorithm>
+#include <array>
 
 namespace documents {
 
 namespace {
 
-namespace col = requirement_col;
+namespace col = lists::requirementCol;
 
-// Drop-down indices of the requirement card.
-constexpr int kTypeCombo = 2;
-constexpr int kMethodCombo = 8;
-constexpr int kWeightCombo = 9;
-constexpr int kDocumentCombo = 10;
-constexpr int kAttachmentCombo = 11;
-constexpr int kResultCombo = 16;
-constexpr int kFactorCombo = 17;
+// The long-text columns of the two requirement kinds: each has a text box, every other column
+// a drop-down.
+constexpr std::array kRequirementLongTexts{col::kText,       col::kQualityPlan,
+                                           col::kInspection, col::kQualityReportText,
+                                           col::kDeviation,  col::kCorrection};
+
+// The drop-down index of a requirement column: drop-downs count from 0 in column order and skip
+// the long-text columns (as CardFields numbers them).
+constexpr int requirementCombo(int column) {
+    int index = column - 1;
+    for (int c : kRequirementLongTexts)
+        if (c < column) --index;
+    return index;
+}
+
+constexpr int kTypeCombo = requirementCombo(col::kType);
+constexpr int kMethodCombo = requirementCombo(col::kMethod);
+constexpr int kWeightCombo = requirementCombo(col::kWeight);
+constexpr int kDocumentCombo = requirementCombo(col::kWorkDescriptionFile);
+constexpr int kAttachmentCombo = requirementCombo(col::kReferenceFile);
+constexpr int kResultCombo = requirementCombo(col::kFulfilled);
+constexpr int kFactorCombo = requirementCombo(col::kFactor);
 
 QChar firstUpper(const QString& text) {
     return text.isEmpty() ? QChar() : text.front().toUpper();
@@ -36,8 +54,8 @@ QStringList fromUtf8(std::initializer_list<const char*> items) {
 
 bool IsLongTextColumn(const QString& kind, int column) {
     if (lists::isQualityKind(kind))
-        return column == col::Text || column == col::PlanText || column == col::InspectionText ||
-               column == col::ReportText || column == 22 || column == 23;
+        return std::find(kRequirementLongTexts.begin(), kRequirementLongTexts.end(), column) !=
+               kRequirementLongTexts.end();
     if (lists::isQuantityKind(kind)) return column == 2 || column == 7;
     if (kind == lists::kind::Changes) return column == 3;
     return false;
@@ -151,8 +169,8 @@ bool BrowseQualifies(const lists::ListModel& list, int row, int code) {
         return calc::ListViewCaption(list, row, lists::headingColumn(list)).level > 0;
     if (!lists::isQualityKind(kind)) return !lists::BlankListItem(list, row).blank;
 
-    if (code <= browse::Type3 && lists::BlankString(list.cell(row, col::Identifier))) return false;
-    const QString& result = list.cell(row, col::Result);
+    if (code <= browse::Type3 && lists::BlankString(list.cell(row, col::kNumber))) return false;
+    const QString& result = list.cell(row, col::kFulfilled);
     switch (code) {
         case browse::Any:
             return true;
@@ -165,26 +183,26 @@ bool BrowseQualifies(const lists::ListModel& list, int row, int code) {
         case browse::Met:
             return firstUpper(result) == QLatin1Char('K');
         case browse::Measurement:
-            return firstUpper(list.cell(row, col::Method)) == QLatin1Char('M');
+            return firstUpper(list.cell(row, col::kMethod)) == QLatin1Char('M');
         case browse::Review:
-            return firstUpper(list.cell(row, col::Method)) == QLatin1Char('K');
+            return firstUpper(list.cell(row, col::kMethod)) == QLatin1Char('K');
         case browse::Certificate:
-            return firstUpper(list.cell(row, col::Method)) == QLatin1Char('A');
+            return firstUpper(list.cell(row, col::kMethod)) == QLatin1Char('A');
         case browse::Type1:
-            return firstUpper(list.cell(row, col::Type)) == QLatin1Char('1');
+            return firstUpper(list.cell(row, col::kType)) == QLatin1Char('1');
         case browse::Type2:
-            return firstUpper(list.cell(row, col::Type)) == QLatin1Char('2');
+            return firstUpper(list.cell(row, col::kType)) == QLatin1Char('2');
         case browse::Type3:
-            return firstUpper(list.cell(row, col::Type)) == QLatin1Char('3');
+            return firstUpper(list.cell(row, col::kType)) == QLatin1Char('3');
         case browse::PlanText:
-            return !lists::BlankString(list.cell(row, col::PlanText));
+            return !lists::BlankString(list.cell(row, col::kQualityPlan));
         case browse::InspectionText:
-            return !lists::BlankString(list.cell(row, col::InspectionText));
+            return !lists::BlankString(list.cell(row, col::kInspection));
         case browse::ReportText:
-            return !lists::BlankString(list.cell(row, col::ReportText));
+            return !lists::BlankString(list.cell(row, col::kQualityReportText));
         case browse::ReferenceFile:
-            return !lists::BlankString(list.cell(row, col::Document)) ||
-                   !lists::BlankString(list.cell(row, col::Attachment));
+            return !lists::BlankString(list.cell(row, col::kWorkDescriptionFile)) ||
+                   !lists::BlankString(list.cell(row, col::kReferenceFile));
         default:
             return false;
     }

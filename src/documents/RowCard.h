@@ -17,20 +17,6 @@ class ListModel;
 
 namespace documents {
 
-// Columns of the two requirement kinds that the card's rules read.
-namespace requirement_col {
-inline constexpr int Identifier = 2;
-inline constexpr int Text = 3;
-inline constexpr int Type = 4;
-inline constexpr int Method = 10;
-inline constexpr int PlanText = 12;
-inline constexpr int Document = 13;
-inline constexpr int Attachment = 14;
-inline constexpr int InspectionText = 15;
-inline constexpr int ReportText = 20;
-inline constexpr int Result = 21;
-} // namespace requirement_col
-
 // One field of the card: a column shown in a multi-line box (Text1[index]) or in an editable
 // drop-down (Combo1[index]).
 struct CardField {
