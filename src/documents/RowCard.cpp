@@ -56,7 +56,8 @@ bool IsLongTextColumn(const QString& kind, int column) {
     if (lists::isQualityKind(kind))
         return std::find(kRequirementLongTexts.begin(), kRequirementLongTexts.end(), column) !=
                kRequirementLongTexts.end();
-    if (lists::isQuantityKind(kind)) return column == 2 || column == 7;
+    if (lists::isQuantityKind(kind))
+        return column == lists::quantityCol::kWorkPhase || column == lists::quantityCol::kRemarks;
     if (kind == lists::kind::Changes) return column == 3;
     return false;
 }
