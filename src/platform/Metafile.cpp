@@ -3,6 +3,7 @@
 #include "platform/Cp1252.h"
 
 #include <QColor>
+#include <QFile>
 #include <QRegularExpression>
 #include <QtEndian>
 #include <algorithm>
@@ -179,6 +180,47 @@ void wrapDrawing(wmfAPI* api, SvgCapture& capture) {
     f->region_paint = noting<wmfPolyRectangle_t, &R::region_paint>;
 }
 
+// Text in a metafile is measured (for centred and right-aligned strings) with the font its name
+// maps to. The library's own standard fonts are Type 1 files that FreeType parses whole, for
+// every metafile again, which made showing a picture cost most of a millisecond before a record
+// was read. Windows metafiles name Arial, Times New Roman and Courier New, for which the
+// Liberation fonts are metric-compatible TrueType stand-ins (the program prints with them too),
+// and a TrueType face opens lazily. The PostScript names stay the library's, so the SVG names
+// the same families; only the measuring face changes. A missing font file keeps the library's.
+constexpr const char* kLiberationDir = "/usr/share/fonts/truetype/liberation";
+
+struct FontMapping {
+    const char* psName;
+    const char* file;
+};
+constexpr FontMapping kStandIns[] = {
+    {"Times-Roman", "LiberationSerif-Regular.ttf"},
+    {"Times-Italic", "LiberationSerif-Italic.ttf"},
+    {"Times-Bold", "LiberationSerif-Bold.ttf"},
+    {"Times-BoldItalic", "LiberationSerif-BoldItalic.ttf"},
+    {"Helvetica", "LiberationSans-Regular.ttf"},
+    {"Helvetica-Oblique", "LiberationSans-Italic.ttf"},
+    {"Helvetica-Bold", "LiberationSans-Bold.ttf"},
+    {"Helvetica-BoldOblique", "LiberationSans-BoldItalic.ttf"},
+    {"Courier", "LiberationMono-Regular.ttf"},
+    {"Courier-Oblique", "LiberationMono-Italic.ttf"},
+    {"Courier-Bold", "LiberationMono-Bold.ttf"},
+    {"Courier-BoldOblique", "LiberationMono-BoldItalic.ttf"},
+};
+
+// The stand-ins whose files exist, ending in the library's terminating empty entry. Found once.
+const std::vector<wmfMapping>& standInFonts() {
+    static const std::vector<wmfMapping> mappings = [] {
+        std::vector<wmfMapping> found;
+        for (const FontMapping& m : kStandIns)
+            if (QFile::exists(QLatin1String(kLiberationDir) + QLatin1Char('/') + QLatin1String(m.file)))
+                found.push_back({const_cast<char*>(m.psName), const_cast<char*>(m.file), FT_ENCODING_NONE});
+        found.push_back({nullptr, nullptr, FT_ENCODING_NONE});
+        return found;
+    }();
+    return mappings;
+}
+
 } // namespace
 
 bool looksLikeWmf(const QByteArray& bytes) {
@@ -206,8 +248,13 @@ QByteArray wmfToSvg(const QByteArray& wmf, QString* error) {
         qToLittleEndian(mostWords, input.data() + header + kMaxRecordAt);
     wmfAPI_Options options{};
     options.function = wmf_svg_function;
-    const unsigned long flags =
-        WMF_OPT_FUNCTION | WMF_OPT_IGNORE_NONFATAL | WMF_OPT_NO_ERROR | WMF_OPT_NO_DEBUG;
+    unsigned long flags = WMF_OPT_FUNCTION | WMF_OPT_IGNORE_NONFATAL | WMF_OPT_NO_ERROR | WMF_OPT_NO_DEBUG;
+    char* fontDirs[] = {const_cast<char*>(kLiberationDir), nullptr};
+    if (standInFonts().size() > 1) {
+        options.fontdirs = fontDirs;
+        options.font.ps = const_cast<wmfMapping*>(standInFonts().data());
+        flags |= WMF_OPT_FONTDIRS | WMF_OPT_FONTMAP;
+    }
     wmfAPI* api = nullptr;
     if (wmf_api_create(&api, flags, &options) != wmf_E_None) {
         if (api) wmf_api_destroy(api);
