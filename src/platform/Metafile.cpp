@@ -15,10 +15,20 @@
 
 extern "C" {
 #include <emf2svg.h>
+#include <fontconfig/fontconfig.h>
 #include <libwmf/api.h>
 #include <libwmf/ipa.h>
 #include <libwmf/svg.h>
 }
+
+// The EMF converter finds the font of text given as glyph numbers through fontconfig, and after
+// each such string shuts fontconfig down (FcFini). Qt draws all of the program's text through the
+// same fontconfig and holds fonts of it for the life of the program: shutting it down under them
+// made fontconfig abort the program, or would have left Qt with freed fonts. Shutting fontconfig
+// down only matters to a process that ends, so the program defines FcFini itself and leaves
+// fontconfig running; the converter's call binds to this definition (the executable's symbols
+// come first), and the fonts it found stay cached for the next picture.
+extern "C" __attribute__((visibility("default"))) void FcFini(void) {}
 
 namespace platform {
 

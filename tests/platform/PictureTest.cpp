@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
+#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 
 using namespace platform;
@@ -214,6 +215,35 @@ TEST(Picture, MetafileWithADamagedEmfPlusCommentDrawsItsPlainRecords) {
     const Picture p = Picture::fromBytes(bytes, Picture::EnhancedMetafile);
     ASSERT_FALSE(p.isNull());
     EXPECT_GT(nonWhitePixels(p.toImage(QSize(80, 60))), 50);
+}
+
+// An EMF whose text is given as glyph numbers (as Windows programs often write it): the converter
+// finds the font through fontconfig and then shut fontconfig down, while Qt, which draws all of
+// the program's text through it, still held fonts of it. fontconfig aborted the program on the
+// spot. The test holds a matched font as Qt's font engines do, and shows such pictures twice.
+TEST(PictureRegression, GlyphNumberTextInAnEmfLeavesFontconfigRunning) {
+    FcPattern* wanted = FcNameParse(reinterpret_cast<const FcChar8*>("Liberation Sans"));
+    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
+    FcDefaultSubstitute(wanted);
+    FcResult result = FcResultNoMatch;
+    FcPattern* inUse = FcFontMatch(nullptr, wanted, &result);
+    ASSERT_NE(inUse, nullptr);
+
+    // "Silta" as Liberation Sans's glyph numbers: the converter maps them back to the letters.
+    const QByteArray glyphs = bytesOf(fixture(QStringLiteral("fuzzed/glyph-index-text.emf")));
+    const QByteArray damaged = bytesOf(fixture(QStringLiteral("damaged/glyph-index-fontconfig.emf")));
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(emfToSvg(glyphs).contains("<![CDATA[Silta]]>"));
+        const Picture p = Picture::fromBytes(glyphs, Picture::EnhancedMetafile);
+        EXPECT_GT(nonWhitePixels(p.toImage(QSize(80, 60))), 50);
+        QString error;
+        EXPECT_TRUE(emfToSvg(damaged, &error).isEmpty());
+        EXPECT_EQ(error, QStringLiteral("Kuvan tiedot ovat vaurioituneet."));
+    }
+    FcChar8* file = nullptr;
+    EXPECT_EQ(FcPatternGetString(inUse, FC_FILE, 0, &file), FcResultMatch);
+    FcPatternDestroy(inUse);
+    FcPatternDestroy(wanted);
 }
 
 TEST(Picture, ClipboardImagesAreStoredAsBitmapsOnWhite) {
