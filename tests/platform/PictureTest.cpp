@@ -219,8 +219,9 @@ TEST(Picture, MetafileWithADamagedEmfPlusCommentDrawsItsPlainRecords) {
 
 // An EMF whose text is given as glyph numbers (as Windows programs often write it): the converter
 // finds the font through fontconfig and then shut fontconfig down, while Qt, which draws all of
-// the program's text through it, still held fonts of it. fontconfig aborted the program on the
-// spot. The test holds a matched font as Qt's font engines do, and shows such pictures twice.
+// the program's text through it, still held fonts of it. Once a window had drawn a character from
+// a fallback font ("✓" in a field), opening such a picture aborted the program inside fontconfig.
+// The test holds a matched font as Qt's font engines do, and shows such pictures twice.
 TEST(PictureRegression, GlyphNumberTextInAnEmfLeavesFontconfigRunning) {
     FcPattern* wanted = FcNameParse(reinterpret_cast<const FcChar8*>("Liberation Sans"));
     FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
