@@ -14,7 +14,7 @@ QByteArray fileBytes(const char* name) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The shipped logo (lines, fills and text) and a metafile of one text line.
+// The shipped logo (lines, fills and text), a WMF of one line of text, and an EMF.
 const char* const kMetafiles[] = {"data/Tamrik2006-logo.wmf", "tests/platform/data/text.wmf",
                                   "tests/platform/data/logo.emf"};
 
