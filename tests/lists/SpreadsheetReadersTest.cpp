@@ -326,6 +326,11 @@ TEST(SpreadsheetCellText, FormatsAsTheSheetShowsThem) {
     EXPECT_EQ(numberText(1234.5, excelFormat(u"#,##0.00\\ [$€-40B]")), "1234,50");
     EXPECT_EQ(numberText(0.125, excelFormat(u"0.0%")), "12,5%");
     EXPECT_EQ(numberText(2.675, excelFormat(u"0.00")), "2,68") << "halves away from zero";
+    // Rounding starts from the shortest text of the double, not from 15 digits of it.
+    EXPECT_EQ(numberText(2.6749999999999994, excelFormat(u"0.00")), "2,67");
+    EXPECT_EQ(numberText(0.0105, excelFormat(u"0.0%")), "1,1%");
+    EXPECT_EQ(numberText(-0.00527418346560432, {}), "-0,00527418346560432");
+    EXPECT_EQ(numberText(9007199254740992.0, {}), "9,00719925474099E+15");
     EXPECT_EQ(numberText(-0.004, excelFormat(u"0.00")), "0,00");
     EXPECT_EQ(numberText(12.5, excelFormat(u"0")), "13");
     EXPECT_EQ(numberText(12.5, excelFormat(u"0.0#")), "12,5");

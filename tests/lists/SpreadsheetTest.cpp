@@ -169,6 +169,34 @@ TEST(SpreadsheetImport, DatesOfThe1904System) {
     }
 }
 
+// General numbers where the spreadsheet writes plain decimals and where it uses an exponent,
+// and halves shown with two decimals and as percentages, as LibreOffice shows each of the files
+// it wrote from luvut.fods. LibreOffice writes numbers into .xlsx and .ods with 15 digits, so
+// 2.6749999999999994 is 2.675 there and 1234567890123456 is 1234567890123460 in the .xlsx.
+// LibreOffice's text export writes a large exponent with three digits ("1E+020"), where its
+// cells show two, as the import does.
+TEST(SpreadsheetImport, NumbersAsTheSpreadsheetShowsThem) {
+    for (const QString name : {"luvut.xls", "luvut.xlsx", "luvut.ods"}) {
+        SCOPED_TRACE(name.toStdString());
+        const bool fifteenDigits = name != "luvut.xls";
+        const std::vector<QStringList> expected{
+            {"YLEINEN"},
+            {"-0,00527418346560432", "0,000123456789012345", "1,23456789012345E-05", "0,0000001", "1E-10",
+             "0,0000000012345678", "1,23456789E-09", "0,0000999999999999999"},
+            {name == "luvut.xlsx" ? "1234567890123460" : "1234567890123456", "123456789012346", "1,5E-300",
+             "0,3", "-1234,5", "12345678901,25", "1E+20", "0,1"},
+            {"KAKSI DESIMAALIA"},
+            {"2,68", fifteenDigits ? "2,68" : "2,67", "1,01", "0,29", "8,35", "1,02", "-2,68", "1,01"},
+            {"1,1%", "12,3%", "0,0%", "-1,1%"},
+        };
+        std::vector<QStringList> rows = sheetOf(fixture(name), 0);
+        for (QStringList& row : rows)
+            while (!row.isEmpty() && row.back().isEmpty())
+                row.removeLast();
+        EXPECT_EQ(rows, expected);
+    }
+}
+
 TEST(SpreadsheetImport, LargeWorkbookWithContinuedStrings) {
     // 1200 rows whose texts fill the shared string table across many CONTINUE records, some
     // of them with "€" (two bytes a character) and some without.
