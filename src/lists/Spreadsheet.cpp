@@ -30,6 +30,12 @@ QString extensionOf(const QString& fileName) {
     return QFileInfo(fileName).suffix().toLower();
 }
 
+// The extensions of the spreadsheet files the import reads. Macro workbooks and templates are
+// the same containers as .xlsx; only their cells are read, nothing in them is run.
+const std::array<QLatin1StringView, 6> kSheetExtensions{QLatin1StringView("xls"),  QLatin1StringView("xlsx"),
+                                                        QLatin1StringView("xlsm"), QLatin1StringView("xltx"),
+                                                        QLatin1StringView("xltm"), QLatin1StringView("ods")};
+
 QString cannotRead(const QString& fileName, const QString& detail) {
     return QStringLiteral("Taulukkotiedostoa: ") + fileName + QStringLiteral(" ei voitu lukea: ") + detail +
            QLatin1Char('.');
@@ -51,7 +57,8 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
         return fail(QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei löydy."));
     if (!isSpreadsheetFile(fileName))
         return fail(QStringLiteral("Tiedostoa: ") + fileName +
-                    QStringLiteral(" ei voi tuoda. Tuettuja taulukkotiedostoja ovat .xls, .xlsx ja .ods."));
+                    QStringLiteral(" ei voi tuoda. Tuettuja taulukkotiedostoja ovat ") +
+                    spreadsheetExtensionsText() + QLatin1Char('.'));
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) return fail(cannotRead(fileName, file.errorString()));
     const QByteArray bytes = file.readAll();
@@ -184,7 +191,16 @@ std::optional<TypedNumber> cellTextNumber(const QString& text) {
 
 bool isSpreadsheetFile(const QString& fileName) {
     const QString ext = extensionOf(fileName);
-    return ext == QLatin1String("xls") || ext == QLatin1String("xlsx") || ext == QLatin1String("ods");
+    return std::find(kSheetExtensions.begin(), kSheetExtensions.end(), ext) != kSheetExtensions.end();
+}
+
+QString spreadsheetExtensionsText() {
+    QString text;
+    for (std::size_t i = 0; i < kSheetExtensions.size(); ++i) {
+        if (i > 0) text += i + 1 == kSheetExtensions.size() ? QStringLiteral(" ja ") : QStringLiteral(", ");
+        text += QLatin1Char('.') + kSheetExtensions[i];
+    }
+    return text;
 }
 
 // ------------------------------------------------------------ import

@@ -115,7 +115,8 @@ std::map<QString, StoredCell> storedCells(const QString& path) {
 } // namespace
 
 TEST(SpreadsheetImport, FilesMadeByLibreOffice) {
-    for (const QString name : {"taulukko.xls", "taulukko.xlsx", "taulukko.ods"}) {
+    for (const QString name : {"taulukko.xls", "taulukko.xlsx", "taulukko.ods", "taulukko.xlsm",
+                               "taulukko.xltx", "taulukko.xltm"}) {
         SCOPED_TRACE(name.toStdString());
         ScriptedDialogs dialogs;
         ListModel list;
