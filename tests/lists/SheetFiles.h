@@ -2,6 +2,7 @@
 // Spreadsheet files built by the tests, for what LibreOffice does not write: hand-made XML
 // packed into a ZIP archive, and BIFF records, plain or inside an OLE compound file.
 #include <QByteArray>
+#include <QFile>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -55,7 +56,7 @@ inline bool writeZip(const QString& path, const Members& members) {
     for (auto it = order.rbegin(); it != order.rend(); ++it)
         g_object_unref(*it);
     g_object_unref(zip);
-    gsf_output_close(sink);
+    if (!gsf_output_is_closed(sink)) gsf_output_close(sink); // the container closes it
     g_object_unref(sink);
     return true;
 }
@@ -74,9 +75,15 @@ inline bool writeOle(const QString& path, const QString& streamName, const QByte
     g_object_unref(child);
     gsf_output_close(GSF_OUTPUT(ole));
     g_object_unref(ole);
-    gsf_output_close(sink);
+    if (!gsf_output_is_closed(sink)) gsf_output_close(sink); // the container closes it
     g_object_unref(sink);
     return true;
+}
+
+// Writes bytes to a file at `path`.
+inline bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
 }
 
 // ---- BIFF records

@@ -35,7 +35,8 @@ const QByteArray kEof = record(0x000A, {});
 
 // A BIFF8 workbook: globals with a format, two XFs (0 general, 1 "0.00"), the shared strings
 // and a sheet list whose first entry is a chart, then the sheets.
-QByteArray biff8Workbook(const QByteArray& sheetCells, bool date1904 = false) {
+QByteArray biff8Workbook(const QByteArray& sheetCells, bool date1904 = false,
+                         const QByteArray& firstGlobals = {}) {
     const QByteArray bof = record(0x0809, le16(0x0600) + le16(0x0005) + QByteArray(12, 0));
     QByteArray sst =
         le32(3) + le32(3) + biff8String("jaettu") + biff8String("€ kallis") + biff8String("rivi\nkaksi");
@@ -53,10 +54,31 @@ QByteArray biff8Workbook(const QByteArray& sheetCells, bool date1904 = false) {
     const QByteArray chart = chartBof + record(0x0203, cellHead(0, 0) + f64(99)) + kEof;
     const QByteArray sheet = sheetBof + sheetCells + kEof;
     // The globals' size does not depend on the offsets, so compute it with zeros first.
-    const QByteArray head = bof + dateMode + format + xf0 + xf1 + xf2 + record(0x00FC, sst);
+    const QByteArray head = bof + firstGlobals + dateMode + format + xf0 + xf1 + xf2 + record(0x00FC, sst);
     const qsizetype globalsSize = head.size() + 2 * boundSheet(0, 0, "Kaavio").size() + kEof.size();
     return head + boundSheet(quint32(globalsSize), 2, "Kaavio") +
            boundSheet(quint32(globalsSize + chart.size()), 0, "Hinnat") + kEof + chart + sheet;
+}
+
+// A BIFF5 workbook ("Book" stream): globals with `globals` in them and a sheet list of one
+// worksheet, then the worksheet with `cells`.
+QByteArray biff5Workbook(const QByteArray& globals, const QByteArray& cells) {
+    const QByteArray bof = record(0x0809, le16(0x0500) + le16(0x0005) + le16(0) + le16(0));
+    const QByteArray sheetBof = record(0x0809, le16(0x0500) + le16(0x0010) + le16(0) + le16(0));
+    const QByteArray boundTail = QByteArray(1, 0) + QByteArray(1, 0) + QByteArray(1, 5) + "Lista";
+    const qsizetype offset =
+        bof.size() + globals.size() + record(0x0085, le32(0) + boundTail).size() + kEof.size();
+    return bof + globals + record(0x0085, le32(quint32(offset)) + boundTail) + kEof + sheetBof + cells + kEof;
+}
+
+// A BIFF5 FONT record with the given character set, and an XF record that uses a font.
+QByteArray biff5Font(int charset) {
+    return record(0x0031, le16(200) + le16(0) + le16(0x7FFF) + le16(400) + le16(0) + QByteArray(1, 0) +
+                              QByteArray(1, 0) + QByteArray(1, char(charset)) + QByteArray(1, 0) +
+                              QByteArray(1, 5) + "Arial");
+}
+QByteArray biff5Xf(int font) {
+    return record(0x00E0, le16(font) + le16(0) + QByteArray(12, 0));
 }
 
 } // namespace
@@ -75,11 +97,9 @@ TEST(SpreadsheetReaders, XlsFromBiff2ToBiff8) {
         s += record(0x0006, cellHead2(1, 0) + QByteArray(6, 0) + le16(0xFFFF) + QByteArray(3, 0));
         s += record(0x0007, QByteArray(1, 5) + "tulos");
         s += kEof;
-        QFile f(dir.filePath("biff2.xls"));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(s);
-        f.close();
-        EXPECT_EQ(readBack(f.fileName()),
+        const QString path = dir.filePath("biff2.xls");
+        ASSERT_TRUE(writeFile(path, s));
+        EXPECT_EQ(readBack(path),
                   (std::vector<QStringList>{{"LABELä", "7100", "12,50", "TOSI"}, {"tulos", "", "", ""}}));
     }
     // BIFF3 and BIFF4: XF records carry the format index; BIFF4's FORMAT has two spare bytes.
@@ -102,28 +122,18 @@ TEST(SpreadsheetReaders, XlsFromBiff2ToBiff8) {
         s += record(0x0205, cellHead(0, 3) + QByteArray(1, 0x07) + QByteArray(1, 1));
         s += record(version == 3 ? 0x0206 : 0x0406, cellHead(1, 0) + f64(0.5) + QByteArray(6, 0));
         s += kEof;
-        QFile f(dir.filePath(QString("biff%1.xls").arg(version)));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(s);
-        f.close();
-        EXPECT_EQ(readBack(f.fileName()),
+        const QString path = dir.filePath(QString("biff%1.xls").arg(version));
+        ASSERT_TRUE(writeFile(path, s));
+        EXPECT_EQ(readBack(path),
                   (std::vector<QStringList>{{"2,500", "15.3.2024", "Öljy", "#DIV/0!"}, {"0,5", "", "", ""}}));
     }
     // BIFF5: an OLE "Book" stream, byte strings in the workbook's code page.
     {
-        QByteArray s = record(0x0809, le16(0x0500) + le16(0x0005) + le16(0) + le16(0));
-        s += record(0x0042, le16(1251)); // Cyrillic
-        const QByteArray sheetBof = record(0x0809, le16(0x0500) + le16(0x0010) + le16(0) + le16(0));
-        const QByteArray boundHead =
-            le32(0) + QByteArray(1, 0) + QByteArray(1, 0) + QByteArray(1, 5) + "Lista";
-        const qsizetype offset = s.size() + record(0x0085, boundHead).size() + kEof.size();
-        s += record(0x0085, le32(quint32(offset)) + boundHead.mid(4)) + kEof;
-        s += sheetBof;
-        s += record(0x0204, cellHead(0, 0) + le16(3) + "\xEC\xEE\xF1");  // "мос"
-        s += record(0x027E, cellHead(0, 1) + le32((1234 << 2) | 2 | 1)); // 12,34 as an RK integer
-        s += kEof;
+        const QByteArray cells =
+            record(0x0204, cellHead(0, 0) + le16(3) + "\xEC\xEE\xF1") + // "мос"
+            record(0x027E, cellHead(0, 1) + le32((1234 << 2) | 2 | 1)); // 12,34 as an RK integer
         const QString path = dir.filePath("biff5.xls");
-        ASSERT_TRUE(writeOle(path, "Book", s));
+        ASSERT_TRUE(writeOle(path, "Book", biff5Workbook(record(0x0042, le16(1251)), cells))); // Cyrillic
         EXPECT_EQ(readBack(path), (std::vector<QStringList>{{"мос", "12,34"}}));
     }
     // BIFF8: shared strings, formula results of every kind, MULRK, the first worksheet after a
@@ -153,6 +163,79 @@ TEST(SpreadsheetReaders, XlsFromBiff2ToBiff8) {
         ASSERT_TRUE(writeOle(path1904, "Workbook", biff8Workbook(c, true)));
         EXPECT_EQ(readBack(path1904)[2][1], "16.3.2028");
     }
+}
+
+// Byte strings of BIFF2 to BIFF5 are in the workbook's code page (Greek, Central European and
+// Baltic ones read as other letters before); where the CODEPAGE record is missing or names
+// UTF-16, the character set of the text's font decides. BIFF8 strings of one byte a character
+// are the low bytes of UTF-16 whatever the code page. LibreOffice shows the same cells.
+TEST(SpreadsheetReaders, XlsCodePages) {
+    QTemporaryDir dir;
+    struct Case {
+        int codePage;
+        QByteArray bytes;
+        QString text;
+    };
+    const std::vector<Case> cases{
+        {1253, "\xc3\xdd\xf6\xf5\xf1\xe1", "Γέφυρα"},
+        {1250, "Most \x8a\xe8\x9e", "Most Ščž"},
+        {1257, "Tiltas \xe0\xe8\xe6\xeb\xe1\xf0\xf8\xfb\xfe", "Tiltas ąčęėįšųūž"},
+        {1252, "Silta \x80 \xe4", "Silta € ä"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.codePage);
+        const QString path = dir.filePath(QString("koodisivu%1.xls").arg(c.codePage));
+        const QByteArray globals = record(0x0042, le16(c.codePage)) + biff5Font(0) + biff5Xf(0);
+        const QByteArray cells = record(0x0204, cellHead(0, 0) + le16(int(c.bytes.size())) + c.bytes);
+        ASSERT_TRUE(writeOle(path, "Book", biff5Workbook(globals, cells)));
+        EXPECT_EQ(readBack(path), (std::vector<QStringList>{{c.text}}));
+    }
+    // CODEPAGE says UTF-16 (or is missing) in a BIFF5 file: each cell's font decides. Font 4 is
+    // never stored, so the fifth FONT record is font 5.
+    for (const bool declared : {true, false}) {
+        SCOPED_TRACE(declared);
+        QByteArray globals = declared ? record(0x0042, le16(1200)) : QByteArray();
+        globals += biff5Font(204) + biff5Font(0) + biff5Font(0) + biff5Font(0) + biff5Font(161); // 0 .. 3, 5
+        globals += biff5Xf(0) + biff5Xf(5);
+        const QByteArray cells = record(0x0204, cellHead(0, 0, 0) + le16(4) + "\xec\xee\xf1\xf2") +
+                                 record(0x0204, cellHead(0, 1, 1) + le16(6) + "\xc3\xdd\xf6\xf5\xf1\xe1");
+        const QString path = dir.filePath(QString("fontit%1.xls").arg(declared));
+        ASSERT_TRUE(writeOle(path, "Book", biff5Workbook(globals, cells)));
+        EXPECT_EQ(readBack(path), (std::vector<QStringList>{{"мост", "Γέφυρα"}}));
+    }
+    // BIFF8 with a Cyrillic CODEPAGE: the one-byte string is still Latin-1.
+    {
+        const QByteArray cells = record(0x0204, cellHead(0, 0) + le16(5) + QByteArray(1, 0) + "p\xe4iv\xe4");
+        const QString path = dir.filePath("biff8-1251.xls");
+        ASSERT_TRUE(writeOle(path, "Workbook", biff8Workbook(cells, false, record(0x0042, le16(1251)))));
+        EXPECT_EQ(readBack(path)[0][0], "päivä");
+    }
+}
+
+// A BIFF2 file (BIFF2's BOF) whose cells are BIFF3 to BIFF5 records, as some programs write:
+// each record's own layout holds, whatever the file's version.
+TEST(SpreadsheetReaders, XlsBiff2WithLaterRecords) {
+    QTemporaryDir dir;
+    QByteArray s = kBof2;
+    s += record(0x001E, QByteArray(1, 7) + "General") + record(0x001E, QByteArray(1, 4) + "0.00");
+    s += record(0x0043,
+                QByteArray(1, 0) + QByteArray(1, 0) + QByteArray(1, 0) + QByteArray(1, 0)); // XF 0: format 0
+    s += record(0x0043,
+                QByteArray(1, 0) + QByteArray(1, 0) + QByteArray(1, 1) + QByteArray(1, 0)); // XF 1: format 1
+    s += record(0x0203, cellHead(0, 0, 1) + f64(12.5));
+    s += record(0x0204, cellHead(0, 1) + le16(6) + "Kaivu\xe4");
+    s += record(0x027E, cellHead(0, 2) + le32((7100 << 2) | 2));
+    s += record(0x0205, cellHead(0, 3) + QByteArray(1, 1) + QByteArray(1, 0));
+    s += record(0x0003, cellHead2(1, 0) + f64(2.5)); // a BIFF2 cell beside them: XF 0 from its first byte
+    QByteArray xf1 = cellHead2(1, 1);
+    xf1[4] = 1;
+    s += record(0x0003, xf1 + f64(2.5));
+    s += record(0x0004, cellHead2(1, 2) + QByteArray(1, 5) + "tulos");
+    s += kEof;
+    const QString path = dir.filePath("biff2-sekoitus.xls");
+    ASSERT_TRUE(writeFile(path, s));
+    EXPECT_EQ(readBack(path),
+              (std::vector<QStringList>{{"12,50", "Kaivuä", "7100", "TOSI"}, {"2,5", "2,50", "tulos", ""}}));
 }
 
 TEST(SpreadsheetReaders, XlsxWrittenByOtherPrograms) {
@@ -263,11 +346,9 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
     {
         QByteArray s = kBof2 + record(0x0003, cellHead2(0, 0) + f64(1));
         s += le16(0x0004) + le16(500) + "lyhyt";
-        QFile f(dir.filePath("katkennut.xls"));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(s);
-        f.close();
-        const QString error = readError(f.fileName());
+        const QString path = dir.filePath("katkennut.xls");
+        ASSERT_TRUE(writeFile(path, s));
+        const QString error = readError(path);
         EXPECT_TRUE(error.contains("tietue 0x0004 tavussa 27")) << error.toStdString();
     }
     // A BIFF8 sheet list that points past the end, shared strings that promise more than they
@@ -310,10 +391,7 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
                 for (qsizetype at = i * 37; at < bytes.size(); at += 97 + i)
                     bytes[at] = char(bytes[at] ^ (0x5A + i));
             const QString path = dir.filePath(QString("sotku%1%2").arg(i).arg(ext));
-            QFile out(path);
-            ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-            out.write(bytes);
-            out.close();
+            ASSERT_TRUE(writeFile(path, bytes));
             std::vector<QStringList> rows;
             QString error;
             if (!readFirstSheet(path, 0, rows, &error)) EXPECT_FALSE(error.isEmpty());
