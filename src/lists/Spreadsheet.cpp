@@ -17,12 +17,15 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
+#include <new>
 
 namespace lists {
 
 namespace {
 
 constexpr int kBlankRowsThatEnd = 100;
+// No workbook a list comes from is near this; a larger file is refused before it is read.
+constexpr qint64 kLargestFile = qint64(512) << 20;
 // A list read from a spreadsheet without columns of its own takes at most this many.
 constexpr int kWidestSheetList = 1024;
 
@@ -61,24 +64,33 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
                     spreadsheetExtensionsText() + QLatin1Char('.'));
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) return fail(cannotRead(fileName, file.errorString()));
+    if (file.size() > kLargestFile)
+        return fail(cannotRead(
+            fileName, QStringLiteral("tiedosto on liian suuri (yli %1 Mt)").arg(kLargestFile >> 20)));
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) return fail(cannotRead(fileName, file.errorString()));
 
     sheet::SheetBuilder builder(columns);
     QString detail;
     bool ok = false;
-    if (sheet::looksLikeOle(bytes) || startsLikeBiff(bytes)) {
-        ok = sheet::readXls(bytes, builder, &detail);
-    } else if (sheet::looksLikeZip(bytes)) {
-        const std::unique_ptr<sheet::Archive> zip =
-            sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &detail);
-        if (zip) {
-            const bool ods = zip->contains(QStringLiteral("content.xml")) &&
-                             !zip->contains(QStringLiteral("[Content_Types].xml"));
-            ok = ods ? sheet::readOds(*zip, builder, &detail) : sheet::readXlsx(*zip, builder, &detail);
+    try {
+        if (sheet::looksLikeOle(bytes) || startsLikeBiff(bytes)) {
+            ok = sheet::readXls(bytes, builder, &detail);
+        } else if (sheet::looksLikeZip(bytes)) {
+            const std::unique_ptr<sheet::Archive> zip =
+                sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &detail);
+            if (zip) {
+                const bool ods = zip->contains(QStringLiteral("content.xml")) &&
+                                 !zip->contains(QStringLiteral("[Content_Types].xml"));
+                ok = ods ? sheet::readOds(*zip, builder, &detail) : sheet::readXlsx(*zip, builder, &detail);
+            }
+        } else {
+            detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
         }
-    } else {
-        detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
+    } catch (const std::bad_alloc&) {
+        // The readers count what they keep; this is the last line, never a crash.
+        ok = false;
+        detail = QStringLiteral("muisti ei riitä sen lukemiseen");
     }
     if (!ok) return fail(cannotRead(fileName, detail));
     data = builder.take();

@@ -198,6 +198,31 @@ TEST(SpreadsheetImport, NumbersAsTheSpreadsheetShowsThem) {
     }
 }
 
+// Texts longer than a record of an .xls (its shared strings go on in CONTINUE records, one of
+// them split inside a run of two-byte characters), texts of spaces only and texts with spaces
+// at their ends, as LibreOffice shows each of the files it wrote from tekstit.fods. An .ods
+// ended texts with a space at the end of a paragraph ("x ") one character short.
+TEST(SpreadsheetImport, LongTextsAndSpacesAsWritten) {
+    QString latin, cyrillic;
+    for (int i = 0; latin.size() < 10000; ++i)
+        latin += QString("Työvaihe %1 kaivu ja täyttö; ").arg(i);
+    for (int i = 0; cyrillic.size() < 9000; ++i)
+        cyrillic += QString("Мостовые работы %1; ").arg(i);
+    latin.truncate(10000);
+    cyrillic.truncate(9000);
+    const std::vector<QStringList> expected{
+        {latin, cyrillic, latin.left(5000) + cyrillic.left(5000)},
+        {"   ", "loppu   ", "  alku", "a  b   ", "x "},
+    };
+    for (const QString name : {"tekstit.xls", "tekstit.xlsx", "tekstit.ods"}) {
+        SCOPED_TRACE(name.toStdString());
+        const std::vector<QStringList> rows = sheetOf(fixture(name), 5);
+        ASSERT_EQ(rows.size(), 2u);
+        EXPECT_EQ(rows[0].mid(0, 3), expected[0]);
+        EXPECT_EQ(rows[1], expected[1]);
+    }
+}
+
 TEST(SpreadsheetImport, LargeWorkbookWithContinuedStrings) {
     // 1200 rows whose texts fill the shared string table across many CONTINUE records, some
     // of them with "€" (two bytes a character) and some without.

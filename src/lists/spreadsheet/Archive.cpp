@@ -109,11 +109,32 @@ bool Archive::contains(const QString& path) const {
     return member(m_handles->root.get(), path) != nullptr;
 }
 
-bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
+Archive::Member::Member(void* input, QString path, qint64 size)
+    : m_input(input)
+    , m_path(std::move(path))
+    , m_size(size) {}
+
+Archive::Member::~Member() {
+    g_object_unref(m_input);
+}
+
+qsizetype Archive::Member::read(char* to, qsizetype max) {
+    const qint64 piece = std::min<qint64>(max, m_size - m_done);
+    if (piece <= 0) return 0;
+    if (!gsf_input_read(static_cast<GsfInput*>(m_input), static_cast<size_t>(piece),
+                        reinterpret_cast<guint8*>(to))) {
+        m_error = QStringLiteral("osa ") + m_path + QStringLiteral(" katkeaa tavun %1 kohdalla").arg(m_done);
+        return -1;
+    }
+    m_done += piece;
+    return static_cast<qsizetype>(piece);
+}
+
+std::unique_ptr<Archive::Member> Archive::open(const QString& path, QString* error) const {
     InputPtr input = member(m_handles->root.get(), path);
     if (!input || isFolder(input.get())) {
         if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" puuttuu");
-        return false;
+        return nullptr;
     }
     // Deflate packs at most about 1032 bytes into one, so a member cannot unpack to more than
     // that many times the whole file; a larger size is a damaged entry (and libgsf may fill
@@ -123,24 +144,32 @@ bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
         std::min<gsf_off_t>(kLargestMember, gsf_input_size(m_handles->source.get()) * kDeflateRatio + 1024);
     if (size < 0 || size > most) {
         if (error) *error = QStringLiteral("osan ") + path + QStringLiteral(" koko on mahdoton");
+        return nullptr;
+    }
+    return std::unique_ptr<Member>(new Member(input.release(), path, size));
+}
+
+bool Archive::read(const QString& path, QByteArray& out, QString* error, qint64 largest) const {
+    const std::unique_ptr<Member> m = open(path, error);
+    if (!m) return false;
+    if (m->size() > largest) {
+        if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" on liian suuri luettavaksi");
         return false;
     }
     // Read in pieces, so that a size that promises more than the data holds fails on the way.
     QByteArray data;
-    data.reserve(static_cast<qsizetype>(std::min<gsf_off_t>(size, 64 << 20)));
-    constexpr gsf_off_t kPiece = 1 << 16;
-    for (gsf_off_t done = 0; done < size;) {
-        const gsf_off_t piece = std::min(kPiece, size - done);
+    data.reserve(static_cast<qsizetype>(m->size()));
+    constexpr qsizetype kPiece = 1 << 16;
+    for (;;) {
         const qsizetype at = data.size();
-        data.resize(at + piece);
-        if (!gsf_input_read(input.get(), static_cast<size_t>(piece),
-                            reinterpret_cast<guint8*>(data.data() + at))) {
-            if (error)
-                *error =
-                    QStringLiteral("osa ") + path + QStringLiteral(" katkeaa tavun %1 kohdalla").arg(done);
+        data.resize(at + kPiece);
+        const qsizetype n = m->read(data.data() + at, kPiece);
+        data.resize(at + std::max<qsizetype>(n, 0));
+        if (n == 0) break;
+        if (n < 0) {
+            if (error) *error = m->error();
             return false;
         }
-        done += piece;
     }
     out = std::move(data);
     return true;

@@ -387,10 +387,10 @@ void BiffReader::readSst(const Rec& rec, qsizetype pos) {
     while (p + 4 <= m_stream.size() && u16(m_stream.data() + p) == kContinue && next(p, more))
         s.add(more.data);
     // The count is only an upper bound: what the data holds decides.
-    m_sst.reserve(std::min<quint32>(unique, static_cast<quint32>(m_stream.size() / 3)));
+    m_sst.reserve(std::min<quint32>({unique, static_cast<quint32>(m_stream.size() / 3), 1u << 20}));
     for (quint32 i = 0; i < unique && !s.atEnd(); ++i) {
         QString text;
-        if (!unicodeString(s, 2, text)) break;
+        if (!unicodeString(s, 2, text) || !m_out.keep(text.size())) break;
         m_sst.push_back(std::move(text));
     }
 }
@@ -474,7 +474,7 @@ bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
             return true;
         case kSst:
             readSst(rec, pos);
-            return true;
+            return !m_out.full() || fail(SheetBuilder::fullMessage());
         case kBoundSheet:
             if (!need(rec, 6)) return false;
             // The first sheet that is a worksheet (type 0); charts and macro sheets hold no cells.
@@ -640,6 +640,7 @@ bool BiffReader::readSubstream(qsizetype pos, bool sheet) {
         }
         if (!globalRecord(rec, pos)) return false;
         if (sheet && !cellRecord(rec, pos)) return false;
+        if (m_out.full()) return fail(SheetBuilder::fullMessage());
     }
     // A stream that ends without its EOF record still gives the cells it holds.
     return true;
