@@ -35,9 +35,10 @@ QString extensionOf(const QString& fileName) {
 
 // The extensions of the spreadsheet files the import reads. Macro workbooks and templates are
 // the same containers as .xlsx; only their cells are read, nothing in them is run.
-const std::array<QLatin1StringView, 6> kSheetExtensions{QLatin1StringView("xls"),  QLatin1StringView("xlsx"),
-                                                        QLatin1StringView("xlsm"), QLatin1StringView("xltx"),
-                                                        QLatin1StringView("xltm"), QLatin1StringView("ods")};
+const std::array<QLatin1StringView, 7> kSheetExtensions{QLatin1StringView("xls"),  QLatin1StringView("xlsx"),
+                                                        QLatin1StringView("xlsm"), QLatin1StringView("xlsb"),
+                                                        QLatin1StringView("xltx"), QLatin1StringView("xltm"),
+                                                        QLatin1StringView("ods")};
 
 QString cannotRead(const QString& fileName, const QString& detail) {
     return QStringLiteral("Taulukkotiedostoa: ") + fileName + QStringLiteral(" ei voitu lukea: ") + detail +
@@ -80,9 +81,15 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
             const std::unique_ptr<sheet::Archive> zip =
                 sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &detail);
             if (zip) {
-                const bool ods = zip->contains(QStringLiteral("content.xml")) &&
-                                 !zip->contains(QStringLiteral("[Content_Types].xml"));
-                ok = ods ? sheet::readOds(*zip, builder, &detail) : sheet::readXlsx(*zip, builder, &detail);
+                QString book;
+                if (zip->contains(QStringLiteral("content.xml")) &&
+                    !zip->contains(QStringLiteral("[Content_Types].xml")))
+                    ok = sheet::readOds(*zip, builder, &detail);
+                else if (sheet::workbookPartOf(*zip, book, &detail))
+                    // A binary workbook's parts are .bin files; the package is the same.
+                    ok = book.endsWith(QLatin1String(".bin"), Qt::CaseInsensitive)
+                             ? sheet::readXlsb(*zip, book, builder, &detail)
+                             : sheet::readXlsx(*zip, book, builder, &detail);
             }
         } else {
             detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");

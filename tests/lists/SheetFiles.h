@@ -124,4 +124,82 @@ inline QByteArray cellHead2(int row, int col, int format = 0) {
     return le16(row) + le16(col) + QByteArray(1, 0) + QByteArray(1, char(format)) + QByteArray(1, 0);
 }
 
+// ---- .xlsb records
+
+// A record: its type and its length as numbers of seven bits a byte, then its data.
+inline QByteArray xlsbRecord(int type, const QByteArray& data = {}) {
+    QByteArray b;
+    if (type < 0x80) {
+        b += char(type);
+    } else {
+        b += char((type & 0x7F) | 0x80);
+        b += char(type >> 7);
+    }
+    quint32 n = quint32(data.size());
+    do {
+        char c = char(n & 0x7F);
+        n >>= 7;
+        if (n) c = char(c | 0x80);
+        b += c;
+    } while (n);
+    return b + data;
+}
+// An XLWideString: a count of characters and the characters in UTF-16.
+inline QByteArray xlsbString(const QString& text) {
+    QByteArray b = le32(quint32(text.size()));
+    for (QChar c : text)
+        b += le16(c.unicode());
+    return b;
+}
+// A cell: its column and its format (the index of a cell format).
+inline QByteArray xlsbCell(int col, int style = 0) {
+    return le32(quint32(col)) + le32(quint32(style));
+}
+
+// The parts of an .xlsb package around a workbook's records: the workbook's first sheet is a
+// chart sheet, its second `sheet`; styles and shared strings as given.
+inline Members xlsbPackage(const QByteArray& workbookProperties, const QByteArray& styles,
+                           const QByteArray& strings, const QByteArray& sheet) {
+    const QByteArray relNs = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+    const QByteArray rels = "<?xml version=\"1.0\"?><Relationships "
+                            "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+                            "<Relationship Id=\"rId1\" Type=\"" +
+                            relNs + "/officeDocument\" Target=\"xl/workbook.bin\"/></Relationships>";
+    const QByteArray workbookRels =
+        "<?xml version=\"1.0\"?><Relationships "
+        "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+        "<Relationship Id=\"rId4\" Type=\"" +
+        relNs + "/chartsheet\" Target=\"chartsheets/sheet1.bin\"/><Relationship Id=\"rId1\" Type=\"" + relNs +
+        "/worksheet\" Target=\"worksheets/sheet1.bin\"/><Relationship Id=\"rId2\" Type=\"" + relNs +
+        "/styles\" Target=\"styles.bin\"/><Relationship Id=\"rId3\" Type=\"" + relNs +
+        "/sharedStrings\" Target=\"sharedStrings.bin\"/></Relationships>";
+    const QByteArray contentTypes =
+        "<?xml version=\"1.0\"?><Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+        "<Default Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+        "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
+        "<Override PartName=\"/xl/workbook.bin\" "
+        "ContentType=\"application/vnd.ms-excel.sheet.binary.macroEnabled.main\"/>"
+        "<Override PartName=\"/xl/worksheets/sheet1.bin\" ContentType=\"application/vnd.ms-excel.worksheet\"/>"
+        "<Override PartName=\"/xl/chartsheets/sheet1.bin\" ContentType=\"application/vnd.ms-excel.chartsheet\"/>"
+        "<Override PartName=\"/xl/styles.bin\" ContentType=\"application/vnd.ms-excel.styles\"/>"
+        "<Override PartName=\"/xl/sharedStrings.bin\" ContentType=\"application/vnd.ms-excel.sharedStrings\"/>"
+        "</Types>";
+    auto bundle = [](const QString& id, const QString& name, int tab) {
+        return xlsbRecord(156, le32(0) + le32(quint32(tab)) + xlsbString(id) + xlsbString(name));
+    };
+    const QByteArray workbook = xlsbRecord(131) + workbookProperties + xlsbRecord(143) +
+                                bundle("rId4", "Kaavio", 2) + bundle("rId1", "Hinnat", 1) + xlsbRecord(144) +
+                                xlsbRecord(132);
+    const QByteArray chart = xlsbRecord(129) + xlsbRecord(145) + xlsbRecord(0, le32(0) + QByteArray(13, 0)) +
+                             xlsbRecord(5, xlsbCell(0) + f64(99)) + xlsbRecord(146) + xlsbRecord(130);
+    return {{"[Content_Types].xml", contentTypes},
+            {"_rels/.rels", rels},
+            {"xl/workbook.bin", workbook},
+            {"xl/_rels/workbook.bin.rels", workbookRels},
+            {"xl/chartsheets/sheet1.bin", chart},
+            {"xl/worksheets/sheet1.bin", sheet},
+            {"xl/styles.bin", styles},
+            {"xl/sharedStrings.bin", strings}};
+}
+
 } // namespace sheet_files

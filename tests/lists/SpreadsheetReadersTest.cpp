@@ -240,6 +240,81 @@ TEST(SpreadsheetReaders, XlsBiff2WithLaterRecords) {
               (std::vector<QStringList>{{"12,50", "Kaivuä", "7100", "TOSI"}, {"2,5", "2,50", "tulos", ""}}));
 }
 
+// A binary workbook (.xlsb): the package of .xlsx with binary records. The first sheet is a
+// chart sheet; the worksheet holds every kind of cell, in long and in short records, formula
+// results, number formats that make a number a date, a record far longer than its buffer that
+// is passed over, and a cell after the end of the sheet data that is not read. binaari.xlsb is
+// this workbook. LibreOffice shows the same texts, numbers, true and false and errors of it; it
+// calculates the (empty) formulas again instead of showing their results, and it leaves the
+// number formats of this small style part unapplied.
+Members binaryWorkbook(bool date1904) {
+    // A cell format (all of its parts applied) and a cell style's format (whose parent is none).
+    auto xf = [](int format, int parent = 0) {
+        return xlsbRecord(47, le16(parent) + le16(format) + QByteArray(10, 0) + le16(parent ? 0 : 0x3F));
+    };
+    const QByteArray styles =
+        xlsbRecord(278) + xlsbRecord(615, le32(1)) + xlsbRecord(44, le16(164) + xlsbString("0.00")) +
+        xlsbRecord(616) + xlsbRecord(626, le32(1)) + xf(14, 0xFFFF) + xlsbRecord(627) +
+        xlsbRecord(617, le32(3)) + xf(0) + xf(164) + xf(14) + xlsbRecord(618) + xlsbRecord(279);
+    const QByteArray strings =
+        xlsbRecord(159, le32(2) + le32(2)) + xlsbRecord(19, QByteArray(1, 0) + xlsbString("jaettu")) +
+        xlsbRecord(19, QByteArray(1, 1) + xlsbString("rivi\nkaksi") + le32(1) + le32(0)) + xlsbRecord(160);
+    auto row = [](int r) { return xlsbRecord(0, le32(quint32(r)) + QByteArray(13, 0)); };
+    const QByteArray formula = le16(0) + le32(0) + le32(0);
+    QByteArray sheet = xlsbRecord(129) + xlsbRecord(0x1A0, QByteArray(100000, 'x')) + xlsbRecord(145);
+    sheet += row(0) + xlsbRecord(7, xlsbCell(0) + le32(0)) +
+             xlsbRecord(6, xlsbCell(1) + xlsbString("suora € teksti")) +
+             xlsbRecord(5, xlsbCell(2, 1) + f64(12.5)) + xlsbRecord(2, xlsbCell(3) + le32((7100 << 2) | 2));
+    sheet += row(1) + xlsbRecord(4, xlsbCell(0) + QByteArray(1, 1)) +
+             xlsbRecord(3, xlsbCell(1) + QByteArray(1, 7)) +
+             xlsbRecord(9, xlsbCell(2, 1) + f64(568.75) + formula) +
+             xlsbRecord(8, xlsbCell(3) + xlsbString("kaivu") + formula);
+    // Short cells: each in the column after the one before.
+    sheet += row(2) + xlsbRecord(5, xlsbCell(0, 2) + f64(45366)) +
+             xlsbRecord(17, le32(0) + xlsbString("lyhyt")) + xlsbRecord(13, le32(0) + le32((325 << 2) | 3)) +
+             xlsbRecord(15, le32(0) + QByteArray(1, 0)) + xlsbRecord(18, le32(0) + le32(1));
+    sheet += row(4) +
+             xlsbRecord(62, xlsbCell(0) + QByteArray(1, 1) + xlsbString("rikas") + le32(1) + le32(0)) +
+             xlsbRecord(10, xlsbCell(1) + QByteArray(1, 0) + formula) +
+             xlsbRecord(11, xlsbCell(2) + QByteArray(1, 0x2A) + formula) + xlsbRecord(12, le32(0)) +
+             xlsbRecord(14, le32(0) + QByteArray(1, 0x0F)) + xlsbRecord(7, xlsbCell(5) + le32(99));
+    sheet += xlsbRecord(146) + row(9) + xlsbRecord(6, xlsbCell(0) + xlsbString("ohi")) + xlsbRecord(130);
+    const QByteArray properties = xlsbRecord(153, le32(date1904 ? 1 : 0) + le32(0) + xlsbString(""));
+    return xlsbPackage(properties, styles, strings, sheet);
+}
+
+TEST(SpreadsheetReaders, XlsbWorkbooks) {
+    QTemporaryDir dir;
+    const std::vector<QStringList> expected{{"jaettu", "suora € teksti", "12,50", "7100", ""},
+                                            {"TOSI", "#DIV/0!", "568,75", "kaivu", ""},
+                                            {"15.3.2024", "lyhyt", "3,25", "EPÄTOSI", "rivi\r\nkaksi"},
+                                            {"", "", "", "", ""},
+                                            {"rikas", "EPÄTOSI", "#N/A", "", "#VALUE!"}};
+    const QString path = dir.filePath("binaari.xlsb");
+    ASSERT_TRUE(writeZip(path, binaryWorkbook(false)));
+    EXPECT_EQ(readBack(path), expected);
+    EXPECT_EQ(readBack(testing_support::sourceDir() + "/tests/lists/data/binaari.xlsb"), expected);
+    // The same day number in the 1904 system.
+    const QString path1904 = dir.filePath("binaari1904.xlsb");
+    ASSERT_TRUE(writeZip(path1904, binaryWorkbook(true)));
+    EXPECT_EQ(readBack(path1904)[2][0], "16.3.2028");
+    // Each part cut short anywhere: read or refused with where, never past the data.
+    for (const QString part :
+         {"xl/workbook.bin", "xl/styles.bin", "xl/sharedStrings.bin", "xl/worksheets/sheet1.bin"}) {
+        for (int i = 1; i < 16; ++i) {
+            Members members = binaryWorkbook(false);
+            for (auto& [name, data] : members)
+                if (name == part) data.truncate(data.size() * i / 16);
+            const QString cut = dir.filePath(QString("katki%1.xlsb").arg(i));
+            ASSERT_TRUE(writeZip(cut, members));
+            std::vector<QStringList> rows;
+            QString error;
+            if (!readFirstSheet(cut, 0, rows, &error))
+                EXPECT_TRUE(error.contains(part)) << part.toStdString() << ": " << error.toStdString();
+        }
+    }
+}
+
 TEST(SpreadsheetReaders, XlsxWrittenByOtherPrograms) {
     QTemporaryDir dir;
     const QByteArray contentTypes =

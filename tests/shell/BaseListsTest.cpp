@@ -253,7 +253,7 @@ TEST_F(BaseListsTest, ImportReadsMacroWorkbooksAndTemplates) {
     EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
     ASSERT_FALSE(dialogs.fileRequests().empty());
     const QString filters = dialogs.fileRequests().back().filters.join(QStringLiteral(";;"));
-    for (const char* pattern : {"*.xlsx", "*.xlsm", "*.xltx", "*.xltm", "*.ods"})
+    for (const char* pattern : {"*.xlsx", "*.xlsm", "*.xlsb", "*.xltx", "*.xltm", "*.ods"})
         EXPECT_TRUE(filters.contains(QLatin1String(pattern))) << pattern << " in " << filters.toStdString();
     ASSERT_EQ(f6->list()->rows(), 8);
     EXPECT_EQ(f6->list()->cell(2, 2), QStringLiteral("Kaivu ja täyttö"));

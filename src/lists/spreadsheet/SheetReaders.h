@@ -18,12 +18,15 @@ namespace lists::sheet {
 
 // .xls: BIFF2 to BIFF8, in an OLE compound file or (BIFF2 to BIFF4) as a plain record stream.
 bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error);
-// .xlsx (and .xlsm, .xltx, .xltm): Office Open XML workbooks, transitional or strict.
-bool readXlsx(const Archive& archive, SheetBuilder& out, QString* error);
+// .xlsx (and .xlsm, .xltx, .xltm): Office Open XML workbooks, transitional or strict, whose
+// workbook part (workbookPartOf) is `workbookPart`.
+bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error);
+// .xlsb: the same package with binary parts ("xl/workbook.bin").
+bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error);
 // .ods: OpenDocument spreadsheets.
 bool readOds(const Archive& archive, SheetBuilder& out, QString* error);
 
-// ---- shared by the readers
+// ---- shared by the readers (the binary formats share BinaryValues.h)
 
 // Line breaks inside a cell as the lists hold them: CR LF.
 QString withCrLf(QString text);

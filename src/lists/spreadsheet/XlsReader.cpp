@@ -2,6 +2,7 @@
 // file (the "Workbook" or "Book" stream), BIFF2 to BIFF4 as a plain record stream. A record is a
 // 16-bit id, a 16-bit length and its data; a record longer than 8224 bytes goes on in CONTINUE
 // records. Formula cells keep the result that the writing program stored with them.
+#include "lists/spreadsheet/BinaryValues.h"
 #include "lists/spreadsheet/CellText.h"
 #include "lists/spreadsheet/SheetReaders.h"
 #include "platform/CodePage.h"
@@ -61,51 +62,6 @@ enum Record : quint16 {
 };
 
 enum class Biff { V2, V3, V4, V5, V8 };
-
-quint16 u16(const char* p) {
-    return static_cast<quint16>(static_cast<quint8>(p[0]) | (static_cast<quint8>(p[1]) << 8));
-}
-quint32 u32(const char* p) {
-    return static_cast<quint32>(u16(p)) | (static_cast<quint32>(u16(p + 2)) << 16);
-}
-double f64(const char* p) {
-    quint64 bits = 0;
-    for (int i = 7; i >= 0; --i)
-        bits = (bits << 8) | static_cast<quint8>(p[i]);
-    double v;
-    std::memcpy(&v, &bits, sizeof v);
-    return v;
-}
-
-double rkValue(quint32 rk) {
-    double v;
-    if (rk & 2) {
-        v = static_cast<double>(static_cast<qint32>(rk) >> 2);
-    } else {
-        const quint64 bits = static_cast<quint64>(rk & 0xFFFFFFFCu) << 32;
-        std::memcpy(&v, &bits, sizeof v);
-    }
-    return (rk & 1) ? v / 100 : v;
-}
-
-QString errorText(int code) {
-    switch (code) {
-        case 0x00:
-            return QStringLiteral("#NULL!");
-        case 0x07:
-            return QStringLiteral("#DIV/0!");
-        case 0x0F:
-            return QStringLiteral("#VALUE!");
-        case 0x17:
-            return QStringLiteral("#REF!");
-        case 0x1D:
-            return QStringLiteral("#NAME?");
-        case 0x24:
-            return QStringLiteral("#NUM!");
-        default:
-            return QStringLiteral("#N/A");
-    }
-}
 
 // The built-in formats of BIFF2 to BIFF4 files, which number them in their own order.
 CellFormat oldBuiltinFormat(int index) {

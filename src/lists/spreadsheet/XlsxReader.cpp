@@ -321,9 +321,7 @@ private:
 
 } // namespace
 
-bool readXlsx(const Archive& archive, SheetBuilder& out, QString* error) {
-    QString workbookPart;
-    if (!workbookPartOf(archive, workbookPart, error)) return false;
+bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error) {
     WorkbookPart workbook;
     if (!workbook.parse(archive, workbookPart, error)) return false;
     if (workbook.firstSheetId.isNull()) {
