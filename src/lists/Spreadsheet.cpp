@@ -3,6 +3,7 @@
 #include "lists/ListFiles.h"
 #include "lists/ListProcedures.h"
 #include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/CompoundFile.h"
 #include "lists/spreadsheet/SheetReaders.h"
 #include "platform/Dialogs.h"
 
@@ -78,8 +79,7 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
         if (sheet::looksLikeOle(bytes) || startsLikeBiff(bytes)) {
             ok = sheet::readXls(bytes, builder, &detail);
         } else if (sheet::looksLikeZip(bytes)) {
-            const std::unique_ptr<sheet::Archive> zip =
-                sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &detail);
+            const std::unique_ptr<sheet::Archive> zip = sheet::Archive::open(bytes, &detail);
             if (zip) {
                 QString book;
                 if (zip->contains(QStringLiteral("content.xml")) &&

@@ -124,6 +124,60 @@ inline QByteArray cellHead2(int row, int col, int format = 0) {
     return le16(row) + le16(col) + QByteArray(1, 0) + QByteArray(1, char(format)) + QByteArray(1, 0);
 }
 
+// ---- OLE compound files written by hand, for the odd ones no library writes
+
+// How a hand-written compound file departs from the standard.
+struct CompoundOptions {
+    int fatCount = 1;                    // the header's count of allocation table sectors (1 is right)
+    std::vector<quint32> moreFatSectors; // further ones the header names
+    int extensionCount = 0;              // the header's count of extension sectors (there are none)
+    bool directoryLast = false;          // the directory is the file's last sector, cut after its entries
+    int streamChain = -1;                // the stream's chain ends after this many sectors (-1: all)
+};
+
+// A compound file of 512-byte sectors holding one stream of at least 4096 bytes (a shorter one is
+// padded with zeros): the allocation table in sector 0, then the directory and the stream (or
+// the stream and the directory).
+inline QByteArray compoundFile(const QString& name, QByteArray stream, const CompoundOptions& options = {}) {
+    if (stream.size() < 4096) stream.append(QByteArray(4096 - stream.size(), 0));
+    const quint32 end = 0xFFFFFFFE, free = 0xFFFFFFFF;
+    const quint32 sectors = quint32((stream.size() + 511) / 512);
+    stream.append(QByteArray(int(sectors * 512 - stream.size()), 0));
+    const quint32 dirSector = options.directoryLast ? 1 + sectors : 1;
+    const quint32 streamStart = options.directoryLast ? 1 : 2;
+    QByteArray header = QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + QByteArray(16, 0) + le16(0x3E) +
+                        le16(3) + le16(0xFFFE) + le16(9) + le16(6) + QByteArray(6, 0) + le32(0) +
+                        le32(quint32(options.fatCount)) + le32(dirSector) + le32(0) + le32(4096) + le32(end) +
+                        le32(0) + le32(end) + le32(quint32(options.extensionCount)) + le32(0);
+    for (quint32 s : options.moreFatSectors)
+        header += le32(s);
+    while (header.size() < 512)
+        header += le32(free);
+    std::vector<quint32> fat(128, free);
+    fat[0] = 0xFFFFFFFD;
+    fat[dirSector] = end;
+    const quint32 chained = options.streamChain < 0 ? sectors : quint32(options.streamChain);
+    for (quint32 i = 0; i < chained; ++i)
+        fat[streamStart + i] = i + 1 < chained ? streamStart + i + 1 : end;
+    QByteArray fatSector;
+    for (quint32 v : fat)
+        fatSector += le32(v);
+    auto entry = [](const QString& entryName, int type, quint32 child, quint32 start, quint32 size) {
+        QByteArray e;
+        for (QChar c : entryName)
+            e += le16(c.unicode());
+        e.append(QByteArray(64 - e.size(), 0));
+        e += le16(int(entryName.size() + 1) * 2) + QByteArray(1, char(type)) + QByteArray(1, 1) + le32(free) +
+             le32(free) + le32(child) + QByteArray(36, 0) + le32(start) + le32(size) + le32(0);
+        return e;
+    };
+    QByteArray directory =
+        entry("Root Entry", 5, 1, end, 0) + entry(name, 2, free, streamStart, quint32(stream.size()));
+    if (!options.directoryLast) directory.append(QByteArray(512 - directory.size(), 0));
+    return options.directoryLast ? header + fatSector + stream + directory
+                                 : header + fatSector + directory + stream;
+}
+
 // ---- .xlsb records
 
 // A record: its type and its length as numbers of seven bits a byte, then its data.

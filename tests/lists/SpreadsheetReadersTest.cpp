@@ -315,6 +315,42 @@ TEST(SpreadsheetReaders, XlsbWorkbooks) {
     }
 }
 
+// Compound files that depart from the standard as some writers' do: the header names an
+// allocation table sector past the file, or counts extension sectors there are none of; the
+// directory is the file's last sector, cut short after its entries; the stream's chain ends
+// before its size. Each was refused ("OLE-rakenne on vahingoittunut"); LibreOffice reads them,
+// and so does the import, never past the file.
+TEST(SpreadsheetReaders, XlsInOddCompoundFiles) {
+    QTemporaryDir dir;
+    const QByteArray cells =
+        record(0x00FD, cellHead(0, 0) + le32(0)) + record(0x0203, cellHead(0, 1, 1) + f64(12.5));
+    const QByteArray workbook = biff8Workbook(cells);
+    const std::vector<QStringList> expected{{"jaettu", "12,50"}};
+    std::vector<std::pair<const char*, CompoundOptions>> odd(5);
+    odd[0].first = "standard";
+    odd[1] = {"fat-sector-past-the-file", {2, {1000}}};
+    odd[2] = {"extension-count-without-extensions", {1, {}, 1}};
+    odd[3].first = "directory-in-short-last-sector";
+    odd[3].second.directoryLast = true;
+    odd[4].first = "chain-shorter-than-stream";
+    odd[4].second.streamChain = 1; // the cells fit in the first sector; the rest is padding
+    for (const auto& [name, options] : odd) {
+        SCOPED_TRACE(name);
+        const QByteArray whole = compoundFile("Workbook", workbook, options);
+        const QString path = dir.filePath(QString("%1.xls").arg(name));
+        ASSERT_TRUE(writeFile(path, whole));
+        EXPECT_EQ(readBack(path), expected);
+        // Cut anywhere: read or refused with a reason.
+        for (int i = 1; i < 12; ++i) {
+            const QString cut = dir.filePath(QString("%1-%2.xls").arg(name).arg(i));
+            ASSERT_TRUE(writeFile(cut, whole.left(whole.size() * i / 12)));
+            std::vector<QStringList> rows;
+            QString error;
+            if (!readFirstSheet(cut, 0, rows, &error)) EXPECT_FALSE(error.isEmpty());
+        }
+    }
+}
+
 TEST(SpreadsheetReaders, XlsxWrittenByOtherPrograms) {
     QTemporaryDir dir;
     const QByteArray contentTypes =

@@ -79,7 +79,7 @@ std::map<QString, StoredCell> storedCells(const QString& path) {
     EXPECT_TRUE(f.open(QIODevice::ReadOnly));
     const QByteArray bytes = f.readAll();
     QString error;
-    const auto zip = sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &error);
+    const auto zip = sheet::Archive::open(bytes, &error);
     EXPECT_TRUE(zip) << error.toStdString();
     if (!zip) return {};
     QByteArray styles, sheetXml;
@@ -459,7 +459,7 @@ TEST(SpreadsheetExport, ColumnsWideEnoughForTheirTexts) {
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     const QByteArray bytes = f.readAll(); // the archive reads from it
     QString error;
-    const auto zip = sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &error);
+    const auto zip = sheet::Archive::open(bytes, &error);
     ASSERT_TRUE(zip) << error.toStdString();
     QByteArray xml;
     ASSERT_TRUE(zip->read("xl/worksheets/sheet1.xml", xml, &error));

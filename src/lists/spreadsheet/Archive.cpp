@@ -2,7 +2,6 @@
 
 #include <QStringList>
 
-#include <gsf/gsf-infile-msole.h>
 #include <gsf/gsf-infile-zip.h>
 #include <gsf/gsf-infile.h>
 #include <gsf/gsf-input-memory.h>
@@ -25,12 +24,6 @@ struct Unref {
     }
 };
 using InputPtr = std::unique_ptr<GsfInput, Unref>;
-
-QString messageOf(GError* err) {
-    QString text = err && err->message ? QString::fromUtf8(err->message) : QString();
-    if (err) g_error_free(err);
-    return text;
-}
 
 // The child of a folder whose name equals `name` without regard to case (the exact name first).
 GsfInput* childNamed(GsfInfile* folder, const QString& name) {
@@ -57,12 +50,12 @@ Archive::Archive(std::unique_ptr<Handles> handles)
 
 Archive::~Archive() = default;
 
-std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, Kind kind, QString* error) {
+std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, QString* error) {
     static std::once_flag once;
     std::call_once(once, [] {
         gsf_init();
         // A damaged file makes libgsf log what it found; the reader reports the failure itself.
-        for (const char* domain : {"libgsf", "libgsf:msole", "libgsf:zip"})
+        for (const char* domain : {"libgsf", "libgsf:zip"})
             g_log_set_handler(
                 domain, GLogLevelFlags(G_LOG_LEVEL_MASK),
                 [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
@@ -71,14 +64,11 @@ std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, Kind kind, QStri
     handles->source.reset(
         gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.constData()), bytes.size(), FALSE));
     GError* err = nullptr;
-    GsfInfile* root = kind == Kind::Zip ? gsf_infile_zip_new(handles->source.get(), &err)
-                                        : gsf_infile_msole_new(handles->source.get(), &err);
+    GsfInfile* root = gsf_infile_zip_new(handles->source.get(), &err);
     if (!root) {
-        const QString reason = messageOf(err);
-        if (error)
-            *error = (kind == Kind::Zip ? QStringLiteral("ZIP-pakkaus on vahingoittunut")
-                                        : QStringLiteral("OLE-rakenne on vahingoittunut")) +
-                     (reason.isEmpty() ? QString() : QStringLiteral(" (") + reason + QLatin1Char(')'));
+        // libgsf's reason is in English; what failed is said in the program's words.
+        if (err) g_error_free(err);
+        if (error) *error = QStringLiteral("ZIP-pakkaus on vahingoittunut");
         return nullptr;
     }
     handles->root.reset(GSF_INPUT(root));
@@ -130,7 +120,7 @@ qsizetype Archive::Member::read(char* to, qsizetype max) {
     return static_cast<qsizetype>(piece);
 }
 
-std::unique_ptr<Archive::Member> Archive::open(const QString& path, QString* error) const {
+std::unique_ptr<Archive::Member> Archive::openMember(const QString& path, QString* error) const {
     InputPtr input = member(m_handles->root.get(), path);
     if (!input || isFolder(input.get())) {
         if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" puuttuu");
@@ -150,7 +140,7 @@ std::unique_ptr<Archive::Member> Archive::open(const QString& path, QString* err
 }
 
 bool Archive::read(const QString& path, QByteArray& out, QString* error, qint64 largest) const {
-    const std::unique_ptr<Member> m = open(path, error);
+    const std::unique_ptr<Member> m = openMember(path, error);
     if (!m) return false;
     if (m->size() > largest) {
         if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" on liian suuri luettavaksi");
@@ -177,10 +167,6 @@ bool Archive::read(const QString& path, QByteArray& out, QString* error, qint64 
 
 bool looksLikeZip(const QByteArray& bytes) {
     return bytes.startsWith("PK\x03\x04") || bytes.startsWith("PK\x05\x06");
-}
-
-bool looksLikeOle(const QByteArray& bytes) {
-    return bytes.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
 }
 
 } // namespace lists::sheet

@@ -9,7 +9,7 @@
 namespace lists::sheet {
 
 bool SaxPart::parse(const Archive& archive, const QString& part, QString* error) {
-    const std::unique_ptr<Archive::Member> member = archive.open(part, error);
+    const std::unique_ptr<Archive::Member> member = archive.openMember(part, error);
     if (!member) return false;
     xmlSAXHandler handler{};
     handler.initialized = XML_SAX2_MAGIC;

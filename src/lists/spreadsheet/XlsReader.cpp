@@ -4,6 +4,7 @@
 // records. Formula cells keep the result that the writing program stored with them.
 #include "lists/spreadsheet/BinaryValues.h"
 #include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/CompoundFile.h"
 #include "lists/spreadsheet/SheetReaders.h"
 #include "platform/CodePage.h"
 #include "platform/Cp1252.h"
@@ -666,7 +667,7 @@ bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error) {
     QByteArray stream;
     QByteArrayView view(bytes);
     if (looksLikeOle(bytes)) {
-        const std::unique_ptr<Archive> ole = Archive::open(bytes, Archive::Kind::Ole, error);
+        const std::unique_ptr<CompoundFile> ole = CompoundFile::open(bytes, error);
         if (!ole) return false;
         const QString name = ole->contains(QStringLiteral("Workbook")) ? QStringLiteral("Workbook")
                              : ole->contains(QStringLiteral("Book"))   ? QStringLiteral("Book")

@@ -146,7 +146,7 @@ private:
 // by setting `done`.
 template <typename Wanted, typename Take>
 bool readRecords(const Archive& archive, const QString& part, QString* error, Wanted wanted, Take take) {
-    const std::unique_ptr<Archive::Member> member = archive.open(part, error);
+    const std::unique_ptr<Archive::Member> member = archive.openMember(part, error);
     if (!member) return false;
     Records records(*member, part);
     quint32 type = 0;
