@@ -315,6 +315,38 @@ TEST(SpreadsheetReaders, XlsbWorkbooks) {
     }
 }
 
+// Texts split across CONTINUE records as Excel splits them: a shared string whose two-byte
+// characters stop at the end of the SST record and go on as one-byte characters after the
+// CONTINUE record's own flags byte, a shared string whose header ends a record, and a label of a
+// cell continued in the middle of its characters.
+TEST(SpreadsheetReaders, XlsTextsAcrossContinueRecords) {
+    QTemporaryDir dir;
+    QByteArray wide;
+    for (QChar c : QString("Мост "))
+        wide += le16(c.unicode());
+    const QByteArray sst = record(0x00FC, le32(2) + le32(2) + le16(13) + QByteArray(1, 1) + wide) +
+                           record(0x003C, QByteArray(1, 0) + "ja silta") +
+                           record(0x003C, le16(4) + QByteArray(1, 0)) +
+                           record(0x003C, QByteArray(1, 0) + "sana");
+    QByteArray label = cellHead(0, 2) + le16(12) + QByteArray(1, 0) + "kaksi";
+    const QByteArray cells = record(0x00FD, cellHead(0, 0) + le32(0)) +
+                             record(0x00FD, cellHead(0, 1) + le32(1)) + record(0x0204, label) +
+                             record(0x003C, QByteArray(1, 1) + le16(0x2009) + QByteArray("o\0s\0a\0a\0", 8) +
+                                                le16(0x00E4) + le16(0x2009));
+    const QByteArray bof = record(0x0809, le16(0x0600) + le16(0x0005) + QByteArray(12, 0));
+    const QByteArray sheetBof = record(0x0809, le16(0x0600) + le16(0x0010) + QByteArray(12, 0));
+    auto boundSheet = [](quint32 offset) {
+        return record(0x0085, le32(offset) + QByteArray(1, 0) + QByteArray(1, 0) + QByteArray(1, 1) +
+                                  QByteArray(1, 0) + "A");
+    };
+    const qsizetype globals = bof.size() + sst.size() + boundSheet(0).size() + kEof.size();
+    const QString path = dir.filePath("jatkuvat.xls");
+    ASSERT_TRUE(writeOle(path, "Workbook",
+                         bof + sst + boundSheet(quint32(globals)) + kEof + sheetBof + cells + kEof));
+    EXPECT_EQ(readBack(path),
+              (std::vector<QStringList>{{"Мост ja silta", "sana", "kaksi\u2009osaa\u00e4\u2009"}}));
+}
+
 // Compound files that depart from the standard as some writers' do: the header names an
 // allocation table sector past the file, or counts extension sectors there are none of; the
 // directory is the file's last sector, cut short after its entries; the stream's chain ends
@@ -408,7 +440,11 @@ TEST(SpreadsheetReaders, XlsxWrittenByOtherPrograms) {
         R"(<c t="inlineStr"><is><r><t>osa </t></r><r><rPr><b/></rPr><t>kaksi</t></r><rPh><t>ふりがな</t></rPh></is></c>)"
         R"(<c t="s"/><c t="s"><v>1</v></c></row>)"
         R"(<row><c r="A2" t="d"><v>2024-03-15T00:00:00</v></c><c r="B2" t="d"><v>2024-03-15T13:45:00Z</v></c>)"
-        R"(<c r="C2" t="s"><v>0</v></c><c r="D2"><v>45366</v></c></row>)";
+        R"(<c r="C2" t="s"><v>0</v></c><c r="D2"><v>45366</v></c></row>)"
+        // Inline texts of spaces only, with and without xml:space, keep their spaces.
+        R"(<row r="3"><c r="A3" t="inlineStr"><is><t xml:space="preserve">   </t></is></c>)"
+        R"(<c r="B3" t="inlineStr"><is><t>  </t></is></c><c r="C3" t="inlineStr"><is><r><t xml:space="preserve"> </t></r>)"
+        R"(<r><t>x</t></r></is></c><c r="D3"><v>1</v></c></row>)";
     const QByteArray strings =
         R"(<si><t>rivi_x000D_&#10;toinen</t></si><si><t xml:space="preserve">  välit  </t></si>)";
     const QByteArray names =
@@ -417,7 +453,8 @@ TEST(SpreadsheetReaders, XlsxWrittenByOtherPrograms) {
     ASSERT_TRUE(writeZip(plain, package(transitional, transitionalRels, names, cells, strings)));
     EXPECT_EQ(readBack(plain),
               (std::vector<QStringList>{{"suora", "osa kaksi", "", "  välit  "},
-                                        {"15.3.2024", "15.3.2024 13:45", "rivi\r\ntoinen", "45366"}}));
+                                        {"15.3.2024", "15.3.2024 13:45", "rivi\r\ntoinen", "45366"},
+                                        {"   ", "  ", " x", "1"}}));
 
     // Strict: other namespaces and relationship types.
     const QString strict = dir.filePath("strict.xlsx");
