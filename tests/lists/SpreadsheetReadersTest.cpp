@@ -214,6 +214,22 @@ TEST(SpreadsheetReaders, XlsCodePages) {
     }
 }
 
+// The 1904 date system of BIFF2 to BIFF5 workbooks (DATEMODE): a day number is four years and a
+// day later than in the 1900 system.
+TEST(SpreadsheetReaders, XlsDatesOfThe1904System) {
+    QTemporaryDir dir;
+    const QByteArray dateMode = record(0x0022, le16(1));
+    const QString biff2 = dir.filePath("1904-biff2.xls");
+    ASSERT_TRUE(writeFile(biff2, kBof2 + dateMode + record(0x001E, QByteArray(1, 8) + "d.m.yyyy") +
+                                     record(0x0003, cellHead2(0, 0) + f64(45366)) + kEof));
+    EXPECT_EQ(readBack(biff2), (std::vector<QStringList>{{"16.3.2028"}}));
+    const QByteArray globals = dateMode + record(0x041E, le16(164) + QByteArray(1, 8) + "d.m.yyyy") +
+                               biff5Font(0) + record(0x00E0, le16(0) + le16(164) + QByteArray(12, 0));
+    const QString biff5 = dir.filePath("1904-biff5.xls");
+    ASSERT_TRUE(writeOle(biff5, "Book", biff5Workbook(globals, record(0x0203, cellHead(0, 0) + f64(45366)))));
+    EXPECT_EQ(readBack(biff5), (std::vector<QStringList>{{"16.3.2028"}}));
+}
+
 // A BIFF2 file (BIFF2's BOF) whose cells are BIFF3 to BIFF5 records, as some programs write:
 // each record's own layout holds, whatever the file's version.
 TEST(SpreadsheetReaders, XlsBiff2WithLaterRecords) {
