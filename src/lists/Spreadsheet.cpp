@@ -4,6 +4,7 @@
 #include "lists/ListProcedures.h"
 #include "lists/spreadsheet/CellText.h"
 #include "lists/spreadsheet/CompoundFile.h"
+#include "lists/spreadsheet/Encryption.h"
 #include "lists/spreadsheet/SheetReaders.h"
 #include "platform/Dialogs.h"
 
@@ -53,6 +54,21 @@ bool startsLikeBiff(const QByteArray& bytes) {
 }
 
 // Reads the first worksheet with the reader that fits what the file holds.
+// A workbook packed in a ZIP archive: an OpenDocument spreadsheet, or an Office Open XML workbook
+// with XML or binary parts.
+bool readPackage(const QByteArray& bytes, sheet::SheetBuilder& builder, QString* detail) {
+    const std::unique_ptr<sheet::Archive> zip = sheet::Archive::open(bytes, detail);
+    if (!zip) return false;
+    if (zip->contains(QStringLiteral("content.xml")) && !zip->contains(QStringLiteral("[Content_Types].xml")))
+        return sheet::readOds(*zip, builder, detail);
+    QString book;
+    if (!sheet::workbookPartOf(*zip, book, detail)) return false;
+    // A binary workbook's parts are .bin files; the package is the same.
+    return book.endsWith(QLatin1String(".bin"), Qt::CaseInsensitive)
+               ? sheet::readXlsb(*zip, book, builder, detail)
+               : sheet::readXlsx(*zip, book, builder, detail);
+}
+
 bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data, QString* error) {
     auto fail = [&](const QString& message) {
         if (error) *error = message;
@@ -76,21 +92,24 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
     QString detail;
     bool ok = false;
     try {
-        if (sheet::looksLikeOle(bytes) || startsLikeBiff(bytes)) {
+        if (sheet::looksLikeOle(bytes)) {
+            // An .xls workbook, or an Office Open XML one encrypted into the compound file.
+            const std::unique_ptr<sheet::CompoundFile> ole = sheet::CompoundFile::open(bytes, &detail);
+            if (ole && sheet::isEncryptedPackage(*ole)) {
+                QByteArray package;
+                const sheet::Decryption result =
+                    sheet::decryptPackage(*ole, sheet::defaultPassword(), package);
+                if (result == sheet::Decryption::Done)
+                    ok = readPackage(package, builder, &detail);
+                else
+                    detail = sheet::decryptionFailure(result);
+            } else if (ole) {
+                ok = sheet::readXls(bytes, builder, &detail);
+            }
+        } else if (startsLikeBiff(bytes)) {
             ok = sheet::readXls(bytes, builder, &detail);
         } else if (sheet::looksLikeZip(bytes)) {
-            const std::unique_ptr<sheet::Archive> zip = sheet::Archive::open(bytes, &detail);
-            if (zip) {
-                QString book;
-                if (zip->contains(QStringLiteral("content.xml")) &&
-                    !zip->contains(QStringLiteral("[Content_Types].xml")))
-                    ok = sheet::readOds(*zip, builder, &detail);
-                else if (sheet::workbookPartOf(*zip, book, &detail))
-                    // A binary workbook's parts are .bin files; the package is the same.
-                    ok = book.endsWith(QLatin1String(".bin"), Qt::CaseInsensitive)
-                             ? sheet::readXlsb(*zip, book, builder, &detail)
-                             : sheet::readXlsx(*zip, book, builder, &detail);
-            }
+            ok = readPackage(bytes, builder, &detail);
         } else {
             detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
         }

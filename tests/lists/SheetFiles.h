@@ -61,23 +61,28 @@ inline bool writeZip(const QString& path, const Members& members) {
     return true;
 }
 
-// Writes one stream (for example "Book" or "Workbook") into an OLE compound file at `path`.
-inline bool writeOle(const QString& path, const QString& streamName, const QByteArray& data) {
+// Writes streams (for example "Book" or "Workbook") into an OLE compound file at `path`.
+inline bool writeOle(const QString& path, const Members& streams) {
     gsf_init();
     GError* err = nullptr;
     GsfOutput* sink = gsf_output_stdio_new(path.toLocal8Bit().constData(), &err);
     if (!sink) return false;
     GsfOutfile* ole = gsf_outfile_msole_new(sink);
-    GsfOutput* child = gsf_outfile_new_child(ole, streamName.toUtf8().constData(), FALSE);
-    gsf_output_write(child, static_cast<size_t>(data.size()),
-                     reinterpret_cast<const guint8*>(data.constData()));
-    gsf_output_close(child);
-    g_object_unref(child);
+    for (const auto& [name, data] : streams) {
+        GsfOutput* child = gsf_outfile_new_child(ole, name.toUtf8().constData(), FALSE);
+        gsf_output_write(child, static_cast<size_t>(data.size()),
+                         reinterpret_cast<const guint8*>(data.constData()));
+        gsf_output_close(child);
+        g_object_unref(child);
+    }
     gsf_output_close(GSF_OUTPUT(ole));
     g_object_unref(ole);
     if (!gsf_output_is_closed(sink)) gsf_output_close(sink); // the container closes it
     g_object_unref(sink);
     return true;
+}
+inline bool writeOle(const QString& path, const QString& streamName, const QByteArray& data) {
+    return writeOle(path, Members{{streamName, data}});
 }
 
 // Writes bytes to a file at `path`.

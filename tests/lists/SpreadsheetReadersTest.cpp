@@ -2,6 +2,7 @@
 // Excel's stored formula texts, strict and hand-written .xlsx, hand-written .ods; and damaged
 // files, which must fail with a message and never hang or crash.
 #include "ListBuilders.h"
+#include "SheetEncryption.h"
 #include "SheetFiles.h"
 #include "common/TestSupport.h"
 #include "lists/Spreadsheet.h"
@@ -399,6 +400,59 @@ TEST(SpreadsheetReaders, XlsInOddCompoundFiles) {
     }
 }
 
+// Workbooks encrypted in the ways LibreOffice does not write: an .xlsx (and an .xlsb) in agile
+// encryption, an .xls in RC4 through the CryptoAPI with 128-bit and 40-bit keys. With the
+// password of a workbook only protected against changes they are read (LibreOffice opens them
+// too, all but the 40-bit one, whose key it does not pad); with another one they are refused as
+// protected, and broken encryption data is said to be broken.
+TEST(SpreadsheetReaders, EncryptedWithTheDefaultPassword) {
+    QTemporaryDir dir;
+    const QString data = testing_support::sourceDir() + "/tests/lists/data/";
+    QFile plain(data + "taulukko.xlsx");
+    ASSERT_TRUE(plain.open(QIODevice::ReadOnly));
+    const QByteArray package = plain.readAll();
+    const std::vector<QStringList> expected = readBack(data + "taulukko.xlsx");
+    ASSERT_EQ(expected.size(), 9u);
+    const QString agile = dir.filePath("agile.xlsx");
+    ASSERT_TRUE(writeOle(agile, agileEncrypted(package, "VelvetSweatshop")));
+    EXPECT_EQ(readBack(agile), expected);
+    const QString binary = dir.filePath("agile.xlsb");
+    ASSERT_TRUE(writeZip(binary, binaryWorkbook(false)));
+    QFile binaryFile(binary);
+    ASSERT_TRUE(binaryFile.open(QIODevice::ReadOnly));
+    const QString agileBinary = dir.filePath("agile-binaari.xlsb");
+    ASSERT_TRUE(writeOle(agileBinary, agileEncrypted(binaryFile.readAll(), "VelvetSweatshop", 1000)));
+    EXPECT_EQ(readBack(agileBinary)[0][0], "jaettu");
+
+    const QByteArray cells = record(0x00FD, cellHead(0, 0) + le32(2)) +
+                             record(0x0203, cellHead(0, 1, 1) + f64(12.5)) +
+                             record(0x0204, cellHead(0, 2) + biff8String("suora"));
+    for (int bits : {128, 40}) {
+        SCOPED_TRACE(bits);
+        const CryptoApiRc4 rc4{"VelvetSweatshop", bits};
+        const QString path = dir.filePath(QString("cryptoapi%1.xls").arg(bits));
+        ASSERT_TRUE(writeOle(path, "Workbook", rc4.encrypt(biff8Workbook(cells, false, rc4.filePass()))));
+        EXPECT_EQ(readBack(path), (std::vector<QStringList>{{"rivi\r\nkaksi", "12,50", "suora"}}));
+    }
+
+    // A password of its own.
+    const QString other = dir.filePath("oma.xlsx");
+    ASSERT_TRUE(writeOle(other, agileEncrypted(package, "salainen", 1000)));
+    EXPECT_TRUE(readError(other).endsWith("ei voitu lukea: työkirja on suojattu salasanalla."))
+        << readError(other).toStdString();
+    const CryptoApiRc4 own{"salainen"};
+    const QString otherXls = dir.filePath("oma.xls");
+    ASSERT_TRUE(writeOle(otherXls, "Workbook", own.encrypt(biff8Workbook(cells, false, own.filePass()))));
+    EXPECT_TRUE(readError(otherXls).endsWith("ei voitu lukea: työkirja on suojattu salasanalla."));
+    // Encryption data cut short.
+    Members broken = agileEncrypted(package, "VelvetSweatshop", 1000);
+    broken[1].second.truncate(100);
+    const QString cut = dir.filePath("katki.xlsx");
+    ASSERT_TRUE(writeOle(cut, broken));
+    EXPECT_TRUE(readError(cut).endsWith("työkirjan salauksen tiedot ovat vahingoittuneet."))
+        << readError(cut).toStdString();
+}
+
 TEST(SpreadsheetReaders, XlsxWrittenByOtherPrograms) {
     QTemporaryDir dir;
     const QByteArray contentTypes =
@@ -521,7 +575,8 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
         EXPECT_TRUE(error.contains("tietue 0x0004 tavussa 27")) << error.toStdString();
     }
     // A BIFF8 sheet list that points past the end, shared strings that promise more than they
-    // hold, an encrypted workbook.
+    // hold, a workbook encrypted with a password of its own (its verifier does not match the
+    // default password's).
     {
         QByteArray globals =
             record(0x0809, le16(0x0600) + le16(0x0005) + QByteArray(12, 0)) +
@@ -530,8 +585,8 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
         ASSERT_TRUE(writeOle(dir.filePath("ohi.xls"), "Workbook", globals));
         EXPECT_TRUE(readError(dir.filePath("ohi.xls")).contains("tavu 999999"))
             << readError(dir.filePath("ohi.xls")).toStdString();
-        QByteArray locked =
-            record(0x0809, le16(0x0600) + le16(0x0005) + QByteArray(12, 0)) + record(0x002F, le16(1)) + kEof;
+        QByteArray locked = record(0x0809, le16(0x0600) + le16(0x0005) + QByteArray(12, 0)) +
+                            record(0x002F, le16(1) + le16(1) + le16(1) + QByteArray(48, 0x5A)) + kEof;
         ASSERT_TRUE(writeOle(dir.filePath("lukittu.xls"), "Workbook", locked));
         EXPECT_TRUE(readError(dir.filePath("lukittu.xls")).contains("salasanalla"))
             << readError(dir.filePath("lukittu.xls")).toStdString();

@@ -223,6 +223,25 @@ TEST(SpreadsheetImport, LongTextsAndSpacesAsWritten) {
     }
 }
 
+// Workbooks LibreOffice encrypted: with the password a workbook only protected against changes
+// has (an .xlsx in standard encryption, an .xls in RC4), they were refused as protected;
+// LibreOffice opens them without asking, and they are read. With a password of their own they
+// stay refused, with the same clear message.
+TEST(SpreadsheetImport, EncryptedWorkbooks) {
+    for (const QString name : {"salattu.xlsx", "salattu.xls"}) {
+        SCOPED_TRACE(name.toStdString());
+        EXPECT_EQ(sheetOf(fixture(name), 7), kSheet);
+    }
+    for (const QString name : {"salasana.xlsx", "salasana.xls"}) {
+        SCOPED_TRACE(name.toStdString());
+        std::vector<QStringList> rows;
+        QString error;
+        EXPECT_FALSE(readFirstSheet(fixture(name), 7, rows, &error));
+        EXPECT_EQ(error, "Taulukkotiedostoa: " + fixture(name) +
+                             " ei voitu lukea: työkirja on suojattu salasanalla.");
+    }
+}
+
 TEST(SpreadsheetImport, LargeWorkbookWithContinuedStrings) {
     // 1200 rows whose texts fill the shared string table across many CONTINUE records, some
     // of them with "€" (two bytes a character) and some without.

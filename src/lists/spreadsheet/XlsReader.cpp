@@ -5,6 +5,7 @@
 #include "lists/spreadsheet/BinaryValues.h"
 #include "lists/spreadsheet/CellText.h"
 #include "lists/spreadsheet/CompoundFile.h"
+#include "lists/spreadsheet/Encryption.h"
 #include "lists/spreadsheet/SheetReaders.h"
 #include "platform/CodePage.h"
 #include "platform/Cp1252.h"
@@ -152,9 +153,11 @@ private:
 
 class BiffReader {
 public:
-    BiffReader(QByteArrayView stream, SheetBuilder& out)
+    // `decrypted`: the stream's records after FILEPASS have been decrypted.
+    BiffReader(QByteArrayView stream, SheetBuilder& out, bool decrypted)
         : m_stream(stream)
-        , m_out(out) {}
+        , m_out(out)
+        , m_decrypted(decrypted) {}
 
     bool read(QString* error);
 
@@ -198,6 +201,7 @@ private:
 
     QByteArrayView m_stream;
     SheetBuilder& m_out;
+    bool m_decrypted = false;
     Biff m_biff = Biff::V8;
     bool m_date1904 = false;
     int m_codePage = 0;               // of the CODEPAGE record; 0 when there is none
@@ -378,7 +382,7 @@ bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
     const char* d = rec.data.data();
     switch (rec.id) {
         case kFilePass:
-            return fail(QStringLiteral("työkirja on suojattu salasanalla"));
+            return m_decrypted || fail(decryptionFailure(Decryption::OtherPassword));
         case kCodePage:
             if (!need(rec, 2)) return false;
             m_codePage = u16(d);
@@ -663,9 +667,54 @@ bool BiffReader::read(QString* error) {
 
 } // namespace
 
+namespace {
+
+// Decrypts the records after a FILEPASS record of the workbook globals in place, with the
+// password of a workbook that is only protected against changes. Record headers are not
+// encrypted, nor are the records the file format names (BOF, FILEPASS, ...) and a BOUNDSHEET's
+// stream offset; the key stream runs on over all of them. False with the reason when the
+// password does not open the workbook.
+bool decryptStream(QByteArray& stream, bool& decrypted, QString* error) {
+    decrypted = false;
+    qsizetype pos = 0, after = -1;
+    QByteArrayView filePass;
+    while (pos + 4 <= stream.size()) {
+        const quint16 id = u16(stream.constData() + pos), length = u16(stream.constData() + pos + 2);
+        if (pos + 4 + length > stream.size() || id == kEof) break;
+        if (id == kFilePass) {
+            filePass = QByteArrayView(stream).sliced(pos + 4, length);
+            after = pos + 4 + length;
+            break;
+        }
+        pos += 4 + length;
+    }
+    if (after < 0) return true;
+    Decryption status = Decryption::Unknown;
+    const std::unique_ptr<BiffCipher> cipher = BiffCipher::fromFilePass(filePass, defaultPassword(), status);
+    if (!cipher) {
+        if (error) *error = decryptionFailure(status);
+        return false;
+    }
+    char* data = stream.data();
+    for (pos = after; pos + 4 <= stream.size();) {
+        const quint16 id = u16(data + pos), length = u16(data + pos + 2);
+        const qsizetype end = std::min<qsizetype>(pos + 4 + length, stream.size());
+        const bool clear = id == kBof2 || id == kBof3 || id == kBof4 || id == kBof58 || id == kFilePass ||
+                           id == 0x0194 /* USREXCL */ || id == 0x0195 /* FILELOCK */ ||
+                           id == 0x00E1 /* INTERFACEHDR */ || id == 0x0196 /* RRDINFO */ ||
+                           id == 0x0138 /* RRDHEAD */;
+        const qsizetype at = pos + 4 + (id == kBoundSheet ? 4 : 0);
+        if (!clear && at < end) cipher->decrypt(data + at, end - at, at);
+        pos += 4 + length;
+    }
+    decrypted = true;
+    return true;
+}
+
+} // namespace
+
 bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error) {
-    QByteArray stream;
-    QByteArrayView view(bytes);
+    QByteArray stream = bytes; // shared until a decryption writes to it
     if (looksLikeOle(bytes)) {
         const std::unique_ptr<CompoundFile> ole = CompoundFile::open(bytes, error);
         if (!ole) return false;
@@ -673,16 +722,14 @@ bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error) {
                              : ole->contains(QStringLiteral("Book"))   ? QStringLiteral("Book")
                                                                        : QString();
         if (name.isEmpty()) {
-            if (error)
-                *error = ole->contains(QStringLiteral("EncryptedPackage"))
-                             ? QStringLiteral("työkirja on suojattu salasanalla")
-                             : QStringLiteral("tiedostossa ei ole Excel-työkirjaa");
+            if (error) *error = QStringLiteral("tiedostossa ei ole Excel-työkirjaa");
             return false;
         }
         if (!ole->read(name, stream, error)) return false;
-        view = QByteArrayView(stream);
     }
-    BiffReader reader(view, out);
+    bool decrypted = false;
+    if (!decryptStream(stream, decrypted, error)) return false;
+    BiffReader reader(stream, out, decrypted);
     return reader.read(error);
 }
 
