@@ -604,6 +604,19 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
                         .hasMatch())
             << error.toStdString();
     }
+    // A package whose relationships name more parts than any workbook has.
+    {
+        QByteArray rels =
+            R"(<?xml version="1.0"?><Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)";
+        for (int i = 0; i < 70000; ++i)
+            rels +=
+                QString(R"(<Relationship Id="r%1" Type="t/worksheet" Target="x%1.xml"/>)").arg(i).toUtf8();
+        rels += "</Relationships>";
+        ASSERT_TRUE(writeZip(dir.filePath("viittaukset.xlsx"),
+                             {{"[Content_Types].xml", "<Types/>"}, {"_rels/.rels", rels}}));
+        const QString error = readError(dir.filePath("viittaukset.xlsx"));
+        EXPECT_TRUE(error.endsWith("osassa _rels/.rels on yli 65536 viittausta.")) << error.toStdString();
+    }
     // Every fixture cut short and with bytes overwritten here and there: read or refused, but
     // never a crash or an endless loop.
     const QString data = testing_support::sourceDir() + "/tests/lists/data/";

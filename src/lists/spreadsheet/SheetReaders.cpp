@@ -35,15 +35,21 @@ QString resolveTarget(const QString& fromFolder, const QString& target) {
     return parts.join(QLatin1Char('/'));
 }
 
+constexpr qsizetype kMostRelationships = 1 << 16;
+
 class RelationshipsPart : public SaxPart {
 public:
-    RelationshipsPart(QString folder, Relationships& out)
-        : m_folder(std::move(folder))
+    RelationshipsPart(QString name, QString folder, Relationships& out)
+        : m_name(std::move(name))
+        , m_folder(std::move(folder))
         , m_out(out) {}
 
 protected:
     void start(std::string_view name, const xmlChar** attributes, int count) override {
         if (name != "Relationship") return;
+        // A workbook has a part for each sheet and a few more; far more is no workbook.
+        if (m_out.size() >= kMostRelationships)
+            return stop(QStringLiteral("osassa %1 on yli %2 viittausta").arg(m_name).arg(kMostRelationships));
         const QString type = fromUtf8(saxAttribute(attributes, count, "Type"));
         m_out.insert(fromUtf8(saxAttribute(attributes, count, "Id")),
                      {type.mid(type.lastIndexOf(QLatin1Char('/')) + 1),
@@ -53,6 +59,7 @@ protected:
     void text(const char*, int) override {}
 
 private:
+    QString m_name;
     QString m_folder;
     Relationships& m_out;
 };
@@ -64,7 +71,7 @@ bool readRelationships(const Archive& archive, const QString& part, Relationship
     const QString relsPath =
         folder + QStringLiteral("_rels/") + part.mid(folder.size()) + QStringLiteral(".rels");
     if (!archive.contains(relsPath)) return true;
-    return RelationshipsPart(folder, out).parse(archive, relsPath, error);
+    return RelationshipsPart(relsPath, folder, out).parse(archive, relsPath, error);
 }
 
 bool workbookPartOf(const Archive& archive, QString& part, QString* error) {

@@ -380,6 +380,10 @@ void BiffReader::putNumber(int row, int col, double value, const CellFormat& for
 
 bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
     const char* d = rec.data.data();
+    // The fonts and formats kept count as the texts do.
+    const bool kept = rec.id == kFont || rec.id == kFont3 || rec.id == kFormat23 || rec.id == kFormat ||
+                      rec.id == kXf2 || rec.id == kXf3 || rec.id == kXf4 || rec.id == kXf;
+    if (kept && !m_out.keep(0)) return fail(SheetBuilder::fullMessage());
     switch (rec.id) {
         case kFilePass:
             return m_decrypted || fail(decryptionFailure(Decryption::OtherPassword));

@@ -189,7 +189,8 @@ struct Workbook {
     std::vector<CellFormat> formats;
 };
 
-bool readWorkbook(const Archive& archive, const QString& part, Workbook& book, QString* error) {
+bool readWorkbook(const Archive& archive, const QString& part, Workbook& book, SheetBuilder& out,
+                  QString* error) {
     return readRecords(
         archive, part, error, [](quint32 type) { return type == kWbProp || type == kBundleSh; },
         [&](Records& records, quint32 type, QByteArrayView data, bool&) {
@@ -202,11 +203,12 @@ bool readWorkbook(const Archive& archive, const QString& part, Workbook& book, Q
             QString id;
             if (!wideString(data, at, id)) return records.failRecord(QStringLiteral("tietue on vajaa"), type);
             book.sheetRelationships.push_back(id);
-            return true;
+            return out.keep(id.size()) || records.failRecord(SheetBuilder::fullMessage(), type);
         });
 }
 
-bool readStyles(const Archive& archive, const QString& part, Workbook& book, QString* error) {
+bool readStyles(const Archive& archive, const QString& part, Workbook& book, SheetBuilder& out,
+                QString* error) {
     QHash<int, CellFormat> custom;
     bool inCellXfs = false;
     return readRecords(
@@ -215,6 +217,9 @@ bool readStyles(const Archive& archive, const QString& part, Workbook& book, QSt
             return type == kFmt || type == kXf || type == kBeginCellXfs || type == kEndCellXfs;
         },
         [&](Records& records, quint32 type, QByteArrayView data, bool& done) {
+            // The formats kept count as the texts do.
+            if ((type == kFmt || type == kXf) && !out.keep(0))
+                return records.failRecord(SheetBuilder::fullMessage(), type);
             switch (type) {
                 case kFmt: {
                     qsizetype at = 2;
@@ -351,7 +356,7 @@ bool readSheet(const Archive& archive, const QString& part, const Workbook& book
 
 bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error) {
     Workbook book;
-    if (!readWorkbook(archive, workbookPart, book, error)) return false;
+    if (!readWorkbook(archive, workbookPart, book, out, error)) return false;
     Relationships rels;
     if (!readRelationships(archive, workbookPart, rels, error)) return false;
     // The first sheet that is a worksheet: chart and macro sheets hold no cells.
@@ -373,7 +378,8 @@ bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder&
         if (r.type == QLatin1String("sharedStrings") &&
             !readSharedStrings(archive, r.target, book, out, error))
             return false;
-        if (r.type == QLatin1String("styles") && !readStyles(archive, r.target, book, error)) return false;
+        if (r.type == QLatin1String("styles") && !readStyles(archive, r.target, book, out, error))
+            return false;
     }
     return readSheet(archive, sheetPart, book, out, error);
 }

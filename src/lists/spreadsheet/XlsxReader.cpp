@@ -86,11 +86,15 @@ private:
 // the workbook's own formats, the <xf>s of <cellXfs> point at them or at built-in ones.
 class Styles : public SaxPart {
 public:
-    explicit Styles(std::vector<CellFormat>& out)
-        : m_out(out) {}
+    Styles(std::vector<CellFormat>& out, SheetBuilder& budget)
+        : m_out(out)
+        , m_budget(budget) {}
 
 protected:
     void start(std::string_view name, const xmlChar** attributes, int count) override {
+        // The formats kept count as the texts do.
+        if ((name == "numFmt" || (m_inCellXfs && name == "xf")) && !m_budget.keep(0))
+            return stop(SheetBuilder::fullMessage());
         if (name == "numFmt") {
             m_custom.insert(intOf(saxAttribute(attributes, count, "numFmtId")),
                             excelFormat(fromUtf8(saxAttribute(attributes, count, "formatCode"))));
@@ -114,6 +118,7 @@ private:
         return v;
     }
     std::vector<CellFormat>& m_out;
+    SheetBuilder& m_budget;
     QHash<int, CellFormat> m_custom;
     bool m_inCellXfs = false;
 };
@@ -343,7 +348,7 @@ bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder&
     for (const Relationship& r : std::as_const(rels)) {
         if (r.type == "sharedStrings"_L1 && !SharedStrings(book.strings, out).parse(archive, r.target, error))
             return false;
-        if (r.type == "styles"_L1 && !Styles(book.formats).parse(archive, r.target, error)) return false;
+        if (r.type == "styles"_L1 && !Styles(book.formats, out).parse(archive, r.target, error)) return false;
     }
     return Worksheet(book, out).parse(archive, sheetPart, error);
 }
