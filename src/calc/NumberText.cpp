@@ -134,11 +134,13 @@ QString withDecimalComma(const PatternDigits& d, QChar group) {
 
 } // namespace
 
-double CustomVal(const QString& text) {
+NumberScan ScanNumber(const QString& text) {
+    NumberScan scan;
     const qsizetype n = text.size();
     qsizetype i = 0;
     while (i < n && isNumberBlank(text[i]))
         ++i;
+    scan.start = i;
     // A leading "0" lets ",5" read as 0.5.
     std::string number;
     if (i < n && (text[i] == QLatin1Char('-') || text[i] == QLatin1Char('+'))) {
@@ -146,14 +148,13 @@ double CustomVal(const QString& text) {
         ++i;
     }
     number += '0';
-    bool digits = false;
     bool point = false;
     for (; i < n; ++i) {
         const QChar c = text[i];
         if (isNumberBlank(c)) continue;
         if (isDigit(c)) {
             number += static_cast<char>(c.unicode());
-            digits = true;
+            scan.digits = true;
         } else if ((c == QLatin1Char(',') || c == QLatin1Char('.')) && !point) {
             number += '.';
             point = true;
@@ -161,12 +162,22 @@ double CustomVal(const QString& text) {
             break;
         }
     }
-    if (!digits) return 0;
+    if (!scan.digits) {
+        scan.end = scan.start;
+        return scan;
+    }
     readExponent(text, i, number);
-    double value = 0;
-    const auto r = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (r.ec == std::errc::result_out_of_range) return 0;
-    return value;
+    scan.end = i;
+    const auto r = std::from_chars(number.data(), number.data() + number.size(), scan.value);
+    if (r.ec == std::errc::result_out_of_range) {
+        scan.value = 0;
+        scan.outOfRange = true;
+    }
+    return scan;
+}
+
+double CustomVal(const QString& text) {
+    return ScanNumber(text).value;
 }
 
 double RoundHalfEven(double x) {
