@@ -107,24 +107,24 @@ void CheckMarks::paint(QPainter* painter, const QStyleOptionViewItem& option,
         const QWidget* widget = option.widget;
         QStyle* style = widget ? widget->style() : QApplication::style();
         style->drawControl(QStyle::CE_ItemViewItem, &opt, painter, widget);
-        // The corner mark shows through the selection's highlight too.
+    }
+    painter->save();
+    if (row == m_shownRow && column == m_shownColumn) {
+        painter->setPen(QPen(option.palette.color(QPalette::Text), 2));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
+    }
+    if (finding) {
+        // The corner mark shows through the selection's highlight and the frame too.
         const QRect r = option.rect;
         const int size = std::max(5, std::min(r.height() / 2, 8));
-        painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(Qt::NoPen);
         painter->setBrush(markColour(finding->severity));
         const QPoint corner = r.topLeft();
         painter->drawPolygon(QPolygon({corner, corner + QPoint(size, 0), corner + QPoint(0, size)}));
-        painter->restore();
     }
-    if (row == m_shownRow && column == m_shownColumn) {
-        painter->save();
-        painter->setPen(QPen(option.palette.color(QPalette::Text), 2));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
-        painter->restore();
-    }
+    painter->restore();
 }
 
 bool CheckMarks::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,

@@ -20,6 +20,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <optional>
 #include <tuple>
 
@@ -276,7 +277,13 @@ void showProjectCheck(MDIForm1& main) {
     const ProjectWindows project = main.ParseFormIndeces();
     if (!project.f1 || !project.f2) return;
     auto* window = main.findChild<ProjectCheckWindow*>(QString(), Qt::FindDirectChildrenOnly);
-    if (!window) window = new ProjectCheckWindow(main);
+    if (!window) {
+        window = new ProjectCheckWindow(main);
+        // Low in the main window's right corner, where it leaves the lists' upper rows free.
+        const QRect frame = main.frameGeometry();
+        window->move(std::max(frame.left(), frame.right() - window->width() - 24),
+                     std::max(frame.top(), frame.bottom() - window->height() - 48));
+    }
     window->checkProject(project.f1, project.f2);
     window->show();
     window->raise();
