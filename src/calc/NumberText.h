@@ -14,6 +14,10 @@ namespace calc {
 // beyond the range of a double.
 double CustomVal(const QString& text);
 
+// Blanks that CustomVal skips inside a number: spaces (also the no-break spaces that grouped
+// amounts carry), tabs and line breaks.
+bool IsNumberBlank(QChar c);
+
 // How CustomVal reads a text: the value, and where reading began and stopped, so that the
 // project check can tell what part of a cell the calculations leave unread.
 struct NumberScan {

@@ -30,10 +30,6 @@ struct TextReading {
     QString rest; // what follows the number (TrailingNumber, TrailingText)
 };
 
-bool isBlankChar(QChar c) {
-    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == u'\u00A0' || c == u'\u202F';
-}
-
 bool isDigitChar(QChar c) {
     return c >= u'0' && c <= u'9';
 }
@@ -44,7 +40,7 @@ bool containsDigit(QStringView text) {
 
 // The next character from `i` on that is not a blank; -1 when there is none.
 qsizetype skipBlanks(const QString& text, qsizetype i) {
-    while (i < text.size() && isBlankChar(text[i]))
+    while (i < text.size() && IsNumberBlank(text[i]))
         ++i;
     return i < text.size() ? i : -1;
 }
@@ -80,7 +76,7 @@ NumberShape shapeOf(const QString& text, const NumberScan& scan) {
     bool exponent = false;
     for (; i < scan.end; ++i) {
         const QChar c = text[i];
-        if (isBlankChar(c)) {
+        if (IsNumberBlank(c)) {
             if (separator.isNull())
                 blankInGroup = group > 0;
             else
