@@ -1,28 +1,16 @@
 // The program's command line, run as a user would run it.
-#include "common/TestSupport.h"
+#include "common/RunProgram.h"
 #include "platform/TextFile.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using testing_support::Result;
+using testing_support::run;
+
 namespace {
 
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Result run(const QStringList& args) {
-    QProcess p;
-    p.start(testing_support::binaryDir() + QStringLiteral("/tamrik"), args);
-    p.waitForFinished(60000);
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-// The same under a memory limit of 1 GB, as a user's machine with little memory has it. The
+// A command under a memory limit of 1 GB, as a user's machine with little memory has it. The
 // checked build's sanitizer needs far more address space, so it runs without the limit.
 Result runWithinAGigabyte(const QStringList& args) {
 #if defined(__has_feature)
