@@ -87,6 +87,10 @@ inline Members agileEncrypted(const QByteArray& package, const QString& password
         dataSalt.toBase64() + "\"/><dataIntegrity encryptedHmacKey=\"" + hmacKeySealed.toBase64() +
         "\" encryptedHmacValue=\"" + hmacValueSealed.toBase64() +
         "\"/><keyEncryptors>"
+        // A certificate's key encryptor comes first, as in workbooks encrypted for both.
+        "<keyEncryptor uri=\"http://schemas.microsoft.com/office/2006/keyEncryptor/certificate\">"
+        "<c:encryptedKey xmlns:c=\"http://schemas.microsoft.com/office/2006/keyEncryptor/certificate\" "
+        "encryptedKeyValue=\"AA==\" x509Certificate=\"AA==\" certVerifier=\"AA==\"/></keyEncryptor>"
         "<keyEncryptor uri=\"http://schemas.microsoft.com/office/2006/keyEncryptor/password\">"
         "<p:encryptedKey spinCount=\"" +
         QByteArray::number(spinCount) +

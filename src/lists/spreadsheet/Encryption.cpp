@@ -303,7 +303,10 @@ Decryption decryptAgile(QByteArrayView info, QByteArrayView encrypted, const QSt
         if (xml.name() == "keyData"_L1) {
             haveData = true;
             if (!data.read(xml.attributes())) return Decryption::Unknown;
-        } else if (xml.name() == "encryptedKey"_L1 && !havePass) {
+        } else if (xml.name() == "encryptedKey"_L1 && !havePass &&
+                   xml.namespaceUri() ==
+                       "http://schemas.microsoft.com/office/2006/keyEncryptor/password"_L1) {
+            // The password's key encryptor; a certificate's is of no use here.
             havePass = true;
             if (!pass.read(xml.attributes())) return Decryption::Unknown;
         }
