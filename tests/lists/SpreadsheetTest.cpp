@@ -228,11 +228,11 @@ TEST(SpreadsheetImport, LongTextsAndSpacesAsWritten) {
 // LibreOffice opens them without asking, and they are read. With a password of their own they
 // stay refused, with the same clear message.
 TEST(SpreadsheetImport, EncryptedWorkbooks) {
-    for (const QString name : {"salattu.xlsx", "salattu.xls"}) {
+    for (const QString name : {"salatut/salattu.xlsx", "salattu.xls"}) {
         SCOPED_TRACE(name.toStdString());
         EXPECT_EQ(sheetOf(fixture(name), 7), kSheet);
     }
-    for (const QString name : {"salasana.xlsx", "salasana.xls"}) {
+    for (const QString name : {"salatut/salasana.xlsx", "salasana.xls"}) {
         SCOPED_TRACE(name.toStdString());
         std::vector<QStringList> rows;
         QString error;

@@ -8,6 +8,7 @@
 #include <openssl/evp.h>
 #include <openssl/provider.h>
 
+#include <cstring>
 #include <mutex>
 
 namespace lists::sheet {
@@ -51,6 +52,28 @@ QByteArray hash(const EVP_MD* md, std::initializer_list<QByteArrayView> parts) {
     EVP_DigestFinal_ex(ctx, out, &length);
     EVP_MD_CTX_free(ctx);
     return QByteArray(reinterpret_cast<const char*>(out), static_cast<qsizetype>(length));
+}
+
+// H(i + H) for i from 0 to count - 1: the rounds that make a password slow to guess. One context
+// and one buffer serve them all.
+QByteArray spin(const EVP_MD* md, const QByteArray& start, quint32 count) {
+    unsigned char buffer[4 + EVP_MAX_MD_SIZE];
+    const std::size_t size = static_cast<std::size_t>(start.size());
+    std::memcpy(buffer + 4, start.constData(), size);
+    EVP_MD_CTX* ctx = EVP_MD_CTX_new();
+    EVP_DigestInit_ex2(ctx, md, nullptr);
+    for (quint32 i = 0; i < count; ++i) {
+        buffer[0] = static_cast<unsigned char>(i);
+        buffer[1] = static_cast<unsigned char>(i >> 8);
+        buffer[2] = static_cast<unsigned char>(i >> 16);
+        buffer[3] = static_cast<unsigned char>(i >> 24);
+        unsigned int length = 0;
+        EVP_DigestInit_ex2(ctx, nullptr, nullptr); // the same digest again
+        EVP_DigestUpdate(ctx, buffer, 4 + size);
+        EVP_DigestFinal_ex(ctx, buffer + 4, &length);
+    }
+    EVP_MD_CTX_free(ctx);
+    return QByteArray(reinterpret_cast<const char*>(buffer + 4), static_cast<qsizetype>(size));
 }
 
 // AES without padding, in whole blocks; ECB without an initial vector, CBC with one.
@@ -236,9 +259,7 @@ Decryption decryptStandard(QByteArrayView info, QByteArrayView encrypted, const 
     const bool aes = algorithm == 0x660E || algorithm == 0x660F || algorithm == 0x6610;
     if (!aes || (keyBits != 128 && keyBits != 192 && keyBits != 256)) return Decryption::Unknown;
     const QByteArrayView salt = info.sliced(verifierAt + 4, 16);
-    QByteArray h = hash(EVP_sha1(), {salt, utf16(password)});
-    for (quint32 i = 0; i < 50000; ++i)
-        h = hash(EVP_sha1(), {le32(i), h});
+    const QByteArray h = spin(EVP_sha1(), hash(EVP_sha1(), {salt, utf16(password)}), 50000);
     const QByteArray final = hash(EVP_sha1(), {h, le32(0)});
     QByteArray inner(64, char(0x36)), outer(64, char(0x5C));
     for (int i = 0; i < final.size(); ++i) {
@@ -315,9 +336,7 @@ Decryption decryptAgile(QByteArrayView info, QByteArrayView encrypted, const QSt
     if (!haveData || !havePass) return Decryption::Unknown;
     // Excel spins at most ten million times; more is a damaged or hostile file.
     if (pass.spinCount > 10000000) return Decryption::Damaged;
-    QByteArray h = hash(pass.md, {pass.salt, utf16(password)});
-    for (quint32 i = 0; i < pass.spinCount; ++i)
-        h = hash(pass.md, {le32(i), h});
+    const QByteArray h = spin(pass.md, hash(pass.md, {pass.salt, utf16(password)}), pass.spinCount);
     auto keyFor = [&](const char* block) {
         return fitted(hash(pass.md, {h, QByteArrayView(block, 8)}), pass.keyBits / 8);
     };
