@@ -1,7 +1,8 @@
 // The first worksheet of an Excel binary workbook (.xls): BIFF8 and BIFF5 inside an OLE compound
 // file (the "Workbook" or "Book" stream), BIFF2 to BIFF4 as a plain record stream. A record is a
 // 16-bit id, a 16-bit length and its data; a record longer than 8224 bytes goes on in CONTINUE
-// records. Formula cells keep the result that the writing program stored with them.
+// records. Formula cells keep the result that the writing program stored with them. A stream
+// encrypted with the default password (FILEPASS) is decrypted before it is read.
 #include "lists/spreadsheet/BinaryValues.h"
 #include "lists/spreadsheet/CellText.h"
 #include "lists/spreadsheet/CompoundFile.h"
