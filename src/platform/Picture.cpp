@@ -34,9 +34,9 @@ bool isIco(const QByteArray& b) {
 // needs no more (an A4 page is 3508 pixels long at 300 dpi), and a larger bitmap would only
 // make the project file big.
 constexpr int kLargestSide = 3600;
-// A picture is decoded at four bytes a pixel up to this many megabytes (Qt's own limit of 128
-// would refuse a 6000 x 6000 photo). PNG, BMP and the rest are decoded whole and then scaled;
-// JPEG scales while it reads, to an eighth of each side at the most.
+// A picture is decoded up to this many megabytes (Qt's own limit of 128 would refuse a
+// 6000 x 6000 photo). PNG, BMP and the rest are decoded whole and then scaled; JPEG scales while
+// it reads, to an eighth of each side at the most.
 constexpr int kDecodeLimitMB = 1024;
 constexpr int kJpegLargestReduction = 8;
 constexpr int kMostIconPictures = 64;
@@ -56,8 +56,10 @@ QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr, QStri
     const QSize full = reader.size();
     if (full.width() > kLargestSide || full.height() > kLargestSide) {
         const int reduction = reader.format() == "jpeg" ? kJpegLargestReduction : 1;
-        const qint64 megabytes =
-            qint64(full.width() / reduction + 1) * (full.height() / reduction + 1) * 4 / (1024 * 1024);
+        // Four bytes a pixel, eight for the 16-bit channels of a PNG.
+        const int pixelBytes = std::max(4, QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel() / 8);
+        const qint64 megabytes = qint64(full.width() / reduction + 1) * (full.height() / reduction + 1) *
+                                 pixelBytes / (1024 * 1024);
         if (megabytes > kDecodeLimitMB) {
             if (error) *error = tooLarge(full);
             return {};
