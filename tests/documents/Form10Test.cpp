@@ -75,8 +75,6 @@ TEST(HeadingIndex, ModeByActiveControl) {
     EXPECT_EQ(ShowIndexMode(1, {}, "Koodaussuunnitelma"), "");
     EXPECT_EQ(ShowIndexMode(2, {}, {}), "8");
     EXPECT_EQ(ShowIndexMode(3, lists::kind::QuantityList, {}), "9");
-    EXPECT_EQ(IndexTextHeader(lists::kind::RequirementBase), "Vaatimus");
-    EXPECT_EQ(IndexTextHeader(lists::kind::UnitPriceList), "Työvaihe");
     EXPECT_EQ(HeadingLine({"7110", "KAIVUT", 1, "00001"}), "7110\tKAIVUT");
 }
 
@@ -187,4 +185,33 @@ TEST(Form10, ChoosingGivesTheRowNumberOfTheHeading) {
     EXPECT_EQ(ChooseRequirementHeading(list), std::optional<QString>("00001"));
     answer(-1);
     EXPECT_EQ(ChooseRequirementHeading(list), std::nullopt);
+}
+
+TEST(Form10, TheSecondColumnIsNamedByTheMode) {
+    struct Case {
+        QString mode;
+        QString kind;
+        QString header;
+    };
+    const Case cases[] = {
+        {index_mode::QuantityList, lists::kind::QuantityList, "Työvaihe"},
+        {index_mode::Requirements, lists::kind::Requirements, "Vaatimus"},
+        {index_mode::UnitPriceBase, lists::kind::UnitPriceList, "Työvaihe"},
+        // The requirement base list's window indexes its work phases.
+        {index_mode::RequirementBase, lists::kind::RequirementBase, "Työvaihe"},
+        {index_mode::ActiveList, lists::kind::RequirementBase, "Vaatimus"},
+        {index_mode::ActiveList, lists::kind::Changes, "Työvaihe"},
+    };
+    lists::ListModel list;
+    inspectionList(list);
+    lists::ListView view;
+    view.setList(&list);
+    Form10::Source source;
+    source.list = &view;
+    for (const Case& c : cases) {
+        SCOPED_TRACE((c.mode + " " + c.kind).toStdString());
+        list.setKind(c.kind);
+        Form10 index(c.mode, source);
+        EXPECT_EQ(index.ListView1->headerItem()->text(1), c.header);
+    }
 }
