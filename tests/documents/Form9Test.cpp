@@ -99,6 +99,12 @@ TEST_F(Form9Test, EveryStyleOfTheStyleMenu) {
     select(box, 0, 2);
     editor.StyleMenuClick(8);
     EXPECT_EQ(formatAt(box, 0).fontPointSize(), 8);
+    // Nor does a cancelled colour dialog after the font was chosen.
+    dialogs.nextFont = QFont("Liberation Serif", 14);
+    dialogs.nextColor.reset();
+    editor.StyleMenuClick(8);
+    EXPECT_EQ(formatAt(box, 0).fontPointSize(), 8);
+    EXPECT_NE(formatAt(box, 0).fontFamilies().toStringList(), QStringList{"Liberation Serif"});
 }
 
 TEST_F(Form9Test, TheShownDocumentIsWrittenBackAsRichText) {
