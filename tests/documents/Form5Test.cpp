@@ -4,16 +4,21 @@
 #include "RowCardLists.h"
 #include "common/ScriptedDialogs.h"
 #include "documents/Controls.h"
+#include "documents/Form10.h"
 #include "documents/Form5.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using documents::Form5;
@@ -332,4 +337,126 @@ TEST_F(Form5Test, OtherListsGetTheirOwnCard) {
     EXPECT_FALSE(editor.CheckAndBrowseNext());
     ASSERT_TRUE(editor.UpdateRow());
     EXPECT_EQ(cell(1, 3), "110 ");
+}
+
+// ---------------------------------------------------------------- regressions
+
+namespace {
+
+// Makes the card the active window, as the user sees it.
+void activate(QWidget& window) {
+    window.show();
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+bool hasFocus(const QWidget* field) {
+    QWidget* focus = QApplication::focusWidget();
+    return focus && (focus == field || field->isAncestorOf(focus));
+}
+
+// Closes the heading index that the card opens modally: goes to heading `heading`, or cancels
+// for -1. Counts the indexes it closed.
+void answerIndex(int heading, int* opened) {
+    QTimer::singleShot(0, [heading, opened] {
+        auto* index = qobject_cast<documents::Form10*>(QApplication::activeModalWidget());
+        if (!index) return;
+        ++*opened;
+        if (heading < 0) {
+            index->reject();
+            return;
+        }
+        index->selectHeading(heading);
+        index->Command1[0]->click();
+    });
+}
+
+} // namespace
+
+TEST_F(Form5Test, AContractorPickingABridgeSpecificTypeLocksNothingAndWritesNothing) {
+    open(7, 2);
+    activate(editor);
+    // The real message box takes the focus while it is open.
+    dialogs.takesFocus = true;
+    documents::ComboBox* type = combo(4);
+    type->setFocus(Qt::MouseFocusReason);
+    type->showPopup();
+    QAbstractItemView* items = type->view();
+    QTest::mouseClick(items->viewport(), Qt::LeftButton, {},
+                      items->visualRect(type->model()->index(0, 0)).center());
+    EXPECT_EQ(dialogs.lastText(), "Urakoitsija voi antaa vain ohjeellisia (Ty = 3) laatuvaatimuksia.");
+    EXPECT_EQ(type->text(), "1 (siltakohtainen)");
+    // Nothing locked on the refused type: the contractor's requirement stays his to change.
+    EXPECT_FALSE(type->locked());
+    EXPECT_FALSE(combo(2)->locked());
+    EXPECT_FALSE(text(3)->locked());
+    EXPECT_EQ(type->lineEdit()->selectedText(), "1 (siltakohtainen)");
+    EXPECT_FALSE(editor.UpdateRow());
+    EXPECT_EQ(cell(7, 4), "3 ");
+    // Typed over, the type is the contractor's own again.
+    QCoreApplication::processEvents();
+    QTest::keyClicks(type->lineEdit(), "3");
+    EXPECT_TRUE(editor.UpdateRow());
+    EXPECT_EQ(cell(7, 4).left(1), "3");
+    editor.hide();
+}
+
+TEST_F(Form5Test, AContractorCannotLeaveTheTypeFieldWithAClick) {
+    open(7, 2);
+    activate(editor);
+    documents::ComboBox* type = combo(4);
+    type->setFocus(Qt::TabFocusReason);
+    type->lineEdit()->selectAll();
+    QTest::keyClicks(type->lineEdit(), "1");
+    // Tab: the message, and the focus stays with the text selected.
+    QTest::keyClick(type->lineEdit(), Qt::Key_Tab);
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{"Urakoitsija voi antaa vain ohjeellisia (Ty = 3) laatuvaatimuksia."});
+    EXPECT_TRUE(hasFocus(type));
+    // A click into another field: the same, although the text has not changed since.
+    documents::ComboBox* reference = combo(5);
+    QTest::mouseClick(reference->lineEdit(), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialogs.messages().size(), 2u);
+    EXPECT_TRUE(hasFocus(type));
+    EXPECT_TRUE(type->text().startsWith("1"));
+    EXPECT_EQ(type->lineEdit()->selectedText(), type->text());
+    // An allowed type lets the focus go.
+    QTest::keyClicks(type->lineEdit(), "3");
+    QTest::mouseClick(reference->lineEdit(), Qt::LeftButton);
+    EXPECT_TRUE(hasFocus(reference));
+    EXPECT_EQ(dialogs.messages().size(), 2u);
+    editor.hide();
+}
+
+TEST_F(Form5Test, GoingToAHeadingAsksAboutChangesNotWrittenToTheRow) {
+    open(6);
+    int opened = 0;
+    text(22)->setText("Poikkeama korjataan");
+    // Cancel: no index, the card keeps what was typed.
+    dialogs.answer(platform::MsgAnswer::Cancel);
+    answerIndex(-1, &opened);
+    editor.ToolbarClick("Find");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialogs.lastText(), "Kortin muutoksia ei ole viety riville.\r\n"
+                                  "Viedäänkö muutokset riville ennen siirtymistä?");
+    EXPECT_EQ(opened, 0);
+    EXPECT_EQ(text(22)->text(), "Poikkeama korjataan");
+    // Yes: written to the row, then the heading gone to.
+    dialogs.answer(platform::MsgAnswer::Yes);
+    answerIndex(3, &opened);
+    editor.ToolbarClick("Find");
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
+    EXPECT_EQ(editor.row(), 10);
+    // No: let go.
+    open(6);
+    text(22)->setText("Toinen");
+    dialogs.answer(platform::MsgAnswer::No);
+    answerIndex(0, &opened);
+    editor.ToolbarClick("Index");
+    EXPECT_EQ(opened, 2);
+    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
+    EXPECT_EQ(editor.row(), 1);
+    EXPECT_TRUE(dialogs.allAnswersUsed());
 }

@@ -297,11 +297,13 @@ TEST(EnableControlsForm5, DesignerContractorAndClient) {
 
 TEST(RowCardRules, ContractorTypeIdentifierAndCheck) {
     const QString req = lists::kind::Requirements;
-    EXPECT_TRUE(ContractorTypeRefused(2, req, "1 (siltakohtainen)"));
-    EXPECT_TRUE(ContractorTypeRefused(2, req, "2"));
-    EXPECT_FALSE(ContractorTypeRefused(2, req, "3 (ohjeellinen)"));
-    EXPECT_FALSE(ContractorTypeRefused(3, req, "1"));
-    EXPECT_FALSE(ContractorTypeRefused(2, lists::kind::RequirementBase, "1"));
+    EXPECT_TRUE(ContractorTypeRefused(2, req, "1 (siltakohtainen)", "3 "));
+    EXPECT_TRUE(ContractorTypeRefused(2, req, "2", ""));
+    EXPECT_FALSE(ContractorTypeRefused(2, req, "3 (ohjeellinen)", ""));
+    EXPECT_FALSE(ContractorTypeRefused(3, req, "1", ""));
+    EXPECT_FALSE(ContractorTypeRefused(2, lists::kind::RequirementBase, "1", ""));
+    // The designer's bridge-specific requirement keeps its type.
+    EXPECT_FALSE(ContractorTypeRefused(2, req, "1 (siltakohtainen)", "1 "));
     EXPECT_EQ(contractorTypeMessage(), "Urakoitsija voi antaa vain ohjeellisia (Ty = 3) laatuvaatimuksia.");
     EXPECT_TRUE(NeedsIdentifier(req));
     EXPECT_FALSE(NeedsIdentifier(lists::kind::RequirementBase));
