@@ -26,8 +26,11 @@ namespace lists {
 namespace {
 
 constexpr int kBlankRowsThatEnd = 100;
-// No workbook a list comes from is near this; a larger file is refused before it is read.
-constexpr qint64 kLargestFile = qint64(512) << 20;
+// No workbook a list comes from is near this; a larger file is refused before it is read. The
+// file is held whole while it is read, with a copy of an .xls workbook's stream (or an
+// encrypted package's clear bytes) beside it and what the reader keeps: together they stay
+// well within 1 GB.
+constexpr qint64 kLargestFile = qint64(256) << 20;
 // A list read from a spreadsheet without columns of its own takes at most this many.
 constexpr int kWidestSheetList = 1024;
 
@@ -123,9 +126,14 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
     return true;
 }
 
-// The sheet's rows from row 1 on as `width` cells each, by the row rules of the import.
-std::vector<QStringList> sheetRows(const sheet::SheetData& data, int width) {
-    std::vector<QStringList> out;
+// The sheet's rows from row 1 on as `width` cells each, by the row rules of the import. Every
+// row gets all its places (and a list row one more for its number), so a few cells far apart,
+// or a short run repeated over a million rows, would take gigabytes: the rows are counted
+// before they are laid out. False when they would pass what a reader may keep.
+bool sheetRows(const sheet::SheetData& data, int width, std::vector<QStringList>& out) {
+    const qint64 rowCost = (qint64(width) + 1) * sheet::SheetBuilder::kPlace + qint64(sizeof(QStringList));
+    const qint64 mostRows = sheet::SheetBuilder::kMostKept / rowCost;
+    out.clear();
     int blankRun = 0;
     const QStringList blankRow = QStringList(width);
     // Adds blank rows; false when they end the sheet.
@@ -146,13 +154,14 @@ std::vector<QStringList> sheetRows(const sheet::SheetData& data, int width) {
         if (blank) {
             if (!blanks(row.repeat)) break;
         } else {
+            if (qint64(out.size()) + row.repeat > mostRows) return false;
             out.insert(out.end(), static_cast<std::size_t>(row.repeat), cells);
             blankRun = 0;
         }
         next = row.index + row.repeat;
     }
     out.resize(out.size() - static_cast<std::size_t>(blankRun));
-    return out;
+    return true;
 }
 
 // The number of columns that hold text, at most `limit`.
@@ -252,7 +261,17 @@ bool readFirstSheet(const QString& fileName, int colCount, std::vector<QStringLi
                      QStringLiteral(" on enemmän kuin %1 saraketta.").arg(kWidestSheetList);
         return false;
     }
-    rows = sheetRows(data, colCount > 0 ? colCount : usedColumns(data));
+    const int width = colCount > 0 ? colCount : usedColumns(data);
+    std::vector<QStringList> laidOut;
+    if (!sheetRows(data, width, laidOut)) {
+        if (error)
+            *error = cannotRead(fileName, QStringLiteral("taulukossa on enemmän soluja kuin ohjelma pystyy "
+                                                         "tuomaan (%1 riviä, %2 saraketta)")
+                                              .arg(data.rows.back().index + data.rows.back().repeat)
+                                              .arg(width));
+        return false;
+    }
+    rows = std::move(laidOut);
     return true;
 }
 

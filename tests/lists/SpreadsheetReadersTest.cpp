@@ -688,4 +688,22 @@ TEST(SpreadsheetReaders, WhatIsKeptIsCounted) {
     EXPECT_EQ(builder.take().rows.size(), std::size_t(row - 1)) << "nothing stored once full";
     EXPECT_EQ(SheetBuilder::fullMessage(),
               "taulukossa on enemmän tekstiä kuin ohjelma pystyy tuomaan (yli 256 Mt)");
+
+    // A short text costs its row all the places up to it: a cell in the 1024th column of every
+    // row took 24 kB a row where only its characters were counted.
+    SheetBuilder far(1024);
+    int rows = 0;
+    for (; rows < 20000 && !far.full(); ++rows)
+        far.setCell(rows, 1023, QStringLiteral("x"));
+    EXPECT_TRUE(far.full());
+    EXPECT_LT(rows, 12000);
+    // A run stored once still has a place for each of its cells.
+    SheetBuilder runs(1024);
+    const QStringList wide(1024, QStringLiteral("x"));
+    int run = 0;
+    for (; run < 20000 && !runs.full(); ++run)
+        runs.addRows(run * 5, 5, wide);
+    EXPECT_TRUE(runs.full());
+    EXPECT_LT(run, 6000);
+    EXPECT_EQ(runs.take().rows.size(), std::size_t(run - 1));
 }

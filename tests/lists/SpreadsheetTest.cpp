@@ -390,6 +390,36 @@ TEST(SpreadsheetImport, DamagedOrMissingFileLeavesListAlone) {
     EXPECT_EQ(list.rows(), 1);
 }
 
+// Sheets whose few stored cells would take gigabytes once every row has all its places: a cell
+// in the first and in the 1024th column of row 1 and a run of a million rows below them; 20000
+// runs of rows filled across 1024 columns; 20000 rows with a cell in their 1024th column. Each
+// took all the memory there was. They are refused from what is counted before anything is
+// laid out; a list of its own few columns reads the first one whole.
+TEST(SpreadsheetImport, SheetsTooLargeToLayOutAreRefused) {
+    const std::map<QString, QString> refusals{
+        {"kaukana-toisistaan.ods",
+         "taulukossa on enemmän soluja kuin ohjelma pystyy tuomaan (1048576 riviä, 1024 saraketta)"},
+        {"leveat-toistot.ods", "taulukossa on enemmän tekstiä kuin ohjelma pystyy tuomaan (yli 256 Mt)"},
+        {"kaukaiset-solut.ods", "taulukossa on enemmän tekstiä kuin ohjelma pystyy tuomaan (yli 256 Mt)"},
+    };
+    for (const auto& [name, reason] : refusals) {
+        SCOPED_TRACE(name.toStdString());
+        const QString path = fixture("suuret/" + name);
+        std::vector<QStringList> rows;
+        QString error;
+        EXPECT_FALSE(readFirstSheet(path, 0, rows, &error));
+        EXPECT_EQ(error, "Taulukkotiedostoa: " + path + " ei voitu lukea: " + reason + ".");
+        EXPECT_TRUE(rows.empty());
+    }
+    std::vector<QStringList> rows;
+    QString error;
+    ASSERT_TRUE(readFirstSheet(fixture("suuret/kaukana-toisistaan.ods"), 2, rows, &error))
+        << error.toStdString();
+    ASSERT_EQ(rows.size(), 1048576u);
+    EXPECT_EQ(rows.front(), (QStringList{"LITTERA", ""}));
+    EXPECT_EQ(rows.back(), (QStringList{"x", ""}));
+}
+
 TEST(SpreadsheetImport, ReaderFollowsTheContentNotTheExtension) {
     // An .xlsx saved under an .xls name, as some programs do, is still read.
     QTemporaryDir dir;

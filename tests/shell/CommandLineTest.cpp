@@ -112,4 +112,16 @@ TEST(CommandLine, SheetsThatUnpackHugeStayWithinMemory) {
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.err, QStringLiteral("tamrik: Taulukkotiedostoa: ") + text +
                                QStringLiteral(" ei voitu lukea: solun teksti on yli 1048576 tavua pitkä.\n"));
+
+    // Few cells far apart or in long runs, which laid out row by row took all the memory and
+    // ended in std::bad_alloc or a crash: refused with the program's own words.
+    for (const char* name : {"kaukana-toisistaan.ods", "leveat-toistot.ods", "kaukaiset-solut.ods"}) {
+        const QString path = data + QStringLiteral("suuret/") + QLatin1String(name);
+        const Result r =
+            runWithinAGigabyte({QStringLiteral("convert"), path, dir.filePath(QStringLiteral("s.csv"))});
+        EXPECT_EQ(r.status, 1) << name;
+        EXPECT_TRUE(r.err.startsWith(QStringLiteral("tamrik: Taulukkotiedostoa: ") + path +
+                                     QStringLiteral(" ei voitu lukea: taulukossa on enemmän ")))
+            << r.err.toStdString();
+    }
 }

@@ -4,6 +4,11 @@
 
 namespace lists::sheet {
 
+namespace {
+// What a stored row costs besides its places: its entry and its list's header.
+constexpr qint64 kRowCost = qint64(sizeof(SheetRow)) + 32;
+} // namespace
+
 SheetRow& SheetBuilder::rowAt(int row) {
     auto& rows = m_data.rows;
     if (rows.empty() || rows.back().index + rows.back().repeat <= row) {
@@ -44,10 +49,21 @@ void SheetBuilder::setCell(int row, int col, const QString& text) {
         m_data.cellsBeyondColumns = true;
         return;
     }
-    if (!keep(text.size())) return;
-    QStringList& cells = rowAt(row).cells;
+    if (full()) return;
+    SheetRow& r = rowAt(row);
+    // A new row, the places up to the cell and the text. A cell that does not fit is not
+    // stored; take() drops a row that stayed empty.
+    const qint64 places = std::max<qint64>(0, col + 1 - r.cells.size());
+    const qint64 newRow = r.cells.isEmpty() ? kRowCost : 0;
+    if (!count(newRow + places * kPlace + textCost(text.size()))) return;
+    QStringList& cells = r.cells;
     if (cells.size() <= col) cells.resize(col + 1);
     cells[col] = text;
+}
+
+SheetData SheetBuilder::take() {
+    std::erase_if(m_data.rows, [](const SheetRow& r) { return r.cells.isEmpty(); });
+    return std::move(m_data);
 }
 
 void SheetBuilder::addRows(int row, int repeat, const QStringList& cells) {
@@ -69,11 +85,11 @@ void SheetBuilder::addRows(int row, int repeat, const QStringList& cells) {
     }
     auto& rows = m_data.rows;
     if (rows.empty() || rows.back().index + rows.back().repeat <= row) {
-        // A run is stored once.
-        qsizetype length = 0;
+        // A run is stored once: its row, its places and each text.
+        qint64 cost = kRowCost + kept.size() * kPlace;
         for (const QString& cell : std::as_const(kept))
-            length += cell.size();
-        if (keep(length)) rows.push_back({row, repeat, kept});
+            if (!cell.isEmpty()) cost += textCost(cell.size());
+        if (count(cost)) rows.push_back({row, repeat, kept});
         return;
     }
     // Out of order: the rows one by one.

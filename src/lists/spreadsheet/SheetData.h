@@ -26,9 +26,11 @@ struct SheetData {
 // list keeps its own columns); rows come in ascending order in every known writer, and a cell
 // of an earlier row is still put in its place.
 //
-// What the readers keep of a file (cells and shared strings) is counted as it comes: once it
-// passes kMostKept bytes, no more cells are stored and the reader stops with fullMessage(), so
-// no file makes an import take more memory than that, however far it unpacks.
+// What the readers keep of a file (cells and shared strings) is counted as it comes, at what it
+// costs in memory: a cell's place in its row (every place up to it, filled or not), its string
+// and the characters. Once the count passes kMostKept bytes, no more cells are stored and the
+// reader stops with fullMessage(), so no file makes an import take more memory than that,
+// however far it unpacks or however far apart its cells lie.
 class SheetBuilder {
 public:
     static constexpr qint64 kMostKept = qint64(256) << 20;
@@ -39,21 +41,25 @@ public:
     int columns() const { return m_columns; }
     // Counts a text of `length` characters that the reader keeps besides the cells (a shared
     // string); false once the count has passed kMostKept.
-    bool keep(qsizetype length) {
-        m_kept += kTextOverhead + 2 * qint64(length);
-        return !full();
-    }
+    bool keep(qsizetype length) { return count(kPlace + textCost(length)); }
     bool full() const { return m_kept > kMostKept; }
     static QString fullMessage();
     void setCell(int row, int col, const QString& text);
     // A run of `repeat` identical rows from `row` on, each with `cells` (an .ods file stores a
-    // run once).
+    // run once, and so does the builder).
     void addRows(int row, int repeat, const QStringList& cells);
-    SheetData take() { return std::move(m_data); }
+    SheetData take();
+
+    // What one place of a row costs: the string object in its list.
+    static constexpr qint64 kPlace = sizeof(QString);
 
 private:
-    // What a kept text costs beyond its characters: its string and its place in a row or table.
-    static constexpr qint64 kTextOverhead = 32;
+    // What a kept text costs: its characters, its header and what the allocator adds.
+    static constexpr qint64 textCost(qsizetype length) { return 32 + 2 * qint64(length); }
+    bool count(qint64 bytes) {
+        m_kept += bytes;
+        return !full();
+    }
     SheetRow& rowAt(int row);
     int m_columns;
     qint64 m_kept = 0;
