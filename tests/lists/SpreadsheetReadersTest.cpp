@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace lists;
 using namespace sheet_files;
 
@@ -669,6 +671,28 @@ TEST(SpreadsheetCellText, FormatsAsTheSheetShowsThem) {
     EXPECT_EQ(excelFormat(u"mm:ss").kind, CellFormat::Time);
     EXPECT_EQ(excelFormat(u"General").kind, CellFormat::General);
     EXPECT_EQ(excelBuiltinFormat(46).kind, CellFormat::Elapsed);
+}
+
+// Rows that come last to first, a row given twice and a cell inside a run of rows: each cell in
+// its place, the later of two for the same place, as the file gave them.
+TEST(SpreadsheetReaders, RowsOutOfOrderTakeTheirPlaces) {
+    using namespace lists::sheet;
+    SheetBuilder builder(4);
+    builder.addRows(0, 3, {"a", "b"});
+    for (int r = 9; r >= 5; --r)
+        builder.setCell(r, 0, QString::number(r));
+    builder.setCell(7, 2, "myöhempi");
+    builder.setCell(7, 0, "uusi");
+    builder.setCell(1, 1, "keskellä");
+    const SheetData data = builder.take();
+    std::vector<std::tuple<int, int, QStringList>> rows;
+    for (const SheetRow& r : data.rows)
+        rows.emplace_back(r.index, r.repeat, r.cells);
+    const std::vector<std::tuple<int, int, QStringList>> expected{
+        {0, 1, {"a", "b"}}, {1, 1, {"a", "keskellä"}},        {2, 1, {"a", "b"}}, {5, 1, {"5"}},
+        {6, 1, {"6"}},      {7, 1, {"uusi", "", "myöhempi"}}, {8, 1, {"8"}},      {9, 1, {"9"}},
+    };
+    EXPECT_EQ(rows, expected);
 }
 
 // What the readers keep is counted as it comes: past the limit no cell is stored, however many

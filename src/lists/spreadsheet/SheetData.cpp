@@ -7,35 +7,60 @@ namespace lists::sheet {
 namespace {
 // What a stored row costs besides its places: its entry and its list's header.
 constexpr qint64 kRowCost = qint64(sizeof(SheetRow)) + 32;
+
+// Splits the last entry, a run that holds `row`, so that the row stands alone; returns the
+// row's entry.
+SheetRow& splitLast(std::vector<SheetRow>& rows, int row) {
+    const SheetRow whole = rows.back();
+    rows.pop_back();
+    if (row > whole.index) rows.push_back({whole.index, row - whole.index, whole.cells});
+    rows.push_back({row, 1, whole.cells});
+    const std::size_t at = rows.size() - 1;
+    if (row + 1 < whole.index + whole.repeat)
+        rows.push_back({row + 1, whole.index + whole.repeat - row - 1, whole.cells});
+    return rows[at];
+}
+
 } // namespace
 
 SheetRow& SheetBuilder::rowAt(int row) {
     auto& rows = m_data.rows;
-    if (rows.empty() || rows.back().index + rows.back().repeat <= row) {
-        rows.push_back({row, 1, {}});
-        return rows.back();
+    if (!rows.empty()) {
+        const SheetRow& last = rows.back();
+        if (last.index <= row && row < last.index + last.repeat)
+            return last.repeat == 1 ? rows.back() : splitLast(rows, row);
+        // An earlier row: it is added as it comes and take() puts it in its place, so rows in
+        // reverse order cost no more than rows in order.
+        if (row < last.index) m_unsorted = true;
     }
-    // An earlier row: find the run that holds it, or the place for it.
-    auto it = std::upper_bound(rows.begin(), rows.end(), row,
-                               [](int r, const SheetRow& sr) { return r < sr.index; });
-    if (it != rows.begin()) {
-        auto run = std::prev(it);
-        if (run->index + run->repeat > row) {
-            if (run->repeat == 1) return *run;
-            // Split the run so that the row stands alone.
-            const SheetRow whole = *run;
-            std::vector<SheetRow> parts;
-            if (row > whole.index) parts.push_back({whole.index, row - whole.index, whole.cells});
-            parts.push_back({row, 1, whole.cells});
-            if (row + 1 < whole.index + whole.repeat)
-                parts.push_back({row + 1, whole.index + whole.repeat - row - 1, whole.cells});
-            const auto at = run - rows.begin() + (row > whole.index ? 1 : 0);
-            *run = parts.front();
-            rows.insert(std::next(run), parts.begin() + 1, parts.end());
-            return rows[static_cast<std::size_t>(at)];
+    rows.push_back({row, 1, {}});
+    return rows.back();
+}
+
+SheetData SheetBuilder::take() {
+    auto& rows = m_data.rows;
+    if (m_unsorted) {
+        std::stable_sort(rows.begin(), rows.end(),
+                         [](const SheetRow& a, const SheetRow& b) { return a.index < b.index; });
+        // A row given more than once is one row; its later cells win, as they did in the file.
+        std::vector<SheetRow> merged;
+        merged.reserve(rows.size());
+        for (SheetRow& r : rows) {
+            if (merged.empty() || merged.back().index + merged.back().repeat <= r.index) {
+                merged.push_back(std::move(r));
+                continue;
+            }
+            // Runs come in order, so what overlaps is a single row.
+            SheetRow& into = merged.back().repeat == 1 ? merged.back() : splitLast(merged, r.index);
+            if (into.cells.size() < r.cells.size()) into.cells.resize(r.cells.size());
+            for (qsizetype c = 0; c < r.cells.size(); ++c)
+                if (!r.cells[c].isEmpty()) into.cells[c] = r.cells[c];
         }
+        rows = std::move(merged);
+        m_unsorted = false;
     }
-    return *rows.insert(it, SheetRow{row, 1, {}});
+    std::erase_if(rows, [](const SheetRow& r) { return r.cells.isEmpty(); });
+    return std::move(m_data);
 }
 
 QString SheetBuilder::fullMessage() {
@@ -59,11 +84,6 @@ void SheetBuilder::setCell(int row, int col, const QString& text) {
     QStringList& cells = r.cells;
     if (cells.size() <= col) cells.resize(col + 1);
     cells[col] = text;
-}
-
-SheetData SheetBuilder::take() {
-    std::erase_if(m_data.rows, [](const SheetRow& r) { return r.cells.isEmpty(); });
-    return std::move(m_data);
 }
 
 void SheetBuilder::addRows(int row, int repeat, const QStringList& cells) {

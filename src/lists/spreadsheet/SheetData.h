@@ -24,7 +24,7 @@ struct SheetData {
 
 // Collects cells in the order a file gives them. Cells at or beyond `columns` are left out (a
 // list keeps its own columns); rows come in ascending order in every known writer, and a cell
-// of an earlier row is still put in its place.
+// of an earlier row is still put in its place (by take(), at the cost of one sort).
 //
 // What the readers keep of a file (cells and shared strings) is counted as it comes, at what it
 // costs in memory: a cell's place in its row (every place up to it, filled or not), its string
@@ -63,6 +63,7 @@ private:
     SheetRow& rowAt(int row);
     int m_columns;
     qint64 m_kept = 0;
+    bool m_unsorted = false; // a row came after a later one
     SheetData m_data;
 };
 
