@@ -606,6 +606,17 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
                         .hasMatch())
             << error.toStdString();
     }
+    // Elements nested far deeper than any spreadsheet nests them: the parser's stack of open
+    // elements grew with them, to 760 MB for a file of 300 kB.
+    {
+        const QByteArray deep = QByteArray("<b>").repeated(300) + QByteArray("</b>").repeated(300);
+        ASSERT_TRUE(writeZip(dir.filePath("syva.ods"),
+                             {{"content.xml", "<?xml version=\"1.0\"?>\n<a xmlns:table=\"t\"><table:table>" +
+                                                  deep + "</table:table></a>"}}));
+        const QString error = readError(dir.filePath("syva.ods"));
+        EXPECT_TRUE(error.endsWith(" ei voitu lukea: osassa content.xml on yli 256 sisäkkäistä elementtiä."))
+            << error.toStdString();
+    }
     // A package whose relationships name more parts than any workbook has.
     {
         QByteArray rels =

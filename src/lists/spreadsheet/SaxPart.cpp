@@ -15,10 +15,18 @@ bool SaxPart::parse(const Archive& archive, const QString& part, QString* error)
     handler.initialized = XML_SAX2_MAGIC;
     handler.startElementNs = [](void* self, const xmlChar* name, const xmlChar*, const xmlChar*, int,
                                 const xmlChar**, int count, int, const xmlChar** attributes) {
-        static_cast<SaxPart*>(self)->start(reinterpret_cast<const char*>(name), attributes, count);
+        auto* part = static_cast<SaxPart*>(self);
+        // The parser keeps a stack of the open elements, so depth costs memory however little
+        // the file is: no spreadsheet nests its elements more than a few dozen deep.
+        if (++part->m_depth > kDeepest)
+            return part->stop(
+                QStringLiteral("osassa %1 on yli %2 sisäkkäistä elementtiä").arg(part->m_part).arg(kDeepest));
+        part->start(reinterpret_cast<const char*>(name), attributes, count);
     };
     handler.endElementNs = [](void* self, const xmlChar* name, const xmlChar*, const xmlChar*) {
-        static_cast<SaxPart*>(self)->end(reinterpret_cast<const char*>(name));
+        auto* part = static_cast<SaxPart*>(self);
+        --part->m_depth;
+        part->end(reinterpret_cast<const char*>(name));
     };
     handler.characters = [](void* self, const xmlChar* chars, int length) {
         static_cast<SaxPart*>(self)->text(reinterpret_cast<const char*>(chars), length);
@@ -35,6 +43,8 @@ bool SaxPart::parse(const Archive& archive, const QString& part, QString* error)
     xmlCtxtUseOptions(m_ctxt, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
     m_stopped.clear();
     m_finished = false;
+    m_depth = 0;
+    m_part = part;
     std::vector<char> piece(std::size_t(1) << 16);
     bool ok = true;
     QString failure;

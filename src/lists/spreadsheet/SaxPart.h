@@ -41,7 +41,11 @@ protected:
     void append(std::string& to, const char* chars, int length);
 
 private:
+    // The deepest nesting of elements parsed.
+    static constexpr int kDeepest = 256;
     _xmlParserCtxt* m_ctxt = nullptr;
+    int m_depth = 0;
+    QString m_part;
     QString m_stopped;
     bool m_finished = false;
 };
