@@ -394,7 +394,8 @@ TEST(SpreadsheetImport, DamagedOrMissingFileLeavesListAlone) {
 // in the first and in the 1024th column of row 1 and a run of a million rows below them; 20000
 // runs of rows filled across 1024 columns; 20000 rows with a cell in their 1024th column. Each
 // took all the memory there was. They are refused from what is counted before anything is
-// laid out; a list of its own few columns reads the first one whole.
+// laid out; a list of its own few columns reads the first one whole. A file too large to hold
+// is refused before it is read.
 TEST(SpreadsheetImport, SheetsTooLargeToLayOutAreRefused) {
     const std::map<QString, QString> refusals{
         {"kaukana-toisistaan.ods",
@@ -411,8 +412,17 @@ TEST(SpreadsheetImport, SheetsTooLargeToLayOutAreRefused) {
         EXPECT_EQ(error, "Taulukkotiedostoa: " + path + " ei voitu lukea: " + reason + ".");
         EXPECT_TRUE(rows.empty());
     }
+    // A file larger than 256 MB (sparse, so it takes no disk) is refused before it is read: the
+    // file, a copy of its workbook stream and what is kept of it must stay within 1 GB.
+    QTemporaryDir dir;
+    QFile big(dir.filePath("suuri.xls"));
+    ASSERT_TRUE(big.open(QIODevice::WriteOnly) && big.resize((qint64(256) << 20) + 1));
+    big.close();
     std::vector<QStringList> rows;
     QString error;
+    EXPECT_FALSE(readFirstSheet(big.fileName(), 0, rows, &error));
+    EXPECT_EQ(error, "Taulukkotiedostoa: " + big.fileName() +
+                         " ei voitu lukea: tiedosto on liian suuri (yli 256 Mt).");
     ASSERT_TRUE(readFirstSheet(fixture("suuret/kaukana-toisistaan.ods"), 2, rows, &error))
         << error.toStdString();
     ASSERT_EQ(rows.size(), 1048576u);
