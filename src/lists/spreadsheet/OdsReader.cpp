@@ -346,6 +346,7 @@ private:
             m_inCell = true;
             m_cellDepth = 0;
             m_paragraphs.clear();
+            m_paragraphCount = 0;
         } else if (name == "table") {
             m_skip = 1; // a table inside the table's structure is not its cells
         }
@@ -384,7 +385,8 @@ private:
         if (m_inParagraph) {
             if (--m_cellDepth == 0) {
                 m_inParagraph = false;
-                if (!m_paragraphs.empty()) m_paragraphs += "\r\n";
+                // Every paragraph after the first starts a line, an empty first one too.
+                if (m_paragraphCount++ > 0) m_paragraphs += "\r\n";
                 m_paragraphs += m_paragraph.take();
                 if (m_paragraphs.size() > kLongestText) stop(tooLong());
             }
@@ -424,6 +426,7 @@ private:
     CellValue m_cell;
     ParagraphText m_paragraph;
     std::string m_paragraphs;
+    int m_paragraphCount = 0;
 };
 
 } // namespace
