@@ -99,8 +99,9 @@ void headerRow(PrintRun& run, Surface& s, int document) {
 void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, double y) {
     const lists::ListModel& list = *quantitiesOf(run);
     const PageModel& m = run.page();
+    // A row with any value prints, its description line empty when it has none.
+    if (lists::BlankListItem(list, row).blank) return;
     const RowLines lines = rowLines(run, l, row);
-    if (lines.description.isEmpty() && lines.remarks.isEmpty()) return;
     const double lh = m.LineHeight11;
     const double limit = m.bodyLimit();
     s.setFont(run.font(11));

@@ -228,3 +228,35 @@ TEST(Reports, FrontPagePartiesFollowTheDocument) {
         EXPECT_TRUE(front.contains(QString::fromUtf8(expected))) << expected;
     EXPECT_FALSE(front.contains(QStringLiteral("TILAAJA")));
 }
+
+TEST(Reports, APricedRowWithoutADescriptionPrintsItsValuesInBothLists) {
+    TestProject t;
+    t.setQuantities({{QStringLiteral("7101"), QStringLiteral("TYÖMAAN JÄRJESTELYT")},
+                     {QString(), QString(), QString(), QStringLiteral("1"), QStringLiteral("erä"),
+                      QStringLiteral("6000,00"), QString()},
+                     entry(QStringLiteral("Kaivu")),
+                     {QStringLiteral("7110"), QStringLiteral("KAIVUT")},
+                     entry(QStringLiteral("Täyttö"))});
+    auto run = t.run({print::doc::Quantities, print::doc::Costs});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const print::PageModel& m = run->page();
+    // The quantity list: the unit and the quantity in their columns, though the remarks are empty.
+    const auto quantities = recordPage(*run, 2);
+    const print::TextItem* unit = find(quantities, QStringLiteral("erä"));
+    ASSERT_TRUE(unit);
+    EXPECT_NEAR(unit->x, print::quantityColumns(m).unit, kTolerance);
+    const print::TextItem* quantity = find(quantities, QStringLiteral("1"));
+    ASSERT_TRUE(quantity);
+    EXPECT_NEAR(quantity->y, unit->y, kTolerance);
+    // The cost estimate: the price, the amount, and the group's sum that includes it.
+    const auto costs = recordPage(*run, 4);
+    for (const QString& text :
+         {QStringLiteral("erä"), QStringLiteral("6000,00"), calc::MoneyS(6000, 2), calc::MoneyS(6200, 2)})
+        EXPECT_TRUE(find(costs, text)) << text.toStdString();
+    // The row's line lies between the caption's and the next row's.
+    const print::TextItem* caption = find(costs, QStringLiteral("TYÖMAAN JÄRJESTELYT"));
+    const print::TextItem* next = find(costs, QStringLiteral("Kaivu"));
+    ASSERT_TRUE(caption && next);
+    EXPECT_GT(find(costs, QStringLiteral("6000,00"))->y, caption->y);
+    EXPECT_LT(find(costs, QStringLiteral("6000,00"))->y, next->y);
+}
