@@ -292,8 +292,8 @@ public:
                 h += 2 * pad + lh + (sections[k].number == 3 ? block : 0);
             return h;
         };
-        PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[1]), l.cell(row, kText), y, false, true, 0,
-                               (report ? reportBlock : block) + after(0));
+        PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[1]), blockText(row, kText), y, false, true,
+                               0, (report ? reportBlock : block) + after(0));
         if (report)
             PrintQualityHeaders3(row, y);
         else
@@ -301,7 +301,7 @@ public:
         for (std::size_t k = 0; k < sections.size(); ++k) {
             const Section& section = sections[k];
             PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[section.number]),
-                                   l.cell(row, section.column), y, section.closed, false, section.reserve,
+                                   blockText(row, section.column), y, section.closed, false, section.reserve,
                                    (section.number == 3 ? block : 0) + after(k + 1));
             if (section.number == 3) PrintQualityHeaders2(row, y);
         }
@@ -310,6 +310,21 @@ public:
 
 private:
     QString value(int row, int column) const { return DecimalComma(list().cell(row, column).trimmed()); }
+
+    // A long text of a requirement with the texts its continuation rows carry in that column,
+    // each as a paragraph of its own.
+    QString blockText(int row, int column) const {
+        const lists::ListModel& l = list();
+        QString text = l.cell(row, column);
+        const int end = RequirementEnd(l, row);
+        for (int r = row + 1; r <= end; ++r) {
+            const QString& more = l.cell(r, column);
+            if (lists::BlankString(more)) continue;
+            if (!lists::BlankString(text)) text += QLatin1String("\r\n");
+            text += more;
+        }
+        return text;
+    }
 
     // A caption's text and the texts of its continuation rows.
     QString captionText(int row) const {
@@ -344,6 +359,15 @@ double qualityBodyTop(const PrintRun& run) {
 }
 
 } // namespace
+
+int RequirementEnd(const lists::ListModel& list, int row) {
+    int last = row;
+    while (last < list.rows() && lists::BlankString(list.cell(last + 1, kLittera)) &&
+           lists::BlankString(list.cell(last + 1, kNumber)) &&
+           list.cell(last + 1, kText) != lists::kRoadWorksCaption)
+        ++last;
+    return last;
+}
 
 ReportCells ReportCellsOf(const lists::ListModel& list, int row) {
     ReportCells cells;

@@ -84,6 +84,9 @@ struct QualityItem {
 // have no report text.
 bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const QString& workPhase,
                      const std::vector<QString>& phases);
+// The last row of the requirement on `row`: the continuation rows after it (no littera, no
+// number) go on its texts.
+int RequirementEnd(const lists::ListModel& list, int row);
 std::vector<QualityItem> QualityItems(const lists::ListModel& list, int document, const QString& workPhase);
 // Where the body of a quality page starts, and how tall an item is there.
 double QualityBodyTop(const PrintRun& run);

@@ -193,6 +193,53 @@ TEST(QualityDocuments, PagesShowTheirBlocksTitlesAndLegends) {
     EXPECT_FALSE(joined(report).contains(QStringLiteral("Ty = vaatimustyyppi")));
 }
 
+TEST(QualityDocuments, ContinuationRowsPrintWithTheirRequirementInEveryDocument) {
+    TestProject t;
+    // A requirement whose texts go on in the rows below it (no littera, no number), as the
+    // shipped base list has them; a blank row and the next requirement end it.
+    QStringList more(24);
+    more[2] = QStringLiteral("Loppulyönneissä paalun painuma on enintään 20 mm.");
+    more[11] = QStringLiteral("Painumat kirjataan paalutuspöytäkirjaan.");
+    more[14] = QStringLiteral("Painumat mitattu kaikista paaluista.");
+    more[19] = QStringLiteral("Paalutus hyväksytty.");
+    more[21] = QStringLiteral("Kaksi paalua lyöty uudelleen.");
+    more[22] = QStringLiteral("Lisäpaalu suunniteltu.");
+    print_test::fillList(
+        t.requirements, lists::kind::Requirements, 24,
+        {caption(QStringLiteral("7120"), QStringLiteral("PAALUTUS")),
+         requirement(QStringLiteral("4"), QStringLiteral("Paalut lyödään tiiviiseen pohjaan."),
+                     QStringLiteral("1"), QStringLiteral("E"), QStringLiteral("Raportti 4")),
+         more, QStringList(24),
+         requirement(QStringLiteral("5"), QStringLiteral("Seuraava"), QStringLiteral("1"),
+                     QStringLiteral("E"))});
+    EXPECT_EQ(print::RequirementEnd(t.requirements, 2), 4);
+    EXPECT_EQ(print::RequirementEnd(t.requirements, 5), 5);
+    const struct {
+        int document;
+        std::vector<const char*> texts;
+    } cases[] = {
+        {print::doc::BridgeRequirements, {"enintään 20 mm."}},
+        {print::doc::AllRequirements, {"enintään 20 mm."}},
+        {print::doc::QualityPlans, {"enintään 20 mm.", "Painumat kirjataan paalutuspöytäkirjaan."}},
+        {print::doc::Inspections, {"enintään 20 mm.", "Painumat mitattu kaikista paaluista."}},
+        {print::doc::Deviations,
+         {"enintään 20 mm.", "Kaksi paalua lyöty uudelleen.", "Lisäpaalu suunniteltu."}},
+        {print::doc::QualityReport, {"enintään 20 mm.", "Paalutus hyväksytty."}},
+    };
+    for (const auto& c : cases) {
+        auto run = t.run({c.document});
+        ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+        const auto page = recordPage(*run, run->TotalPages());
+        // The requirement's own text first, its continuation after it and before the next one.
+        const QString text = joined(page);
+        for (const char* expected : c.texts) {
+            const qsizetype at = text.indexOf(QString::fromUtf8(expected));
+            EXPECT_GT(at, text.indexOf(QStringLiteral("tiiviiseen"))) << c.document << " " << expected;
+            EXPECT_LT(at, text.indexOf(QStringLiteral("Seuraava"))) << c.document << " " << expected;
+        }
+    }
+}
+
 TEST(QualityDocuments, ReportCellsComeFromWeightMarkAndType) {
     TestProject t;
     print_test::fillList(
