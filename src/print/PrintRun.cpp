@@ -5,6 +5,7 @@
 #include "print/TextLines.h"
 
 #include <QImage>
+#include <algorithm>
 #include <QPagedPaintDevice>
 #include <QPainter>
 #include <cmath>
@@ -231,24 +232,37 @@ bool PrintRun::CalculateActivePages(int& page, int document) {
     if (!addPage(page, document, number, items.empty() ? 1 : items.front().row, 0)) return false;
     double y = top;
     bool empty = true;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const QualityItem& item = items[i];
-        const double h = QualityItemHeight(*this, measure, document, item);
-        // A caption keeps its first row with it: it moves to the next page when the two do not
-        // fit below the rows before.
-        double keep = h;
-        for (std::size_t k = i + 1; item.caption && k < items.size(); ++k) {
-            keep += QualityItemHeight(*this, measure, document, items[k]);
-            if (!items[k].caption) break;
-        }
-        // An item that crosses the body's end starts the next page, unless it is the page's first.
-        if (y + std::min(keep, limit - top) > limit && !empty) {
-            if (!addPage(page, document, ++number, item.row, item.row)) return false;
+    std::vector<double> heights;
+    for (std::size_t i = 0; i < items.size();) {
+        // A requirement goes with the captions above it: together they stay on this page when
+        // they fit below the rows before, whole and uncut; otherwise they start the next page,
+        // where a text too long for any page is cut at its foot.
+        const std::size_t end =
+            std::find_if(items.begin() + i, items.end(), [](const QualityItem& it) { return !it.caption; }) -
+            items.begin();
+        const std::size_t last = std::min(end, items.size() - 1);
+        auto measureGroup = [&](double from) {
+            heights.clear();
+            bool cut = false;
+            for (std::size_t k = i; k <= last; ++k) {
+                bool itemCut = false;
+                heights.push_back(QualityItemHeight(*this, measure, document, items[k], from, &itemCut));
+                from += heights.back();
+                cut = cut || itemCut;
+            }
+            return !cut && from <= limit;
+        };
+        if (!measureGroup(y) && !empty) {
+            if (!addPage(page, document, ++number, items[i].row, items[i].row)) return false;
             y = top;
+            measureGroup(y);
         }
-        y += h;
-        m_pages.back().lastRow = item.row;
+        for (std::size_t k = i; k <= last; ++k) {
+            y += heights[k - i];
+            m_pages.back().lastRow = items[k].row;
+        }
         empty = false;
+        i = last + 1;
     }
     finishDocument(first, page);
     m_rowsDone += 1;

@@ -239,8 +239,10 @@ public:
     }
 
     // A framed text section: its caption in small italics at the left, the text beside it.
-    // When drawing, a text that would pass its cut line (the reserved lines and the `after`
-    // twips of the blocks that follow it kept free above the page's foot) ends with a note.
+    // A text that would pass its cut line ends with a note: the cut line keeps free above the
+    // page's foot the section's reserved lines, or the `after` twips of the blocks that follow
+    // it when they need more. Measuring cuts the text where drawing cuts it, so the pagination
+    // sees the block as the page shows it.
     void PrintQualityTextFrame1(const QString& caption, const QString& body, double& y, bool close,
                                 bool joinLines, int reserve, double after = 0) {
         const double top = y;
@@ -252,29 +254,28 @@ public:
         if (joinLines) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
         QStringList lines = m_run.wrap(t, 11, m_grid[20] - 50 * m_m.ScaleX - x);
         if (lines.isEmpty()) lines.append(QString());
-        if (m_measure) {
-            y += lines.size() * m_m.LineHeight11;
-        } else {
-            const double lh = m_m.LineHeight11;
-            const double cut = m_m.bottom() - 600 * m_m.ScaleY - reserve * lh - after;
-            m_s.setFont(m_run.font(11));
-            for (int i = 0; i < lines.size(); ++i) {
-                const QString& l = lines[i];
-                // The note takes the last line that fits.
-                const bool more = i + 1 < lines.size();
-                if (y + lh > cut || (more && y + 2 * lh > cut)) {
-                    m_s.setFont(m_run.font(8));
-                    m_s.text(x, y, kCut1 + kCut2 + kCut3);
-                    y += m_m.LineHeight11;
-                    break;
-                }
-                m_s.text(x, y, l);
-                y += m_m.LineHeight11;
+        const double lh = m_m.LineHeight11;
+        const double cut = m_m.bottom() - 600 * m_m.ScaleY - std::max(reserve * lh, after);
+        m_s.setFont(m_run.font(11));
+        for (int i = 0; i < lines.size(); ++i) {
+            // The note takes the last line that fits.
+            const bool more = i + 1 < lines.size();
+            if (y + lh > cut || (more && y + 2 * lh > cut)) {
+                m_s.setFont(m_run.font(8));
+                text(x, y, kCut1 + kCut2 + kCut3);
+                m_cut = true;
+                y += lh;
+                break;
             }
+            text(x, y, lines[i]);
+            y += lh;
         }
         y += kFramePad * m_m.ScaleY;
         frameBox(top, y, true, close);
     }
+
+    // Whether a text was cut since the painter was made.
+    bool cut() const { return m_cut; }
 
     // One requirement with every block its document prints. A text cut at the page's foot
     // leaves room for the blocks after it, each section at least one line.
@@ -349,6 +350,7 @@ private:
     PrintRun& m_run;
     Surface& m_s;
     bool m_measure;
+    bool m_cut = false;
     const PageModel& m_m;
     Grid m_grid;
 };
@@ -444,14 +446,16 @@ bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const 
     return true;
 }
 
-double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item) {
+double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item, double top,
+                         bool* cut) {
     QualityPainter painter(run, s, true);
-    double y = 0;
+    double y = top;
     if (item.caption)
         painter.PrintQualityData1(item.row, y);
     else
         painter.requirement(document, item.row, y);
-    return y;
+    if (cut) *cut = painter.cut();
+    return y - top;
 }
 
 double QualityBodyTop(const PrintRun& run) {

@@ -88,9 +88,11 @@ bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const 
 // number) go on its texts.
 int RequirementEnd(const lists::ListModel& list, int row);
 std::vector<QualityItem> QualityItems(const lists::ListModel& list, int document, const QString& workPhase);
-// Where the body of a quality page starts, and how tall an item is there.
+// Where the body of a quality page starts, and how tall an item is when it starts at `top` of
+// its page: a text cut at the page's foot counts as far as it is drawn, and sets `cut`.
 double QualityBodyTop(const PrintRun& run);
-double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item);
+double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item, double top,
+                         bool* cut = nullptr);
 // The derived cells of the quality report block: "Täyttää vaat." and "TotPa".
 struct ReportCells {
     QString fulfilled;

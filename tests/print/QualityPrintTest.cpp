@@ -291,6 +291,93 @@ TEST(QualityDocuments, ATextTooLongForItsPageIsCutWithANoteAndNothingMoves) {
             EXPECT_LE(i.y + m.LineHeight11, m.bottom() - 600 * m.ScaleY + 1) << i.text.toStdString();
 }
 
+TEST(QualityDocuments, ADeviationCutAtItsReservedLinesFillsItsPageAsPaginated) {
+    TestProject t;
+    QString plan;
+    for (int i = 1; i <= 70; ++i)
+        plan += QStringLiteral("Laatusuunnitelman kohta %1: muottien ja raudoituksen tarkastus.\r\n").arg(i);
+    QStringList deviation = requirement(QStringLiteral("3"), QStringLiteral("Ilmamäärä"), QStringLiteral("2"),
+                                        QStringLiteral("E"));
+    deviation[11] = plan;
+    print_test::fillList(
+        t.requirements, lists::kind::Requirements, 24,
+        {requirement(QStringLiteral("1"), QStringLiteral("Lyhyt"), QStringLiteral("1"), QStringLiteral("E")),
+         deviation,
+         requirement(QStringLiteral("4"), QStringLiteral("Neljäs"), QStringLiteral("1"),
+                     QStringLiteral("E"))});
+    auto run = t.run({print::doc::Deviations});
+    ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+    ASSERT_EQ(run->TotalPages(), 4);
+    ASSERT_EQ(run->entry(3).firstRow, 2);
+    ASSERT_EQ(run->entry(3).lastRow, 2);
+    const print::PageModel& m = run->page();
+    const double lh = m.LineHeight11;
+
+    // Pagination measures the block as drawn: cut, it ends above the page's foot.
+    print::Surface measure(run->fonts());
+    bool cut = false;
+    const double top = print::QualityBodyTop(*run);
+    const double h = print::QualityItemHeight(*run, measure, print::doc::Deviations, {2, false}, top, &cut);
+    EXPECT_TRUE(cut);
+    EXPECT_LT(top + h, m.bottom() - 360 * m.ScaleY);
+    EXPECT_GT(top + h, m.bodyLimit());
+
+    // The quality plan is cut where its seven reserved lines begin, and the blocks after it
+    // take those lines: the page is not left a third empty below them.
+    const auto page = recordPage(*run, 3);
+    const print::TextItem* note = find(page, QStringLiteral("... (tulostus katkaistu, täydellinen teksti "
+                                                            "voidaan lukea TAMRIK 2006 ohjelmasta käsin)"));
+    ASSERT_TRUE(note);
+    EXPECT_NEAR(note->y + lh, m.bottom() - 600 * m.ScaleY - 7 * lh, lh);
+    const print::TextItem* last = find(page, QStringLiteral("Korjaus 3"));
+    ASSERT_TRUE(last);
+    EXPECT_GT(last->y, note->y);
+    EXPECT_GT(last->y + lh, m.bottom() - 600 * m.ScaleY - 3 * lh);
+    EXPECT_LE(last->y + lh, m.bottom() - 600 * m.ScaleY);
+    EXPECT_TRUE(find(recordPage(*run, 4), QStringLiteral("Neljäs")));
+}
+
+TEST(QualityDocuments, CaptionsStayWithTheFirstLinesOfALongRequirement) {
+    TestProject t;
+    QString longText;
+    while (longText.size() < 5000)
+        longText +=
+            QStringLiteral("Kaivannon pohja tarkastetaan ja mitataan ennen perustusten rakentamista. ");
+    std::vector<QStringList> rows = {caption(QStringLiteral("7100"), QStringLiteral("TYÖMAAN JÄRJESTELYT"))};
+    for (int i = 1; i <= 4; ++i)
+        rows.push_back(requirement(QString::number(i), QStringLiteral("Järjestely %1").arg(i),
+                                   QStringLiteral("1"), QStringLiteral("E"), QStringLiteral("Raportti")));
+    rows.push_back(caption(QStringLiteral("7110"), QStringLiteral("KAIVUT JA LOUHINNAT")));
+    rows.push_back(caption(QStringLiteral("7111"), QStringLiteral("Kaivu")));
+    rows.push_back(requirement(QStringLiteral("5"), longText, QStringLiteral("1"), QStringLiteral("E"),
+                               QStringLiteral("Raportti")));
+    rows.push_back(requirement(QStringLiteral("6"), QStringLiteral("Kaivun jälkeen"), QStringLiteral("1"),
+                               QStringLiteral("E"), QStringLiteral("Raportti")));
+    print_test::fillList(t.requirements, lists::kind::Requirements, 24, rows);
+    for (int document : {print::doc::BridgeRequirements, print::doc::AllRequirements, print::doc::Inspections,
+                         print::doc::Deviations, print::doc::QualityReport}) {
+        auto run = t.run({document});
+        ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+        int longPage = 0;
+        for (int p = 1; p <= run->TotalPages(); ++p) {
+            const auto page = recordPage(*run, p);
+            const QString text = joined(page);
+            if (text.contains(QStringLiteral("Kaivannon pohja"))) longPage = p;
+            // No page holds only captions.
+            if (run->entry(p).document == document && run->entry(p).number > 1)
+                EXPECT_TRUE(find(page, QStringLiteral("Laatuvaatimus"))) << document << " page " << p;
+        }
+        ASSERT_GT(longPage, 0) << document;
+        // The long requirement starts on the page of its two captions, right below them.
+        const auto page = recordPage(*run, longPage);
+        const print::TextItem* phase = find(page, QStringLiteral("KAIVUT JA LOUHINNAT"));
+        const print::TextItem* sub = find(page, QStringLiteral("Kaivu"));
+        ASSERT_TRUE(phase && sub) << document;
+        EXPECT_LT(phase->y, sub->y);
+        EXPECT_LT(sub->y, print::QualityBodyTop(*run) + 3 * run->page().LineHeight11) << document;
+    }
+}
+
 TEST(QualityDocuments, TheGridScalesWithTheUsableWidth) {
     TestProject t;
     print_test::fillList(t.requirements, lists::kind::Requirements, 24,
