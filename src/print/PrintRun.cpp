@@ -149,7 +149,8 @@ void PrintRun::finishDocument(int firstPage, int lastPage) {
 }
 
 bool PrintRun::CalculateListViewPages(int& page, int document, int rowCount,
-                                      const std::function<double(int)>& rowHeight, int extraRows,
+                                      const std::function<double(int)>& rowHeight,
+                                      const std::function<RowKind(int)>& rowKind, int extraRows,
                                       const std::function<double(int)>& extraHeight) {
     const int first = page + 1;
     if (!addPage(page, document, 1, 0, 0)) return false;
@@ -158,16 +159,31 @@ bool PrintRun::CalculateListViewPages(int& page, int document, int rowCount,
     int number = 2;
     // An empty body page shows the rows from firstRow to lastRow = firstRow - 1, none.
     if (!addPage(page, document, number, 1, 0)) return false;
+    // Heights are measured once: a caption looks ahead at the rows under it.
+    std::vector<double> heights(rowCount + extraRows + 1, -1);
+    auto height = [&](int r) {
+        if (heights[r] < 0) heights[r] = r <= rowCount ? rowHeight(r) : extraHeight(r - rowCount);
+        return heights[r];
+    };
     double y = top;
     for (int r = 1; r <= rowCount + extraRows; ++r) {
-        const double h = r <= rowCount ? rowHeight(r) : extraHeight(r - rowCount);
+        // A caption keeps the first row under it on its page: the captions and blank rows up to
+        // that row count with it, as long as they fit on a page at all.
+        double keep = height(r);
+        if (r <= rowCount && rowKind(r) == RowKind::Caption) {
+            for (int k = r + 1; k <= rowCount; ++k) {
+                keep += height(k);
+                if (rowKind(k) == RowKind::Entry) break;
+            }
+            if (keep > limit - top) keep = height(r);
+        }
         PageEntry& current = m_pages.back();
         // A row that crosses the body's end starts the next page, unless it is the page's first.
-        if (y + h > limit && current.lastRow >= current.firstRow) {
+        if (y + keep > limit && current.lastRow >= current.firstRow) {
             if (!addPage(page, document, ++number, r, r - 1)) return false;
             y = top;
         }
-        y += h;
+        y += height(r);
         m_pages.back().lastRow = r;
         if (r <= rowCount) m_rowsDone += 1;
     }
@@ -306,6 +322,7 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
             case doc::Quantities:
             case doc::Costs: {
                 auto height = [&](int r) { return QuantityRowHeight(*this, measure, d, r); };
+                auto kind = [this](int r) { return QuantityRowKind(*m_source.quantities, r); };
                 int extra = 0;
                 std::function<double(int)> extraHeight;
                 if (d == doc::Costs) {
@@ -323,7 +340,8 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
                         extraHeight = [this, lh](int k) { return CostSummaryLines(*this, k) * lh; };
                     }
                 }
-                ok = CalculateListViewPages(page, d, rowsOf(m_source.quantities), height, extra, extraHeight);
+                ok = CalculateListViewPages(page, d, rowsOf(m_source.quantities), height, kind, extra,
+                                            extraHeight);
                 break;
             }
             case doc::Card:

@@ -161,7 +161,8 @@ private:
     bool addPage(int& page, int document, int number, int firstRow, int lastRow);
     void finishDocument(int firstPage, int lastPage);
     bool CalculateListViewPages(int& page, int document, int rowCount,
-                                const std::function<double(int)>& rowHeight, int extraRows,
+                                const std::function<double(int)>& rowHeight,
+                                const std::function<RowKind(int)>& rowKind, int extraRows,
                                 const std::function<double(int)>& extraHeight);
     bool CalculateNormalPages(int& page, int document, int count);
     bool CalculateTextPages(int& page, int document, int rowsPerPage);

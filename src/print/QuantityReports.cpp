@@ -1,5 +1,6 @@
 // The quantity list (document 0) and the cost estimate with its summaries (document 1).
 #include "calc/NumberText.h"
+#include "calc/QualityIndex.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/Columns.h"
@@ -224,6 +225,12 @@ double ListBodyTop(const PrintRun& run) {
 double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row) {
     const Layout l = layoutOf(run, s, document);
     return rowLines(run, l, row).count() * run.page().LineHeight11;
+}
+
+RowKind QuantityRowKind(const lists::ListModel& list, int row) {
+    if (lists::BlankListItem(list, row).blank) return RowKind::Blank;
+    if (calc::ListViewCaption(list, row, kWorkPhase).level > 0) return RowKind::Caption;
+    return RowKind::Entry;
 }
 
 int CostSummaryLines(const PrintRun& run, int block) {

@@ -65,6 +65,10 @@ CostColumns costColumns(const PageModel& page);
 double ListBodyTop(const PrintRun& run);
 // The height of list row `row` of document 0 or 1.
 double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row);
+// What a row of the quantity list is to pagination: a caption (a work phase, or the road works
+// heading) keeps the first entry under it on its page, across blank rows.
+enum class RowKind { Entry, Caption, Blank };
+RowKind QuantityRowKind(const lists::ListModel& list, int row);
 // The lines the two summary blocks of the cost estimate take.
 int CostSummaryLines(const PrintRun& run, int block);
 void PrintQuantity(PrintRun& run, Surface& s, int p);

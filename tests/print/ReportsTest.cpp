@@ -260,3 +260,35 @@ TEST(Reports, APricedRowWithoutADescriptionPrintsItsValuesInBothLists) {
     EXPECT_GT(find(costs, QStringLiteral("6000,00"))->y, caption->y);
     EXPECT_LT(find(costs, QStringLiteral("6000,00"))->y, next->y);
 }
+
+TEST(Reports, ACaptionGoesToTheNextPageWithTheFirstRowUnderIt) {
+    // However many rows come before, no page of either list ends with a caption: the work
+    // phase, its blank row and the sub-phase go over with the first entry under them.
+    for (int before = 36; before <= 48; ++before) {
+        TestProject t;
+        std::vector<QStringList> rows;
+        for (int i = 0; i < before; ++i)
+            rows.push_back(entry(QStringLiteral("Rivi %1").arg(i)));
+        rows.push_back({QStringLiteral("7140"), QStringLiteral("RAUDOITUS")});
+        rows.push_back({});
+        rows.push_back({QStringLiteral("7141"), QStringLiteral("Betoniteräkset")});
+        rows.push_back({});
+        rows.push_back(entry(QStringLiteral("Harjateräs A500HW")));
+        rows.push_back(entry(QStringLiteral("Pintateräs")));
+        t.setQuantities(rows);
+        auto run = t.run({print::doc::Quantities, print::doc::Costs});
+        ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+        const print::PageModel& m = run->page();
+        for (int p = 1; p <= run->TotalPages(); ++p) {
+            if (run->entry(p).number < 2) continue;
+            // The lowest text of the body.
+            const print::TextItem* lowest = nullptr;
+            for (const print::TextItem& i : recordPage(*run, p))
+                if (i.y < m.bodyLimit() && i.y > print::ListBodyTop(*run) - 1 && (!lowest || i.y > lowest->y))
+                    lowest = &i;
+            ASSERT_TRUE(lowest) << before << " page " << p;
+            for (const char* caption : {"7140", "RAUDOITUS", "7141", "Betoniteräkset"})
+                EXPECT_NE(lowest->text, QString::fromUtf8(caption)) << before << " page " << p;
+        }
+    }
+}
