@@ -5,9 +5,9 @@
 #include "print/TextLines.h"
 
 #include <QImage>
-#include <algorithm>
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -116,6 +116,38 @@ QStringList PrintRun::wrap(const QString& text, double size, double width) {
     QStringList lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, width / scale, &tooLong);
     if (tooLong) inform(kWordTooLong);
     return lines;
+}
+
+FittedText PrintRun::fit(const QString& text, const Font& base, double room, double floor, int maxLines) {
+    Font font = base;
+    const double size = base.size;
+    const QString value = text.trimmed();
+    const double full = m_fonts.width(font, value);
+    if (full <= room) return {size, {value}};
+    // Widths grow with the size: the size that fills the cell, down to a half point.
+    for (double s = std::floor(2 * size * room / full) / 2; s >= floor; s -= 0.5) {
+        font.size = s;
+        if (m_fonts.width(font, value) <= room) return {s, {value}};
+    }
+    font.size = floor;
+    bool tooLong = false;
+    const QStringList wrapped = WrapLines(m_fonts, font, value, room, &tooLong);
+    const int keep = std::max(1, maxLines);
+    FittedText out{floor, {}};
+    for (int i = 0; i < std::min<int>(keep, wrapped.size()); ++i)
+        out.lines.append(wrapped[i].trimmed());
+    if (wrapped.size() <= keep) {
+        if (tooLong) inform(kWordTooLong);
+        return out;
+    }
+    // The last line takes the rest of the text as far as it goes.
+    QString last = QStringList(wrapped.mid(keep - 1)).join(QString()).trimmed();
+    const QString ellipsis = QStringLiteral("…");
+    while (!last.isEmpty() && m_fonts.width(font, last + ellipsis) > room)
+        last.chop(1);
+    out.lines.last() = last.trimmed() + ellipsis;
+    inform(kValueCut);
+    return out;
 }
 
 bool PrintRun::PrintArea(float scale) {

@@ -84,6 +84,16 @@ using Progress = std::function<bool(int page, double done)>;
 
 enum class PageCountResult { Done, Cancelled, TooManyPages, AreaDoesNotFit };
 enum class OutputResult { Printed, Cancelled, NothingToPrint, DeviceFailed };
+// A value that does not fit its cell even in the smallest print is cut where it ends with "…".
+inline const QString kValueCut =
+    QStringLiteral("Arvo on liian pitkä sarakkeeseensa. Tulosteessa se on katkaistu merkkiin \"…\".");
+
+// A value fitted into its cell: the size it prints at (points at scale 1) and its lines.
+struct FittedText {
+    double size = 11;
+    QStringList lines;
+};
+
 inline const QString kTooManyPages = QStringLiteral(
     "Tulosteeseen tulisi yli 10000 sivua, eikä sitä voi sivuttaa. Valitse vähemmän asiakirjoja tai "
     "rajaa laatuasiakirjat yhteen työvaiheeseen.");
@@ -156,6 +166,11 @@ public:
     // The lines of a text wrapped to a width (target twips) at `size` points of the printing
     // font, measured at scale 1. A word too long for its line is reported.
     QStringList wrap(const QString& text, double size, double width);
+    // A value in a cell `width` twips wide, in `font`, both at scale 1: at the font's size when
+    // it fits, else at the largest half point down to `floor` that holds it on one line, else
+    // wrapped at `floor` into at most `maxLines` lines, the last one cut and ended with "…" when
+    // the text goes on (which is reported, once a run).
+    FittedText fit(const QString& text, const Font& font, double width, double floor, int maxLines = 1);
 
 private:
     bool addPage(int& page, int document, int number, int firstRow, int lastRow);

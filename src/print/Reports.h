@@ -19,6 +19,17 @@ class PrintRun;
 class Surface;
 struct PageModel;
 
+// The smallest print a value shrinks to before it wraps or is cut.
+inline constexpr double kSmallestValueSize = 7;
+enum class CellAlign { Left, Right, Centre };
+// Draws a value in the printing font at `size` points into the cell from `left` to `right`
+// (target twips) on the line whose top is y: shrunk, and cut with "…" at the smallest print,
+// so that it stays within the cell; its baseline stays that of the line.
+void CellText(PrintRun& run, Surface& s, double left, double right, double y, const QString& text,
+              double size, bool bold, CellAlign align);
+// How far a text shrunk from `size` to `fittedSize` points moves down to keep its baseline.
+double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold);
+
 // Page header and footer.
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title);
 // Footer kinds: 0 the program's name, 1 the legends of the quality documents, other: the line.
