@@ -217,8 +217,14 @@ void heading(PrintRun& run, Surface& s, double& y, const QString& text, bool bol
 } // namespace
 
 QString DecimalComma(const QString& number) {
+    // Only a point that stands before a digit and after a digit (or a number's start) is a
+    // decimal point: a range such as 4...7 or an ellipsis keeps its points.
     QString out = number;
-    out.replace(QLatin1Char('.'), QLatin1Char(','));
+    for (qsizetype i = 0; i < out.size(); ++i) {
+        if (out[i] != u'.' || i + 1 >= out.size() || !out[i + 1].isDigit()) continue;
+        const QChar before = i > 0 ? out[i - 1] : QChar(u' ');
+        if (before.isDigit() || before == u' ' || before == u'-' || before == u'+') out[i] = u',';
+    }
     return out;
 }
 

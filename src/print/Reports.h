@@ -139,7 +139,8 @@ CardPlacement PlaceCard(const PageModel& page, int width, int height);
 void PrintCard(PrintRun& run, Surface& s, int p);
 void PrintCharge(PrintRun& run, Surface& s, int p);
 
-// Numbers of the list as printed: a decimal comma for any point.
+// Numbers of the list as printed: a decimal comma for a number's point ("12.5" is 12,5; a range
+// "35...50" stays as it is).
 QString DecimalComma(const QString& number);
 
 } // namespace print

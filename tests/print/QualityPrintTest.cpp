@@ -378,6 +378,55 @@ TEST(QualityDocuments, CaptionsStayWithTheFirstLinesOfALongRequirement) {
     }
 }
 
+TEST(QualityDocuments, LongValuesStayInTheirCellsWhole) {
+    TestProject t;
+    const QString reference =
+        QStringLiteral("SFS-EN 13670-1 Betonirakenteiden toteutus, kansallinen liite SFS 7022");
+    QStringList first = requirement(QStringLiteral("1"), QStringLiteral("Betonin lujuus"),
+                                    QStringLiteral("1"), QStringLiteral("K"));
+    first[4] = reference;
+    QStringList second = requirement(QStringLiteral("2"), QStringLiteral("Peitepaksuus"), QStringLiteral("1"),
+                                     QStringLiteral("E"));
+    second[4] = QStringLiteral("SFS-EN 13670-1");
+    second[5] = QStringLiteral("35...50 mm tai suunnitelman mukaan");
+    print_test::fillList(
+        t.requirements, lists::kind::Requirements, 24,
+        {caption(QStringLiteral("7150"), QStringLiteral("BETONITYÖT, MUOTTI- JA RAUDOITUSTYÖT SEKÄ "
+                                                        "BETONIN JÄLKIHOITO JA PINTOJEN VIIMEISTELY")),
+         first, second});
+    for (int document : {print::doc::AllRequirements, print::doc::Inspections, print::doc::QualityReport}) {
+        auto run = t.run({document});
+        ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+        const auto page = recordPage(*run, run->TotalPages());
+        // Nothing is drawn over its neighbour, nor past the frame.
+        EXPECT_EQ(print_test::overprinted(*run, page), QStringList()) << document;
+        const double frame = run->page().right() - 50 * run->page().ScaleX;
+        for (const print::TextItem& i : page)
+            if (i.y > print::QualityBodyTop(*run) && i.font.bold)
+                EXPECT_LE(i.x + run->fonts().width(i.font, i.text), frame) << i.text.toStdString();
+        // The values are there whole, the short reference on its line; a word too long for its
+        // cell's line goes on on the next.
+        QString text = joined(page);
+        text.remove(QLatin1Char('|')).remove(QLatin1Char(' '));
+        for (const QString& whole : {reference, second[5]})
+            EXPECT_TRUE(text.contains(QString(whole).remove(QLatin1Char(' '))))
+                << document << " " << whole.toStdString();
+        EXPECT_TRUE(find(page, QStringLiteral("SFS-EN 13670-1"))) << document;
+        // A range keeps its points; a number takes a decimal comma.
+        EXPECT_TRUE(text.contains(QStringLiteral("35...50"))) << document;
+    }
+    // The quality report's summary: a work phase too long for its column ends with "…".
+    auto run = t.run({print::doc::QualityReport});
+    ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+    const auto summary = recordPage(*run, 2);
+    EXPECT_EQ(print_test::overprinted(*run, summary), QStringList());
+    bool shown = false;
+    for (const print::TextItem& i : summary)
+        shown = shown || (i.text.startsWith(QStringLiteral("BETONITYÖT, MUOTTI")) &&
+                          i.text.endsWith(QStringLiteral("…")));
+    EXPECT_TRUE(shown);
+}
+
 TEST(QualityDocuments, TheGridScalesWithTheUsableWidth) {
     TestProject t;
     print_test::fillList(t.requirements, lists::kind::Requirements, 24,

@@ -62,7 +62,9 @@ TEST(Reports, QuantityColumnsSitAtTheirEdgesInPortraitAndLandscape) {
             EXPECT_NEAR(item->y, m.OriginY + 700, kTolerance);
             EXPECT_TRUE(item->font.italic);
         }
-        // Values under their headers, numbers with a decimal comma.
+        // Values under their headers, numbers with a decimal comma (and only numbers).
+        EXPECT_EQ(print::DecimalComma(QStringLiteral("-.5")), QStringLiteral("-,5"));
+        EXPECT_EQ(print::DecimalComma(QStringLiteral("4.5...7.0 %")), QStringLiteral("4,5...7,0 %"));
         EXPECT_NEAR(find(quantity, QStringLiteral("12,5"))->x, r - (landscape ? 5000 : 3600), kTolerance);
         EXPECT_NEAR(find(quantity, QStringLiteral("kallio"))->x, r - (landscape ? 4000 : 2800), kTolerance);
 
