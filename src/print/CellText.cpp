@@ -10,16 +10,18 @@ double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold
     return fonts.ascent(run.font(size, bold)) - fonts.ascent(run.font(fittedSize, bold));
 }
 
-void CellText(PrintRun& run, Surface& s, double left, double right, double y, const QString& text,
-              double size, bool bold, CellAlign align) {
+void CellText(PrintRun& run, Surface& s, const Font& font, double sx, double sy, double left, double right,
+              double y, const QString& text, CellAlign align) {
     if (text.trimmed().isEmpty()) return;
-    const PageModel& m = run.page();
-    const double scale = m.ScaleX > 0 ? m.ScaleX : 1.0;
-    const FittedText f = run.fit(text, Font{run.settings().PrinterFont, size, bold, false},
-                                 std::max(0.0, right - left) / scale, kSmallestValueSize);
-    s.setFont(run.font(f.size, bold));
+    const FittedText f =
+        run.fit(text, font, std::max(0.0, right - left) / std::max(0.01, sx), kSmallestValueSize);
+    Font full = font;
+    full.size *= sy;
+    Font drawn = font;
+    drawn.size = f.size * sy;
+    s.setFont(drawn);
     const QString& line = f.lines.value(0);
-    const double top = y + CellBaselineDrop(run, size, f.size, bold);
+    const double top = y + run.fonts().ascent(full) - run.fonts().ascent(drawn);
     switch (align) {
         case CellAlign::Left:
             s.text(left, top, line);
@@ -31,6 +33,13 @@ void CellText(PrintRun& run, Surface& s, double left, double right, double y, co
             s.text((left + right - s.textWidth(line)) / 2, top, line);
             break;
     }
+}
+
+void CellText(PrintRun& run, Surface& s, double left, double right, double y, const QString& text,
+              double size, bool bold, CellAlign align) {
+    const PageModel& m = run.page();
+    CellText(run, s, Font{run.settings().PrinterFont, size, bold, false}, m.ScaleX, m.ScaleY, left, right, y,
+             text, align);
 }
 
 } // namespace print

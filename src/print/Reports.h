@@ -2,6 +2,8 @@
 // The layouts of the printed documents. Each draws one page of the run on a surface, reading
 // the page table and the project through the run; the pagination pass measures rows with the
 // same code on a surface that draws nothing.
+#include "print/Surface.h"
+
 #include <QString>
 #include <vector>
 
@@ -27,6 +29,9 @@ enum class CellAlign { Left, Right, Centre };
 // so that it stays within the cell; its baseline stays that of the line.
 void CellText(PrintRun& run, Surface& s, double left, double right, double y, const QString& text,
               double size, bool bold, CellAlign align);
+// The same in any font, given at scale 1 with the target's scales (a card's own font and scale).
+void CellText(PrintRun& run, Surface& s, const Font& font, double sx, double sy, double left, double right,
+              double y, const QString& text, CellAlign align);
 // How far a text shrunk from `size` to `fittedSize` points moves down to keep its baseline.
 double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold);
 

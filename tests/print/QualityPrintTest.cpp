@@ -651,3 +651,40 @@ TEST(CardLayouts, TheShippedLayoutsReadAndHoldEverySlot) {
             EXPECT_TRUE(ln.x1 >= 0 && ln.x2 <= l->width && ln.y1 >= 0 && ln.y2 <= l->height);
     }
 }
+
+TEST(CardLayouts, ALongFieldStaysBetweenItsNeighboursOnTheShippedCard) {
+    TestProject t;
+    QStringList fields(98);
+    fields[1] = QStringLiteral("Kirkkojoen ylikulkusilta valtatien 4 ja Jyväskylän läntisen ohikulkutien "
+                               "eritasoliittymässä");
+    fields[2] = QStringLiteral("KeS-2817");
+    fields[3] = QStringLiteral("Vt 4, tieosa 215, etäisyys 1 840");
+    fields[4] = QStringLiteral("Jyväskylä");
+    fields[10] = QStringLiteral("15,0 + 18,0 + 15,0 + 18,0 + 15,0");
+    t.source.cardFields = fields;
+    t.selection = print::Selection{};
+    t.selection.DocumentSelected[print::doc::Card] = true;
+    print::PrintSettings settings;
+    settings.appPath = QStringLiteral(TAMRIK_SOURCE_DIR "/data/");
+    print::PrintRun run(t.source, t.selection, settings);
+    QStringList told;
+    run.setInform([&told](const QString& m) { told << m; });
+    ASSERT_EQ(run.PageCount(), PageCountResult::Done);
+    const auto items = recordPage(run, 1);
+    EXPECT_EQ(print_test::overprinted(run, items), QStringList());
+    // The name ends before the plan number's cell, cut with "…" once it is as small as it goes.
+    const print::TextItem* plan = find(items, QStringLiteral("KeS-2817"));
+    ASSERT_TRUE(plan);
+    const print::TextItem* name = nullptr;
+    for (const print::TextItem& i : items)
+        if (i.text.startsWith(QStringLiteral("Kirkkojoen"))) name = &i;
+    ASSERT_TRUE(name);
+    EXPECT_LT(name->x + run.fonts().width(name->font, name->text), plan->x);
+    EXPECT_TRUE(name->text.endsWith(QStringLiteral("…")));
+    EXPECT_EQ(told.count(print::kValueCut), 1);
+    EXPECT_TRUE(find(items, QStringLiteral("Jyväskylä")));
+    // A right-aligned value keeps to its right edge and its label's right.
+    const print::TextItem* spans = find(items, fields[10]);
+    ASSERT_TRUE(spans);
+    EXPECT_LT(spans->font.size, 11);
+}
