@@ -57,8 +57,16 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     if (e.number < 2) return;
 
     const PrintSource& src = run.source();
+    // The bridge, its road section and municipality: only the parts that have text are joined.
+    auto join = [](const QStringList& parts, const QString& separator) {
+        QStringList filled;
+        for (const QString& part : parts)
+            if (!part.trimmed().isEmpty()) filled << part.trimmed();
+        return filled.join(separator);
+    };
     const QString identification =
-        src.basicText(0) + QStringLiteral("  ") + src.basicText(1) + QLatin1Char('/') + src.basicCombo(9);
+        join({src.basicText(0), join({src.basicText(1), src.basicCombo(9)}, QStringLiteral("/"))},
+             QStringLiteral("  "));
     const QString first = run.wrap(identification, 9, 0.6 * m.UsableWidth).value(0).trimmed();
     s.text(m.OriginX, m.OriginY, first);
     const Parties parties = PartiesOf(run, e.document);
