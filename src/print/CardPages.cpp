@@ -204,9 +204,10 @@ void drawPicture(PrintRun& run, Surface& s, const platform::Picture& picture, co
     PrintImage(run, s, picture, p.x(b.x + b.w / 2), p.y(b.y + b.h / 2), p.sx * b.w, p.sy * b.h, true);
 }
 
-// Without its layout the card cannot be drawn: its page says why, and the run goes on.
-void layoutMissing(PrintRun& run, Surface& s, const QString& message) {
-    run.inform(message);
+// Without its layout the card cannot be drawn: its page says why in a sentence that names the
+// file, the message adds where it was looked for, and the run goes on.
+void layoutMissing(PrintRun& run, Surface& s, const QString& message, const QString& detail) {
+    run.inform(detail.isEmpty() ? message : message + QStringLiteral("\r\n") + detail);
     const PageModel& m = run.page();
     s.setFont(run.font(11, true));
     const QStringList lines = run.wrap(message, 11, m.UsableWidth);
@@ -221,9 +222,9 @@ void layoutMissing(PrintRun& run, Surface& s, const QString& message) {
 
 void PrintCard(PrintRun& run, Surface& s, int) {
     CardLayout layout;
-    QString error;
-    if (!ReadCardLayoutFile(run.settings().appPath, kCardLayoutFile, false, layout, &error)) {
-        layoutMissing(run, s, error);
+    QString error, detail;
+    if (!ReadCardLayoutFile(run.settings().appPath, kCardLayoutFile, false, layout, &error, &detail)) {
+        layoutMissing(run, s, error, detail);
         return;
     }
     const CardPlacement p = PlaceCard(run.page(), layout.width, layout.height);
@@ -236,9 +237,9 @@ void PrintCard(PrintRun& run, Surface& s, int) {
 
 void PrintCharge(PrintRun& run, Surface& s, int) {
     CardLayout layout;
-    QString error;
-    if (!ReadCardLayoutFile(run.settings().appPath, kChargeLayoutFile, true, layout, &error)) {
-        layoutMissing(run, s, error);
+    QString error, detail;
+    if (!ReadCardLayoutFile(run.settings().appPath, kChargeLayoutFile, true, layout, &error, &detail)) {
+        layoutMissing(run, s, error, detail);
         return;
     }
     const CardPlacement p = PlaceCard(run.page(), layout.width, layout.height);

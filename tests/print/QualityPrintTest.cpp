@@ -622,10 +622,17 @@ TEST(CardLayouts, DamagedOrMissingFilesAreNamedWithTheLineAndTheRunGoesOn) {
     run.setInform([&told](const QString& m) { told << m; });
     ASSERT_EQ(run.PageCount(), PageCountResult::Done);
     ASSERT_EQ(run.TotalPages(), 4);
-    EXPECT_TRUE(joined(recordPage(run, 3)).contains(print::kCardLayoutFile));
+    // The page names the file in Finnish; where it was looked for goes to the message only.
+    const QString card = joined(recordPage(run, 3));
+    EXPECT_EQ(card, QStringLiteral(
+                        "Korttitiedostoa Tamrik30Card.dat ei voi lukea, joten korttia ei voi tulostaa."));
     EXPECT_TRUE(joined(recordPage(run, 4)).contains(print::kChargeLayoutFile));
+    EXPECT_FALSE(joined(recordPage(run, 4)).contains(dir.path()));
     EXPECT_TRUE(find(recordPage(run, 2), QStringLiteral("Littera")));
-    EXPECT_EQ(told.size(), 2);
+    ASSERT_EQ(told.size(), 2);
+    EXPECT_TRUE(told[0].startsWith(card));
+    EXPECT_TRUE(
+        told[0].contains(dir.filePath(print::kCardLayoutFile) + QStringLiteral(": tiedostoa ei ole")));
 }
 
 TEST(CardLayouts, TheShippedLayoutsReadAndHoldEverySlot) {
