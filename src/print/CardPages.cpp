@@ -174,27 +174,36 @@ void drawTable(PrintRun& run, Surface& s, const CardLayout& layout, const CardPl
     const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
     double bottom = p.y(layout.height);
     if (!layout.tableArea.empty()) bottom = p.y(layout.tableArea.front().y2);
+    // Each column's cell reaches to the next column (or the table's right edge).
+    const double tableRight = layout.tableArea.empty() ? layout.width : layout.tableArea.front().x2;
+    auto cellRight = [&](const CardSlot& column) {
+        double right = tableRight;
+        for (const CardSlot& other : layout.tableColumns)
+            if (other.x > column.x) right = std::min<double>(right, other.x);
+        return p.x0 + p.sx * (right - 60);
+    };
+    auto cell = [&](const CardSlot& column, double y, const QString& text, double size, bool bold) {
+        CellText(run, s, Font{fontName, size, bold, false}, p.sx, p.sy, p.x(column.x), cellRight(column), y,
+                 text, CellAlign::Left);
+    };
     int top = 0;
     for (const CardSlot& c : layout.tableColumns) {
-        s.setFont(Font{fontName, 9 * p.sy, c.alignment % 2 == 1, false});
-        drawSlotText(s, p.x(c.x), p.y(c.y), c.alignment, c.name);
+        cell(c, p.y(c.y), c.name, 9, c.alignment % 2 == 1);
         top = std::max(top, c.y);
     }
     if (!list) return;
     double y = p.y(top) + lh * 1.2;
     const int columns = std::min<int>(static_cast<int>(layout.tableColumns.size()), list->cols() - 1);
-    s.setFont(Font{fontName, 10 * p.sy, false, false});
     for (int r = 1; r <= list->rows(); ++r) {
         if (lists::BlankListItem(*list, r).blank) continue;
         if (y + 2 * lh > bottom) {
             // The rows that do not fit are left out, and the table says so.
+            s.setFont(Font{fontName, 10 * p.sy, false, false});
             s.text(p.x(layout.tableColumns.front().x), y, QStringLiteral("..."));
             break;
         }
-        for (int c = 0; c < columns; ++c) {
-            const CardSlot& column = layout.tableColumns[c];
-            drawSlotText(s, p.x(column.x), y, column.alignment & ~1, list->cell(r, c + 1).trimmed());
-        }
+        for (int c = 0; c < columns; ++c)
+            cell(layout.tableColumns[c], y, list->cell(r, c + 1), 10, false);
         y += lh;
     }
 }

@@ -695,3 +695,26 @@ TEST(CardLayouts, ALongFieldStaysBetweenItsNeighboursOnTheShippedCard) {
     ASSERT_TRUE(spans);
     EXPECT_LT(spans->font.size, 11);
 }
+
+TEST(CardLayouts, TheChargeTableKeepsEachValueInItsColumn) {
+    TestProject t;
+    print_test::fillList(
+        t.charges, lists::kind::ChargeChambers, 5,
+        {{QStringLiteral("Välituki 2 (länsipuoli)"), QStringLiteral("Teräsbetoni K35-2 ja teräs S355"),
+          QStringLiteral("4 kpl laatan alapinnassa, kukin 200 x 200 mm"), QStringLiteral("2"),
+          QStringLiteral("8 kpl kiinnikkeitä")}});
+    t.selection = print::Selection{};
+    t.selection.DocumentSelected[print::doc::ChargeCard] = true;
+    print::PrintSettings settings;
+    settings.appPath = QStringLiteral(TAMRIK_SOURCE_DIR "/data/");
+    print::PrintRun run(t.source, t.selection, settings);
+    run.setInform([](const QString&) {});
+    ASSERT_EQ(run.PageCount(), PageCountResult::Done);
+    const auto items = recordPage(run, 1);
+    EXPECT_EQ(print_test::overprinted(run, items), QStringList());
+    EXPECT_TRUE(find(items, QStringLiteral("2")));
+    bool first = false;
+    for (const print::TextItem& i : items)
+        first = first || i.text.startsWith(QStringLiteral("Välituki 2"));
+    EXPECT_TRUE(first);
+}
