@@ -18,7 +18,7 @@ using namespace lists::quantityCol;
 // Room between a column's text and the next column.
 constexpr double kGap = 120;
 // Room between two values of a row.
-constexpr double kCellGap = 80;
+constexpr double kCellGap = 120;
 
 // The description column starts after the widest littera, so that a long littera never runs
 // into it.
