@@ -21,6 +21,8 @@ using namespace lists::requirementCol;
 // Room above and below the text inside a frame, and between two requirements.
 constexpr double kFramePad = 30;
 constexpr double kRequirementGap = 120;
+// The lines a text cut at the page's foot keeps free for each section after it, at most.
+constexpr int kKeptLines = 4;
 
 QChar firstUpper(const QString& text) {
     const QString t = text.trimmed();
@@ -285,11 +287,8 @@ public:
         y += kFramePad * m_m.ScaleY;
         m_s.setFont(m_run.font(8, false, true));
         text(m_grid[2], y + 50 * m_m.ScaleY, caption);
-        const double x = m_grid[2] + m_s.textWidth(caption) + 100 * m_m.ScaleX;
-        QString t = body;
-        if (joinLines) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
-        QStringList lines = m_run.wrap(t, 11, m_grid[20] - 50 * m_m.ScaleX - x);
-        if (lines.isEmpty()) lines.append(QString());
+        double x = 0;
+        const QStringList lines = frameLines(caption, body, joinLines, &x);
         const double lh = m_m.LineHeight11;
         const double cut = m_m.bottom() - 600 * m_m.ScaleY - std::max(reserve * lh, after);
         m_s.setFont(m_run.font(11));
@@ -308,6 +307,18 @@ public:
         }
         y += kFramePad * m_m.ScaleY;
         frameBox(top, y, true, close);
+    }
+
+    // The lines of a framed text, and where they start.
+    QStringList frameLines(const QString& caption, const QString& body, bool joinLines, double* x = nullptr) {
+        m_s.setFont(m_run.font(8, false, true));
+        const double left = m_grid[2] + m_s.textWidth(caption) + 100 * m_m.ScaleX;
+        if (x) *x = left;
+        QString t = body;
+        if (joinLines) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
+        QStringList lines = m_run.wrap(t, 11, m_grid[20] - 50 * m_m.ScaleX - left);
+        if (lines.isEmpty()) lines.append(QString());
+        return lines;
     }
 
     // Whether a text was cut since the painter was made.
@@ -329,10 +340,19 @@ public:
         else
             probe.PrintQualityHeaders1(row, block);
         probe.PrintQualityHeaders2(row, results);
+        // A text cut at the page's foot leaves room for the sections after it: as many lines as
+        // each has, up to a few, so that a short plan or report is not lost to a long requirement.
+        std::vector<int> keep;
+        for (const Section& section : sections)
+            keep.push_back(
+                std::min<int>(kKeptLines, probe
+                                              .frameLines(QString::fromUtf8(kSectionCaptions[section.number]),
+                                                          blockText(row, section.column), false)
+                                              .size()));
         auto after = [&](std::size_t from) {
             double h = 0;
             for (std::size_t k = from; k < sections.size(); ++k)
-                h += 2 * pad + lh + (sections[k].number == 3 ? results : 0);
+                h += 2 * pad + keep[k] * lh + (sections[k].number == 3 ? results : 0);
             return h;
         };
         PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[1]), blockText(row, kText), y, false, true,

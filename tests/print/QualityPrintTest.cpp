@@ -263,9 +263,14 @@ TEST(QualityDocuments, ATextTooLongForItsPageIsCutWithANoteAndNothingMoves) {
     QString longText;
     for (int i = 0; i < 400; ++i)
         longText += QStringLiteral("Betonin laatu todetaan koekappaleista. ");
+    // Its quality plan takes three lines, which the cut leaves room for.
+    QStringList tooLong = requirement(QStringLiteral("2"), longText, QStringLiteral("1"));
+    tooLong[11] = QStringLiteral("Laatusuunnitelma 2: koekappaleet otetaan jokaisesta valuerästä, ja niiden "
+                                 "lujuus todetaan akkreditoidussa laboratoriossa. Tulokset liitetään "
+                                 "laatukansioon ennen muottien purkua.");
     print_test::fillList(t.requirements, lists::kind::Requirements, 24,
                          {requirement(QStringLiteral("1"), QStringLiteral("Lyhyt"), QStringLiteral("1")),
-                          requirement(QStringLiteral("2"), longText, QStringLiteral("1")),
+                          tooLong,
                           requirement(QStringLiteral("3"), QStringLiteral("Kolmas"), QStringLiteral("1"))});
     auto run = t.run({print::doc::QualityPlans});
     ASSERT_EQ(run->PageCount(), PageCountResult::Done);
@@ -282,8 +287,11 @@ TEST(QualityDocuments, ATextTooLongForItsPageIsCutWithANoteAndNothingMoves) {
     EXPECT_FALSE(find(recordPage(*run, 4), QStringLiteral("Betonin")));
     // Below the cut the requirement's other blocks still print, and nothing runs into the
     // footer.
-    ASSERT_TRUE(find(page, QStringLiteral("Laatusuunnitelma 2")));
-    EXPECT_GT(find(page, QStringLiteral("Laatusuunnitelma 2"))->y, note->y);
+    EXPECT_EQ(texts(page).count(cut), 1) << "the plan is not cut";
+    const QString all = joined(page).replace(QLatin1Char('|'), QLatin1Char(' ')).simplified();
+    EXPECT_TRUE(all.contains(tooLong[11])) << all.toStdString();
+    ASSERT_TRUE(find(page, QStringLiteral("C35/45")));
+    EXPECT_GT(find(page, QStringLiteral("C35/45"))->y, note->y);
     EXPECT_TRUE(find(page, QStringLiteral("C35/45")));
     for (const print::TextItem& i : page)
         if (i.y > m.OriginY + 700 && i.text != QStringLiteral("TAMRIK 2006") &&
