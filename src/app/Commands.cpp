@@ -1,6 +1,7 @@
 #include "app/Commands.h"
 
 #include "app/PrintCommand.h"
+#include "app/ValidateCommand.h"
 #include "calc/CostEstimate.h"
 #include "calc/QualityIndex.h"
 #include "lists/ListConvert.h"
@@ -18,7 +19,7 @@ namespace app {
 
 namespace {
 
-const char* const kCommands[] = {"costs", "summary", "print", "convert"};
+const char* const kCommands[] = {"costs", "summary", "print", "convert", "validate"};
 
 int fail(const QString& message) {
     std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
@@ -46,6 +47,7 @@ int costs(const QString& fileName) {
     // An overflowed figure is no amount: a script must not take it for one.
     if (record.nonFiniteRow != 0) return fail(calc::NonFiniteMessage(record));
     print(calc::FormatCostRecord(record));
+    reportCheckErrors(project);
     return 0;
 }
 
@@ -60,6 +62,7 @@ int summary(const QString& fileName) {
         calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     print(text);
+    reportCheckErrors(project);
     return 0;
 }
 
@@ -86,6 +89,7 @@ int runCommand(int argc, char** argv) {
         if (args.size() != 3) return fail(QStringLiteral("käyttö: tamrik %1 TIEDOSTO.sl").arg(command));
         return command == QLatin1String("costs") ? costs(args[2]) : summary(args[2]);
     }
+    if (command == QLatin1String("validate")) return validateCommand(args.mid(2));
     if (command == QLatin1String("convert")) {
         if (args.size() != 4) return fail(QStringLiteral("käyttö: tamrik convert LÄHDE KOHDE"));
         return convert(args[2], args[3]);

@@ -1,33 +1,13 @@
 // The program's command line, run as a user would run it.
-#include "common/TestSupport.h"
+#include "common/RunProgram.h"
 #include "persist/ProjectFile.h"
 #include "platform/TextFile.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-namespace {
-
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Result run(const QStringList& args, int timeoutMs = 60000) {
-    QProcess p;
-    p.start(testing_support::binaryDir() + QStringLiteral("/tamrik"), args);
-    if (!p.waitForFinished(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        return {-1, QString(), QStringLiteral("did not end")};
-    }
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-} // namespace
+using testing_support::Result;
+using testing_support::run;
 
 TEST(CommandLine, VersionAndUnknownCommands) {
     const Result v = run({QStringLiteral("--version")});
