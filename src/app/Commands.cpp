@@ -43,7 +43,10 @@ int costs(const QString& fileName) {
     const calc::CostInputs inputs = calc::CostInputsOf(project.content.windows[0].combos);
     auto list =
         persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
-    print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
+    const calc::CostRecord record = calc::CalculateCosts(*list, inputs);
+    // An overflowed figure is no amount: a script must not take it for one.
+    if (record.nonFiniteRow != 0) return fail(calc::NonFiniteMessage(record));
+    print(calc::FormatCostRecord(record));
     reportCheckErrors(project);
     return 0;
 }

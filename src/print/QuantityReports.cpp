@@ -337,6 +337,14 @@ void PrintCostSummary2(PrintRun& run, Surface& s, double& y) {
     }
     y += lh;
     heading(run, s, y, QStringLiteral("Kustannukset eivät sisällä rakennuttamiskustannuksia"), false);
+    // An overflowed figure prints as "#####"; the page says where the overflow began. The
+    // reserved summary lines leave room for these two.
+    if (r.nonFiniteRow != 0) {
+        QString message = calc::NonFiniteMessage(r);
+        message[0] = message[0].toUpper();
+        y += lh;
+        heading(run, s, y, message, true);
+    }
 }
 
 } // namespace print

@@ -4,6 +4,7 @@
 #include "print/PrintFixtures.h"
 #include "print/Reports.h"
 
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 using print_test::entry;
@@ -166,6 +167,28 @@ TEST(Reports, CostSummariesPrintTheFiguresOfTheCostEstimate) {
     ASSERT_EQ(noIndex->PageCount(), print::PageCountResult::Done);
     EXPECT_TRUE(texts(recordPage(*noIndex, noIndex->TotalPages()))
                     .contains(QStringLiteral("Sillan kustannukset (i = )")));
+}
+
+// An amount past single precision's range: the page shows "#####" for every overflowed figure
+// and says where the overflow began, instead of printing "inf" as an amount.
+TEST(Reports, AnOverflowedTotalPrintsHashesAndTheRow) {
+    TestProject t;
+    t.setQuantities(
+        {{QStringLiteral("7110"), QStringLiteral("KAIVUT")},
+         entry(QStringLiteral("Kaivu"), QStringLiteral("1e308"), QStringLiteral("m3"), QStringLiteral("2")),
+         entry(QStringLiteral("Täyttö"), QStringLiteral("620"), QStringLiteral("m3"), QStringLiteral("10")),
+         {QString(), QStringLiteral("TIETYÖT SILTAPAIKALLA")}});
+    auto run = t.run({print::doc::Costs});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    QStringList all;
+    for (int p = 1; p <= run->TotalPages(); ++p)
+        all += texts(recordPage(*run, p));
+    const QString joined = all.join(QLatin1Char('|'));
+    EXPECT_FALSE(joined.contains(QRegularExpression(QStringLiteral("(^|[|\\s])-?inf\\b"))))
+        << joined.toStdString();
+    EXPECT_FALSE(joined.contains(QStringLiteral("∞"))) << joined.toStdString();
+    EXPECT_TRUE(joined.contains(QStringLiteral("##### €"))) << joined.toStdString();
+    EXPECT_TRUE(all.contains(QStringLiteral("Summa ei ole äärellinen: rivi 2"))) << joined.toStdString();
 }
 
 TEST(Reports, HeadersNameThePageTheDateAndWhoDrewUpTheDocument) {
