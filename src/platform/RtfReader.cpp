@@ -243,6 +243,7 @@ private:
     int currentFont() const;
     int currentCodePage() const;
     int fontCodePage(int font) const;
+    QString fontName(int font) const;
     SymbolFont symbolFont(int font) const;
     void endFontName();
     void endCell();
@@ -793,7 +794,7 @@ int Reader::currentCodePage() const {
 }
 
 SymbolFont Reader::symbolFont(int font) const {
-    return symbolFontNamed(m_fonts.value(font));
+    return symbolFontNamed(fontName(font));
 }
 
 void Reader::textByte(char b) {
@@ -860,7 +861,7 @@ int Reader::listLevelFont(int list, int level) const {
 void Reader::resolveLabelSymbols(Paragraph& p) const {
     if (p.labelSymbols.empty()) return;
     const int font = listLevelFont(p.para.list, p.para.level);
-    SymbolFont table = symbolFont(font);
+    SymbolFont table = font >= 0 ? symbolFont(font) : SymbolFont::None;
     // A level in a symbol font the tables do not know keeps the codes; without a font to go by,
     // the label is read as the Symbol font, where Windows' bullets come from.
     if (table == SymbolFont::None && !(font >= 0 && m_symbolCharsetFonts.contains(font)))
@@ -872,11 +873,15 @@ void Reader::resolveLabelSymbols(Paragraph& p) const {
     p.labelSymbols.clear();
 }
 
+// The name text in the font shows with: a font the table does not name shows in the default font.
+QString Reader::fontName(int font) const {
+    const QString name = m_fonts.value(font);
+    return name.isEmpty() ? m_fonts.value(m_defaultFont) : name;
+}
+
 QTextCharFormat Reader::charFormat(const CharState& s) const {
     QTextCharFormat f;
-    const int font = s.font < 0 ? m_defaultFont : s.font;
-    QString family = m_fonts.value(font);
-    if (family.isEmpty()) family = m_fonts.value(m_defaultFont);
+    const QString family = fontName(s.font < 0 ? m_defaultFont : s.font);
     if (!family.isEmpty()) f.setFontFamilies(QStringList{family});
     f.setFontPointSize(s.fontSize / 2.0);
     f.setFontWeight(s.bold ? QFont::Bold : QFont::Normal);

@@ -490,6 +490,13 @@ TEST(RtfRegression, SymbolAndWingdingsCodesBecomeTheirCharacters) {
     ASSERT_TRUE(ReadRtf(
         "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}{\\f1 Symbol;}}\\f0 \\u61623?{\\f1 \\u61623?}\\par}", doc));
     EXPECT_EQ(doc.toPlainText(), QString(QChar(0xF0B7)) + QStringLiteral("•"));
+    // A font the table does not name shows in the default font and reads as that font, so the
+    // text writes back to what it read.
+    const QByteArray unnamed =
+        "{\\rtf1\\ansi\\deff1{\\fonttbl{\\f0 Arial;}{\\f1 Symbol;}}\\f5 \\u61623?\\par}";
+    ASSERT_TRUE(ReadRtf(unnamed, doc));
+    EXPECT_EQ(doc.toPlainText(), QStringLiteral("•"));
+    EXPECT_EQ(rewrite(WriteRtf(doc)), WriteRtf(doc));
 }
 
 // A table in a table cell (\itap2, \nestcell, \nesttableprops with \nestrow, and \nonesttables
