@@ -88,6 +88,67 @@ quint16 wholeScans(const QByteArray& b, qsizetype params, qsizetype words) {
     return whole;
 }
 
+// Records that carry a device-independent bitmap, and the parameter word where it starts.
+constexpr quint16 kDibPatternBrush = 0x0142;
+constexpr quint16 kEscape = 0x0626;
+constexpr quint16 kCreateBrush = 0x02FC;
+qsizetype dibAt(quint16 function, qsizetype params) {
+    switch (function) {
+        case 0x0D33: // SETDIBTODEV
+            return 9;
+        case 0x0F43: // STRETCHDIB
+            return 11;
+        case 0x0B41: // DIBSTRETCHBLT
+            return 10;
+        case 0x0940: // DIBBITBLT; with nine parameters it has no bitmap, only its raster operation
+            return params == 9 ? -1 : 8;
+        case kDibPatternBrush:
+            return 2;
+        default:
+            return -1;
+    }
+}
+
+// libwmf makes an image of the size a bitmap's header gives before it reads a pixel. A header that
+// is none of the bitmap header kinds, sizes beyond this, or pixels that the record does not hold
+// made it allocate gigabytes (a pattern brush given as an old device-dependent bitmap is read as
+// such a header).
+constexpr qint64 kMostBitmapPixels = 4096 * 4096;
+
+bool readableDib(const QByteArray& b, qsizetype at, qsizetype end) {
+    if (end - at < 12) return false;
+    const quint32 headerSize = word32(b, at);
+    qint64 width = 0, height = 0;
+    quint16 bits = 0;
+    quint32 compression = 0, colours = 0;
+    if (headerSize == 12) {
+        width = word16(b, at + 4);
+        height = qint16(word16(b, at + 6));
+        bits = word16(b, at + 10);
+    } else {
+        static constexpr quint32 kinds[] = {40, 52, 56, 64, 108, 124};
+        if (std::find(std::begin(kinds), std::end(kinds), headerSize) == std::end(kinds)) return false;
+        if (end - at < 40) return false;
+        width = qint32(word32(b, at + 4));
+        height = qint32(word32(b, at + 8));
+        bits = word16(b, at + 14);
+        compression = word32(b, at + 16);
+        colours = word32(b, at + 32);
+    }
+    height = std::abs(height);
+    if (width <= 0 || height <= 0 || width * height > kMostBitmapPixels) return false;
+    // A JPEG or PNG (compression 4 or 5) gives no bit count; uncompressed pixels (also with colour
+    // masks) must all be in the record.
+    if (compression == 4 || compression == 5) return true;
+    if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
+    if (compression != 0 && compression != 3) return true;
+    const qint64 tableEntries = colours ? colours : bits <= 8 ? (1 << bits) : 0;
+    const qint64 masks = compression == 3 && headerSize == 40 ? 12 : 0;
+    const qint64 needed = headerSize + tableEntries * (headerSize == 12 ? 3 : 4) + masks +
+                          (width * bits + 31) / 32 * 4 * height;
+    return needed <= end - at;
+}
+
 // libwmf reads a region's scans wherever the record's scan count sends it, past the record's end
 // too, and gives up on the whole picture at the first scan that does not close as the format
 // says. Writers differ on the region layout (the metafile library whose test drawing other
@@ -95,7 +156,9 @@ quint16 wholeScans(const QByteArray& b, qsizetype params, qsizetype words) {
 // In the copy the library reads, a region keeps only the scans that lie whole inside its record;
 // a region without scans is empty, which as a clip clips nothing, as LibreOffice shows it. A
 // region record too short for its header becomes an empty region of the same object number.
-QByteArray mendRegions(const QByteArray& wmf, qsizetype header) {
+// A bitmap record whose bitmap cannot be read is left out (it becomes an escape, which draws
+// nothing), and a pattern brush of such a bitmap becomes a hollow brush of the same number.
+QByteArray mendRecords(const QByteArray& wmf, qsizetype header) {
     const qsizetype first = header + 2 * qsizetype(word16(wmf, header + 2));
     QByteArray out = wmf.left(first);
     quint32 largest = 0;
@@ -107,8 +170,8 @@ QByteArray mendRegions(const QByteArray& wmf, qsizetype header) {
         if (words < 3 || words > quint32((wmf.size() - at) / 2)) break;
         QByteArray record = wmf.mid(at, 2 * qsizetype(words));
         at += record.size();
+        const qsizetype params = words - 3;
         if (function == kCreateRegion) {
-            const qsizetype params = words - 3;
             if (params <= kRegionScanCount) {
                 record = QByteArray(2 * (3 + kRegionScansAt), '\0');
                 qToLittleEndian(quint32(3 + kRegionScansAt), record.data());
@@ -120,6 +183,17 @@ QByteArray mendRegions(const QByteArray& wmf, qsizetype header) {
                 qToLittleEndian(whole, record.data() + 6 + 2 * kRegionScanCount);
                 changed = true;
             }
+        } else if (const qsizetype dib = dibAt(function, params);
+                   dib >= 0 && !readableDib(record, 6 + 2 * dib, record.size())) {
+            if (function == kDibPatternBrush) {
+                record = QByteArray(2 * 7, '\0');
+                qToLittleEndian(quint32(7), record.data());
+                qToLittleEndian(kCreateBrush, record.data() + 4);
+                qToLittleEndian(quint16(1), record.data() + 6); // BS_NULL
+            } else {
+                qToLittleEndian(kEscape, record.data() + 4);
+            }
+            changed = true;
         }
         largest = std::max(largest, quint32(record.size() / 2));
         out += record;
@@ -386,7 +460,7 @@ QByteArray wmfToSvg(const QByteArray& wmf, QString* error) {
         return {};
     }
     const qsizetype header = word32(wmf, 0) == kPlaceableKey ? kPlaceableSize : 0;
-    QByteArray input = mendRegions(wmf, header); // the library reads through a non-const pointer
+    QByteArray input = mendRecords(wmf, header); // the library reads through a non-const pointer
     // The library sets aside room for the largest record the header names; no record can be
     // longer than the file, so a larger figure (a damaged header) is brought down to that.
     const quint32 mostWords = static_cast<quint32>((input.size() - header) / 2);

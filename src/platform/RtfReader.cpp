@@ -450,6 +450,18 @@ bool Reader::read(QString* error) {
     Paragraph& last = m_paragraphs.back();
     last.endChars = last.runs.empty() ? m_finalChars : last.runs.back().chars;
     resolveLabelSymbols(last);
+    // Symbol codes are the characters of the font they show in, which a font table after the text
+    // may still have named.
+    for (Paragraph& p : m_paragraphs) {
+        for (Run& r : p.runs) {
+            const SymbolFont table = symbolFont(r.chars.font < 0 ? m_defaultFont : r.chars.font);
+            if (table == SymbolFont::None) continue;
+            for (QChar& c : r.text)
+                if (const char16_t mapped =
+                        c.unicode() >= 0xF020 ? symbolFontCharacter(table, c.unicode()) : 0)
+                    c = QChar(mapped);
+        }
+    }
     return true;
 }
 
@@ -715,24 +727,19 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
 }
 
 void Reader::unicode(int code) {
-    auto c = static_cast<char16_t>(code);
-    if (c >= 0xF020 && c <= 0xF0FF) {
-        // A symbol font's code as Windows gives it: the character the font shows there.
-        const int font = currentFont();
-        if (const SymbolFont table = symbolFont(font); table != SymbolFont::None) {
-            if (const char16_t mapped = symbolFontCharacter(table, c)) c = mapped;
-        } else if (top().listLabel && !m_symbolCharsetFonts.contains(font) &&
-                   top().destination == Destination::Text) {
-            // A bullet in a list label whose font was left out (LibreOffice writes them so):
-            // the list's level names the font once the paragraph says its list.
-            text(c);
-            Paragraph& p = m_paragraphs.back();
-            if (!p.runs.empty() && !p.runs.back().text.isEmpty())
-                p.labelSymbols.push_back({p.runs.size() - 1, p.runs.back().text.size() - 1});
-            return;
-        }
-    }
+    const auto c = static_cast<char16_t>(code);
+    const int font = currentFont();
     text(c);
+    // A symbol font's code as Windows gives it (U+F020..U+F0FF) is read as the character its font
+    // shows once the whole document is read. A bullet in a list label whose font was left out
+    // (LibreOffice writes them so) is the character of the font the list's level names, known
+    // when the paragraph says its list.
+    if (c >= 0xF020 && c <= 0xF0FF && top().listLabel && top().destination == Destination::Text &&
+        symbolFont(font) == SymbolFont::None && !m_symbolCharsetFonts.contains(font)) {
+        Paragraph& p = m_paragraphs.back();
+        if (!p.runs.empty() && !p.runs.back().text.isEmpty())
+            p.labelSymbols.push_back({p.runs.size() - 1, p.runs.back().text.size() - 1});
+    }
 }
 
 void Reader::append(char16_t c, const CharState& chars) {

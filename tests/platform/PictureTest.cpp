@@ -426,3 +426,18 @@ TEST(PictureRegression, EmfRecordedForAPrinterHasItsPaperSize) {
     EXPECT_NEAR(double(asked.width()) / asked.height(), 14030.0 / 9920, 0.01);
     EXPECT_GT(asked.pixelColor(asked.width() / 4, asked.height() * 3 / 4).blue(), 180);
 }
+
+// A fuzzer's change of uemf-drawing.wmf: libwmf reads the old device-dependent bitmap of a pattern
+// brush as a bitmap header of 786442 x 16779265 pixels and asked for 3.4 GB before it read a
+// pixel (the checked build's fuzz test runs this file under a limit on each allocation). Bitmaps
+// whose header is no header, or whose pixels are not in the record, are now left out of the copy
+// libwmf reads: such a pattern brush is hollow (libwmf filled it black), and the rest draws.
+TEST(PictureRegression, BitmapThatIsNotInItsRecordIsLeftOut) {
+    const QByteArray bytes = fixtureBytes(QStringLiteral("damaged/pattern-brush-bitmap16.wmf"));
+    QString error;
+    EXPECT_FALSE(wmfToSvg(bytes, &error).isEmpty()) << error.toStdString();
+    const QImage image = Picture::fromBytes(bytes, Picture::Metafile).toImage(QSize(576, 384));
+    EXPECT_EQ(image.pixelColor(500, 350), QColor(255, 255, 173));
+    EXPECT_EQ(image.pixelColor(244, 172), QColor(255, 255, 173)); // inside the brush's rectangle
+    EXPECT_EQ(image.pixelColor(212, 172), QColor(Qt::black));     // a pattern brush libwmf can read
+}
