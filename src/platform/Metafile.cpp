@@ -109,10 +109,11 @@ qsizetype dibAt(quint16 function, qsizetype params) {
     }
 }
 
-// libwmf makes an image of the size a bitmap's header gives before it reads a pixel. A header that
-// is none of the bitmap header kinds, sizes beyond this, or pixels that the record does not hold
-// made it allocate gigabytes (a pattern brush given as an old device-dependent bitmap is read as
-// such a header).
+// libwmf sets aside an image of the size a bitmap's header gives, and a colour table of the
+// count of colours it gives, before it reads a pixel: a JPEG's header counting 1140850688 colours
+// made it ask for 3.4 GB. A header that is none of the bitmap header kinds, sizes beyond this, or
+// a colour table or uncompressed pixels that the record does not hold are not given to it (a
+// pattern brush given as an old device-dependent bitmap is read as such a header).
 constexpr qint64 kMostBitmapPixels = 4096 * 4096;
 
 bool readableDib(const QByteArray& b, qsizetype at, qsizetype end) {
@@ -137,16 +138,18 @@ bool readableDib(const QByteArray& b, qsizetype at, qsizetype end) {
     }
     height = std::abs(height);
     if (width <= 0 || height <= 0 || width * height > kMostBitmapPixels) return false;
+    // The colour table (its length the header's count of colours, which libwmf allocates as it
+    // stands) must be in the record whatever the compression.
+    const qint64 tableEntries = colours ? qint64(colours) : bits >= 1 && bits <= 8 ? (1 << bits) : 0;
+    const qint64 table = headerSize + tableEntries * (headerSize == 12 ? 3 : 4);
+    if (table > end - at) return false;
     // A JPEG or PNG (compression 4 or 5) gives no bit count; uncompressed pixels (also with colour
     // masks) must all be in the record.
     if (compression == 4 || compression == 5) return true;
     if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
     if (compression != 0 && compression != 3) return true;
-    const qint64 tableEntries = colours ? colours : bits <= 8 ? (1 << bits) : 0;
     const qint64 masks = compression == 3 && headerSize == 40 ? 12 : 0;
-    const qint64 needed = headerSize + tableEntries * (headerSize == 12 ? 3 : 4) + masks +
-                          (width * bits + 31) / 32 * 4 * height;
-    return needed <= end - at;
+    return table + masks + (width * bits + 31) / 32 * 4 * height <= end - at;
 }
 
 // libwmf reads a region's scans wherever the record's scan count sends it, past the record's end

@@ -427,13 +427,14 @@ TEST(PictureRegression, EmfRecordedForAPrinterHasItsPaperSize) {
     EXPECT_GT(asked.pixelColor(asked.width() / 4, asked.height() * 3 / 4).blue(), 180);
 }
 
-// A fuzzer's change of uemf-drawing.wmf: libwmf reads the old device-dependent bitmap of a pattern
-// brush as a bitmap header of 786442 x 16779265 pixels and asked for 3.4 GB before it read a
-// pixel (the checked build's fuzz test runs this file under a limit on each allocation). Bitmaps
-// whose header is no header, or whose pixels are not in the record, are now left out of the copy
-// libwmf reads: such a pattern brush is hollow (libwmf filled it black), and the rest draws.
+// A fuzzer's change of uemf-drawing.wmf: the bitmap header of its JPEG counts 1140850688 colours,
+// and libwmf asked for a colour table of 3.4 GB before it read a pixel (the checked build's fuzz
+// test runs this file under a limit on each allocation). Bitmaps whose header is no header, or
+// whose colour table or pixels are not in the record, are now left out of the copy libwmf reads;
+// so is the pattern brush of an old device-dependent bitmap, which libwmf reads as such a header
+// and filled black: it is hollow. The rest of the picture draws.
 TEST(PictureRegression, BitmapThatIsNotInItsRecordIsLeftOut) {
-    const QByteArray bytes = fixtureBytes(QStringLiteral("damaged/pattern-brush-bitmap16.wmf"));
+    const QByteArray bytes = fixtureBytes(QStringLiteral("damaged/bitmap-colour-count.wmf"));
     QString error;
     EXPECT_FALSE(wmfToSvg(bytes, &error).isEmpty()) << error.toStdString();
     const QImage image = Picture::fromBytes(bytes, Picture::Metafile).toImage(QSize(576, 384));
