@@ -23,8 +23,12 @@ namespace {
 
 constexpr int kDefaultFontSize = 24; // half-points, the RTF default
 
+// A font number that stands for the document's text font: a symbol font's code read as its
+// character is shown in it, since the symbol font itself has no such character.
+constexpr int kTextFont = -2;
+
 struct CharState {
-    int font = -1; // -1: the default font (\deff)
+    int font = -1; // -1: the default font (\deff); kTextFont
     int fontSize = kDefaultFontSize;
     bool bold = false;
     bool italic = false;
@@ -232,6 +236,7 @@ private:
     void destinationWord(const QByteArray& word, bool hasParam, int param);
     void controlSymbol(char c);
     void text(char16_t c);
+    void textAs(char16_t c, const CharState& chars);
     void append(char16_t c, const CharState& chars);
     // A byte of text in the current font's code page; bytes are decoded together, since a
     // character of a double-byte code page comes as two of them.
@@ -451,16 +456,26 @@ bool Reader::read(QString* error) {
     last.endChars = last.runs.empty() ? m_finalChars : last.runs.back().chars;
     resolveLabelSymbols(last);
     // Symbol codes are the characters of the font they show in, which a font table after the text
-    // may still have named.
+    // may still have named; read as characters they show in the text font.
     for (Paragraph& p : m_paragraphs) {
+        std::vector<Run> runs;
+        runs.reserve(p.runs.size());
         for (Run& r : p.runs) {
-            const SymbolFont table = symbolFont(r.chars.font < 0 ? m_defaultFont : r.chars.font);
-            if (table == SymbolFont::None) continue;
-            for (QChar& c : r.text)
-                if (const char16_t mapped =
-                        c.unicode() >= 0xF020 ? symbolFontCharacter(table, c.unicode()) : 0)
-                    c = QChar(mapped);
+            const SymbolFont table = symbolFont(r.chars.font == -1 ? m_defaultFont : r.chars.font);
+            if (table == SymbolFont::None) {
+                runs.push_back(std::move(r));
+                continue;
+            }
+            CharState text = r.chars;
+            text.font = kTextFont;
+            for (const QChar c : r.text) {
+                const char16_t mapped = c.unicode() >= 0xF020 ? symbolFontCharacter(table, c.unicode()) : 0;
+                const CharState& chars = mapped ? text : r.chars;
+                if (runs.empty() || !(runs.back().chars == chars)) runs.push_back(Run{QString(), chars});
+                runs.back().text.append(mapped ? QChar(mapped) : c);
+            }
         }
+        p.runs = std::move(runs);
     }
     return true;
 }
@@ -756,12 +771,16 @@ void Reader::append(char16_t c, const CharState& chars) {
 
 void Reader::text(char16_t c) {
     if (top().destination != Destination::Text) return;
+    textAs(c, top().chars);
+}
+
+void Reader::textAs(char16_t c, const CharState& chars) {
     emitNoteNumber();
     if (m_cellEnded) {
         m_cellEnded = false;
         append(u'\t', m_cellChars);
     }
-    append(c, top().chars);
+    append(c, chars);
 }
 
 // Cells of a table row are read as one paragraph with a tab between cells; the tab is written
@@ -801,7 +820,7 @@ int Reader::currentCodePage() const {
 }
 
 SymbolFont Reader::symbolFont(int font) const {
-    return symbolFontNamed(fontName(font));
+    return font == kTextFont ? SymbolFont::None : symbolFontNamed(fontName(font));
 }
 
 void Reader::textByte(char b) {
@@ -812,8 +831,13 @@ void Reader::textByte(char b) {
         // Windows' private-use character for a code the font's table does not name.
         flushBytes();
         const auto code = static_cast<char16_t>(static_cast<uchar>(b));
-        const char16_t mapped = symbolFontCharacter(symbolFont(font), code);
-        text(mapped ? mapped : code < 0x20 ? code : char16_t(0xF000 + code));
+        if (const char16_t mapped = symbolFontCharacter(symbolFont(font), code)) {
+            CharState chars = top().chars;
+            chars.font = kTextFont;
+            textAs(mapped, chars);
+        } else {
+            text(code < 0x20 ? code : char16_t(0xF000 + code));
+        }
         return;
     }
     const int codePage = fontCodePage(font);
@@ -888,7 +912,11 @@ QString Reader::fontName(int font) const {
 
 QTextCharFormat Reader::charFormat(const CharState& s) const {
     QTextCharFormat f;
-    const QString family = fontName(s.font < 0 ? m_defaultFont : s.font);
+    QString family = fontName(s.font == kTextFont || s.font < 0 ? m_defaultFont : s.font);
+    // The text font is the default font, unless that is a symbol font itself: then the editor's.
+    if (s.font == kTextFont &&
+        (symbolFont(m_defaultFont) != SymbolFont::None || m_symbolCharsetFonts.contains(m_defaultFont)))
+        family.clear();
     if (!family.isEmpty()) f.setFontFamilies(QStringList{family});
     f.setFontPointSize(s.fontSize / 2.0);
     f.setFontWeight(s.bold ? QFont::Bold : QFont::Normal);

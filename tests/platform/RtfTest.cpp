@@ -465,15 +465,24 @@ TEST(RtfRegression, SymbolAndWingdingsCodesBecomeTheirCharacters) {
     EXPECT_EQ(readRtfParagraphs(QStringLiteral("symbol-fonts.rtf")),
               (QStringList{QStringLiteral(" •\tSillan kansi"), QStringLiteral(" •\tMaatuet"),
                            QStringLiteral(" ➢\tNuolikohta"), QStringLiteral("Kulma αβγ ≥ ±°∅ = 30°"),
-                           QStringLiteral("Tarkastettu ✔✘▪●■⮕☎✉")}));
+                           QStringLiteral("Tarkastettu ✔✘▪●■➔☎✉")}));
     // As Word writes them: labels in their own fonts, codes as bytes; an unknown symbol font
     // keeps Windows' private-use characters, so nothing is lost.
     EXPECT_EQ(readRtfParagraphs(QStringLiteral("symbol-fonts-word.rtf")),
               (QStringList{QStringLiteral("Rakenneosat:"), QStringLiteral("•\tKansi ja reunapalkit"),
                            QStringLiteral("•\tMaatuet"), QStringLiteral("➢\tTarkastus"),
                            QStringLiteral("✔\tHyväksytty"), QStringLiteral("Kaava: α = ∂s/∂t ≥ 0°, β∅"),
-                           QStringLiteral("Merkit: ● ■ ❑ ❖ ▪ ✔ ✘ ☑ ☎ ✉ ⮕"),
+                           QStringLiteral("Merkit: ● ■ ❑ ❖ ▪ ✔ ✘ ☑ ☎ ✉ ➔"),
                            QStringLiteral("Tuntematon: ") + QChar(0xF061)}));
+    // The characters show in the text font, which has them; codes without a character keep the
+    // symbol font, where a system that has it shows them.
+    {
+        QTextDocument word;
+        ASSERT_TRUE(ReadRtf(fixtureBytes(QStringLiteral("symbol-fonts-word.rtf")), word));
+        EXPECT_EQ(familyOf(formatOf(word, QStringLiteral("α"))), "Arial");
+        EXPECT_EQ(familyOf(formatOf(word, QStringLiteral("✔ ✘"))), "Arial");
+        EXPECT_EQ(familyOf(formatOf(word, QString(QChar(0xF061)))), "Webdings");
+    }
     // The tables: Symbol's Greek, operators and bracket pieces; Wingdings' numbers in circles.
     EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0x57), u'Ω');
     EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0xF0E5), u'∑');
