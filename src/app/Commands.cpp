@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include "app/CompareCommand.h"
 #include "app/PrintCommand.h"
 #include "calc/CostEstimate.h"
 #include "calc/QualityIndex.h"
@@ -18,7 +19,7 @@ namespace app {
 
 namespace {
 
-const char* const kCommands[] = {"costs", "summary", "print", "convert"};
+const char* const kCommands[] = {"costs", "summary", "print", "convert", "compare"};
 
 int fail(const QString& message) {
     std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
@@ -76,6 +77,7 @@ bool isCommand(const char* name) {
 
 int runCommand(int argc, char** argv) {
     if (std::strcmp(argv[1], "print") == 0) return printCommand(argc, argv);
+    if (std::strcmp(argv[1], "compare") == 0) return compareCommand(argc, argv);
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
     const QString command = args.value(1);
