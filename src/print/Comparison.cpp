@@ -120,7 +120,7 @@ TableColumns tableColumns(PrintRun& run) {
     const double kindW =
         widest(run, {calc::ChangeKindText(ChangeKind::Added), calc::ChangeKindText(ChangeKind::Removed),
                      calc::ChangeKindText(ChangeKind::Changed)}) +
-        kGap;
+        2 * kGap;
     QStringList places{calc::ChangeSourceText(calc::ChangeSource::Quantity),
                        calc::ChangeSourceText(calc::ChangeSource::Requirement)};
     for (int w = 0; w < 4; ++w)
@@ -202,12 +202,16 @@ struct SummaryColumns {
 
 SummaryColumns summaryColumns(const PageModel& m) {
     const double sx = m.ScaleX;
+    // The figures close to their labels: the label takes what is left, but not the whole width
+    // of landscape paper.
+    const double money = 1900 * sx;
+    const double percent = 1200 * sx;
     SummaryColumns s;
-    s.percentR = std::min<double>(m.right(), m.OriginX + 12500 * sx);
-    s.changeR = s.percentR - 1500 * sx;
-    s.newR = s.changeR - 2300 * sx;
-    s.oldR = s.newR - 2300 * sx;
-    s.labelW = s.oldR - 2300 * sx - m.OriginX;
+    s.labelW = std::min<double>(m.UsableWidth - 3 * money - percent, 6500 * sx);
+    s.oldR = m.OriginX + s.labelW + money;
+    s.newR = s.oldR + money;
+    s.changeR = s.newR + money;
+    s.percentR = s.changeR + percent;
     return s;
 }
 

@@ -132,8 +132,9 @@ void PrintFrontPage(PrintRun& run, Surface& s, int p, const QString& title) {
     const Parties parties = PartiesOf(run, run.entry(p).document);
     y = columnY;
     auto party = [&](const QString& role, const QString& company) {
-        // A landscape page may have no room left for the second party above the signatures.
-        if (y + lh > partsEnd) return;
+        // The first heading stands beside the part numbering's; a landscape page may have no
+        // room left for the second party above the signatures.
+        if (y > columnY && y + lh > partsEnd) return;
         s.setFont(run.font(11, true));
         s.text(rightX, y, role);
         y += lh;

@@ -41,8 +41,9 @@ struct Versions {
                 break;
             }
         }
-        // Basic data: the VAT.
+        // Basic data: the VAT; the construction plan description: a word of its third paragraph.
         project.content.windows[0].combos[12] = QStringLiteral("24");
+        project.content.documents[0].replace("kolmiaukkoinen", "nelj\\'e4aukkoinen");
         writeProject(project, newer);
     }
 };
@@ -92,7 +93,7 @@ TEST(CompareCommand, TheReportNamesEveryChangeAndItsCost) {
     ASSERT_EQ(r.status, 4) << r.err.toStdString();
     const QString& text = r.out;
     EXPECT_TRUE(text.contains(QStringLiteral("Vanha versio: ") + v.older + QLatin1Char('\n')));
-    EXPECT_TRUE(text.contains(QStringLiteral("MUUTOKSET: lisätty 1, poistettu 1, muutettu 3\n")));
+    EXPECT_TRUE(text.contains(QStringLiteral("MUUTOKSET: lisätty 1, poistettu 1, muutettu 4\n")));
     EXPECT_TRUE(text.contains(QStringLiteral("Muutettu  Määräluettelo     7110 / 7111 / Maankaivu kuivana\n"
                                              "    Kustannusmuutos: +1\u00A0200,00\n"
                                              "    MÄÄRÄ: 1450 -> 1600\n")))
@@ -170,9 +171,21 @@ TEST(CompareCommand, TheJsonReadsBackWithTheFiguresOfCostsAndSummary) {
     EXPECT_EQ(requirement.value(QStringLiteral("cost_change")).toDouble(), 0);
 
     const QJsonArray fields = root.value(QStringLiteral("fields")).toArray();
-    ASSERT_EQ(fields.size(), 1);
+    ASSERT_EQ(fields.size(), 2);
     EXPECT_EQ(fields[0].toObject(),
               (QJsonObject{{"window", "Perustiedot"}, {"field", "ALV %"}, {"old", "22"}, {"new", "24"}}));
+    // A text document: its first paragraph that differs, read from the rich text.
+    const QJsonObject textChange = fields[1].toObject();
+    EXPECT_EQ(textChange.value(QStringLiteral("window")).toString(),
+              QStringLiteral("Yksityiskohtaiset tiedot"));
+    EXPECT_EQ(textChange.value(QStringLiteral("field")).toString(),
+              QStringLiteral("Rakennussuunnitelmaselostus, kappale 4"));
+    EXPECT_TRUE(textChange.value(QStringLiteral("old"))
+                    .toString()
+                    .startsWith(QStringLiteral("Silta on kolmiaukkoinen")));
+    EXPECT_TRUE(textChange.value(QStringLiteral("new"))
+                    .toString()
+                    .startsWith(QStringLiteral("Silta on neljäaukkoinen")));
 }
 
 TEST(CompareCommand, AVersionWithoutRequirementsHasNoQualityNumber) {
@@ -244,9 +257,9 @@ TEST(CompareCommand, ThePrintedComparisonIsALandscapeDocumentWithHeadersAndPageN
     const QString pages = QString::fromUtf8(text.readAllStandardOutput());
     EXPECT_TRUE(pages.contains(QStringLiteral("Muutosvertailu")));
     // A front page, then the summary and the table, each page numbered in the document.
-    EXPECT_EQ(pageCount, QStringLiteral("3"));
-    EXPECT_TRUE(pages.contains(QStringLiteral("Sivu 1 (3)")));
-    EXPECT_TRUE(pages.contains(QStringLiteral("Sivu 3 (3)")));
+    EXPECT_GE(pageCount.toInt(), 3);
+    EXPECT_TRUE(pages.contains(QStringLiteral("Sivu 1 (%1)").arg(pageCount)));
+    EXPECT_TRUE(pages.contains(QStringLiteral("Sivu %1 (%1)").arg(pageCount)));
     EXPECT_TRUE(pages.contains(QStringLiteral("TAMRIK 2006")));
     EXPECT_TRUE(pages.contains(QStringLiteral("SILLAN LAATULUKU")));
     EXPECT_TRUE(pages.contains(QStringLiteral("Maankaivu kuivana")));
