@@ -270,8 +270,8 @@ Pairing pairKeys(const std::vector<QString>& older, const std::vector<QString>& 
 
 // The order to report two paired sequences in: the newer one in order, and each old item
 // without a partner after the partner of the nearest paired old item above it. Items with an
-// empty key are left out. Each entry is (old index or -1, new index or -1, the new index an old
-// item follows or -1).
+// empty key are left out. Each entry is (old index or -1, new index or -1, and for an item
+// without a partner the index of the other sequence's item it follows, or -1).
 struct Step {
     int oldIndex;
     int newIndex;
@@ -294,8 +294,12 @@ std::vector<Step> reportOrder(const Pairing& p, const std::vector<QString>& olde
     std::vector<Step> out;
     for (int i : after[0])
         out.push_back({i, -1, -1});
+    int lastOld = -1; // the old partner of the nearest paired new item so far
     for (int j = 0; j < n; ++j) {
-        if (!newer[j].isEmpty()) out.push_back({p.newToOld[j], j, -1});
+        if (!newer[j].isEmpty()) {
+            out.push_back({p.newToOld[j], j, p.newToOld[j] >= 0 ? -1 : lastOld});
+            if (p.newToOld[j] >= 0) lastOld = p.newToOld[j];
+        }
         for (int i : after[j + 1])
             out.push_back({i, -1, j});
     }
@@ -332,7 +336,8 @@ void compareList(const lists::ListModel& older, const lists::ListModel& newer, C
         c.list = source;
         c.oldRow = s.oldIndex + 1;
         c.newRow = s.newIndex + 1;
-        c.nearNewRow = s.follows + 1;
+        if (s.newIndex < 0) c.nearNewRow = s.follows + 1;
+        if (s.oldIndex < 0) c.nearOldRow = s.follows + 1;
         if (quantities) {
             if (c.oldRow > 0) c.oldCost = rowCost(older, c.oldRow);
             if (c.newRow > 0) c.newCost = rowCost(newer, c.newRow);

@@ -68,8 +68,10 @@ struct RowChange {
     ChangeKind kind = ChangeKind::Changed;
     int oldRow = 0; // rows of the two versions' lists, 1-based; 0 where the version lacks it
     int newRow = 0;
-    // A removed row: the new version's row it would follow (0: before the first row).
+    // A removed row: the new version's row it would follow (0: before the first row); an added
+    // row: the old version's row it follows.
     int nearNewRow = 0;
+    int nearOldRow = 0;
     QString key;          // the row's identity for people: caption path and description
     QStringList oldCells; // the row's data cells in each version (empty where it lacks it)
     QStringList newCells;

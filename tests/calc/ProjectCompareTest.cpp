@@ -172,6 +172,11 @@ TEST(ProjectCompare, RemovedRowsStandWhereTheyWereAndPointIntoTheNewList) {
     EXPECT_EQ(c.rows[0].nearNewRow, 2); // after "Kaivu", row 2 of the new list
     EXPECT_EQ(c.rows[1].oldRow, 7);
     EXPECT_EQ(c.rows[1].nearNewRow, 5); // after the first "Betonointi"
+    // And an added row points into the old list.
+    const ProjectComparison back = CompareProjects(version(removed(kBase, 2)), version(kBase));
+    ASSERT_EQ(back.rows.size(), 1u);
+    EXPECT_EQ(back.rows[0].newRow, 3);
+    EXPECT_EQ(back.rows[0].nearOldRow, 2);
     // The removed row's cells and its cost go with it.
     EXPECT_EQ(c.rows[0].oldCells.value(1), QStringLiteral("Täyttö"));
     EXPECT_TRUE(c.rows[0].newCells.isEmpty());
