@@ -216,17 +216,21 @@ int compareCommand(int argc, char** argv) {
     // Money is grouped as the desktop program groups it, whatever the shell's locale.
     QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
 
-    persist::ProjectFile older, newer;
+    persist::ProjectFile older, newer, newerKept;
     QString error;
     if (!read(files[0], older, false, &error) || !read(files[1], newer, false, &error)) return fail(error);
-    const calc::ProjectVersion a = print::VersionFromProject(older, QFileInfo(files[0]).absoluteFilePath());
-    const calc::ProjectVersion b = print::VersionFromProject(newer, QFileInfo(files[1]).absoluteFilePath());
+    // The PDF's pages show the newer version's own texts, so its file is kept for them.
+    if (!pdf.isEmpty()) newerKept = newer;
+    const calc::ProjectVersion a =
+        print::VersionFromProject(std::move(older), QFileInfo(files[0]).absoluteFilePath());
+    const calc::ProjectVersion b =
+        print::VersionFromProject(std::move(newer), QFileInfo(files[1]).absoluteFilePath());
     const calc::ProjectComparison comparison = calc::CompareProjects(a, b);
 
     const QByteArray output = asJson ? json(comparison) : reportText(comparison).toUtf8();
     std::fwrite(output.constData(), 1, static_cast<std::size_t>(output.size()), stdout);
     std::fflush(stdout);
-    if (!pdf.isEmpty() && writePdf(comparison, newer, pdf) != 0) return 1;
+    if (!pdf.isEmpty() && writePdf(comparison, newerKept, pdf) != 0) return 1;
     return comparison.equal() ? 0 : kDiffer;
 }
 

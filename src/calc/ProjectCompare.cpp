@@ -7,9 +7,11 @@
 #include "platform/Rtf.h"
 
 #include <QHash>
+#include <QHashFunctions>
 #include <QTextDocument>
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace calc {
 
@@ -169,102 +171,164 @@ QString oneLine(const QString& text) {
     return out.trimmed();
 }
 
-// The identity of every row of a list, and its name for people. Blank rows get no key.
-struct KeyedRows {
-    std::vector<QString> keys;
-    std::vector<QString> names;
+// The identity of a row: its level (-1 for a blank row, which has none), its caption path and
+// its own part (a caption: nothing more; a row: its number, for a requirement, and its
+// description). The parts are views into the list's cells, the hash made once.
+struct RowKey {
+    int level = -1;
+    QStringView caption, subcaption, number, text;
+    size_t hash = 0;
+    bool isEmpty() const { return level < 0; }
+    bool operator==(const RowKey& o) const {
+        return level == o.level && caption == o.caption && subcaption == o.subcaption && number == o.number &&
+               text == o.text;
+    }
 };
+
+size_t qHash(const RowKey& key, size_t seed = 0) {
+    return key.hash ^ seed;
+}
+
+// The identity of every row of a list, and the caption and subcaption rows that govern it (0
+// where none does), from which its name for people is made when it is reported.
+struct KeyedRows {
+    std::vector<RowKey> keys;
+    std::vector<int> caption;
+    std::vector<int> subcaption;
+};
+
+int headingColumnOf(ChangeSource source) {
+    return source == ChangeSource::Requirement ? lists::requirementCol::kText
+                                               : lists::quantityCol::kWorkPhase;
+}
 
 KeyedRows keyRows(const lists::ListModel& list, ChangeSource source) {
     const bool requirements = source == ChangeSource::Requirement;
-    const int heading = requirements ? lists::requirementCol::kText : lists::quantityCol::kWorkPhase;
+    const int heading = headingColumnOf(source);
     KeyedRows out;
     out.keys.resize(list.rows());
-    out.names.resize(list.rows());
-    // The caption and the subcaption that govern the rows below them: identity and name (the
-    // littera, or the heading of a caption without one).
-    QString captionId, subcaptionId, captionName, path;
+    out.caption.assign(list.rows(), 0);
+    out.subcaption.assign(list.rows(), 0);
+    // The identities of the governing rows: a caption by its littera, or by its heading when
+    // it has none (the road works); a subcaption by its littera.
+    QStringView caption, subcaption;
+    int captionRow = 0, subcaptionRow = 0;
     for (int r = 1; r <= list.rows(); ++r) {
         if (lists::BlankListItem(list, r).blank) continue;
-        const CaptionInfo caption = ListViewCaption(list, r, heading);
-        const QString littera = list.cell(r, 1).trimmed();
-        QString& key = out.keys[r - 1];
-        QString& name = out.names[r - 1];
-        if (caption.level == 1) {
-            // The road works caption may stand without a littera: its heading is its identity.
-            captionId = littera.isEmpty() ? oneLine(caption.text).toUpper() : littera;
-            captionName = littera.isEmpty() ? oneLine(caption.text) : littera;
-            subcaptionId.clear();
-            path = captionName;
-            key = QLatin1Char('1') + kSep + captionId;
-            name = littera.isEmpty() ? captionName : littera + QLatin1Char(' ') + oneLine(caption.text);
-            continue;
+        RowKey& key = out.keys[r - 1];
+        key.level = ListViewCaption(list, r, heading).level;
+        const QStringView littera = QStringView(list.cell(r, 1)).trimmed();
+        if (key.level == 1) {
+            caption = littera.isEmpty() ? QStringView(list.cell(r, heading)).trimmed() : littera;
+            subcaption = {};
+            captionRow = r;
+            subcaptionRow = 0;
+        } else if (key.level == 2) {
+            subcaption = littera;
+            subcaptionRow = r;
         }
-        if (caption.level == 2) {
-            subcaptionId = littera;
-            path = captionName.isEmpty() ? littera : captionName + QStringLiteral(" / ") + littera;
-            key = QLatin1Char('2') + kSep + captionId + kSep + subcaptionId;
-            name = (captionName.isEmpty() ? QString() : captionName + QStringLiteral(" / ")) + littera +
-                   QLatin1Char(' ') + oneLine(caption.text);
-            continue;
+        key.caption = caption;
+        if (key.level != 1) out.caption[r - 1] = captionRow;
+        if (key.level == 0) {
+            key.subcaption = subcaption;
+            out.subcaption[r - 1] = subcaptionRow;
+            if (requirements)
+                key.number = QStringView(list.cell(r, lists::requirementCol::kNumber)).trimmed();
+            key.text = QStringView(list.cell(r, heading)).trimmed();
+        } else if (key.level == 2) {
+            key.subcaption = subcaption;
         }
-        QString description;
-        QString shown;
-        if (requirements) {
-            const QString number = list.cell(r, lists::requirementCol::kNumber).trimmed();
-            const QString text = oneLine(list.cell(r, lists::requirementCol::kText));
-            description = number + kSep + text;
-            shown = number.isEmpty() ? text : number + QLatin1Char(' ') + text;
-        } else {
-            description = oneLine(list.cell(r, lists::quantityCol::kWorkPhase));
-            shown = description;
-        }
-        // A row without a description (a remark row) is named by its first text.
-        if (shown.isEmpty()) shown = oneLine(list.cell(r, lists::BlankListItem(list, r).firstNonBlankCol));
-        key = QLatin1Char('0') + kSep + captionId + kSep + subcaptionId + kSep + description;
-        name = path.isEmpty() ? shown : path + QStringLiteral(" / ") + shown;
+        key.hash = qHashMulti(0, key.level, key.caption, key.subcaption, key.number, key.text);
     }
     return out;
 }
 
+// A row's name for people: the litteras of its caption path, then its own littera and heading
+// (a caption) or its description (a requirement with its number; a row without one by its first
+// text).
+QString rowName(const lists::ListModel& list, const KeyedRows& keyed, int r, ChangeSource source) {
+    const int heading = headingColumnOf(source);
+    auto pathPart = [&](int row) {
+        const QString littera = list.cell(row, 1).trimmed();
+        return littera.isEmpty() ? oneLine(list.cell(row, heading)) : littera;
+    };
+    QStringList parts;
+    const int level = ListViewCaption(list, r, heading).level;
+    if (keyed.caption[r - 1] > 0) parts << pathPart(keyed.caption[r - 1]);
+    if (keyed.subcaption[r - 1] > 0) parts << pathPart(keyed.subcaption[r - 1]);
+    const QString littera = list.cell(r, 1).trimmed();
+    QString own = oneLine(list.cell(r, heading));
+    if (level > 0) {
+        if (!littera.isEmpty()) own = littera + QLatin1Char(' ') + own;
+    } else if (source == ChangeSource::Requirement) {
+        const QString number = list.cell(r, lists::requirementCol::kNumber).trimmed();
+        if (!number.isEmpty()) own = own.isEmpty() ? number : number + QLatin1Char(' ') + own;
+    }
+    if (own.isEmpty()) own = oneLine(list.cell(r, lists::BlankListItem(list, r).firstNonBlankCol));
+    parts << own;
+    return parts.join(QStringLiteral(" / "));
+}
+
 // Pairs the keyed items of two sequences: items of the same key in the order they stand in.
-// Items with an empty key take no part; items already paired are passed over. Linear: one hash
-// look-up per item.
+// With `same`, a first pass pairs each new item with the first unpaired old item of its key
+// that `same` says is identical (among the first few, so that the work stays linear); the rest
+// of a key then pair in order. Items with an empty key take no part. One hash look-up per item
+// and pass.
 struct Pairing {
     std::vector<int> oldToNew; // -1: no partner
     std::vector<int> newToOld;
 };
 
-void pairKeys(const std::vector<QString>& older, const std::vector<QString>& newer, Pairing& p) {
-    QHash<QString, int> head;
+template <typename Key>
+Pairing pairKeys(const std::vector<Key>& older, const std::vector<Key>& newer,
+                 const std::function<bool(int oldIndex, int newIndex)>& same = {}) {
+    Pairing p;
+    p.oldToNew.assign(older.size(), -1);
+    p.newToOld.assign(newer.size(), -1);
+    // The old items of each key as a list in their order, from which paired items drop out.
+    QHash<Key, int> head;
     head.reserve(static_cast<qsizetype>(older.size()));
-    std::vector<int> next(older.size(), -1);
+    std::vector<int> next(older.size(), -1), prev(older.size(), -1);
     for (int i = static_cast<int>(older.size()) - 1; i >= 0; --i) {
-        if (older[i].isEmpty() || p.oldToNew[i] >= 0) continue;
+        if (older[i].isEmpty()) continue;
         auto it = head.find(older[i]);
         if (it == head.end()) {
             head.insert(older[i], i);
         } else {
             next[i] = *it;
+            prev[*it] = i;
             *it = i;
         }
     }
-    for (int j = 0; j < static_cast<int>(newer.size()); ++j) {
-        if (newer[j].isEmpty() || p.newToOld[j] >= 0) continue;
-        auto it = head.find(newer[j]);
-        if (it == head.end() || *it < 0) continue;
-        const int i = *it;
-        *it = next[i];
+    auto take = [&](typename QHash<Key, int>::iterator it, int i, int j) {
+        if (prev[i] >= 0)
+            next[prev[i]] = next[i];
+        else
+            *it = next[i];
+        if (next[i] >= 0) prev[next[i]] = prev[i];
         p.oldToNew[i] = j;
         p.newToOld[j] = i;
+    };
+    constexpr int kLook = 16;
+    for (int pass = same ? 0 : 1; pass < 2; ++pass) {
+        for (int j = 0; j < static_cast<int>(newer.size()); ++j) {
+            if (newer[j].isEmpty() || p.newToOld[j] >= 0) continue;
+            auto it = head.find(newer[j]);
+            if (it == head.end() || *it < 0) continue;
+            int i = *it;
+            if (pass == 0) {
+                bool found = false;
+                for (int looked = 0; i >= 0 && looked < kLook; ++looked, i = next[i]) {
+                    if (same(i, j)) {
+                        found = true;
+                        break;
+                    }
+                }
+                if (!found) continue;
+            }
+            take(it, i, j);
+        }
     }
-}
-
-Pairing pairKeys(const std::vector<QString>& older, const std::vector<QString>& newer) {
-    Pairing p;
-    p.oldToNew.assign(older.size(), -1);
-    p.newToOld.assign(newer.size(), -1);
-    pairKeys(older, newer, p);
     return p;
 }
 
@@ -278,8 +342,9 @@ struct Step {
     int follows;
 };
 
-std::vector<Step> reportOrder(const Pairing& p, const std::vector<QString>& older,
-                              const std::vector<QString>& newer) {
+template <typename Key>
+std::vector<Step> reportOrder(const Pairing& p, const std::vector<Key>& older,
+                              const std::vector<Key>& newer) {
     const int n = static_cast<int>(newer.size());
     // Unpaired old items, by the new item they follow (slot 0: before the first).
     std::vector<std::vector<int>> after(n + 1);
@@ -320,16 +385,15 @@ void compareList(const lists::ListModel& older, const lists::ListModel& newer, C
     const KeyedRows b = keyRows(newer, source);
     // Rows whose cells are all the same pair first, so that rows of one description that moved
     // past each other are no change; the others of the same identity then pair in order.
-    auto withCells = [](const lists::ListModel& list, const std::vector<QString>& keys) {
-        std::vector<QString> out(keys.size());
-        for (int r = 1; r <= static_cast<int>(keys.size()); ++r)
-            if (!keys[r - 1].isEmpty())
-                out[r - 1] = keys[r - 1] + kSep + list.row(r).cells.mid(0, list.lastDataCol()).join(kSep);
-        return out;
-    };
-    Pairing p = pairKeys(withCells(older, a.keys), withCells(newer, b.keys));
-    pairKeys(a.keys, b.keys, p);
     const int columns = std::max(older.lastDataCol(), newer.lastDataCol());
+    std::vector<char> identical(newer.rows(), 0);
+    auto same = [&](int i, int j) {
+        for (int col = 1; col <= columns; ++col)
+            if (older.cell(i + 1, col) != newer.cell(j + 1, col)) return false;
+        identical[j] = 1;
+        return true;
+    };
+    const Pairing p = pairKeys(a.keys, b.keys, same);
     const bool quantities = source == ChangeSource::Quantity;
     for (const Step& s : reportOrder(p, a.keys, b.keys)) {
         RowChange c;
@@ -348,20 +412,21 @@ void compareList(const lists::ListModel& older, const lists::ListModel& newer, C
         };
         if (s.newIndex < 0) {
             c.kind = ChangeKind::Removed;
-            c.key = a.names[s.oldIndex];
+            c.key = rowName(older, a, c.oldRow, source);
             c.oldCells = cells(older, c.oldRow);
         } else if (s.oldIndex < 0) {
             c.kind = ChangeKind::Added;
-            c.key = b.names[s.newIndex];
+            c.key = rowName(newer, b, c.newRow, source);
             c.newCells = cells(newer, c.newRow);
         } else {
+            if (identical[s.newIndex]) continue;
             for (int col = 1; col <= columns; ++col)
                 if (older.cell(c.oldRow, col) != newer.cell(c.newRow, col)) c.columns.push_back(col);
             if (c.columns.empty()) continue;
             c.kind = ChangeKind::Changed;
             c.oldCells = cells(older, c.oldRow);
             c.newCells = cells(newer, c.newRow);
-            c.key = b.names[s.newIndex];
+            c.key = rowName(newer, b, c.newRow, source);
             if (source == ChangeSource::Requirement) {
                 // The mark by its first letter: "K" fulfilled, "E" not, anything else not inspected.
                 auto mark = [](const QString& text) {

@@ -15,8 +15,12 @@
 namespace print {
 
 calc::ProjectVersion VersionFromProject(const persist::ProjectFile& project, const QString& name) {
+    return VersionFromProject(persist::ProjectFile(project), name);
+}
+
+calc::ProjectVersion VersionFromProject(persist::ProjectFile&& project, const QString& name) {
     calc::ProjectVersion v;
-    const persist::ProjectContent& c = project.content;
+    persist::ProjectContent& c = project.content;
     v.name = name;
     static const QString kinds[4][3] = {
         {lists::kind::BridgeParts, lists::kind::Changes, lists::kind::Changes},
@@ -24,18 +28,20 @@ calc::ProjectVersion VersionFromProject(const persist::ProjectFile& project, con
         {QString(), QString(), QString()},
         {lists::kind::ChargeChambers, QString(), QString()}};
     for (int w = 0; w < 4; ++w) {
-        v.windows[w] = {c.windows[w].texts, c.windows[w].combos};
+        v.windows[w] = {std::move(c.windows[w].texts), std::move(c.windows[w].combos)};
         // The detailed data window always has its two lists, also in a file that lacks them.
         const int n = std::max<int>(w == 1 ? 2 : 0, static_cast<int>(c.windows[w].lists.size()));
+        std::vector<persist::ListRecord>& records = c.windows[w].lists;
         for (int j = 0; j < n; ++j)
-            v.lists[w].push_back(
-                persist::ListFromRecord(persist::RecordList(c, w, j), kinds[w][std::min(j, 2)]));
+            v.lists[w].push_back(persist::ListFromRecord(
+                j < static_cast<int>(records.size()) ? std::move(records[j]) : persist::ListRecord(),
+                kinds[w][std::min(j, 2)]));
     }
-    v.referenceItems = c.referenceItems;
-    v.checks = c.checks;
-    v.documents = c.documents;
+    v.referenceItems = std::move(c.referenceItems);
+    v.checks = std::move(c.checks);
+    v.documents = std::move(c.documents);
     for (int k = 0; k < 6; ++k)
-        v.pictures[k] = {project.members[k + 1].data, project.members[k + 1].type};
+        v.pictures[k] = {std::move(project.members[k + 1].data), project.members[k + 1].type};
     return v;
 }
 

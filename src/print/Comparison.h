@@ -17,8 +17,10 @@ namespace print {
 class PrintRun;
 class Surface;
 
-// A version as a project file holds it; `name` is what the reports call it (its file).
+// A version as a project file holds it; `name` is what the reports call it (its file). The
+// second form takes the file's lists over.
 calc::ProjectVersion VersionFromProject(const persist::ProjectFile& project, const QString& name);
+calc::ProjectVersion VersionFromProject(persist::ProjectFile&& project, const QString& name);
 
 // The body rows of the printed comparison: its summary lines and the lines of its table.
 int ComparisonRowCount(const calc::ProjectComparison& comparison);
