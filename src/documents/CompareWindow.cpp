@@ -231,11 +231,29 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     Changes->setWordWrap(false);
     Changes->verticalHeader()->hide();
     Changes->verticalHeader()->setDefaultSectionSize(Changes->fontMetrics().height() + 6);
-    Changes->horizontalHeader()->setStretchLastSection(false);
-    const int chars = Changes->fontMetrics().averageCharWidth();
-    const int widths[ChangeTableModel::ColumnCount] = {10, 18, 36, 16, 28, 28, 14};
-    for (int c = 0; c < ChangeTableModel::ColumnCount; ++c)
-        Changes->setColumnWidth(c, widths[c] * chars);
+    // The short columns as wide as the texts they hold, the texts of the rows sharing the rest.
+    const QFontMetrics metrics = Changes->fontMetrics();
+    auto widest = [&metrics](const QStringList& texts) {
+        int w = 0;
+        for (const QString& t : texts)
+            w = std::max(w, metrics.horizontalAdvance(t));
+        return w + 2 * metrics.averageCharWidth();
+    };
+    QStringList places{calc::ChangeSourceText(calc::ChangeSource::Quantity),
+                       calc::ChangeSourceText(calc::ChangeSource::Requirement)};
+    for (int w = 0; w < 4; ++w)
+        places << calc::WindowName(w);
+    const int chars = metrics.averageCharWidth();
+    Changes->setColumnWidth(ChangeTableModel::Kind, widest({calc::ChangeKindText(ChangeKind::Added),
+                                                            calc::ChangeKindText(ChangeKind::Removed),
+                                                            calc::ChangeKindText(ChangeKind::Changed)}));
+    Changes->setColumnWidth(ChangeTableModel::Place, widest(places));
+    Changes->setColumnWidth(ChangeTableModel::Key, 36 * chars);
+    Changes->setColumnWidth(ChangeTableModel::ColumnName, widest({QStringLiteral("TÄYTTÄÄ VAATIMUKSET")}));
+    Changes->setColumnWidth(ChangeTableModel::Old, 28 * chars);
+    Changes->setColumnWidth(ChangeTableModel::New, 28 * chars);
+    Changes->setColumnWidth(ChangeTableModel::Cost, widest({QStringLiteral("+9 999 999,00")}));
+    Changes->horizontalHeader()->setStretchLastSection(true);
     changesLayout->addWidget(Changes, 1);
     connect(Changes, &QTableView::doubleClicked, this,
             [this](const QModelIndex& index) { showChange(index.row()); });
@@ -315,9 +333,12 @@ void CompareWindow::fillSummary() {
             Summary->setItem(r, c, item);
         }
     }
-    const int chars = Summary->fontMetrics().averageCharWidth();
+    const QFontMetrics metrics(bold);
+    const int pad = 2 * metrics.averageCharWidth();
     for (int c = 1; c < 5; ++c)
-        Summary->setColumnWidth(c, (c == 4 ? 11 : 16) * chars);
+        Summary->setColumnWidth(c, metrics.horizontalAdvance(c == 4 ? QStringLiteral("Muutos %")
+                                                                    : QStringLiteral("+99 999 999,00")) +
+                                       pad);
     Summary->verticalHeader()->setDefaultSectionSize(Summary->fontMetrics().height() + 4);
 }
 
