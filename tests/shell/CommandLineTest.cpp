@@ -1,6 +1,5 @@
 // The program's command line, run as a user would run it.
-#include "common/CommandLine.h"
-#include "common/TestSupport.h"
+#include "common/RunProgram.h"
 #include "platform/TextFile.h"
 
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
 // `tamrik compare`, run as a user would run it: the report, the JSON read back against
 // `tamrik costs` and `tamrik summary` of each version, the exit statuses and the PDF.
-#include "common/CommandLine.h"
+#include "common/RunProgram.h"
 #include "common/SampleVersions.h"
 #include "common/TestSupport.h"
 #include "platform/TextFile.h"
@@ -53,7 +53,7 @@ std::map<QString, QString> costsOf(const QString& file) {
     const Result r = run({QStringLiteral("costs"), file});
     EXPECT_EQ(r.status, 0);
     std::map<QString, QString> out;
-    for (const QByteArray& line : r.bytes.split('\n'))
+    for (const QByteArray& line : r.out.toUtf8().split('\n'))
         if (!line.isEmpty())
             out[QString::fromUtf8(line.split(' ').front())] = QString::fromUtf8(line.split(' ').back());
     return out;
@@ -82,7 +82,7 @@ TEST(CompareCommand, EqualVersionsExitWithZero) {
         QStringLiteral("MUUTOKSET: lisätty 0, poistettu 0, muutettu 0\nVersioissa ei ole eroja.")));
     const Result json = run({QStringLiteral("compare"), sample, sample, QStringLiteral("--json")});
     EXPECT_EQ(json.status, 0);
-    const QJsonObject root = QJsonDocument::fromJson(json.bytes).object();
+    const QJsonObject root = QJsonDocument::fromJson(json.out.toUtf8()).object();
     EXPECT_TRUE(root.value(QStringLiteral("rows")).toArray().isEmpty());
     EXPECT_TRUE(root.value(QStringLiteral("fields")).toArray().isEmpty());
 }
@@ -114,7 +114,7 @@ TEST(CompareCommand, TheJsonReadsBackWithTheFiguresOfCostsAndSummary) {
     const Result r = run({QStringLiteral("compare"), v.older, v.newer, QStringLiteral("--json")});
     ASSERT_EQ(r.status, 4) << r.err.toStdString();
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(r.bytes, &error);
+    const QJsonDocument document = QJsonDocument::fromJson(r.out.toUtf8(), &error);
     ASSERT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
     const QJsonObject root = document.object();
     EXPECT_EQ(root.keys(), (QStringList{"costs", "fields", "quality_number", "rows"}));
@@ -130,8 +130,8 @@ TEST(CompareCommand, TheJsonReadsBackWithTheFiguresOfCostsAndSummary) {
             EXPECT_EQ(object.value(name).toDouble(), value.toDouble()) << key << " " << name.toStdString();
         }
         // The numbers are written as `tamrik costs` writes them.
-        EXPECT_TRUE(r.bytes.contains("\"bridgeConverted\": " +
-                                     printed.at(QStringLiteral("bridgeConverted")).toUtf8()));
+        EXPECT_TRUE(r.out.toUtf8().contains("\"bridgeConverted\": " +
+                                            printed.at(QStringLiteral("bridgeConverted")).toUtf8()));
     }
     EXPECT_NE(costs.value(QStringLiteral("old")).toObject().value(QStringLiteral("bridgeSum")).toDouble(),
               costs.value(QStringLiteral("new")).toObject().value(QStringLiteral("bridgeSum")).toDouble());
@@ -198,7 +198,7 @@ TEST(CompareCommand, AVersionWithoutRequirementsHasNoQualityNumber) {
     writeProject(readSample(), newer);
     const Result r = run({QStringLiteral("compare"), older, newer, QStringLiteral("--json")});
     ASSERT_EQ(r.status, 4) << r.err.toStdString();
-    const QJsonObject root = QJsonDocument::fromJson(r.bytes).object();
+    const QJsonObject root = QJsonDocument::fromJson(r.out.toUtf8()).object();
     const QJsonObject quality = root.value(QStringLiteral("quality_number")).toObject();
     EXPECT_TRUE(quality.value(QStringLiteral("old")).isNull());
     EXPECT_DOUBLE_EQ(quality.value(QStringLiteral("new")).toDouble(), 75.9);
