@@ -146,33 +146,39 @@ QString NonFiniteMessage(const CostRecord& record) {
     return QStringLiteral("summa ei ole äärellinen: rivi %1").arg(record.nonFiniteRow);
 }
 
-QString FormatCostRecord(const CostRecord& r) {
-    QString out;
-    const auto line = [&out](const char* name, float value) {
+std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& r) {
+    std::vector<std::pair<QString, QString>> out;
+    const auto value = [&out](const char* name, float value) {
         char buf[32];
         const auto end =
             std::to_chars(buf, buf + sizeof buf, static_cast<double>(value), std::chars_format::general, 9);
-        out += QLatin1String(name) + QLatin1String(" = ") + QLatin1String(buf, end.ptr - buf) +
-               QLatin1Char('\n');
+        out.emplace_back(QLatin1String(name), QLatin1String(buf, end.ptr - buf));
     };
     const auto count = [&out](const char* name, int value) {
-        out += QLatin1String(name) + QLatin1String(" = ") + QString::number(value) + QLatin1Char('\n');
+        out.emplace_back(QLatin1String(name), QString::number(value));
     };
-    line("bridgeSum", r.bridgeSum);
-    line("bridgeGeneral", r.bridgeGeneral);
-    line("superstructureSum", r.superstructureSum);
-    line("bridgeTotal", r.bridgeTotal);
-    line("bridgeConverted", r.bridgeConverted);
-    line("bridgeRounded", r.bridgeRounded);
-    line("roadSum", r.roadSum);
-    line("roadGeneral", r.roadGeneral);
-    line("roadTotal", r.roadTotal);
-    line("roadConverted", r.roadConverted);
-    line("roadRounded", r.roadRounded);
+    value("bridgeSum", r.bridgeSum);
+    value("bridgeGeneral", r.bridgeGeneral);
+    value("superstructureSum", r.superstructureSum);
+    value("bridgeTotal", r.bridgeTotal);
+    value("bridgeConverted", r.bridgeConverted);
+    value("bridgeRounded", r.bridgeRounded);
+    value("roadSum", r.roadSum);
+    value("roadGeneral", r.roadGeneral);
+    value("roadTotal", r.roadTotal);
+    value("roadConverted", r.roadConverted);
+    value("roadRounded", r.roadRounded);
     count("bridgeSummaryRow", r.bridgeSummaryRow);
     count("roadSummaryRow", r.roadSummaryRow);
     count("bridgeSummaryLines", r.bridgeSummaryLines);
     count("roadSummaryLines", r.roadSummaryLines);
+    return out;
+}
+
+QString FormatCostRecord(const CostRecord& r) {
+    QString out;
+    for (const auto& [name, value] : CostRecordFields(r))
+        out += name + QLatin1String(" = ") + value + QLatin1Char('\n');
     return out;
 }
 

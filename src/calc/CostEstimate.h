@@ -8,6 +8,8 @@
 // 4 quantity, 5 unit, 6 unit price, 7 remarks, then "Rivi".
 #include <QString>
 #include <QStringList>
+#include <utility>
+#include <vector>
 
 namespace lists {
 class ListModel;
@@ -67,8 +69,11 @@ bool NextIsCaption1(const lists::ListModel& list, int row);
 // "summa ei ole äärellinen: rivi N" for a record with a figure that is not finite, else empty.
 QString NonFiniteMessage(const CostRecord& record);
 
-// The record as "name = value" lines in field order, each ending in a line feed: single
-// precision values with 9 significant digits, integers plainly.
+// The record's fields in order, each as its name and its value: single precision values with
+// 9 significant digits, integers plainly.
+std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& record);
+
+// The record as "name = value" lines in field order, each ending in a line feed.
 QString FormatCostRecord(const CostRecord& record);
 
 } // namespace calc

@@ -22,8 +22,9 @@ Parties PartiesOf(const PrintRun& run, int document) {
     const PrintSource& s = run.source();
     bool contractor = document >= doc::QualityPlan || document == kQualitySummary;
     // The requirements of document 7 are drawn up by either party: the contractor's once any of
-    // the contractor's names or dates is filled in.
-    if (document == doc::AllRequirements) contractor = anyFilled(s, {17, 15, 16, 14});
+    // the contractor's names or dates is filled in. So is a comparison of versions.
+    if (document == doc::AllRequirements || document == doc::Comparison)
+        contractor = anyFilled(s, {17, 15, 16, 14});
     Parties p;
     if (contractor) {
         p.firstRole = QStringLiteral("URAKOITSIJA");

@@ -1,6 +1,7 @@
 #include "print/PrintRun.h"
 
 #include "lists/ListModel.h"
+#include "print/Comparison.h"
 #include "print/Reports.h"
 #include "print/TextLines.h"
 
@@ -76,6 +77,8 @@ QString DocumentTitle(int document, const QString& workPhase) {
         case doc::QualityReport:
         case kQualitySummary:
             return QStringLiteral("Sillan laaturaportti");
+        case doc::Comparison:
+            return QStringLiteral("Muutosvertailu");
         default:
             return QString();
     }
@@ -88,6 +91,11 @@ PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSetting
     , m_device(MetricsOf(DefaultPageLayout(), kDefaultResolution)) {}
 
 PrintRun::~PrintRun() = default;
+
+void PrintRun::setComparison(const calc::ProjectComparison* comparison) {
+    m_comparison = comparison;
+    m_selection.PaginationStale = true;
+}
 
 void PrintRun::inform(const QString& message) {
     if (m_shown.contains(message)) return;
@@ -344,6 +352,7 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
         if (!m_selection.DocumentSelected[d]) continue;
         m_rowsTotal += (d == doc::Quantities || d == doc::Costs) ? rowsOf(m_source.quantities) : 1;
     }
+    if (m_comparison) m_rowsTotal += ComparisonRowCount(*m_comparison);
 
     Surface measure(m_fonts);
     int page = 0;
@@ -392,6 +401,9 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
                 break;
         }
     }
+    if (ok && m_comparison)
+        ok = CalculateListViewPages(page, doc::Comparison, ComparisonRowCount(*m_comparison),
+                                    [this](int r) { return ComparisonRowHeight(*this, r); }, 0, {});
     m_progress = nullptr;
     if (!ok) {
         m_pages.clear();
@@ -422,6 +434,9 @@ void PrintRun::PrintPage(Surface& surface, int p) {
             break;
         case doc::ChargeCard:
             PrintCharge(*this, surface, p);
+            break;
+        case doc::Comparison:
+            PrintComparison(*this, surface, p);
             break;
         default:
             PrintQuality(*this, surface, p);

@@ -23,6 +23,10 @@ class QImage;
 class QPagedPaintDevice;
 class QPainter;
 
+namespace calc {
+struct ProjectComparison;
+}
+
 namespace print {
 
 inline constexpr int kDocumentCount = 13;
@@ -49,6 +53,9 @@ inline constexpr int QualityPlans = 9;
 inline constexpr int Inspections = 10;
 inline constexpr int Deviations = 11;
 inline constexpr int QualityReport = 12;
+// The comparison of two project versions ("Muutosvertailu"): not one of the selection's
+// documents; a run given a comparison prints it after them.
+inline constexpr int Comparison = 13;
 } // namespace doc
 
 // The choice of documents, kept for the life of the program.
@@ -148,6 +155,10 @@ public:
     FontBook& fonts() { return m_fonts; }
     const calc::CostRecord& costs() const { return m_costs; }
     const calc::QualityRecord& quality() const { return m_quality; }
+    // The comparison of two versions to print after the selected documents; it must outlive
+    // the run. The source is then the newer version.
+    void setComparison(const calc::ProjectComparison* comparison);
+    const calc::ProjectComparison* comparison() const { return m_comparison; }
 
     // The width at scale 1 of the widest littera of the quantity list in the body font, measured
     // once per run: the description column starts after it.
@@ -186,6 +197,7 @@ private:
 
     const PrintSource& m_source;
     Selection& m_selection;
+    const calc::ProjectComparison* m_comparison = nullptr;
     PrintSettings m_settings;
     FontBook m_fonts;
     DeviceMetrics m_device;

@@ -137,6 +137,10 @@ void MDIForm1::createMenus() {
           QStringLiteral("Tuo ainostataan teksi..."), QStringLiteral("&Vie"), QStringLiteral("-")})
         addItem(file, SubMenu0, c);
     SubMenu0[11]->setVisible(false);
+    // The comparison of the active project with another version, beside the other imports.
+    CompareAction = new QAction(QStringLiteral("&Vertaa projektia..."), this);
+    file->insertAction(SubMenu0[11], CompareAction);
+    connect(CompareAction, &QAction::triggered, this, [this] { showCompareWindow(*this); });
     for (int i = 13; i <= 18; ++i)
         addItem(file, SubMenu0, QString())->setVisible(false);
     addItem(file, SubMenu0, QStringLiteral("-"))->setVisible(false);
@@ -1090,6 +1094,7 @@ void MDIForm1::EnableControlsMDI() {
     MainMenu[3]->menuAction()->setEnabled(any);
     for (int i : {2, 3, 5, 7, 8})
         SubMenu0[i]->setEnabled(any);
+    if (CompareAction) CompareAction->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
 }

@@ -197,6 +197,8 @@ public:
     std::vector<QMenu*> MainMenu;
     std::vector<QAction*> SubMenu0, SubMenu1, Submenu10, SubMenu2, Submenu3, Submenu30, SubMenu4, SubMenu41;
     std::map<QString, QAction*> toolbarButtons;
+    // "&Vertaa projektia..." of the File menu (outside SubMenu0, whose indices stay as they are).
+    QAction* CompareAction = nullptr;
     QToolBar* Toolbar1 = nullptr;
     QMdiArea* mdiArea = nullptr;
     QProgressBar* ProgressBar1 = nullptr;
