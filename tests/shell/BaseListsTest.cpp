@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -236,6 +237,26 @@ TEST_F(BaseListsTest, OpeningASpreadsheetImportsItAndNeverSavesOverIt) {
     ASSERT_TRUE(platform::readFileBytes(sheet, after));
     EXPECT_EQ(after, sheetBytes);
     EXPECT_TRUE(f7->windowTitle().endsWith(QStringLiteral(" Ei muutettu")));
+}
+
+// "T&uo..." refused macro workbooks and templates by their extension. The file dialog offers
+// them beside the workbooks, and one is read as the workbook it is (only its cells; nothing in
+// it is run).
+TEST_F(BaseListsTest, ImportReadsMacroWorkbooksAndTemplates) {
+    QTemporaryDir dir;
+    lists::BaseListWindow* f6 = main->Form6;
+    const QString sheet = dir.filePath(QStringLiteral("hinnat.xlsm"));
+    ASSERT_TRUE(
+        QFile::copy(testing_support::sourceDir() + QStringLiteral("/tests/lists/data/taulukko.xlsm"), sheet));
+    dialogs.chooseFile(sheet);
+    f6->ListViewFileMenuActions(4); // "T&uo..."
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
+    ASSERT_FALSE(dialogs.fileRequests().empty());
+    const QString filters = dialogs.fileRequests().back().filters.join(QStringLiteral(";;"));
+    for (const char* pattern : {"*.xlsx", "*.xlsm", "*.xlsb", "*.xltx", "*.xltm", "*.ods"})
+        EXPECT_TRUE(filters.contains(QLatin1String(pattern))) << pattern << " in " << filters.toStdString();
+    ASSERT_EQ(f6->list()->rows(), 8);
+    EXPECT_EQ(f6->list()->cell(2, 2), QStringLiteral("Kaivu ja täyttö"));
 }
 
 // "&Vie..." and "T&uo..." are each other's counterpart: the unit price list goes out to a
