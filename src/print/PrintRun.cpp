@@ -402,8 +402,10 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
         }
     }
     if (ok && m_comparison)
-        ok = CalculateListViewPages(page, doc::Comparison, ComparisonRowCount(*m_comparison),
-                                    [this](int r) { return ComparisonRowHeight(*this, r); }, 0, {});
+        ok = CalculateListViewPages(
+            page, doc::Comparison, ComparisonRowCount(*m_comparison),
+            [this](int r) { return ComparisonRowHeight(*this, r); }, [](int) { return RowKind::Entry; }, 0,
+            {});
     m_progress = nullptr;
     if (!ok) {
         m_pages.clear();
