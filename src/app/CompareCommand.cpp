@@ -226,6 +226,11 @@ int compareCommand(int argc, char** argv) {
     const calc::ProjectVersion b =
         print::VersionFromProject(std::move(newer), QFileInfo(files[1]).absoluteFilePath());
     const calc::ProjectComparison comparison = calc::CompareProjects(a, b);
+    // A total past the range of a cost figure is no figure to compare, as for `tamrik costs`.
+    for (const auto& [file, costs] :
+         {std::pair{files[0], &comparison.oldCosts}, std::pair{files[1], &comparison.newCosts}})
+        if (costs->nonFiniteRow != 0)
+            return fail(file + QStringLiteral(": ") + calc::NonFiniteMessage(*costs));
 
     const QByteArray output = asJson ? json(comparison) : reportText(comparison).toUtf8();
     std::fwrite(output.constData(), 1, static_cast<std::size_t>(output.size()), stdout);

@@ -133,6 +133,14 @@ TEST(CommandLine, AnOverflowedTotalIsAnErrorNamingItsRow) {
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.err, QStringLiteral("tamrik: summa ei ole äärellinen: rivi 5\n"));
     EXPECT_FALSE(r.out.contains(QStringLiteral("inf")));
+
+    // Comparing against it gives the same error, not a JSON null or "inf" in place of a figure.
+    const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
+    const Result compared = run({QStringLiteral("compare"), sample, file, QStringLiteral("--json")});
+    EXPECT_EQ(compared.status, 1);
+    EXPECT_EQ(compared.err,
+              QStringLiteral("tamrik: ") + file + QStringLiteral(": summa ei ole äärellinen: rivi 5\n"));
+    EXPECT_TRUE(compared.out.isEmpty());
 }
 
 // A 420 kB workbook whose sheet unpacks to 400 MB, nearly all of it blanks, took twice that
