@@ -3,6 +3,7 @@
 #include "calc/NumberText.h"
 #include "print/PrintFixtures.h"
 #include "print/Reports.h"
+#include "print/TextLines.h"
 
 #include <gtest/gtest.h>
 
@@ -366,6 +367,36 @@ TEST(Reports, TheHeaderJoinsOnlyTheBridgeFieldsThatHaveText) {
                 left << i.text;
         const QString shown = QString::fromUtf8(c.shown);
         EXPECT_EQ(left, shown.isEmpty() ? QStringList() : QStringList{shown}) << c.shown;
+    }
+}
+
+TEST(Reports, ALongIdentificationLeavesTheHeaderTitleItsWordsWhole) {
+    TestProject t;
+    t.source.basicTexts[0] =
+        QStringLiteral("Kirkkojoen silta Keski-Suomen ylitys valtatiellä 4 ja kevyen liikenteen väylä");
+    t.source.documents[0] = QStringLiteral("1 Yleistä\r\nSilta korvaa nykyisen sillan.");
+    for (int document : {print::doc::PlanDescription, print::doc::Inspections}) {
+        auto run = t.run({document});
+        QStringList told;
+        run->setInform([&told](const QString& m) { told << m; });
+        ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+        const print::PageModel& m = run->page();
+        const auto body = recordPage(*run, 2);
+        const print::TextItem* printed = find(body, QStringLiteral("Tulostettu: 23.11.2026"));
+        ASSERT_TRUE(printed);
+        // The title: the texts of the header's two lines between the identification and the
+        // right-hand texts, each ending before the print date.
+        QStringList title;
+        for (const print::TextItem& i : body) {
+            if (i.y > m.OriginY + m.LineHeight9 + 1 || i.x < m.OriginX + 1 || i.x >= printed->x) continue;
+            title << i.text.trimmed();
+            EXPECT_LE(i.x + run->fonts().width(i.font, i.text), printed->x) << i.text.toStdString();
+        }
+        const QString expected = document == print::doc::PlanDescription
+                                     ? QStringLiteral("Rakennussuunnitelmaselostus")
+                                     : QStringLiteral("Sillan tarkastus- ja mittausraportti");
+        EXPECT_EQ(title.join(QLatin1Char(' ')), expected);
+        EXPECT_FALSE(told.contains(print::kWordTooLong)) << document;
     }
 }
 
