@@ -285,8 +285,9 @@ TEST(Reports, ACaptionGoesToTheNextPageWithTheFirstRowUnderIt) {
         for (int p = 1; p <= run->TotalPages(); ++p) {
             if (run->entry(p).number < 2) continue;
             // The lowest text of the body.
+            const auto page = recordPage(*run, p);
             const print::TextItem* lowest = nullptr;
-            for (const print::TextItem& i : recordPage(*run, p))
+            for (const print::TextItem& i : page)
                 if (i.y < m.bodyLimit() && i.y > print::ListBodyTop(*run) - 1 && (!lowest || i.y > lowest->y))
                     lowest = &i;
             ASSERT_TRUE(lowest) << before << " page " << p;
