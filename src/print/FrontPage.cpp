@@ -3,6 +3,7 @@
 #include "platform/Picture.h"
 #include "print/PrintRun.h"
 #include "print/Reports.h"
+#include "print/TextLines.h"
 
 #include <algorithm>
 #include <cmath>
@@ -56,11 +57,15 @@ void PrintFrontPage(PrintRun& run, Surface& s, int p, const QString& title) {
     double y = m.OriginY + 1500 * sy;
     CellText(run, s, x, right, y, src.basicCombo(2), 11, false, CellAlign::Left);
     y += lh;
-    QStringList name = run.wrap(src.basicText(0).trimmed(), 16, m.UsableWidth);
+    // The name is measured in the bold font it is drawn in.
+    const Font nameFont{run.settings().PrinterFont, 16, true, false};
+    bool tooLong = false;
+    QStringList name =
+        WrapLines(run.fonts(), nameFont, src.basicText(0).trimmed(), m.UsableWidth / sx, &tooLong);
+    if (tooLong && name.size() <= 2) run.inform(kWordTooLong);
     double nameSize = 16;
     if (name.size() > 2) {
-        const FittedText f = run.fit(src.basicText(0), Font{run.settings().PrinterFont, 16, true, false},
-                                     m.UsableWidth / sx, 11, 2);
+        const FittedText f = run.fit(src.basicText(0), nameFont, m.UsableWidth / sx, 11, 2);
         name = f.lines;
         nameSize = f.size;
     }

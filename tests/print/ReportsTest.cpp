@@ -3,6 +3,7 @@
 #include "calc/NumberText.h"
 #include "print/PrintFixtures.h"
 #include "print/Reports.h"
+#include "print/TextLines.h"
 
 #include <QRegularExpression>
 #include <gtest/gtest.h>
@@ -307,8 +308,9 @@ TEST(Reports, ACaptionGoesToTheNextPageWithTheFirstRowUnderIt) {
         for (int p = 1; p <= run->TotalPages(); ++p) {
             if (run->entry(p).number < 2) continue;
             // The lowest text of the body.
+            const auto page = recordPage(*run, p);
             const print::TextItem* lowest = nullptr;
-            for (const print::TextItem& i : recordPage(*run, p))
+            for (const print::TextItem& i : page)
                 if (i.y < m.bodyLimit() && i.y > print::ListBodyTop(*run) - 1 && (!lowest || i.y > lowest->y))
                     lowest = &i;
             ASSERT_TRUE(lowest) << before << " page " << p;
@@ -392,42 +394,78 @@ TEST(Reports, TheHeaderJoinsOnlyTheBridgeFieldsThatHaveText) {
     }
 }
 
+TEST(Reports, ALongIdentificationLeavesTheHeaderTitleItsWordsWhole) {
+    TestProject t;
+    t.source.basicTexts[0] =
+        QStringLiteral("Kirkkojoen silta Keski-Suomen ylitys valtatiellä 4 ja kevyen liikenteen väylä");
+    t.source.documents[0] = QStringLiteral("1 Yleistä\r\nSilta korvaa nykyisen sillan.");
+    for (int document : {print::doc::PlanDescription, print::doc::Inspections}) {
+        auto run = t.run({document});
+        QStringList told;
+        run->setInform([&told](const QString& m) { told << m; });
+        ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+        const print::PageModel& m = run->page();
+        const auto body = recordPage(*run, 2);
+        const print::TextItem* printed = find(body, QStringLiteral("Tulostettu: 23.11.2026"));
+        ASSERT_TRUE(printed);
+        // The title: the texts of the header's two lines between the identification and the
+        // right-hand texts, each ending before the print date.
+        QStringList title;
+        for (const print::TextItem& i : body) {
+            if (i.y > m.OriginY + m.LineHeight9 + 1 || i.x < m.OriginX + 1 || i.x >= printed->x) continue;
+            title << i.text.trimmed();
+            EXPECT_LE(i.x + run->fonts().width(i.font, i.text), printed->x) << i.text.toStdString();
+        }
+        const QString expected = document == print::doc::PlanDescription
+                                     ? QStringLiteral("Rakennussuunnitelmaselostus")
+                                     : QStringLiteral("Sillan tarkastus- ja mittausraportti");
+        EXPECT_EQ(title.join(QLatin1Char(' ')), expected);
+        EXPECT_FALSE(told.contains(print::kWordTooLong)) << document;
+    }
+}
+
 TEST(Reports, FrontPagesKeepTheirColumnsAboveTheSignaturesUprightOrLandscape) {
+    // Two long names: the second fills the line in the regular font but not in the bold one.
+    const QString names[] = {
+        QStringLiteral(
+            "Kirkkojoen ylikulkusilta valtatien 4 ja Jyväskylän läntisen ohikulkutien eritasoliittymässä"),
+        QStringLiteral("Kirkkojoen silta Keski-Suomen ylitys valtatiellä 4 ja kevyen liikenteen väylä")};
     for (auto orientation : {QPageLayout::Portrait, QPageLayout::Landscape}) {
         for (int partCount : {2, 40}) {
-            TestProject t;
-            std::vector<QStringList> parts;
-            for (int i = 0; i < partCount; ++i)
-                parts.push_back({QString::number(100 + 10 * i), QStringLiteral("Osa %1").arg(i)});
-            print_test::fillList(t.parts, lists::kind::BridgeParts, 2, parts);
-            t.source.basicTexts[0] = QStringLiteral(
-                "Kirkkojoen ylikulkusilta valtatien 4 ja Jyväskylän läntisen ohikulkutien eritasoliittymässä");
-            auto run = t.run({print::doc::Quantities}, print::DefaultPageLayout(orientation));
-            ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
-            const auto front = recordPage(*run, 1);
-            const print::PageModel& m = run->page();
-            const QString context = QStringLiteral("%1 parts, %2").arg(partCount).arg(orientation);
-            EXPECT_EQ(print_test::overprinted(*run, front), QStringList()) << context.toStdString();
-            // The part numbering, the party and its company lines are all there.
-            for (const char* text : {"Rakenneosien numerointi", "100  Osa 0", "SUUNNITTELIJA",
-                                     "Suunnittelu Oy", "40100 JYVÄSKYLÄ"})
-                EXPECT_TRUE(find(front, QString::fromUtf8(text))) << text << " " << context.toStdString();
-            // A part list too long ends with "..." above the signature rule.
-            const print::TextItem* signatures = find(front, QStringLiteral("Laati: Matti Virtanen"));
-            ASSERT_TRUE(signatures);
-            const double rule = signatures->y - 0.6 * m.LineHeight11;
-            EXPECT_EQ(find(front, QStringLiteral("...")) != nullptr, partCount == 40)
-                << context.toStdString();
-            for (const print::TextItem& i : front)
-                if (i.y < rule) EXPECT_LE(i.y + m.LineHeight11, rule + 1) << i.text.toStdString();
-            // The long name: on two lines within the page, every word there.
-            QString shown;
-            for (const print::TextItem& i : front)
-                if (i.font.size == 16 && i.font.bold) {
-                    shown += i.text + QLatin1Char(' ');
-                    EXPECT_LE(i.x + run->fonts().width(i.font, i.text), m.right() + 1);
-                }
-            EXPECT_TRUE(shown.simplified().startsWith(t.source.basicTexts[0])) << shown.toStdString();
+            for (const QString& name : names) {
+                TestProject t;
+                std::vector<QStringList> parts;
+                for (int i = 0; i < partCount; ++i)
+                    parts.push_back({QString::number(100 + 10 * i), QStringLiteral("Osa %1").arg(i)});
+                print_test::fillList(t.parts, lists::kind::BridgeParts, 2, parts);
+                t.source.basicTexts[0] = name;
+                auto run = t.run({print::doc::Quantities}, print::DefaultPageLayout(orientation));
+                ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+                const auto front = recordPage(*run, 1);
+                const print::PageModel& m = run->page();
+                const QString context = QStringLiteral("%1 parts, %2").arg(partCount).arg(orientation);
+                EXPECT_EQ(print_test::overprinted(*run, front), QStringList()) << context.toStdString();
+                // The part numbering, the party and its company lines are all there.
+                for (const char* text : {"Rakenneosien numerointi", "100  Osa 0", "SUUNNITTELIJA",
+                                         "Suunnittelu Oy", "40100 JYVÄSKYLÄ"})
+                    EXPECT_TRUE(find(front, QString::fromUtf8(text))) << text << " " << context.toStdString();
+                // A part list too long ends with "..." above the signature rule.
+                const print::TextItem* signatures = find(front, QStringLiteral("Laati: Matti Virtanen"));
+                ASSERT_TRUE(signatures);
+                const double rule = signatures->y - 0.6 * m.LineHeight11;
+                EXPECT_EQ(find(front, QStringLiteral("...")) != nullptr, partCount == 40)
+                    << context.toStdString();
+                for (const print::TextItem& i : front)
+                    if (i.y < rule) EXPECT_LE(i.y + m.LineHeight11, rule + 1) << i.text.toStdString();
+                // The long name: on two lines within the page, every word there.
+                QString shown;
+                for (const print::TextItem& i : front)
+                    if (i.font.size == 16 && i.font.bold) {
+                        shown += i.text + QLatin1Char(' ');
+                        EXPECT_LE(i.x + run->fonts().width(i.font, i.text), m.right() + 1);
+                    }
+                EXPECT_TRUE(shown.simplified().startsWith(t.source.basicTexts[0])) << shown.toStdString();
+            }
         }
     }
 }
