@@ -1,5 +1,6 @@
 // The program's command line, run as a user would run it.
 #include "common/RunProgram.h"
+#include "persist/ProjectFile.h"
 #include "platform/TextFile.h"
 
 #include <QTemporaryDir>
@@ -37,6 +38,24 @@ TEST(CommandLine, VersionAndUnknownCommands) {
     const Result bad = run({QStringLiteral("costs")});
     EXPECT_EQ(bad.status, 1);
     EXPECT_TRUE(bad.err.startsWith(QStringLiteral("tamrik: ")));
+}
+
+// A mistyped command or a missing file never starts the desktop program (which would wait
+// for a window without a display, or hand the word to a program already running).
+TEST(CommandLine, AnUnknownWordIsAnErrorNotADesktopStart) {
+    QTemporaryDir dir;
+    const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
+    for (const QStringList& args :
+         {QStringList{QStringLiteral("costz"), sample}, QStringList{QStringLiteral("costz")},
+          QStringList{dir.filePath(QStringLiteral("puuttuu.sl"))}}) {
+        const Result r = run(args, 20000);
+        EXPECT_EQ(r.status, 1) << args.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(r.err.startsWith(QStringLiteral("tamrik: tuntematon komento ") + args[0]))
+            << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty());
+    }
+    const Result option = run({QStringLiteral("--costs"), sample}, 20000);
+    EXPECT_EQ(option.status, 1);
 }
 
 TEST(CommandLine, BadInputFilesGiveAPlainErrorAndStatusOne) {
@@ -90,6 +109,38 @@ TEST(CommandLine, CostsAndSummaryOfTheSampleProject) {
     EXPECT_TRUE(summary.out.contains(QStringLiteral("\nLAATUVAATIMUSTEN YHTEENVETO\n")));
     EXPECT_TRUE(summary.out.contains(QStringLiteral("SILLAN LAATULUKU : ")));
     EXPECT_FALSE(summary.out.contains(QLatin1Char('\r')));
+}
+
+// An amount past single precision's range makes the totals infinite: that is no cost figure,
+// and a script reading the record must not take "inf" for one.
+TEST(CommandLine, AnOverflowedTotalIsAnErrorNamingItsRow) {
+    QTemporaryDir dir;
+    persist::ProjectFile project;
+    QString error;
+    ASSERT_TRUE(persist::ReadProjectFile(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"),
+                                         false, project, &error))
+        << error.toStdString();
+    persist::ListRecord& quantities = project.content.windows[1].lists[0];
+    ASSERT_GT(quantities.rows.size(), 5u);
+    QStringList& row = quantities.rows[4];
+    row[3] = QStringLiteral("1e308"); // quantity
+    row[5] = QStringLiteral("2");     // unit price
+    project.members[0].data = persist::WriteProjectText(project.content, false);
+    const QString file = dir.filePath(QStringLiteral("ylivuoto.sl"));
+    ASSERT_TRUE(platform::writeFileAtomically(file, persist::PackContainer(project.members)));
+
+    const Result r = run({QStringLiteral("costs"), file});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, QStringLiteral("tamrik: summa ei ole äärellinen: rivi 5\n"));
+    EXPECT_FALSE(r.out.contains(QStringLiteral("inf")));
+
+    // Comparing against it gives the same error, not a JSON null or "inf" in place of a figure.
+    const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
+    const Result compared = run({QStringLiteral("compare"), sample, file, QStringLiteral("--json")});
+    EXPECT_EQ(compared.status, 1);
+    EXPECT_EQ(compared.err,
+              QStringLiteral("tamrik: ") + file + QStringLiteral(": summa ei ole äärellinen: rivi 5\n"));
+    EXPECT_TRUE(compared.out.isEmpty());
 }
 
 // A 420 kB workbook whose sheet unpacks to 400 MB, nearly all of it blanks, took twice that
