@@ -80,6 +80,41 @@ QString DocumentTitle(int document, const QString& workPhase) {
     }
 }
 
+QString SelectionCaption(int document, const QString& workPhase) {
+    static const char* const captions[kDocumentCount] = {"&1 Määräluettelo",
+                                                         "&2 Kustannusarvio",
+                                                         "&3 Siltakohtaiset laatuvaatimukset",
+                                                         "&4 Rakennussuunnitelmaselotus",
+                                                         "&5 Ominaistietokortti",
+                                                         "&6 Panostilakortti",
+                                                         "&7 Koodaussuunnitelma",
+                                                         "&A Laatuvaatimukset: kaikki",
+                                                         "&B Urakan laatusuunnitelma",
+                                                         "&C Laatusuunnitelmat: kaikki",
+                                                         "&D Tarkastus- ja mittausraportit: kaikki",
+                                                         "&E Poikkeamaraportit: kaikki",
+                                                         "&F Sillan laaturaportti"};
+    if (document < 0 || document >= kDocumentCount) return QString();
+    const QString prefix = WorkPhasePrefix(document);
+    if (!workPhase.isEmpty() && !prefix.isEmpty()) return prefix + workPhase;
+    return QString::fromUtf8(captions[document]);
+}
+
+QString WorkPhasePrefix(int document) {
+    switch (document) {
+        case doc::AllRequirements:
+            return QStringLiteral("&A Laatuvaatimukset: ");
+        case doc::QualityPlans:
+            return QStringLiteral("&C Laatusuunitelmat: ");
+        case doc::Inspections:
+            return QStringLiteral("&D Tarkastus- ja mittausraportit: ");
+        case doc::Deviations:
+            return QStringLiteral("&E Poikkeamaraportit: ");
+        default:
+            return QString();
+    }
+}
+
 PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSettings settings)
     : m_source(source)
     , m_selection(selection)

@@ -195,5 +195,12 @@ private:
 // The title of a document as its pages show it (the work phase of documents 7, 9, 10 and 11
 // included). Cards have no title.
 QString DocumentTitle(int document, const QString& workPhase);
+// The caption of a document's box in the selection dialog, with its access key ("&1
+// Määräluettelo"); for documents 7, 9, 10 and 11 limited to a work phase, the prefix of the
+// box followed by the phase.
+QString SelectionCaption(int document, const QString& workPhase = QString());
+// The prefix that a chosen work phase follows in the caption of box 7, 9, 10 or 11; empty for
+// the other boxes.
+QString WorkPhasePrefix(int document);
 
 } // namespace print
