@@ -145,11 +145,18 @@ double PrintRun::quantityLitteraWidth() {
 }
 
 QStringList PrintRun::wrap(const QString& text, double size, double width) {
-    bool tooLong = false;
     const float scale = m_page.ScaleX > 0 ? m_page.ScaleX : 1.0f;
-    QStringList lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, width / scale, &tooLong);
-    if (tooLong) inform(kWordTooLong);
-    return lines;
+    WrapKey key{text, size, width / scale};
+    auto it = m_wrapped.constFind(key);
+    if (it == m_wrapped.constEnd()) {
+        // A long list has many distinct cells; the cache starts again rather than growing on.
+        if (m_wrapped.size() >= 200000) m_wrapped.clear();
+        Wrapped w;
+        w.lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, key.width, &w.tooLong);
+        it = m_wrapped.insert(std::move(key), std::move(w));
+    }
+    if (it->tooLong) inform(kWordTooLong);
+    return it->lines;
 }
 
 bool PrintRun::PrintArea(float scale) {

@@ -13,6 +13,7 @@
 #include "print/Surface.h"
 
 #include <QDate>
+#include <QHash>
 #include <QSet>
 #include <QString>
 #include <array>
@@ -154,7 +155,8 @@ public:
     // The printing font at `size` points times the scale.
     Font font(double size, bool bold = false, bool italic = false) const;
     // The lines of a text wrapped to a width (target twips) at `size` points of the printing
-    // font, measured at scale 1. A word too long for its line is reported.
+    // font, measured at scale 1. A word too long for its line is reported. Kept for the run:
+    // pagination wraps every cell, and each page wraps its header again.
     QStringList wrap(const QString& text, double size, double width);
 
 private:
@@ -177,6 +179,20 @@ private:
     std::vector<PageEntry> m_pages;
     calc::CostRecord m_costs;
     calc::QualityRecord m_quality;
+    struct WrapKey {
+        QString text;
+        double size;
+        double width;
+        bool operator==(const WrapKey&) const = default;
+        friend size_t qHash(const WrapKey& k, size_t seed = 0) noexcept {
+            return qHashMulti(seed, k.text, k.size, k.width);
+        }
+    };
+    struct Wrapped {
+        QStringList lines;
+        bool tooLong = false;
+    };
+    QHash<WrapKey, Wrapped> m_wrapped;
     std::function<void(const QString&)> m_inform;
     QStringList m_messages;
     QSet<QString> m_shown;
