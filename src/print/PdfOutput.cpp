@@ -7,13 +7,18 @@
 #include <QFileInfo>
 #include <QPdfWriter>
 #include <QSaveFile>
+#include <QThread>
 #include <QTimeZone>
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFObjectHandle.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
+#include <atomic>
+#include <memory>
 #include <stdexcept>
+#include <thread>
 
 namespace print {
 
@@ -133,14 +138,24 @@ int addBookmarks(QPDF& pdf, Object parent, const std::vector<Bookmark>& marks,
     return visible;
 }
 
-// Rewrites the PDF that Qt wrote with the outline, the information dictionary and the XMP
-// metadata, into `out`.
-void finishPdf(const QByteArray& written, const std::vector<Bookmark>& outline,
+// Rewrites the PDF that Qt wrote, the pages of `more` after its own, with the outline, the information
+// dictionary and the XMP metadata, into `out`.
+void finishPdf(const QByteArray& written, const QByteArray& more, const std::vector<Bookmark>& outline,
                const PdfProperties& properties, bool archival, QIODevice& out) {
+    // The pages drawn on another thread follow; their streams are read from `rest` as the file
+    // is written.
+    QPDF rest;
     QPDF pdf;
     pdf.setSuppressWarnings(true);
     pdf.processMemoryFile("PDF", written.constData(), static_cast<size_t>(written.size()));
     Object root = pdf.getRoot();
+    if (!more.isEmpty()) {
+        rest.setSuppressWarnings(true);
+        rest.processMemoryFile("PDF", more.constData(), static_cast<size_t>(more.size()));
+        QPDFPageDocumentHelper pages(pdf);
+        for (QPDFPageObjectHelper& page : QPDFPageDocumentHelper(rest).getAllPages())
+            pages.addPage(page, false);
+    }
 
     if (!outline.empty()) {
         Object outlines = pdf.makeIndirectObject(Object::newDictionary());
@@ -217,17 +232,61 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
     };
     if (!file.open(QIODevice::WriteOnly)) return fail(file.errorString());
     // Qt writes the pages into memory; the file gets them with their outline.
-    QBuffer pages;
-    pages.open(QIODevice::WriteOnly);
+    auto pdfWriter = [&](QIODevice* out) {
+        auto writer = std::make_unique<QPdfWriter>(out);
+        writer->setCreator(QStringLiteral("TAMRIK 2006"));
+        writer->setTitle(QFileInfo(fileName).completeBaseName());
+        if (options.archival) writer->setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
+        writer->setResolution(resolution);
+        writer->setPageLayout(layout);
+        return writer;
+    };
+    QBuffer head;
+    head.open(QIODevice::WriteOnly);
+    QByteArray tail;
     OutputResult result;
     {
-        QPdfWriter writer(&pages);
-        writer.setCreator(QStringLiteral("TAMRIK 2006"));
-        writer.setTitle(QFileInfo(fileName).completeBaseName());
-        if (options.archival) writer.setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
-        writer.setResolution(resolution);
-        writer.setPageLayout(layout);
-        result = run.PrintAllDocuments(writer, progress);
+        std::unique_ptr<QPdfWriter> writer = pdfWriter(&head);
+        result = run.PaginateFor(*writer, progress);
+        const int total = run.TotalPages();
+        // Pages are drawn independently: a long run is drawn half on another thread, into a
+        // PDF of its own that qpdf joins to the first. Qt compresses each page as it ends it, so
+        // both halves' drawing and compressing go on at once.
+        const int split = result == OutputResult::Printed && options.parallelFrom > 0 &&
+                                  total >= options.parallelFrom && QThread::idealThreadCount() > 1
+                              ? (total + 1) / 2
+                              : total;
+        if (result == OutputResult::Printed && split < total) {
+            std::unique_ptr<PrintRun> copy = run.drawingCopy();
+            std::atomic<int> tailDrawn{0};
+            std::atomic<bool> cancel{false};
+            OutputResult tailResult = OutputResult::Cancelled;
+            std::thread worker([&] {
+                QBuffer buffer;
+                buffer.open(QIODevice::WriteOnly);
+                {
+                    std::unique_ptr<QPdfWriter> tailWriter = pdfWriter(&buffer);
+                    tailResult = copy->PrintPages(*tailWriter, split + 1, total, [&](int, double) {
+                        ++tailDrawn;
+                        return !cancel;
+                    });
+                }
+                tail = buffer.data();
+            });
+            // The caller hears of the pages of both halves from this thread.
+            result = run.PrintPages(*writer, 1, split, [&](int p, double) {
+                const int drawn = p + tailDrawn;
+                if (progress && !progress(drawn, static_cast<double>(drawn) / total)) cancel = true;
+                return !cancel;
+            });
+            if (result != OutputResult::Printed) cancel = true;
+            worker.join();
+            if (result == OutputResult::Printed) result = tailResult;
+            for (const QString& message : copy->messages())
+                run.inform(message);
+        } else if (result == OutputResult::Printed) {
+            result = run.PrintPages(*writer, 1, total, progress);
+        }
     }
     // An unfinished file is thrown away with the save file.
     if (result != OutputResult::Printed) {
@@ -235,7 +294,8 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
         return result == OutputResult::DeviceFailed ? fail(file.errorString()) : result;
     }
     try {
-        finishPdf(pages.data(), RunOutline(run), DocumentProperties(run, options), options.archival, file);
+        finishPdf(head.data(), tail, RunOutline(run), DocumentProperties(run, options), options.archival,
+                  file);
     } catch (const std::exception& e) {
         file.cancelWriting();
         return fail(file.error() != QFileDevice::NoError ? file.errorString()

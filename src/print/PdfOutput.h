@@ -15,6 +15,8 @@ struct PdfOptions {
     // The project file the run was printed from (its name goes into the subject).
     QString projectFile;
     QDateTime created = QDateTime::currentDateTime();
+    // Runs of this many pages or more are drawn half on a second thread (0: never).
+    int parallelFrom = 100;
 };
 
 // What a reader shows as the document's properties.

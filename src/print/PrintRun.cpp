@@ -123,6 +123,28 @@ PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSetting
 
 PrintRun::~PrintRun() = default;
 
+std::unique_ptr<PrintRun> PrintRun::drawingCopy() const {
+    // The pictures get renderings of their own; the lists are only read.
+    auto source = std::make_unique<PrintSource>(m_source);
+    for (platform::Picture& picture : source->pictures)
+        picture = picture.detached();
+    PrintSettings settings = m_settings;
+    settings.logo = settings.logo.detached();
+    auto copy = std::make_unique<PrintRun>(*source, m_selection, std::move(settings));
+    copy->m_ownSource = std::move(source);
+    copy->m_device = m_device;
+    copy->m_page = m_page;
+    copy->m_pages = m_pages;
+    copy->m_costs = m_costs;
+    copy->m_quality = m_quality;
+    copy->m_litteraWidth = m_litteraWidth;
+    copy->m_costSummaryBlocks = m_costSummaryBlocks;
+    copy->m_textBuffers = m_textBuffers;
+    copy->m_qualityItems = m_qualityItems;
+    copy->m_qualityItemsFound = m_qualityItemsFound;
+    return copy;
+}
+
 void PrintRun::inform(const QString& message) {
     if (m_shown.contains(message)) return;
     m_shown.insert(message);
@@ -409,6 +431,11 @@ void PrintRun::PrintPage(Surface& surface, int p) {
 }
 
 OutputResult PrintRun::PrintAllDocuments(QPagedPaintDevice& device, const Progress& progress) {
+    const OutputResult ready = PaginateFor(device, progress);
+    return ready == OutputResult::Printed ? PrintPages(device, 1, TotalPages(), progress) : ready;
+}
+
+OutputResult PrintRun::PaginateFor(QPagedPaintDevice& device, const Progress& progress) {
     const DeviceMetrics metrics = MetricsOf(device);
     if (!sameMetrics(metrics, m_device)) m_selection.PaginationStale = true;
     m_device = metrics;
@@ -421,15 +448,19 @@ OutputResult PrintRun::PrintAllDocuments(QPagedPaintDevice& device, const Progre
         default:
             return OutputResult::NothingToPrint;
     }
-    if (TotalPages() == 0) return OutputResult::NothingToPrint;
+    return TotalPages() == 0 ? OutputResult::NothingToPrint : OutputResult::Printed;
+}
+
+OutputResult PrintRun::PrintPages(QPagedPaintDevice& device, int first, int last, const Progress& progress) {
     keepPageBuffersInHeap();
+    const DeviceMetrics metrics = MetricsOf(device);
     QPainter painter;
     if (!painter.begin(&device)) return OutputResult::DeviceFailed;
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     Surface surface(m_fonts, painter, metrics.dpiX, metrics.dpiY, QPointF(0, 0), AdjustLineWidth(metrics));
     const int total = TotalPages();
-    for (int p = 1; p <= total; ++p) {
-        if (p > 1) device.newPage();
+    for (int p = first; p <= last; ++p) {
+        if (p > first) device.newPage();
         PrintPage(surface, p);
         if (progress && !progress(p, static_cast<double>(p) / total)) {
             painter.end();

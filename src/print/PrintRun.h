@@ -17,6 +17,7 @@
 #include <QSet>
 #include <QString>
 #include <array>
+#include <memory>
 #include <functional>
 #include <vector>
 
@@ -95,6 +96,10 @@ public:
     ~PrintRun();
     PrintRun(const PrintRun&) = delete;
     PrintRun& operator=(const PrintRun&) = delete;
+    // A run that draws the pages this paginated run laid out, with fonts and caches of its own,
+    // so that part of the pages can be drawn on another thread: drawing only reads the source,
+    // the selection and the page table. Its messages are kept in messages() for the caller.
+    std::unique_ptr<PrintRun> drawingCopy() const;
 
     // Messages for the user (a damaged picture, a word too long for its line, ...), each shown
     // once in a run. Without a handler they are kept in messages().
@@ -124,6 +129,11 @@ public:
     // device's paper differs from the run's), then draws every page, a new sheet before each but
     // the first.
     OutputResult PrintAllDocuments(QPagedPaintDevice& device, const Progress& progress = {});
+    // PrintAllDocuments in two steps: the pagination for the device (Printed when there are
+    // pages to draw), then the pages first .. last drawn at scale 1, a new sheet before each but
+    // the first; `progress` hears of each page drawn.
+    OutputResult PaginateFor(QPagedPaintDevice& device, const Progress& progress = {});
+    OutputResult PrintPages(QPagedPaintDevice& device, int first, int last, const Progress& progress = {});
 
     // The preview: page p at the current scale, the paper's top-left corner at `paper` in the
     // painter's pixels (15 twips to a pixel at scale 1).
@@ -171,6 +181,7 @@ private:
     bool progressed(int page);
 
     const PrintSource& m_source;
+    std::unique_ptr<PrintSource> m_ownSource; // a drawing copy's source
     Selection& m_selection;
     PrintSettings m_settings;
     FontBook m_fonts;

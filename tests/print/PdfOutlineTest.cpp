@@ -1,21 +1,25 @@
 // What a PDF carries besides its pages, read back with qpdf: the outline (bookmarks) of every
 // document and work phase at the pages pdftotext finds them on, the document properties, and
 // the archival PDF/A-1b of --pdfa checked against the rules of the standard that a file of ours
-// could break. A failed write leaves no file.
+// could break. A failed write leaves no file; a run drawn on two threads makes the file one makes.
 #include "common/TestSupport.h"
 #include "print/PdfOutput.h"
 #include "print/PdfSupport.h"
 #include "print/PrintFixtures.h"
 
+#include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTimeZone>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFJob.hh>
+#include <qpdf/QPDFLogger.hh>
 #include <qpdf/QPDFOutlineDocumentHelper.hh>
 #include <sstream>
 
@@ -125,7 +129,9 @@ int firstPageWithCaption(const QStringList& pages, const QString& littera, const
 QString qpdfCheck(const QString& file) {
     std::ostringstream out, err;
     QPDFJob job;
-    job.setOutputStreams(&out, &err);
+    auto logger = QPDFLogger::create();
+    logger->setOutputStreams(&out, &err);
+    job.setLogger(logger);
     job.config()->inputFile(file.toStdString())->check()->checkConfiguration();
     job.run();
     return job.getExitCode() == 0 ? QString() : QString::fromStdString(out.str() + err.str());
@@ -425,4 +431,101 @@ TEST(PdfOutput, AWriteIntoAnUnwritableFolderLeavesNothingAndSaysSo) {
     }
     EXPECT_TRUE(QDir(folder).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
     QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+namespace {
+
+// The outline as lines "depth title page", for comparing two files.
+QStringList outlineLines(const std::vector<Mark>& marks, int depth = 0) {
+    QStringList lines;
+    for (const Mark& m : marks) {
+        lines << QStringLiteral("%1 %2 %3").arg(depth).arg(m.title).arg(m.page);
+        lines += outlineLines(m.kids, depth + 1);
+    }
+    return lines;
+}
+
+// The pages of a PDF file from page `first` on as images at 50 dots to the inch.
+std::vector<QImage> pageImages(const QString& file, const QString& folder, int first) {
+    print_test::runProgram(QStringLiteral("pdftoppm"),
+                           {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("50"),
+                            QStringLiteral("-f"), QString::number(first), file,
+                            folder + QStringLiteral("/sivu")});
+    std::vector<QImage> images;
+    QDir dir(folder);
+    for (const QString& name : dir.entryList({QStringLiteral("sivu*.png")}, QDir::Files, QDir::Name))
+        images.push_back(QImage(dir.filePath(name)));
+    return images;
+}
+
+} // namespace
+
+TEST(PdfOutput, ARunDrawnOnTwoThreadsMakesTheFileOneThreadMakes) {
+    print_test::SampleRun sample;
+    ASSERT_TRUE(sample.read);
+    print::PrintRun& run = sample.run;
+    QTemporaryDir dir;
+    print::PdfOptions options;
+    options.projectFile = print_test::sampleProject();
+    options.created = QDateTime(QDate(2026, 11, 23), QTime(14, 5, 9), QTimeZone(7200));
+
+    for (const bool archival : {false, true}) {
+        SCOPED_TRACE(archival ? "PDF/A" : "PDF");
+        options.archival = archival;
+        const QString one = dir.filePath(QStringLiteral("yksi.pdf"));
+        const QString two = dir.filePath(QStringLiteral("kaksi.pdf"));
+        QString error;
+        options.parallelFrom = 0;
+        ASSERT_EQ(print::WritePdf(run, one, print::DefaultPageLayout(), 1200, {}, &error, options),
+                  print::OutputResult::Printed)
+            << error.toStdString();
+        // Every run of two pages or more in halves: the second half is the sample's cards,
+        // pictures, plans and quality documents.
+        options.parallelFrom = 2;
+        std::vector<int> heard;
+        ASSERT_EQ(print::WritePdf(
+                      run, two, print::DefaultPageLayout(), 1200,
+                      [&](int page, double) {
+                          heard.push_back(page);
+                          return true;
+                      },
+                      &error, options),
+                  print::OutputResult::Printed)
+            << error.toStdString();
+
+        const QStringList texts = pageTexts(two);
+        ASSERT_EQ(texts.size(), run.TotalPages());
+        EXPECT_EQ(texts, pageTexts(one));
+        EXPECT_EQ(outlineLines(readOutline(two)), outlineLines(readOutline(one)));
+        EXPECT_EQ(readProperties(two).info, readProperties(one).info);
+        EXPECT_EQ(qpdfCheck(two), QString());
+        if (archival) EXPECT_EQ(archivalFaults(two), QStringList());
+        // Progress is heard of from the calling thread, counting the pages of both halves.
+        ASSERT_FALSE(heard.empty());
+        EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
+        EXPECT_LE(heard.back(), run.TotalPages());
+        EXPECT_GE(heard.back(), run.TotalPages() / 2);
+
+        // The pages of the second thread look the same (once: the archival pages are the same
+        // drawing).
+        if (archival) continue;
+        const int first = (run.TotalPages() + 1) / 2 + 1;
+        const QString oneImages = dir.filePath(QStringLiteral("yksi"));
+        const QString twoImages = dir.filePath(QStringLiteral("kaksi"));
+        ASSERT_TRUE(QDir().mkpath(oneImages) && QDir().mkpath(twoImages));
+        const std::vector<QImage> a = pageImages(one, oneImages, first),
+                                  b = pageImages(two, twoImages, first);
+        ASSERT_EQ(a.size(), static_cast<std::size_t>(run.TotalPages() - first + 1));
+        ASSERT_EQ(b.size(), a.size());
+        for (std::size_t i = 0; i < a.size(); ++i)
+            EXPECT_TRUE(a[i] == b[i]) << "page " << first + i;
+    }
+
+    // Cancelled half way, neither half is left anywhere.
+    const QString cancelled = dir.filePath(QStringLiteral("peruttu.pdf"));
+    EXPECT_EQ(print::WritePdf(
+                  run, cancelled, print::DefaultPageLayout(), 1200, [](int page, double) { return page < 5; },
+                  nullptr, options),
+              print::OutputResult::Cancelled);
+    EXPECT_FALSE(QFile::exists(cancelled));
 }
