@@ -132,6 +132,9 @@ std::unique_ptr<PrintRun> PrintRun::drawingCopy() const {
     settings.logo = settings.logo.detached();
     auto copy = std::make_unique<PrintRun>(*source, m_selection, std::move(settings));
     copy->m_ownSource = std::move(source);
+    // What pagination measured and wrapped is not measured again.
+    copy->m_fonts.shareLayouts(m_fonts);
+    copy->m_wrapped = m_wrapped;
     copy->m_device = m_device;
     copy->m_page = m_page;
     copy->m_pages = m_pages;

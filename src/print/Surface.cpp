@@ -51,7 +51,16 @@ FontBook::Face& FontBook::face(const Font& font) {
         f->ascent = 0.905;
         f->descent = 0.212;
     }
+    if (auto shared = m_sharedLayouts.find(key); shared != m_sharedLayouts.end()) {
+        f->shaped = std::move(shared->second);
+        m_sharedLayouts.erase(shared);
+    }
     return *m_faces.emplace(key, std::move(f)).first->second;
+}
+
+void FontBook::shareLayouts(const FontBook& other) {
+    for (const auto& [key, face] : other.m_faces)
+        if (m_faces.find(key) == m_faces.end()) m_sharedLayouts.insert_or_assign(key, face->shaped);
 }
 
 const QRawFont& FontBook::rawFont(Face& face, double pixelSize) {

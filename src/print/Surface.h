@@ -60,8 +60,14 @@ public:
     };
     const Shaped& shape(Face& face, const QString& text);
 
+    // The texts `other` has laid out, for a book on another thread: its faces are made again
+    // when first used (a face's font engine serves the thread that made it), the laid-out
+    // texts are shared until either book adds one.
+    void shareLayouts(const FontBook& other);
+
 private:
     std::map<QString, std::unique_ptr<Face>> m_faces;
+    std::map<QString, QHash<QString, Shaped>> m_sharedLayouts;
 };
 
 // One text that a surface put down: for tests and for finding what a page shows.

@@ -506,10 +506,10 @@ TEST(PdfOutput, ARunDrawnOnTwoThreadsMakesTheFileOneThreadMakes) {
         EXPECT_LE(heard.back(), run.TotalPages());
         EXPECT_GE(heard.back(), run.TotalPages() / 2);
 
-        // The pages of the second thread look the same (once: the archival pages are the same
-        // drawing).
+        // The pages look the same from a little before the middle, where the second thread
+        // starts (once: the archival pages are the same drawing).
         if (archival) continue;
-        const int first = (run.TotalPages() + 1) / 2 + 1;
+        const int first = run.TotalPages() / 2 - 2;
         const QString oneImages = dir.filePath(QStringLiteral("yksi"));
         const QString twoImages = dir.filePath(QStringLiteral("kaksi"));
         ASSERT_TRUE(QDir().mkpath(oneImages) && QDir().mkpath(twoImages));
