@@ -66,7 +66,8 @@ struct SampleRun {
     print::ProjectSource source = print::SourceFromProject(project);
     print::Selection selection = [] {
         print::Selection s;
-        s.DocumentSelected.fill(true);
+        for (int d = 0; d < print::kDocumentCount; ++d)
+            s.DocumentSelected[d] = true;
         return s;
     }();
     print::PrintRun run{source.source, selection, [] {
