@@ -43,8 +43,12 @@ std::vector<Bookmark> RunOutline(PrintRun& run) {
         int last = first;
         while (last < total && run.entry(last + 1).number > 1)
             ++last;
-        Bookmark mark{SelectionCaption(document, run.selection().WorkPhaseFilter[document]), first, {}};
+        const QString phase =
+            document < kDocumentCount ? run.selection().WorkPhaseFilter[document] : QString();
+        Bookmark mark{SelectionCaption(document, phase), first, {}};
         mark.title.remove(QLatin1Char('&'));
+        // A comparison has no box in the selection dialog; its pages' title names it.
+        if (mark.title.isEmpty()) mark.title = DocumentTitle(document, phase);
 
         if ((document == doc::Quantities || document == doc::Costs) && source.quantities) {
             const lists::ListModel& list = *source.quantities;

@@ -223,6 +223,7 @@ PdfProperties DocumentProperties(const PrintRun& run, const PdfOptions& options)
         if (title.isEmpty()) title = SelectionCaption(d).mid(3);
         documents << title;
     }
+    if (run.comparison()) documents << DocumentTitle(doc::Comparison, QString());
     const QString bridge = run.source().basicText(0).trimmed();
     p.title = documents.join(QStringLiteral(", "));
     if (!bridge.isEmpty()) p.title = bridge + QStringLiteral(" – ") + p.title;
