@@ -2,12 +2,18 @@
 #include <QApplication>
 #include <QLocale>
 #include <benchmark/benchmark.h>
+#include <cstring>
+
+bool WritePrintProject(const QString& file, int rows);
 
 int main(int argc, char** argv) {
     // Window benchmarks (opening and saving projects) run on the offscreen platform.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+    // tamrik_bench --print-project FILE: writes the project that bench/print-time prints.
+    if (argc == 3 && std::strcmp(argv[1], "--print-project") == 0)
+        return WritePrintProject(QString::fromLocal8Bit(argv[2]), 20000) ? 0 : 1;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -27,7 +27,7 @@ int fail(const QString& message) {
     return 1;
 }
 
-const char* const kUsage = "käyttö: tamrik print TIEDOSTO.sl --pdf KOHDE.pdf [--docs 0,1,...]";
+const char* const kUsage = "käyttö: tamrik print TIEDOSTO.sl --pdf KOHDE.pdf [--docs 0,1,...] [--pdfa]";
 
 } // namespace
 
@@ -57,9 +57,12 @@ int printCommand(int argc, char** argv) {
     const QStringList args = QCoreApplication::arguments().mid(2);
 
     QString input, output, docs;
+    print::PdfOptions options;
     for (int i = 0; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--pdf") && i + 1 < args.size())
             output = args[++i];
+        else if (args[i] == QLatin1String("--pdfa"))
+            options.archival = true;
         else if (args[i] == QLatin1String("--docs") && i + 1 < args.size())
             docs = args[++i];
         else if (!args[i].startsWith(QLatin1Char('-')) && input.isEmpty())
@@ -89,6 +92,7 @@ int printCommand(int argc, char** argv) {
     QString error;
     if (!persist::ReadProjectFile(input, false, project, &error))
         return fail(input + QStringLiteral(": ") + error);
+    options.projectFile = input;
     print::ProjectSource source = print::SourceFromProject(project);
 
     print::PrintRun run(source.source, selection,
@@ -102,7 +106,7 @@ int printCommand(int argc, char** argv) {
     std::signal(SIGTERM, onInterrupt);
     const print::OutputResult result = print::WritePdf(
         run, output, print::DefaultPageLayout(), print::kDefaultResolution,
-        [](int, double) { return !g_interrupted; }, &error);
+        [](int, double) { return !g_interrupted; }, &error, options);
     switch (result) {
         case print::OutputResult::Printed:
             return 0;

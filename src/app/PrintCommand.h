@@ -1,6 +1,6 @@
 #pragma once
-// `tamrik print FILE.sl --pdf OUT.pdf [--docs 0,1,...]`: a project's documents to a PDF file,
-// without any window.
+// `tamrik print FILE.sl --pdf OUT.pdf [--docs 0,1,...] [--pdfa]`: a project's documents to a PDF
+// file without any window, an archival PDF/A-1b with --pdfa.
 
 #include "print/PrintRun.h"
 

@@ -35,6 +35,10 @@ struct FileRequest {
     bool multiple = false;
     QString directory;
     QString fileName; // the name a save dialog suggests
+    // A check box below the file list ("PDF/A (arkistointi)"): it shows *option, and the user's
+    // choice goes back there when the dialog is accepted. No check box while `option` is null.
+    QString optionText;
+    bool* option = nullptr;
 };
 
 class Dialogs {

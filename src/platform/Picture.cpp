@@ -229,6 +229,15 @@ const Picture::Rendering& Picture::rendering() const {
     return r;
 }
 
+Picture Picture::detached() const {
+    Picture copy = *this;
+    if (m_rendering) {
+        copy.m_rendering = std::make_shared<Rendering>();
+        copy.rendering();
+    }
+    return copy;
+}
+
 QSize Picture::sizeHint() const {
     const Rendering& r = rendering();
     if (!r.image.isNull()) return r.image.size();

@@ -59,6 +59,10 @@ public:
     // they show, never through an image.
     QImage toImage(QSize size = QSize()) const;
 
+    // A copy with a rendering of its own, made now: for drawing on another thread, since a
+    // rendering is made on first use and draws through one renderer.
+    Picture detached() const;
+
     // The largest rectangle of the picture's proportions inside `target`, placed by `alignment`.
     static QRectF fitInto(const QSizeF& picture, const QRectF& target,
                           Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignTop);

@@ -1,13 +1,247 @@
 #include "print/PdfOutput.h"
 
+#include "print/Outline.h"
+#include "print/Reports.h"
+
+#include <QBuffer>
 #include <QFileInfo>
 #include <QPdfWriter>
 #include <QSaveFile>
+#include <QThread>
+#include <QTimeZone>
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+#include <thread>
 
 namespace print {
 
+namespace {
+
+using Object = QPDFObjectHandle;
+
+// qpdf's output straight into the save file.
+class DevicePipeline final : public Pipeline {
+public:
+    explicit DevicePipeline(QIODevice& device)
+        : Pipeline("save file", nullptr)
+        , m_device(device) {}
+    void write(unsigned char const* data, size_t length) override {
+        if (m_device.write(reinterpret_cast<const char*>(data), static_cast<qint64>(length)) !=
+            static_cast<qint64>(length))
+            throw std::runtime_error(m_device.errorString().toStdString());
+    }
+    void finish() override {}
+
+private:
+    QIODevice& m_device;
+};
+
+Object text(const QString& s) {
+    return Object::newUnicodeString(s.toStdString());
+}
+
+// "D:20261126013152+02'00'": a date of the document information dictionary.
+QString pdfDate(const QDateTime& t) {
+    const int offset = t.offsetFromUtc() / 60;
+    const QString zone = offset == 0 ? QStringLiteral("Z")
+                                     : QStringLiteral("%1%2'%3'")
+                                           .arg(offset < 0 ? QLatin1Char('-') : QLatin1Char('+'))
+                                           .arg(std::abs(offset) / 60, 2, 10, QLatin1Char('0'))
+                                           .arg(std::abs(offset) % 60, 2, 10, QLatin1Char('0'));
+    return QStringLiteral("D:") + t.toString(QStringLiteral("yyyyMMddHHmmss")) + zone;
+}
+
+// The same moment as XMP writes it: "2026-11-26T01:31:52+02:00".
+QString xmpDate(const QDateTime& t) {
+    return t.toOffsetFromUtc(t.offsetFromUtc()).toString(Qt::ISODate);
+}
+
+// The XMP packet: the properties as the information dictionary has them (an archival reader
+// compares the two), and for PDF/A the part and conformance it claims.
+QByteArray xmpPacket(const PdfProperties& p, bool archival) {
+    auto esc = [](const QString& s) { return s.toHtmlEscaped(); };
+    QString x;
+    x += QStringLiteral("<?xpacket begin=\"\uFEFF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
+                        "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\">\n"
+                        " <rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">\n"
+                        "  <rdf:Description rdf:about=\"\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\">\n"
+                        "   <dc:format>application/pdf</dc:format>\n");
+    x += QStringLiteral(
+             "   <dc:title><rdf:Alt><rdf:li xml:lang=\"x-default\">%1</rdf:li></rdf:Alt></dc:title>\n")
+             .arg(esc(p.title));
+    if (!p.author.isEmpty())
+        x += QStringLiteral("   <dc:creator><rdf:Seq><rdf:li>%1</rdf:li></rdf:Seq></dc:creator>\n")
+                 .arg(esc(p.author));
+    x += QStringLiteral("   <dc:description><rdf:Alt><rdf:li xml:lang=\"x-default\">%1</rdf:li></rdf:Alt>"
+                        "</dc:description>\n")
+             .arg(esc(p.subject));
+    x += QStringLiteral("  </rdf:Description>\n"
+                        "  <rdf:Description rdf:about=\"\" xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\">\n"
+                        "   <xmp:CreatorTool>%1</xmp:CreatorTool>\n"
+                        "   <xmp:CreateDate>%2</xmp:CreateDate>\n"
+                        "   <xmp:ModifyDate>%2</xmp:ModifyDate>\n"
+                        "   <xmp:MetadataDate>%2</xmp:MetadataDate>\n"
+                        "  </rdf:Description>\n"
+                        "  <rdf:Description rdf:about=\"\" xmlns:pdf=\"http://ns.adobe.com/pdf/1.3/\">\n"
+                        "   <pdf:Producer>%3</pdf:Producer>\n"
+                        "  </rdf:Description>\n")
+             .arg(esc(p.creator), xmpDate(p.created), esc(p.producer));
+    if (archival)
+        x += QStringLiteral(
+            "  <rdf:Description rdf:about=\"\" xmlns:pdfaid=\"http://www.aiim.org/pdfa/ns/id/\">\n"
+            "   <pdfaid:part>1</pdfaid:part>\n"
+            "   <pdfaid:conformance>B</pdfaid:conformance>\n"
+            "  </rdf:Description>\n");
+    x += QStringLiteral(" </rdf:RDF>\n</x:xmpmeta>\n<?xpacket end=\"w\"?>");
+    return x.toUtf8();
+}
+
+// Adds `marks` under `parent` and returns how many items show under it when it is open.
+int addBookmarks(QPDF& pdf, Object parent, const std::vector<Bookmark>& marks,
+                 const std::vector<Object>& pages, bool openDocuments) {
+    std::vector<Object> items;
+    int visible = 0;
+    for (const Bookmark& mark : marks) {
+        if (mark.page < 1 || mark.page > static_cast<int>(pages.size())) continue;
+        Object item = pdf.makeIndirectObject(Object::newDictionary());
+        item.replaceKey("/Title", text(mark.title));
+        item.replaceKey("/Parent", parent);
+        // The top of the page, the reader's zoom kept.
+        Object page = pages[mark.page - 1];
+        Object box = QPDFPageObjectHelper(page).getMediaBox();
+        const double top = box.isRectangle() ? box.getArrayAsRectangle().ury : 842;
+        item.replaceKey("/Dest", Object::newArray({page, Object::newName("/XYZ"), Object::newNull(),
+                                                   Object::newReal(top, 2), Object::newNull()}));
+        if (!items.empty()) {
+            items.back().replaceKey("/Next", item);
+            item.replaceKey("/Prev", items.back());
+        }
+        items.push_back(item);
+        ++visible;
+        if (!mark.children.empty()) {
+            const int below = addBookmarks(pdf, item, mark.children, pages, false);
+            item.replaceKey("/Count", Object::newInteger(openDocuments ? below : -below));
+            if (openDocuments) visible += below;
+        }
+    }
+    if (!items.empty()) {
+        parent.replaceKey("/First", items.front());
+        parent.replaceKey("/Last", items.back());
+    }
+    return visible;
+}
+
+// Rewrites the PDF that Qt wrote, the pages of `more` after its own, with the outline, the information
+// dictionary and the XMP metadata, into `out`.
+void finishPdf(const QByteArray& written, const QByteArray& more, const std::vector<Bookmark>& outline,
+               const PdfProperties& properties, bool archival, QIODevice& out) {
+    // The pages drawn on another thread follow; their streams are read from `rest` as the file
+    // is written.
+    QPDF rest;
+    QPDF pdf;
+    pdf.setSuppressWarnings(true);
+    pdf.processMemoryFile("PDF", written.constData(), static_cast<size_t>(written.size()));
+    Object root = pdf.getRoot();
+    if (!more.isEmpty()) {
+        rest.setSuppressWarnings(true);
+        rest.processMemoryFile("PDF", more.constData(), static_cast<size_t>(more.size()));
+        QPDFPageDocumentHelper pages(pdf);
+        for (QPDFPageObjectHelper& page : QPDFPageDocumentHelper(rest).getAllPages())
+            pages.addPage(page, false);
+    }
+
+    if (!outline.empty()) {
+        Object outlines = pdf.makeIndirectObject(Object::newDictionary());
+        outlines.replaceKey("/Type", Object::newName("/Outlines"));
+        const int visible = addBookmarks(pdf, outlines, outline, pdf.getAllPages(), outline.size() == 1);
+        outlines.replaceKey("/Count", Object::newInteger(visible));
+        root.replaceKey("/Outlines", outlines);
+        root.replaceKey("/PageMode", Object::newName("/UseOutlines"));
+    }
+
+    Object info = pdf.makeIndirectObject(Object::newDictionary());
+    info.replaceKey("/Title", text(properties.title));
+    if (!properties.author.isEmpty()) info.replaceKey("/Author", text(properties.author));
+    info.replaceKey("/Subject", text(properties.subject));
+    info.replaceKey("/Creator", text(properties.creator));
+    info.replaceKey("/Producer", text(properties.producer));
+    info.replaceKey("/CreationDate", text(pdfDate(properties.created)));
+    info.replaceKey("/ModDate", text(pdfDate(properties.created)));
+    pdf.getTrailer().replaceKey("/Info", info);
+
+    const QByteArray xmp = xmpPacket(properties, archival);
+    Object metadata = pdf.newStream(std::string(xmp.constData(), static_cast<size_t>(xmp.size())));
+    metadata.getDict().replaceKey("/Type", Object::newName("/Metadata"));
+    metadata.getDict().replaceKey("/Subtype", Object::newName("/XML"));
+    root.replaceKey("/Metadata", metadata);
+
+    QPDFWriter writer(pdf);
+    DevicePipeline pipeline(out);
+    writer.setOutputPipeline(&pipeline);
+    // Qt's streams are copied as they are; the XMP stays uncompressed, as PDF/A asks.
+    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.setObjectStreamMode(qpdf_o_disable);
+    writer.write();
+}
+
+// The last page of the first half when a run is drawn in two halves of about the same work. A
+// page of the cost estimate draws about 1.4 times what a quantity list page draws (the unit
+// prices and sums besides the same rows); the other pages count alike.
+int halfway(const PrintRun& run) {
+    auto weight = [&](int p) { return run.entry(p).document == doc::Costs ? 1.4 : 1.0; };
+    const int total = run.TotalPages();
+    double all = 0;
+    for (int p = 1; p <= total; ++p)
+        all += weight(p);
+    double done = 0;
+    for (int p = 1; p < total; ++p) {
+        done += weight(p);
+        if (done >= all / 2) return p;
+    }
+    return total;
+}
+
+} // namespace
+
+PdfProperties DocumentProperties(const PrintRun& run, const PdfOptions& options) {
+    PdfProperties p;
+    const Selection& selection = run.selection();
+    QStringList documents;
+    int firstDocument = -1;
+    for (int d = 0; d < kDocumentCount; ++d) {
+        if (!selection.DocumentSelected[d]) continue;
+        if (firstDocument < 0) firstDocument = d;
+        QString title = DocumentTitle(d, selection.WorkPhaseFilter[d]);
+        // The cards have no title on their page; their box names them.
+        if (title.isEmpty()) title = SelectionCaption(d).mid(3);
+        documents << title;
+    }
+    if (run.comparison()) documents << DocumentTitle(doc::Comparison, QString());
+    const QString bridge = run.source().basicText(0).trimmed();
+    p.title = documents.join(QStringLiteral(", "));
+    if (!bridge.isEmpty()) p.title = bridge + QStringLiteral(" – ") + p.title;
+    if (firstDocument >= 0) p.author = PartiesOf(run, firstDocument).drewUp.trimmed();
+    p.subject = QStringLiteral("TAMRIK-projekti");
+    if (!options.projectFile.isEmpty())
+        p.subject += QLatin1Char(' ') + QFileInfo(options.projectFile).fileName();
+    p.creator = QStringLiteral("TAMRIK 2006 ") + QStringLiteral(TAMRIK_VERSION);
+    p.producer = QStringLiteral("Qt ") + QString::fromLatin1(qVersion()) + QStringLiteral(", qpdf ") +
+                 QString::fromStdString(QPDF::QPDFVersion());
+    // Whole seconds: the information dictionary and the XMP cannot say more.
+    p.created = options.created;
+    p.created.setTime(QTime(p.created.time().hour(), p.created.time().minute(), p.created.time().second()));
+    return p;
+}
+
 OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout& layout, int resolution,
-                      const Progress& progress, QString* error) {
+                      const Progress& progress, QString* error, const PdfOptions& options) {
     QSaveFile file(fileName);
     auto fail = [&](const QString& why) {
         if (error)
@@ -15,19 +249,75 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
         return OutputResult::DeviceFailed;
     };
     if (!file.open(QIODevice::WriteOnly)) return fail(file.errorString());
+    // Qt writes the pages into memory; the file gets them with their outline.
+    auto pdfWriter = [&](QIODevice* out) {
+        auto writer = std::make_unique<QPdfWriter>(out);
+        writer->setCreator(QStringLiteral("TAMRIK 2006"));
+        writer->setTitle(QFileInfo(fileName).completeBaseName());
+        if (options.archival) writer->setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
+        writer->setResolution(resolution);
+        writer->setPageLayout(layout);
+        return writer;
+    };
+    QBuffer head;
+    head.open(QIODevice::WriteOnly);
+    QByteArray tail;
     OutputResult result;
     {
-        QPdfWriter writer(&file);
-        writer.setCreator(QStringLiteral("TAMRIK 2006"));
-        writer.setTitle(QFileInfo(fileName).completeBaseName());
-        writer.setResolution(resolution);
-        writer.setPageLayout(layout);
-        result = run.PrintAllDocuments(writer, progress);
+        std::unique_ptr<QPdfWriter> writer = pdfWriter(&head);
+        result = run.PaginateFor(*writer, progress);
+        const int total = run.TotalPages();
+        // Pages are drawn independently: a long run is drawn half on another thread, into a
+        // PDF of its own that qpdf joins to the first. Qt compresses each page as it ends it, so
+        // both halves' drawing and compressing go on at once.
+        const int split = result == OutputResult::Printed && options.parallelFrom > 0 &&
+                                  total >= options.parallelFrom && QThread::idealThreadCount() > 1
+                              ? halfway(run)
+                              : total;
+        if (result == OutputResult::Printed && split < total) {
+            std::unique_ptr<PrintRun> copy = run.drawingCopy();
+            std::atomic<int> tailDrawn{0};
+            std::atomic<bool> cancel{false};
+            OutputResult tailResult = OutputResult::Cancelled;
+            std::thread worker([&] {
+                QBuffer buffer;
+                buffer.open(QIODevice::WriteOnly);
+                {
+                    std::unique_ptr<QPdfWriter> tailWriter = pdfWriter(&buffer);
+                    tailResult = copy->PrintPages(*tailWriter, split + 1, total, [&](int, double) {
+                        ++tailDrawn;
+                        return !cancel;
+                    });
+                }
+                tail = buffer.data();
+            });
+            // The caller hears of the pages of both halves from this thread.
+            result = run.PrintPages(*writer, 1, split, [&](int p, double) {
+                const int drawn = p + tailDrawn;
+                if (progress && !progress(drawn, static_cast<double>(drawn) / total)) cancel = true;
+                return !cancel;
+            });
+            if (result != OutputResult::Printed) cancel = true;
+            worker.join();
+            if (result == OutputResult::Printed) result = tailResult;
+            for (const QString& message : copy->messages())
+                run.inform(message);
+        } else if (result == OutputResult::Printed) {
+            result = run.PrintPages(*writer, 1, total, progress);
+        }
     }
     // An unfinished file is thrown away with the save file.
     if (result != OutputResult::Printed) {
         file.cancelWriting();
         return result == OutputResult::DeviceFailed ? fail(file.errorString()) : result;
+    }
+    try {
+        finishPdf(head.data(), tail, RunOutline(run), DocumentProperties(run, options), options.archival,
+                  file);
+    } catch (const std::exception& e) {
+        file.cancelWriting();
+        return fail(file.error() != QFileDevice::NoError ? file.errorString()
+                                                         : QString::fromLocal8Bit(e.what()));
     }
     if (!file.commit()) return fail(file.errorString());
     return OutputResult::Printed;

@@ -84,6 +84,41 @@ QString DocumentTitle(int document, const QString& workPhase) {
     }
 }
 
+QString SelectionCaption(int document, const QString& workPhase) {
+    static const char* const captions[kDocumentCount] = {"&1 Määräluettelo",
+                                                         "&2 Kustannusarvio",
+                                                         "&3 Siltakohtaiset laatuvaatimukset",
+                                                         "&4 Rakennussuunnitelmaselotus",
+                                                         "&5 Ominaistietokortti",
+                                                         "&6 Panostilakortti",
+                                                         "&7 Koodaussuunnitelma",
+                                                         "&A Laatuvaatimukset: kaikki",
+                                                         "&B Urakan laatusuunnitelma",
+                                                         "&C Laatusuunnitelmat: kaikki",
+                                                         "&D Tarkastus- ja mittausraportit: kaikki",
+                                                         "&E Poikkeamaraportit: kaikki",
+                                                         "&F Sillan laaturaportti"};
+    if (document < 0 || document >= kDocumentCount) return QString();
+    const QString prefix = WorkPhasePrefix(document);
+    if (!workPhase.isEmpty() && !prefix.isEmpty()) return prefix + workPhase;
+    return QString::fromUtf8(captions[document]);
+}
+
+QString WorkPhasePrefix(int document) {
+    switch (document) {
+        case doc::AllRequirements:
+            return QStringLiteral("&A Laatuvaatimukset: ");
+        case doc::QualityPlans:
+            return QStringLiteral("&C Laatusuunitelmat: ");
+        case doc::Inspections:
+            return QStringLiteral("&D Tarkastus- ja mittausraportit: ");
+        case doc::Deviations:
+            return QStringLiteral("&E Poikkeamaraportit: ");
+        default:
+            return QString();
+    }
+}
+
 PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSettings settings)
     : m_source(source)
     , m_selection(selection)
@@ -91,6 +126,32 @@ PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSetting
     , m_device(MetricsOf(DefaultPageLayout(), kDefaultResolution)) {}
 
 PrintRun::~PrintRun() = default;
+
+std::unique_ptr<PrintRun> PrintRun::drawingCopy() const {
+    // The pictures get renderings of their own; the lists are only read.
+    auto source = std::make_unique<PrintSource>(m_source);
+    for (platform::Picture& picture : source->pictures)
+        picture = picture.detached();
+    PrintSettings settings = m_settings;
+    settings.logo = settings.logo.detached();
+    auto copy = std::make_unique<PrintRun>(*source, m_selection, std::move(settings));
+    copy->m_ownSource = std::move(source);
+    // What pagination measured and wrapped is not measured again.
+    copy->m_fonts.shareLayouts(m_fonts);
+    copy->m_wrapped = m_wrapped;
+    copy->m_comparison = m_comparison;
+    copy->m_device = m_device;
+    copy->m_page = m_page;
+    copy->m_pages = m_pages;
+    copy->m_costs = m_costs;
+    copy->m_quality = m_quality;
+    copy->m_litteraWidth = m_litteraWidth;
+    copy->m_costSummaryBlocks = m_costSummaryBlocks;
+    copy->m_textBuffers = m_textBuffers;
+    copy->m_qualityItems = m_qualityItems;
+    copy->m_qualityItemsFound = m_qualityItemsFound;
+    return copy;
+}
 
 void PrintRun::setComparison(const calc::ProjectComparison* comparison) {
     m_comparison = comparison;
@@ -119,11 +180,18 @@ double PrintRun::quantityLitteraWidth() {
 }
 
 QStringList PrintRun::wrap(const QString& text, double size, double width) {
-    bool tooLong = false;
     const float scale = m_page.ScaleX > 0 ? m_page.ScaleX : 1.0f;
-    QStringList lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, width / scale, &tooLong);
-    if (tooLong) inform(kWordTooLong);
-    return lines;
+    WrapKey key{text, size, width / scale};
+    auto it = m_wrapped.constFind(key);
+    if (it == m_wrapped.constEnd()) {
+        // A long list has many distinct cells; the cache starts again rather than growing on.
+        if (m_wrapped.size() >= 200000) m_wrapped.clear();
+        Wrapped w;
+        w.lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, key.width, &w.tooLong);
+        it = m_wrapped.insert(std::move(key), std::move(w));
+    }
+    if (it->tooLong) inform(kWordTooLong);
+    return it->lines;
 }
 
 FittedText PrintRun::fit(const QString& text, const Font& base, double room, double floor, int maxLines) {
@@ -448,6 +516,11 @@ void PrintRun::PrintPage(Surface& surface, int p) {
 }
 
 OutputResult PrintRun::PrintAllDocuments(QPagedPaintDevice& device, const Progress& progress) {
+    const OutputResult ready = PaginateFor(device, progress);
+    return ready == OutputResult::Printed ? PrintPages(device, 1, TotalPages(), progress) : ready;
+}
+
+OutputResult PrintRun::PaginateFor(QPagedPaintDevice& device, const Progress& progress) {
     const DeviceMetrics metrics = MetricsOf(device);
     if (!sameMetrics(metrics, m_device)) m_selection.PaginationStale = true;
     m_device = metrics;
@@ -460,15 +533,19 @@ OutputResult PrintRun::PrintAllDocuments(QPagedPaintDevice& device, const Progre
         default:
             return OutputResult::NothingToPrint;
     }
-    if (TotalPages() == 0) return OutputResult::NothingToPrint;
+    return TotalPages() == 0 ? OutputResult::NothingToPrint : OutputResult::Printed;
+}
+
+OutputResult PrintRun::PrintPages(QPagedPaintDevice& device, int first, int last, const Progress& progress) {
     keepPageBuffersInHeap();
+    const DeviceMetrics metrics = MetricsOf(device);
     QPainter painter;
     if (!painter.begin(&device)) return OutputResult::DeviceFailed;
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     Surface surface(m_fonts, painter, metrics.dpiX, metrics.dpiY, QPointF(0, 0), AdjustLineWidth(metrics));
     const int total = TotalPages();
-    for (int p = 1; p <= total; ++p) {
-        if (p > 1) device.newPage();
+    for (int p = first; p <= last; ++p) {
+        if (p > first) device.newPage();
         PrintPage(surface, p);
         if (progress && !progress(p, static_cast<double>(p) / total)) {
             painter.end();

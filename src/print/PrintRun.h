@@ -13,9 +13,11 @@
 #include "print/Surface.h"
 
 #include <QDate>
+#include <QHash>
 #include <QSet>
 #include <QString>
 #include <array>
+#include <memory>
 #include <functional>
 #include <vector>
 
@@ -111,6 +113,10 @@ public:
     ~PrintRun();
     PrintRun(const PrintRun&) = delete;
     PrintRun& operator=(const PrintRun&) = delete;
+    // A run that draws the pages this paginated run laid out, with fonts and caches of its own,
+    // so that part of the pages can be drawn on another thread: drawing only reads the source,
+    // the selection and the page table. Its messages are kept in messages() for the caller.
+    std::unique_ptr<PrintRun> drawingCopy() const;
 
     // Messages for the user (a damaged picture, a word too long for its line, ...), each shown
     // once in a run. Without a handler they are kept in messages().
@@ -140,6 +146,11 @@ public:
     // device's paper differs from the run's), then draws every page, a new sheet before each but
     // the first.
     OutputResult PrintAllDocuments(QPagedPaintDevice& device, const Progress& progress = {});
+    // PrintAllDocuments in two steps: the pagination for the device (Printed when there are
+    // pages to draw), then the pages first .. last drawn at scale 1, a new sheet before each but
+    // the first; `progress` hears of each page drawn.
+    OutputResult PaginateFor(QPagedPaintDevice& device, const Progress& progress = {});
+    OutputResult PrintPages(QPagedPaintDevice& device, int first, int last, const Progress& progress = {});
 
     // The preview: page p at the current scale, the paper's top-left corner at `paper` in the
     // painter's pixels (15 twips to a pixel at scale 1).
@@ -175,7 +186,8 @@ public:
     // The printing font at `size` points times the scale.
     Font font(double size, bool bold = false, bool italic = false) const;
     // The lines of a text wrapped to a width (target twips) at `size` points of the printing
-    // font, measured at scale 1. A word too long for its line is reported.
+    // font, measured at scale 1. A word too long for its line is reported. Kept for the run:
+    // pagination wraps every cell, and each page wraps its header again.
     QStringList wrap(const QString& text, double size, double width);
     // A value in a cell `width` twips wide, in `font`, both at scale 1: at the font's size when
     // it fits, else at the largest half point down to `floor` that holds it on one line, else
@@ -196,6 +208,7 @@ private:
     bool progressed(int page);
 
     const PrintSource& m_source;
+    std::unique_ptr<PrintSource> m_ownSource; // a drawing copy's source
     Selection& m_selection;
     const calc::ProjectComparison* m_comparison = nullptr;
     PrintSettings m_settings;
@@ -205,6 +218,20 @@ private:
     std::vector<PageEntry> m_pages;
     calc::CostRecord m_costs;
     calc::QualityRecord m_quality;
+    struct WrapKey {
+        QString text;
+        double size;
+        double width;
+        bool operator==(const WrapKey&) const = default;
+        friend size_t qHash(const WrapKey& k, size_t seed = 0) noexcept {
+            return qHashMulti(seed, k.text, k.size, k.width);
+        }
+    };
+    struct Wrapped {
+        QStringList lines;
+        bool tooLong = false;
+    };
+    QHash<WrapKey, Wrapped> m_wrapped;
     std::function<void(const QString&)> m_inform;
     QStringList m_messages;
     QSet<QString> m_shown;
@@ -223,5 +250,12 @@ private:
 // The title of a document as its pages show it (the work phase of documents 7, 9, 10 and 11
 // included). Cards have no title.
 QString DocumentTitle(int document, const QString& workPhase);
+// The caption of a document's box in the selection dialog, with its access key ("&1
+// Määräluettelo"); for documents 7, 9, 10 and 11 limited to a work phase, the prefix of the
+// box followed by the phase.
+QString SelectionCaption(int document, const QString& workPhase = QString());
+// The prefix that a chosen work phase follows in the caption of box 7, 9, 10 or 11; empty for
+// the other boxes.
+QString WorkPhasePrefix(int document);
 
 } // namespace print

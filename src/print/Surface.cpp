@@ -14,15 +14,15 @@ namespace {
 // Faces are measured at this pixel size, large enough that their advances are the design ones.
 constexpr double kReferencePixels = 2048;
 constexpr double kTwipsPerPoint = 20;
-// Kept widths per face before the cache starts again (a long list has many distinct texts).
-constexpr qsizetype kMaxCachedWidths = 200000;
+// Kept texts per face before the cache starts again (a long list has many distinct texts).
+constexpr qsizetype kMaxShapedTexts = 200000;
 } // namespace
 
 struct FontBook::Face {
     QRawFont reference;
     double ascent = 0; // ems
     double descent = 0;
-    QHash<QString, double> widths; // ems
+    QHash<QString, FontBook::Shaped> shaped;
     std::map<long long, QRawFont> sized;
 };
 
@@ -51,7 +51,16 @@ FontBook::Face& FontBook::face(const Font& font) {
         f->ascent = 0.905;
         f->descent = 0.212;
     }
+    if (auto shared = m_sharedLayouts.find(key); shared != m_sharedLayouts.end()) {
+        f->shaped = std::move(shared->second);
+        m_sharedLayouts.erase(shared);
+    }
     return *m_faces.emplace(key, std::move(f)).first->second;
+}
+
+void FontBook::shareLayouts(const FontBook& other) {
+    for (const auto& [key, face] : other.m_faces)
+        if (m_faces.find(key) == m_faces.end()) m_sharedLayouts.insert_or_assign(key, face->shaped);
 }
 
 const QRawFont& FontBook::rawFont(Face& face, double pixelSize) {
@@ -63,37 +72,29 @@ const QRawFont& FontBook::rawFont(Face& face, double pixelSize) {
     return face.sized.emplace(key, raw).first->second;
 }
 
-void FontBook::layout(Face& face, const QString& text, QList<quint32>& glyphs,
-                      std::vector<double>& advances) {
-    glyphs = face.reference.glyphIndexesForString(text);
-    const QList<QPointF> a =
-        face.reference.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
-    advances.resize(glyphs.size());
-    for (qsizetype i = 0; i < glyphs.size(); ++i)
-        advances[i] = i < a.size() ? a[i].x() / kReferencePixels : 0;
+const FontBook::Shaped& FontBook::shape(Face& face, const QString& text) {
+    auto it = face.shaped.constFind(text);
+    if (it != face.shaped.constEnd()) return *it;
+    if (face.shaped.size() >= kMaxShapedTexts) face.shaped.clear();
+    Shaped s;
+    if (!face.reference.isValid()) {
+        s.em = 0.5 * text.size();
+    } else {
+        s.glyphs = face.reference.glyphIndexesForString(text);
+        const QList<QPointF> a = face.reference.advancesForGlyphIndexes(
+            s.glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
+        s.advances.resize(s.glyphs.size());
+        for (qsizetype i = 0; i < s.glyphs.size(); ++i) {
+            s.advances[i] = i < a.size() ? a[i].x() / kReferencePixels : 0;
+            s.em += s.advances[i];
+        }
+    }
+    return *face.shaped.insert(text, std::move(s));
 }
 
 double FontBook::width(const Font& font, const QString& text) {
     if (text.isEmpty()) return 0;
-    Face& f = face(font);
-    double em = 0;
-    auto it = f.widths.constFind(text);
-    if (it != f.widths.constEnd()) {
-        em = *it;
-    } else {
-        if (!f.reference.isValid()) {
-            em = 0.5 * text.size();
-        } else {
-            QList<quint32> glyphs;
-            std::vector<double> advances;
-            layout(f, text, glyphs, advances);
-            for (double a : advances)
-                em += a;
-        }
-        if (f.widths.size() >= kMaxCachedWidths) f.widths.clear();
-        f.widths.insert(text, em);
-    }
-    return em * font.size * kTwipsPerPoint;
+    return shape(face(font), text).em * font.size * kTwipsPerPoint;
 }
 
 double FontBook::height(const Font& font) {
@@ -143,14 +144,14 @@ void Surface::text(double x, double y, const QString& text) {
         m_runFace = &face;
         m_runPixelSize = pixelSize;
     }
-    m_fonts.layout(face, text, m_glyphs, m_advances);
+    const FontBook::Shaped& shaped = m_fonts.shape(face, text);
     const double twipsPerEm = m_font.size * kTwipsPerPoint;
     const double baseline = y + face.ascent * twipsPerEm;
     double pen = x;
-    for (qsizetype i = 0; i < m_glyphs.size(); ++i) {
-        m_runGlyphs.append(m_glyphs[i]);
+    m_runGlyphs.append(shaped.glyphs);
+    for (qsizetype i = 0; i < shaped.glyphs.size(); ++i) {
         m_runPositions.append(toDevice(pen, baseline));
-        pen += m_advances[i] * twipsPerEm;
+        pen += shaped.advances[i] * twipsPerEm;
     }
 }
 

@@ -31,8 +31,9 @@ struct Font {
     bool italic = false;
 };
 
-// The fonts of a print run and their measures. Widths of texts are kept, since the reports
-// measure the same words again and again.
+// The fonts of a print run and their measures. Each distinct text is laid out once per face
+// and kept (its glyphs, their advances and its width): the reports measure the same words
+// again and again, pagination measures every row, and drawing puts down what was measured.
 class FontBook {
 public:
     FontBook();
@@ -50,11 +51,23 @@ public:
     Face& face(const Font& font);
     // The face at a size in device pixels, for drawing.
     const QRawFont& rawFont(Face& face, double pixelSize);
-    // The design advances of a text's glyphs, in ems.
-    void layout(Face& face, const QString& text, QList<quint32>& glyphs, std::vector<double>& advances);
+    // A text laid out in a face: its glyphs with their design advances (kerned), and their sum,
+    // in ems. Valid until the next call.
+    struct Shaped {
+        QList<quint32> glyphs;
+        std::vector<double> advances;
+        double em = 0;
+    };
+    const Shaped& shape(Face& face, const QString& text);
+
+    // The texts `other` has laid out, for a book on another thread: its faces are made again
+    // when first used (a face's font engine serves the thread that made it), the laid-out
+    // texts are shared until either book adds one.
+    void shareLayouts(const FontBook& other);
 
 private:
     std::map<QString, std::unique_ptr<Face>> m_faces;
+    std::map<QString, QHash<QString, Shaped>> m_sharedLayouts;
 };
 
 // One text that a surface put down: for tests and for finding what a page shows.
@@ -124,8 +137,6 @@ private:
     double m_runPixelSize = 0;
     QList<quint32> m_runGlyphs;
     QList<QPointF> m_runPositions;
-    QList<quint32> m_glyphs;
-    std::vector<double> m_advances;
 };
 
 } // namespace print

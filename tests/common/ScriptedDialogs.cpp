@@ -54,6 +54,7 @@ QStringList ScriptedDialogs::files(const platform::FileRequest& request) {
     }
     QStringList f = m_files.front();
     m_files.pop_front();
+    if (request.option && nextOption && !f.isEmpty()) *request.option = *nextOption;
     return f;
 }
 

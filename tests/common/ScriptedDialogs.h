@@ -37,6 +37,8 @@ public:
     }
     bool allAnswersUsed() const { return m_answers.empty() && m_files.empty(); }
 
+    // The state a file dialog's check box is left in when a file is chosen; unset leaves it.
+    std::optional<bool> nextOption;
     std::optional<QFont> nextFont;
     std::optional<QColor> nextColor;
     // While set, a message takes the focus as a real message box does: a window of its own is

@@ -4,6 +4,8 @@
 #include "calc/CalcLists.h"
 #include "calc/ProjectCompare.h"
 #include "print/Comparison.h"
+#include "print/Outline.h"
+#include "print/PdfOutput.h"
 #include "print/PrintFixtures.h"
 #include "print/Reports.h"
 
@@ -162,4 +164,20 @@ TEST(ComparisonPrint, ALandscapeFrontPageKeepsThePartiesAboveTheSignatures) {
     const double lh = run->page().LineHeight11;
     if (const print::TextItem* client = find(front, QStringLiteral("TILAAJA")))
         EXPECT_LE(client->y + lh, signatures->y - 1.5 * lh + 1);
+}
+
+TEST(ComparisonPrint, ThePdfHasABookmarkAndATitleForTheComparison) {
+    TestProject t;
+    t.setQuantities({entry(QStringLiteral("Kaivu"))});
+    const calc::ProjectComparison c = comparison(3, false);
+    auto run = t.run({print::doc::Quantities});
+    run->setComparison(&c);
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const std::vector<print::Bookmark> outline = print::RunOutline(*run);
+    ASSERT_EQ(outline.size(), 2u);
+    EXPECT_EQ(outline[0].title, QStringLiteral("1 Määräluettelo"));
+    EXPECT_EQ(outline[1].title, QStringLiteral("Muutosvertailu"));
+    EXPECT_EQ(outline[1].page, 3);
+    EXPECT_EQ(print::DocumentProperties(*run, {}).title,
+              QStringLiteral("Kirkkojoen silta – Sillan määräluettelo, Muutosvertailu"));
 }

@@ -4,11 +4,13 @@
 #include "common/TestSupport.h"
 #include "persist/ProjectFile.h"
 #include "platform/TextFile.h"
+#include "print/PrintRun.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <functional>
+#include <memory>
 
 namespace print_test {
 
@@ -54,6 +56,28 @@ inline int printToPdf(const QString& project, const QString& out, const QString&
 inline QString sampleProject() {
     return testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
 }
+
+// The sample project read in the test's own process with every document selected and the
+// settings `tamrik print` uses (the shipped logo and card layouts). `read` is false when the
+// project could not be read.
+struct SampleRun {
+    persist::ProjectFile project;
+    bool read = persist::ReadProjectFile(sampleProject(), false, project, nullptr);
+    print::ProjectSource source = print::SourceFromProject(project);
+    print::Selection selection = [] {
+        print::Selection s;
+        for (int d = 0; d < print::kDocumentCount; ++d)
+            s.DocumentSelected[d] = true;
+        return s;
+    }();
+    print::PrintRun run{source.source, selection, [] {
+                            print::PrintSettings s;
+                            s.appPath = testing_support::dataDir();
+                            s.logo = platform::Picture::fromFile(testing_support::dataDir() +
+                                                                 QStringLiteral("Tamrik2006-logo.wmf"));
+                            return s;
+                        }()};
+};
 
 // Writes the sample project to `file` with its content changed by `change` (the pictures stay).
 inline bool writeSampleVariant(const QString& file,

@@ -87,17 +87,9 @@ TEST(Pdf, TheCommandLinePrintsTheSampleProjectAsThePreviewShowsIt) {
     ASSERT_EQ(status, 0) << err.toStdString();
 
     // The same project paginated here, and its preview pages.
-    persist::ProjectFile project;
-    ASSERT_TRUE(persist::ReadProjectFile(sample, false, project, nullptr));
-    print::ProjectSource source = print::SourceFromProject(project);
-    print::Selection selection;
-    for (int d = 0; d < print::kDocumentCount; ++d)
-        selection.DocumentSelected[d] = true;
-    print::PrintSettings settings;
-    settings.appPath = testing_support::dataDir();
-    settings.logo =
-        platform::Picture::fromFile(testing_support::dataDir() + QStringLiteral("Tamrik2006-logo.wmf"));
-    print::PrintRun preview(source.source, selection, settings);
+    print_test::SampleRun sampleRun;
+    ASSERT_TRUE(sampleRun.read);
+    print::PrintRun& preview = sampleRun.run;
     ASSERT_EQ(preview.PageCount(), print::PageCountResult::Done);
     const int pages = preview.TotalPages();
     ASSERT_EQ(pdfPages(out), pages);

@@ -180,6 +180,49 @@ TEST(Form11, PdfButtonWritesTheRunAndPreviewOpensOnItsPages) {
     EXPECT_EQ(session.pdfFolder, dir.path());
 }
 
+TEST(Form11, ThePdfSaveOffersAnArchivalPdfAndAFailedWriteIsReported) {
+    testing_support::ScriptedDialogs dialogs;
+    QTemporaryDir dir;
+    TestHost host;
+    host.project.setQuantities({entry(QStringLiteral("Kaivu"))});
+    print::ui::PrintSession session;
+    session.selection.DocumentSelected[print::doc::Quantities] = true;
+    auto xmpOf = [](const QString& file) {
+        QFile f(file);
+        return f.open(QIODevice::ReadOnly) ? QString::fromLatin1(f.readAll()) : QString();
+    };
+    {
+        // The save dialog's check box starts unchecked; checked, the file is PDF/A.
+        Form11 dialog(host, session);
+        const QString file = dir.filePath(QStringLiteral("arkisto.pdf"));
+        dialogs.chooseFile(file);
+        dialogs.nextOption = true;
+        dialog.printToPdf();
+        ASSERT_EQ(dialogs.fileRequests().size(), 1u);
+        EXPECT_EQ(dialogs.fileRequests()[0].optionText, QStringLiteral("PDF/A (arkistointi)"));
+        EXPECT_TRUE(xmpOf(file).contains(QStringLiteral("<pdfaid:part>1</pdfaid:part>")));
+        EXPECT_TRUE(session.pdfArchival);
+        EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    }
+    {
+        // The next save starts as the last was left. A folder that takes no file: a message
+        // that names the file, no file, and the dialog stays open.
+        dialogs.clear();
+        dialogs.nextOption.reset();
+        Form11 dialog(host, session);
+        const QString file = dir.filePath(QStringLiteral("ei/kansiota.pdf"));
+        dialogs.chooseFile(file);
+        dialog.printToPdf();
+        ASSERT_EQ(dialogs.fileRequests().size(), 1u);
+        EXPECT_TRUE(session.pdfArchival);
+        EXPECT_TRUE(
+            dialogs.lastText().startsWith(QStringLiteral("Tiedostoa %1 ei voi kirjoittaa: ").arg(file)))
+            << dialogs.lastText().toStdString();
+        EXPECT_FALSE(QFile::exists(file));
+        EXPECT_EQ(dialog.result(), 0);
+    }
+}
+
 TEST(Form11, PrinterSettingsThatChangeThePaperMakeThePaginationStale) {
     TestHost host;
     host.project.setQuantities({entry(QStringLiteral("Kaivu"))});

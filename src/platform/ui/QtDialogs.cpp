@@ -1,10 +1,12 @@
 #include "platform/ui/QtDialogs.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QAbstractButton>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -101,7 +103,17 @@ public:
             dlg.setAcceptMode(QFileDialog::AcceptOpen);
             dlg.setFileMode(r.multiple ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
         }
+        QCheckBox* option = nullptr;
+        if (r.option) {
+            // Qt's own dialog, whose grid takes one more row; a native one has no room for it.
+            dlg.setOption(QFileDialog::DontUseNativeDialog);
+            option = new QCheckBox(r.optionText, &dlg);
+            option->setChecked(*r.option);
+            if (auto* grid = qobject_cast<QGridLayout*>(dlg.layout()))
+                grid->addWidget(option, grid->rowCount(), 0, 1, grid->columnCount());
+        }
         if (dlg.exec() != QDialog::Accepted) return {};
+        if (option) *r.option = option->isChecked();
         return dlg.selectedFiles();
     }
 

@@ -25,20 +25,6 @@ namespace print::ui {
 
 namespace {
 
-const char* const kCaptions[kDocumentCount] = {"&1 Määräluettelo",
-                                               "&2 Kustannusarvio",
-                                               "&3 Siltakohtaiset laatuvaatimukset",
-                                               "&4 Rakennussuunnitelmaselotus",
-                                               "&5 Ominaistietokortti",
-                                               "&6 Panostilakortti",
-                                               "&7 Koodaussuunnitelma",
-                                               "&A Laatuvaatimukset: kaikki",
-                                               "&B Urakan laatusuunnitelma",
-                                               "&C Laatusuunnitelmat: kaikki",
-                                               "&D Tarkastus- ja mittausraportit: kaikki",
-                                               "&E Poikkeamaraportit: kaikki",
-                                               "&F Sillan laaturaportti"};
-
 // The boxes whose document can be limited to one work phase, and their buttons.
 constexpr int kPhaseBoxes[4] = {doc::AllRequirements, doc::QualityPlans, doc::Inspections, doc::Deviations};
 
@@ -82,22 +68,11 @@ struct WaitCursor {
 } // namespace
 
 QString Form11::designCaption(int document) {
-    return document >= 0 && document < kDocumentCount ? QString::fromUtf8(kCaptions[document]) : QString();
+    return SelectionCaption(document);
 }
 
 QString Form11::workPhasePrefix(int document) {
-    switch (document) {
-        case doc::AllRequirements:
-            return QStringLiteral("&A Laatuvaatimukset: ");
-        case doc::QualityPlans:
-            return QStringLiteral("&C Laatusuunitelmat: ");
-        case doc::Inspections:
-            return QStringLiteral("&D Tarkastus- ja mittausraportit: ");
-        case doc::Deviations:
-            return QStringLiteral("&E Poikkeamaraportit: ");
-        default:
-            return QString();
-    }
+    return WorkPhasePrefix(document);
 }
 
 Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
@@ -412,10 +387,17 @@ void Form11::printToPdf() {
                         : project.isAbsolute()         ? project.absolutePath()
                                                        : QDir::homePath();
     request.fileName = project.completeBaseName() + QStringLiteral(".pdf");
+    bool archival = m_session.pdfArchival;
+    request.optionText = QStringLiteral("PDF/A (arkistointi)");
+    request.option = &archival;
     const QStringList files = platform::Dialogs::instance().files(request);
     if (files.isEmpty()) return;
     const QString file = files.first();
     m_session.pdfFolder = QFileInfo(file).absolutePath();
+    m_session.pdfArchival = archival;
+    PdfOptions options;
+    options.archival = archival;
+    options.projectFile = m_project->fileName;
     m_run->setDevice(m_session.metrics());
     if (!paginate()) return;
     QPrinter& printer = m_session.printer();
@@ -427,7 +409,7 @@ void Form11::printToPdf() {
                  progress.callback([&progress, total](int page) {
                      progress.setLabel(QStringLiteral("Tulostaa sivua %1 / %2").arg(page).arg(total));
                  }),
-                 &error);
+                 &error, options);
     if (result == OutputResult::DeviceFailed) platform::MsgBox(error, platform::MsgIcon::Exclamation);
     if (result == OutputResult::Printed) accept();
 }

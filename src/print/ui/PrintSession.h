@@ -23,8 +23,10 @@ public:
     QPrinter& printer();
     bool printerInstalled() const;
     DeviceMetrics metrics();
-    // The folder of the last PDF file written.
+    // The folder of the last PDF file written, and whether it was an archival PDF (the save
+    // dialog's "PDF/A (arkistointi)" starts as it was left).
     QString pdfFolder;
+    bool pdfArchival = false;
 
     // The printer dialog, replaceable by tests: mode 0 the print dialog, mode 1 the printer's
     // page settings. Returns false when the user cancelled.
