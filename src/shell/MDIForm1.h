@@ -82,6 +82,7 @@ public:
     void openRecoveredProject(const QString& copy, const QString& project);
     // The autosave of this program's projects.
     Recovery& recovery() { return *m_recovery; }
+    ProjectLocks& projectLocks() { return *m_locks; }
 
     // DocumentHost
     AppState& appState() override { return m_state; }

@@ -6,11 +6,15 @@
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
 
+#include <QFileInfo>
+
 namespace shell {
 
 namespace {
-// A lock is renewed well within the age after which another host's lock counts as stale.
-constexpr int kRenewMs = 60 * 60 * 1000;
+// The locks are looked at every minute, so that one that went missing is back soon; a lock is
+// rewritten well within the age after which another host's lock counts as stale.
+constexpr int kCheckMs = 60 * 1000;
+constexpr qint64 kRenewSecs = 6 * 3600;
 
 // The other program's live lock on `file`; none when the file is free, the lock is stale or ours.
 std::optional<platform::LockOwner> foreignLock(const QString& file) {
@@ -24,7 +28,7 @@ ProjectLocks::ProjectLocks(MDIForm1& main)
     : QObject(&main)
     , m_main(main) {
     connect(&main, &MDIForm1::projectsChanged, this, &ProjectLocks::sync);
-    m_renew.setInterval(kRenewMs);
+    m_renew.setInterval(kCheckMs);
     m_renew.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_renew, &QTimer::timeout, this, &ProjectLocks::renew);
     m_renew.start();
@@ -39,7 +43,9 @@ void ProjectLocks::sync() {
     std::set<QString> open;
     for (documents::ProjectWindow* w : m_main.projectWindows()) {
         const ParsedCaption c = ParseFileName(w->caption());
-        if (!c.directory.isEmpty()) open.insert(c.project());
+        // A name without a file (a recovered version not saved yet) has nothing to guard; it
+        // gets its lock when it is saved.
+        if (!c.directory.isEmpty() && QFileInfo::exists(c.project())) open.insert(c.project());
     }
     for (auto it = m_held.begin(); it != m_held.end();) {
         if (open.count(*it)) {
@@ -56,7 +62,9 @@ void ProjectLocks::sync() {
 void ProjectLocks::renew() {
     for (const QString& file : m_held) {
         const std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
-        if (!owner || platform::isOwnLock(*owner)) platform::writeProjectLock(file);
+        if (!owner ||
+            (platform::isOwnLock(*owner) && owner->time.secsTo(QDateTime::currentDateTimeUtc()) > kRenewSecs))
+            platform::writeProjectLock(file);
     }
 }
 

@@ -27,9 +27,11 @@ public:
     // Asks before saving over a file that another running program has open; true to save.
     static bool mayWriteOver(const QString& file);
 
-private:
+    // Writes this program's lock again where it went missing (another program opened the
+    // project anyway and closed it, taking the lock file with it) or where it grows old.
     void renew();
 
+private:
     MDIForm1& m_main;
     std::set<QString> m_held;
     QTimer m_renew;

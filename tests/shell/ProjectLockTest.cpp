@@ -7,6 +7,7 @@
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
 #include "shell/ProjectFiles.h"
+#include "shell/ProjectLocks.h"
 
 #include <QFile>
 #include <QProcess>
@@ -87,6 +88,17 @@ TEST_F(ProjectLockTest, AProjectOpenInAnotherProgramIsRefusedWithTheChoices) {
     EXPECT_TRUE(isOpen());
     EXPECT_TRUE(platform::isOwnLock(*platform::readProjectLock(file)));
 
+    // The first program keeps its project open while this one has taken the lock over; when
+    // the lock file goes (this program opened it anyway and closed it), the first writes it
+    // again, and a live lock of another program is left alone.
+    lockBy(QSysInfo::machineHostName(), 1, QDateTime::currentDateTime());
+    main->projectLocks().renew();
+    EXPECT_EQ(platform::readProjectLock(file)->pid, 1);
+    ASSERT_TRUE(QFile::remove(platform::projectLockPath(file)));
+    main->projectLocks().renew();
+    ASSERT_TRUE(platform::readProjectLock(file));
+    EXPECT_TRUE(platform::isOwnLock(*platform::readProjectLock(file)));
+
     // Closing the project gives the lock up.
     main->activateWindow(main->projectWindowsOf(ParseFileName(file).project()).f1);
     EXPECT_FALSE(main->UnloadActiveProject());
@@ -124,6 +136,22 @@ TEST_F(ProjectLockTest, AStaleLockIsTakenOverWithoutAQuestion) {
     EXPECT_TRUE(QFile::exists(platform::projectLockPath(other)));
     TearDown();
     EXPECT_FALSE(QFile::exists(platform::projectLockPath(other)));
+    SetUp();
+}
+
+// A recovered version comes back under a name of its own that no file has yet: no lock file
+// appears beside the project for it until it is saved under that name.
+TEST_F(ProjectLockTest, ARecoveredVersionWithoutAFileLeavesNoLockUntilSaved) {
+    const QString copy = dir.filePath(QStringLiteral("kopio.sl"));
+    ASSERT_TRUE(QFile::copy(file, copy));
+    const QString version = dir.filePath(QStringLiteral("Yhteinen silta (palautettu 1).sl"));
+    main->openRecoveredProject(copy, version);
+    ASSERT_TRUE(main->projectWindowsOf(version).complete());
+    EXPECT_FALSE(QFile::exists(platform::projectLockPath(version)));
+    ASSERT_TRUE(WriteSlFile(*main, version, version, false));
+    EXPECT_TRUE(QFile::exists(platform::projectLockPath(version)));
+    TearDown();
+    EXPECT_FALSE(QFile::exists(platform::projectLockPath(version)));
     SetUp();
 }
 
