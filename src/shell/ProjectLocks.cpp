@@ -16,12 +16,6 @@ namespace {
 constexpr int kCheckMs = 60 * 1000;
 constexpr qint64 kRenewSecs = 6 * 3600;
 
-// The other program's live lock on `file`; none when the file is free, the lock is stale or ours.
-std::optional<platform::LockOwner> foreignLock(const QString& file) {
-    std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
-    if (!owner || platform::isOwnLock(*owner) || platform::isStaleLock(*owner)) return std::nullopt;
-    return owner;
-}
 } // namespace
 
 ProjectLocks::ProjectLocks(MDIForm1& main)
@@ -68,8 +62,14 @@ void ProjectLocks::renew() {
     }
 }
 
+std::optional<platform::LockOwner> ProjectLocks::openElsewhere(const QString& file) {
+    std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
+    if (!owner || platform::isOwnLock(*owner) || platform::isStaleLock(*owner)) return std::nullopt;
+    return owner;
+}
+
 ProjectLocks::OpenChoice ProjectLocks::askBeforeOpening(const QString& file) {
-    const std::optional<platform::LockOwner> owner = foreignLock(file);
+    const std::optional<platform::LockOwner> owner = openElsewhere(file);
     if (!owner) return OpenChoice::Edit;
     platform::MessageRequest q;
     q.text =
@@ -95,7 +95,7 @@ ProjectLocks::OpenChoice ProjectLocks::askBeforeOpening(const QString& file) {
 }
 
 bool ProjectLocks::mayWriteOver(const QString& file) {
-    const std::optional<platform::LockOwner> owner = foreignLock(file);
+    const std::optional<platform::LockOwner> owner = openElsewhere(file);
     if (!owner) return true;
     return platform::Ask(QStringLiteral("Tiedosto\r\n\r\n") + file +
                              QStringLiteral("\r\n\r\non avoinna toisessa TAMRIK-ohjelmassa (") +

@@ -3,8 +3,11 @@
 // recovered gets its lock beside it; a project closed or renamed gives it up; the program's
 // end gives up all. A project that another running program has open is refused with the
 // question whether to open it read-only (as a copy without the file's name) or anyway.
+#include "platform/ProjectLock.h"
+
 #include <QObject>
 #include <QTimer>
+#include <optional>
 #include <set>
 
 namespace shell {
@@ -20,6 +23,10 @@ public:
 
     // Follows the open projects: locks the files now open, gives up the others.
     void sync();
+
+    // The owner of another running program's live lock on `file`; none when the file is free,
+    // its lock is stale or this program's own.
+    static std::optional<platform::LockOwner> openElsewhere(const QString& file);
 
     enum class OpenChoice { Edit, ReadOnly, Cancel };
     // Asks when `file` is open in another running program; Edit when it is not.

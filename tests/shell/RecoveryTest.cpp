@@ -6,6 +6,7 @@
 #include "documents/Form2.h"
 #include "lists/ListModel.h"
 #include "persist/ProjectFile.h"
+#include "platform/ProjectLock.h"
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
 #include "shell/Form8.h"
@@ -17,6 +18,7 @@
 #include <QScopeGuard>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <csignal>
@@ -367,6 +369,35 @@ TEST_F(RecoveryTest, TwoVersionsOfOneProjectComeBackUnderNamesOfTheirOwn) {
     EXPECT_FALSE(next->projectWindowsOf(ParseFileName(file).project()).complete());
     EXPECT_EQ(recoveredVersionName(QStringLiteral("/a/b.c/Silta"), 2),
               QStringLiteral("/a/b.c/Silta (palautettu 2)"));
+    closeQuietly(*next);
+}
+
+// A copy of a project that another running program has open now (it was opened anyway in
+// both) came back under the file's own name and took over the other program's lock: two
+// editors of one file again. It comes back under a version name, and the question says why.
+TEST_F(RecoveryTest, AProjectOpenInAnotherProgramComesBackUnderAVersionName) {
+    const QString file = dir.filePath(QStringLiteral("Toisessa auki.sl"));
+    runAndKill(QStringLiteral("Tapetun muutos"), file);
+    const QByteArray lock = "TAMRIK,toinen," + QSysInfo::machineHostName().toUtf8() + ",1," +
+                            QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toLatin1() + '\n';
+    ASSERT_TRUE(platform::writeFileAtomically(platform::projectLockPath(file), lock));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> next = restart();
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    const QString openAs = recoveredVersionName(file, 1);
+    const QString text = dialogs.messages()[0].text;
+    EXPECT_TRUE(text.contains(QStringLiteral("on nyt avoinna toisessa TAMRIK-ohjelmassa (käyttäjä toinen")))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(openAs)) << text.toStdString();
+    const ProjectWindows w = next->projectWindowsOf(openAs);
+    ASSERT_TRUE(w.complete());
+    EXPECT_EQ(w.f1->Text1[0]->text(), QStringLiteral("Tapetun muutos"));
+    EXPECT_FALSE(next->projectWindowsOf(file).complete());
+    QByteArray after;
+    ASSERT_TRUE(platform::readFileBytes(platform::projectLockPath(file), after));
+    EXPECT_EQ(after, lock) << "the other program keeps its lock";
     closeQuietly(*next);
 }
 
