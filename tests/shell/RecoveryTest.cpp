@@ -276,9 +276,6 @@ TEST_F(RecoveryTest, TheIntervalIsASettingAndZeroTurnsTheAutosaveOff) {
     third.Text4->setText(QStringLiteral("12"));
     third.saveAndClose();
     EXPECT_EQ(main->recovery().interval(), 12);
-    // Saved when the dialog is accepted, not only at the end of the run.
-    platform::SettingsStore store;
-    EXPECT_EQ(store.get(QStringLiteral("General"), QStringLiteral("AutosaveMinutes")), QStringLiteral("12"));
 }
 
 // Recovery copies lay in the temporary folder, which many systems empty at boot: the one case
