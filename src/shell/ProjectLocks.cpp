@@ -49,15 +49,23 @@ void ProjectLocks::sync() {
         platform::removeOwnProjectLock(*it);
         it = m_held.erase(it);
     }
-    for (const QString& file : open)
-        if (!m_held.count(file) && platform::writeProjectLock(file)) m_held.insert(file);
+    for (const QString& file : open) {
+        if (!m_held.count(file)) {
+            m_held.insert(file);
+            // Opened anyway while another running program has it: that program's lock stays, so
+            // that closing it here never leaves the other one unguarded. This program writes
+            // its own lock when that one goes.
+            if (!openElsewhere(file)) platform::writeProjectLock(file);
+        }
+    }
 }
 
 void ProjectLocks::renew() {
     for (const QString& file : m_held) {
         const std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
-        if (!owner ||
-            (platform::isOwnLock(*owner) && owner->time.secsTo(QDateTime::currentDateTimeUtc()) > kRenewSecs))
+        const bool mine = owner && platform::isOwnLock(*owner);
+        if (!mine && openElsewhere(file)) continue;
+        if (!mine || owner->time.secsTo(QDateTime::currentDateTimeUtc()) > kRenewSecs)
             platform::writeProjectLock(file);
     }
 }

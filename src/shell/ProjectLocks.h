@@ -34,8 +34,8 @@ public:
     // Asks before saving over a file that another running program has open; true to save.
     static bool mayWriteOver(const QString& file);
 
-    // Writes this program's lock again where it went missing (another program opened the
-    // project anyway and closed it, taking the lock file with it) or where it grows old.
+    // Writes this program's lock where none is (the other program that had the project open
+    // too has closed it) or where it grows old; another running program's lock stays.
     void renew();
 
 private:
