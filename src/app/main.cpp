@@ -67,6 +67,8 @@ int main(int argc, char** argv) {
         new shell::Termination(main);
     }
     main.startUp(!smoke);
+    // Ended while the start-up questions were open: the main loop is not started at all.
+    if (main.terminating()) return 0;
     if (smoke) main.show();
     if (!file.isEmpty()) main.openFromCommandLine(file);
     if (smoke) {

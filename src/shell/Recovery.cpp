@@ -211,12 +211,14 @@ void Recovery::offerRecovery() {
     for (const RecoveredProject& r : found)
         if (!ParseFileName(r.project).directory.isEmpty()) ++versions[r.project];
     std::map<QString, int> seen;
+    QStringList answered;
     if (!found.empty()) {
         // The questions belong to this program, even when another one's window is in front.
         m_main.raise();
         m_main.QWidget::activateWindow();
     }
     for (const RecoveredProject& r : found) {
+        if (m_main.terminating()) break;
         const int count = versions.count(r.project) ? versions[r.project] : 1;
         const int version = ++seen[r.project];
         // A project that another running program has open now never comes back under its
@@ -232,7 +234,18 @@ void Recovery::offerRecovery() {
         question.icon = platform::MsgIcon::Question;
         question.defaultButton = platform::MsgAnswer::Yes;
         question.toFront = true;
-        if (platform::Ask(question) == platform::MsgAnswer::Yes) m_main.openRecoveredProject(r.copy, openAs);
+        const platform::MsgAnswer answer = platform::Ask(question);
+        // The session ended while the question was open (logout, shutdown): no answer was
+        // given, so the copies not yet answered wait for the next start.
+        if (m_main.terminating()) break;
+        answered.push_back(r.copy);
+        if (answer == platform::MsgAnswer::Yes) m_main.openRecoveredProject(r.copy, openAs);
+    }
+    if (m_main.terminating()) {
+        // A restored project is kept in this session's own copies now.
+        for (const QString& copy : answered)
+            removeCopy(copy);
+        return;
     }
     locks.clear();
     for (const QString& folder : folders)

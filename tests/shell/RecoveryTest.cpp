@@ -14,6 +14,7 @@
 #include "shell/Recovery.h"
 #include "shell/Termination.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QScopeGuard>
 #include <QFileInfo>
@@ -367,6 +368,45 @@ TEST_F(RecoveryTest, TwoVersionsOfOneProjectComeBackUnderNamesOfTheirOwn) {
     EXPECT_EQ(recoveredVersionName(QStringLiteral("/a/b.c/Silta"), 2),
               QStringLiteral("/a/b.c/Silta (palautettu 2)"));
     closeQuietly(*next);
+}
+
+// A logout or shutdown while the recovery question was open ended the question with "Ei"
+// (the answer a closed box gives) and the copies were removed: the work they held was lost.
+// The copies not answered yet wait for the next start; the program does not go on running.
+TEST_F(RecoveryTest, AnEndWhileTheQuestionIsOpenKeepsTheCopiesNotAnswered) {
+    const QString first = dir.filePath(QStringLiteral("Ensimmäinen.sl"));
+    runAndKill(QStringLiteral("Ensimmäisen muutos"), first, QStringLiteral("Uuden muutos"));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    dialogs.answer(MsgAnswer::No); // what the box gives when the end closes it
+    dialogs.whileOpen = [](const platform::MessageRequest& q) {
+        if (q.text.contains(QStringLiteral("Ensimmäinen.sl"))) return;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* m = qobject_cast<MDIForm1*>(w)) m->endWithoutQuestions();
+    };
+    std::unique_ptr<MDIForm1> next = restart();
+    dialogs.whileOpen = nullptr;
+    ASSERT_EQ(dialogs.messages().size(), 2u) << dialogs.texts().join(QLatin1Char('|')).toStdString();
+    EXPECT_TRUE(next->terminating());
+    EXPECT_TRUE(next->projectWindowsOf(first).complete());
+    next.reset();
+
+    // The next start offers the unanswered copy, and the restored project once (its copy
+    // from the run that ended).
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> third = restart();
+    const QString texts = dialogs.texts().join(QLatin1Char('|'));
+    ASSERT_EQ(dialogs.messages().size(), 2u) << texts.toStdString();
+    EXPECT_EQ(texts.count(QStringLiteral("Ensimmäinen.sl")), 1) << texts.toStdString();
+    QStringList restored;
+    for (documents::ProjectWindow* w : third->projectWindows())
+        if (auto* f1 = qobject_cast<documents::Form1*>(w)) restored << f1->Text1[0]->text();
+    EXPECT_TRUE(restored.contains(QStringLiteral("Uuden muutos"))) << restored.join(',').toStdString();
+    EXPECT_TRUE(restored.contains(QStringLiteral("Ensimmäisen muutos"))) << restored.join(',').toStdString();
+    closeQuietly(*third);
 }
 
 // A copy of a project that another running program has open now (it was opened anyway in
