@@ -32,9 +32,9 @@ int main(int argc, char** argv) {
         else if (argv[i][0] == '-') {
             std::fprintf(stderr, "tamrik: tuntematon valitsin %s\n", argv[i]);
             return 1;
-        } else if (!QFileInfo::exists(QString::fromLocal8Bit(argv[i]))) {
-            // Only an existing file starts the desktop program: a mistyped command must not
-            // open a window, nor be handed to a program already running.
+        } else if (!QFileInfo(QString::fromLocal8Bit(argv[i])).isFile()) {
+            // Only an existing file starts the desktop program: a mistyped command (or a
+            // folder) must not open a window, nor be handed to a program already running.
             std::fprintf(stderr, "tamrik: tuntematon komento %s (ei komento eikä olemassa oleva tiedosto)\n",
                          argv[i]);
             return 1;
@@ -67,6 +67,8 @@ int main(int argc, char** argv) {
         new shell::Termination(main);
     }
     main.startUp(!smoke);
+    // Ended while the start-up questions were open: the main loop is not started at all.
+    if (main.terminating()) return 0;
     if (smoke) main.show();
     if (!file.isEmpty()) main.openFromCommandLine(file);
     if (smoke) {

@@ -206,10 +206,8 @@ void Form8::saveAndClose() {
     const QStringList lines = Text3->text().split(QStringLiteral("\r\n"));
     for (int k = 0; k < 4 && k < lines.size(); ++k)
         state.OfficeRows[k] = lines[k];
+    // The store is written when the run ends (a normal end or a termination request), not here.
     accept();
-    // What the user saved is kept even when the run ends without its normal exit (a crash, a
-    // killed session); with saving turned off the store is left as it is.
-    if (s.SaveSettingsOnExit) m_main.SaveSettings();
 }
 
 void Form8::changeFont() {

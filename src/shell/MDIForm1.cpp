@@ -425,6 +425,7 @@ bool MDIForm1::shutDown() {
 }
 
 void MDIForm1::endWithoutQuestions() {
+    m_terminating = true;
     if (m_state.settings.SaveSettingsOnExit) {
         UpdateWinPosTable(m_state.settings.pos, 1, this);
         SaveSettings();

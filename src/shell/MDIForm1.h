@@ -82,6 +82,7 @@ public:
     void openRecoveredProject(const QString& copy, const QString& project);
     // The autosave of this program's projects.
     Recovery& recovery() { return *m_recovery; }
+    ProjectLocks& projectLocks() { return *m_locks; }
 
     // DocumentHost
     AppState& appState() override { return m_state; }
@@ -190,6 +191,8 @@ public:
     // An end that cannot ask questions (SIGTERM, the session manager): the settings are
     // written and every changed project gets a recovery copy that the next start offers back.
     void endWithoutQuestions();
+    // True once the run ends on a termination request: what is still open gives no answers.
+    bool terminating() const { return m_terminating; }
     QString tag() const { return m_tag; }
     void setTag(const QString& tag) { m_tag = tag; }
 
@@ -231,6 +234,7 @@ private:
     QWidget* m_progressStrip = nullptr;
     QLabel* m_progressText = nullptr;
     bool m_shuttingDown = false;
+    bool m_terminating = false;
     QString m_programDirectory;
     Recovery* m_recovery = nullptr;
     ProjectLocks* m_locks = nullptr;

@@ -6,25 +6,23 @@
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
 
+#include <QFileInfo>
+
 namespace shell {
 
 namespace {
-// A lock is renewed well within the age after which another host's lock counts as stale.
-constexpr int kRenewMs = 60 * 60 * 1000;
+// The locks are looked at every minute, so that one that went missing is back soon; a lock is
+// rewritten well within the age after which another host's lock counts as stale.
+constexpr int kCheckMs = 60 * 1000;
+constexpr qint64 kRenewSecs = 6 * 3600;
 
-// The other program's live lock on `file`; none when the file is free, the lock is stale or ours.
-std::optional<platform::LockOwner> foreignLock(const QString& file) {
-    std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
-    if (!owner || platform::isOwnLock(*owner) || platform::isStaleLock(*owner)) return std::nullopt;
-    return owner;
-}
 } // namespace
 
 ProjectLocks::ProjectLocks(MDIForm1& main)
     : QObject(&main)
     , m_main(main) {
     connect(&main, &MDIForm1::projectsChanged, this, &ProjectLocks::sync);
-    m_renew.setInterval(kRenewMs);
+    m_renew.setInterval(kCheckMs);
     m_renew.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_renew, &QTimer::timeout, this, &ProjectLocks::renew);
     m_renew.start();
@@ -39,7 +37,9 @@ void ProjectLocks::sync() {
     std::set<QString> open;
     for (documents::ProjectWindow* w : m_main.projectWindows()) {
         const ParsedCaption c = ParseFileName(w->caption());
-        if (!c.directory.isEmpty()) open.insert(c.project());
+        // A name without a file (a recovered version not saved yet) has nothing to guard; it
+        // gets its lock when it is saved.
+        if (!c.directory.isEmpty() && QFileInfo::exists(c.project())) open.insert(c.project());
     }
     for (auto it = m_held.begin(); it != m_held.end();) {
         if (open.count(*it)) {
@@ -49,19 +49,35 @@ void ProjectLocks::sync() {
         platform::removeOwnProjectLock(*it);
         it = m_held.erase(it);
     }
-    for (const QString& file : open)
-        if (!m_held.count(file) && platform::writeProjectLock(file)) m_held.insert(file);
+    for (const QString& file : open) {
+        if (!m_held.count(file)) {
+            m_held.insert(file);
+            // Opened anyway while another running program has it: that program's lock stays, so
+            // that closing it here never leaves the other one unguarded. This program writes
+            // its own lock when that one goes.
+            if (!openElsewhere(file)) platform::writeProjectLock(file);
+        }
+    }
 }
 
 void ProjectLocks::renew() {
     for (const QString& file : m_held) {
         const std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
-        if (!owner || platform::isOwnLock(*owner)) platform::writeProjectLock(file);
+        const bool mine = owner && platform::isOwnLock(*owner);
+        if (!mine && openElsewhere(file)) continue;
+        if (!mine || owner->time.secsTo(QDateTime::currentDateTimeUtc()) > kRenewSecs)
+            platform::writeProjectLock(file);
     }
 }
 
+std::optional<platform::LockOwner> ProjectLocks::openElsewhere(const QString& file) {
+    std::optional<platform::LockOwner> owner = platform::readProjectLock(file);
+    if (!owner || platform::isOwnLock(*owner) || platform::isStaleLock(*owner)) return std::nullopt;
+    return owner;
+}
+
 ProjectLocks::OpenChoice ProjectLocks::askBeforeOpening(const QString& file) {
-    const std::optional<platform::LockOwner> owner = foreignLock(file);
+    const std::optional<platform::LockOwner> owner = openElsewhere(file);
     if (!owner) return OpenChoice::Edit;
     platform::MessageRequest q;
     q.text =
@@ -87,7 +103,7 @@ ProjectLocks::OpenChoice ProjectLocks::askBeforeOpening(const QString& file) {
 }
 
 bool ProjectLocks::mayWriteOver(const QString& file) {
-    const std::optional<platform::LockOwner> owner = foreignLock(file);
+    const std::optional<platform::LockOwner> owner = openElsewhere(file);
     if (!owner) return true;
     return platform::Ask(QStringLiteral("Tiedosto\r\n\r\n") + file +
                              QStringLiteral("\r\n\r\non avoinna toisessa TAMRIK-ohjelmassa (") +

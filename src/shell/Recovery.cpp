@@ -6,6 +6,7 @@
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
 #include "shell/ProjectFiles.h"
+#include "shell/ProjectLocks.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -58,7 +59,8 @@ std::vector<RecoveredProject> recoveryCopies(const QString& sessionFolder) {
     return out;
 }
 
-QString recoveryQuestion(const RecoveredProject& copy, int version, int versions, const QString& openAs) {
+QString recoveryQuestion(const RecoveredProject& copy, int version, int versions, const QString& openAs,
+                         const QString& openElsewhere) {
     QString text = QStringLiteral("TAMRIK ei sulkeutunut viime kerralla normaalisti. Projektista\r\n\r\n") +
                    copy.project + QStringLiteral("\r\n\r\non tallessa palautuskopio ajalta ") +
                    copy.time.toLocalTime().toString(QStringLiteral("d.M.yyyy 'klo' h.mm")) +
@@ -70,6 +72,11 @@ QString recoveryQuestion(const RecoveredProject& copy, int version, int versions
                 .arg(versions)
                 .arg(version)
                 .arg(openAs);
+    if (!openElsewhere.isEmpty())
+        text += QStringLiteral("\r\n\r\nProjekti on nyt avoinna toisessa TAMRIK-ohjelmassa (%1)")
+                    .arg(openElsewhere) +
+                (versions > 1 ? QStringLiteral(".")
+                              : QStringLiteral(", joten kopio palautetaan nimellä\r\n\r\n") + openAs);
     return text + QStringLiteral("\r\n\r\nPalautetaanko projekti? Jos vastaat Ei, palautuskopio poistetaan.");
 }
 
@@ -204,22 +211,41 @@ void Recovery::offerRecovery() {
     for (const RecoveredProject& r : found)
         if (!ParseFileName(r.project).directory.isEmpty()) ++versions[r.project];
     std::map<QString, int> seen;
+    QStringList answered;
     if (!found.empty()) {
         // The questions belong to this program, even when another one's window is in front.
         m_main.raise();
         m_main.QWidget::activateWindow();
     }
     for (const RecoveredProject& r : found) {
+        if (m_main.terminating()) break;
         const int count = versions.count(r.project) ? versions[r.project] : 1;
         const int version = ++seen[r.project];
-        const QString openAs = count > 1 ? recoveredVersionName(r.project, version) : r.project;
+        // A project that another running program has open now never comes back under its
+        // file's name: that would take the other program's lock and make two editors of it.
+        const std::optional<platform::LockOwner> owner = ParseFileName(r.project).directory.isEmpty()
+                                                             ? std::nullopt
+                                                             : ProjectLocks::openElsewhere(r.project);
+        const QString openAs = count > 1 || owner ? recoveredVersionName(r.project, version) : r.project;
         platform::MessageRequest question;
-        question.text = recoveryQuestion(r, version, count, openAs);
+        question.text = recoveryQuestion(r, version, count, openAs,
+                                         owner ? platform::describeLockOwner(*owner) : QString());
         question.buttons = platform::MsgButtons::YesNo;
         question.icon = platform::MsgIcon::Question;
         question.defaultButton = platform::MsgAnswer::Yes;
         question.toFront = true;
-        if (platform::Ask(question) == platform::MsgAnswer::Yes) m_main.openRecoveredProject(r.copy, openAs);
+        const platform::MsgAnswer answer = platform::Ask(question);
+        // The session ended while the question was open (logout, shutdown): no answer was
+        // given, so the copies not yet answered wait for the next start.
+        if (m_main.terminating()) break;
+        answered.push_back(r.copy);
+        if (answer == platform::MsgAnswer::Yes) m_main.openRecoveredProject(r.copy, openAs);
+    }
+    if (m_main.terminating()) {
+        // A restored project is kept in this session's own copies now.
+        for (const QString& copy : answered)
+            removeCopy(copy);
+        return;
     }
     locks.clear();
     for (const QString& folder : folders)

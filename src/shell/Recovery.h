@@ -31,8 +31,10 @@ std::vector<RecoveredProject> recoveryCopies(const QString& sessionFolder);
 
 // The question asked about a copy at start-up. With `versions` above 1 (programs killed with
 // the same project open) it says so and names `openAs`, the name this version comes back under.
+// `openElsewhere` names the running program that has the project's file open now; the copy
+// then comes back under `openAs` too.
 QString recoveryQuestion(const RecoveredProject& copy, int version = 1, int versions = 1,
-                         const QString& openAs = QString());
+                         const QString& openAs = QString(), const QString& openElsewhere = QString());
 
 // The name of version `version` of a project recovered more than once: "A.sl" becomes
 // "A (palautettu 1).sl" in the same folder.

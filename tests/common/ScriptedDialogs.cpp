@@ -27,6 +27,7 @@ MsgAnswer ScriptedDialogs::message(const platform::MessageRequest& request) {
         box->show();
         QApplication::setActiveWindow(box.get());
     }
+    if (whileOpen) whileOpen(request);
     const MsgAnswer a = answerFor(request);
     if (box) {
         box.reset();

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <vector>
 
 namespace testing_support {
@@ -44,6 +45,9 @@ public:
     // While set, a message takes the focus as a real message box does: a window of its own is
     // the active one while it is open, and the window before it is active again afterwards.
     bool takesFocus = false;
+    // Runs while each message is open, before its answer is given (something that happens
+    // while the user has not answered yet).
+    std::function<void(const platform::MessageRequest&)> whileOpen;
 
 private:
     platform::MsgAnswer answerFor(const platform::MessageRequest& request);

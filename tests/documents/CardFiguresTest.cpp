@@ -3,7 +3,9 @@
 #include "common/TestSupport.h"
 #include "documents/Controls.h"
 #include "documents/Form1.h"
+#include "documents/Form2.h"
 #include "documents/Form3.h"
+#include "lists/ListModel.h"
 #include "platform/SettingsStore.h"
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
@@ -41,4 +43,45 @@ TEST(CardFigures, ComputedFromTheCardsOwnProject) {
     main->appState().settings.SaveSettingsOnExit = false;
     for (auto* w : main->projectWindows())
         main->FormUntouch(w);
+}
+
+// An amount past single precision's range: the card shows "#####" where a figure overflowed,
+// never "inf" or "∞", and a message names the quantity list's row where the overflow began.
+TEST(CardFigures, AnOverflowedTotalShowsHashesAndSaysWhere) {
+    testing_support::ScriptedDialogs dialogs;
+    platform::SettingsStore().deleteAll();
+    auto main = std::make_unique<shell::MDIForm1>();
+    main->setProgramDirectory(testing_support::dataDir());
+    main->startUp(false);
+    const shell::ProjectWindows w = main->projectWindowsOf(QStringLiteral("Projekti1"));
+    ASSERT_TRUE(w.complete());
+    w.f1->Text1[4]->setText(QStringLiteral("20"));
+    w.f1->Text1[8]->setText(QStringLiteral("10"));
+    lists::ListModel* q = w.f2->list(0);
+    ASSERT_GE(q->cols(), 7);
+    auto row = [q](std::initializer_list<const char*> cells) {
+        lists::Row r;
+        for (const char* c : cells)
+            r.cells << QString::fromUtf8(c);
+        while (r.cells.size() < q->cols())
+            r.cells << QString();
+        return r;
+    };
+    q->reset(q->columns(), {row({"7110", "KAIVUT"}), row({"", "Kaivu", "", "1e308", "m3", "2"}),
+                            row({"", "Täyttö", "", "620", "m3", "10"}), row({"", "TIETYÖT SILTAPAIKALLA"})});
+    dialogs.clear();
+
+    w.f3->Command1->click();
+    EXPECT_EQ(w.f3->Text1[5]->text(), QStringLiteral("#####"));
+    for (documents::TextBox* t : w.f3->Text1)
+        if (t)
+            EXPECT_FALSE(t->text().contains(QStringLiteral("inf")) ||
+                         t->text().contains(QStringLiteral("∞")));
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("Summa ei ole äärellinen: rivi 2")))
+        << dialogs.lastText().toStdString();
+
+    main->appState().settings.SaveSettingsOnExit = false;
+    for (auto* win : main->projectWindows())
+        main->FormUntouch(win);
 }

@@ -47,7 +47,7 @@ TEST(CommandLine, AnUnknownWordIsAnErrorNotADesktopStart) {
     const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
     for (const QStringList& args :
          {QStringList{QStringLiteral("costz"), sample}, QStringList{QStringLiteral("costz")},
-          QStringList{dir.filePath(QStringLiteral("puuttuu.sl"))}}) {
+          QStringList{dir.filePath(QStringLiteral("puuttuu.sl"))}, QStringList{dir.path()}}) {
         const Result r = run(args, 20000);
         EXPECT_EQ(r.status, 1) << args.join(QLatin1Char(' ')).toStdString();
         EXPECT_TRUE(r.err.startsWith(QStringLiteral("tamrik: tuntematon komento ") + args[0]))

@@ -7,6 +7,7 @@
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
 #include "shell/ProjectFiles.h"
+#include "shell/ProjectLocks.h"
 
 #include <QFile>
 #include <QProcess>
@@ -81,10 +82,17 @@ TEST_F(ProjectLockTest, AProjectOpenInAnotherProgramIsRefusedWithTheChoices) {
     EXPECT_FALSE(WriteSlFile(*main, copy.project(), file, false));
     EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("Tallennetaanko silti sen päälle?")));
 
-    // Anyway: opened for editing, and the lock is this program's.
+    // Anyway: opened for editing. The other program's lock stays (closing the project here
+    // must not leave that program's open project unguarded, as taking the lock over did).
     dialogs.answer(MsgAnswer::No);
     main->openFromCommandLine(file);
     EXPECT_TRUE(isOpen());
+    main->projectLocks().renew();
+    EXPECT_EQ(platform::readProjectLock(file)->pid, 1);
+    // When the other program closes the project (its lock goes), this one guards it.
+    ASSERT_TRUE(QFile::remove(platform::projectLockPath(file)));
+    main->projectLocks().renew();
+    ASSERT_TRUE(platform::readProjectLock(file));
     EXPECT_TRUE(platform::isOwnLock(*platform::readProjectLock(file)));
 
     // Closing the project gives the lock up.
@@ -124,6 +132,22 @@ TEST_F(ProjectLockTest, AStaleLockIsTakenOverWithoutAQuestion) {
     EXPECT_TRUE(QFile::exists(platform::projectLockPath(other)));
     TearDown();
     EXPECT_FALSE(QFile::exists(platform::projectLockPath(other)));
+    SetUp();
+}
+
+// A recovered version comes back under a name of its own that no file has yet: no lock file
+// appears beside the project for it until it is saved under that name.
+TEST_F(ProjectLockTest, ARecoveredVersionWithoutAFileLeavesNoLockUntilSaved) {
+    const QString copy = dir.filePath(QStringLiteral("kopio.sl"));
+    ASSERT_TRUE(QFile::copy(file, copy));
+    const QString version = dir.filePath(QStringLiteral("Yhteinen silta (palautettu 1).sl"));
+    main->openRecoveredProject(copy, version);
+    ASSERT_TRUE(main->projectWindowsOf(version).complete());
+    EXPECT_FALSE(QFile::exists(platform::projectLockPath(version)));
+    ASSERT_TRUE(WriteSlFile(*main, version, version, false));
+    EXPECT_TRUE(QFile::exists(platform::projectLockPath(version)));
+    TearDown();
+    EXPECT_FALSE(QFile::exists(platform::projectLockPath(version)));
     SetUp();
 }
 

@@ -6,6 +6,7 @@
 #include "documents/Form2.h"
 #include "lists/ListModel.h"
 #include "persist/ProjectFile.h"
+#include "platform/ProjectLock.h"
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
 #include "shell/Form8.h"
@@ -13,10 +14,12 @@
 #include "shell/Recovery.h"
 #include "shell/Termination.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QScopeGuard>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <csignal>
@@ -274,9 +277,6 @@ TEST_F(RecoveryTest, TheIntervalIsASettingAndZeroTurnsTheAutosaveOff) {
     third.Text4->setText(QStringLiteral("12"));
     third.saveAndClose();
     EXPECT_EQ(main->recovery().interval(), 12);
-    // Saved when the dialog is accepted, not only at the end of the run.
-    platform::SettingsStore store;
-    EXPECT_EQ(store.get(QStringLiteral("General"), QStringLiteral("AutosaveMinutes")), QStringLiteral("12"));
 }
 
 // Recovery copies lay in the temporary folder, which many systems empty at boot: the one case
@@ -367,6 +367,74 @@ TEST_F(RecoveryTest, TwoVersionsOfOneProjectComeBackUnderNamesOfTheirOwn) {
     EXPECT_FALSE(next->projectWindowsOf(ParseFileName(file).project()).complete());
     EXPECT_EQ(recoveredVersionName(QStringLiteral("/a/b.c/Silta"), 2),
               QStringLiteral("/a/b.c/Silta (palautettu 2)"));
+    closeQuietly(*next);
+}
+
+// A logout or shutdown while the recovery question was open ended the question with "Ei"
+// (the answer a closed box gives) and the copies were removed: the work they held was lost.
+// The copies not answered yet wait for the next start; the program does not go on running.
+TEST_F(RecoveryTest, AnEndWhileTheQuestionIsOpenKeepsTheCopiesNotAnswered) {
+    const QString first = dir.filePath(QStringLiteral("Ensimmäinen.sl"));
+    runAndKill(QStringLiteral("Ensimmäisen muutos"), first, QStringLiteral("Uuden muutos"));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    dialogs.answer(MsgAnswer::No); // what the box gives when the end closes it
+    dialogs.whileOpen = [](const platform::MessageRequest& q) {
+        if (q.text.contains(QStringLiteral("Ensimmäinen.sl"))) return;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* m = qobject_cast<MDIForm1*>(w)) m->endWithoutQuestions();
+    };
+    std::unique_ptr<MDIForm1> next = restart();
+    dialogs.whileOpen = nullptr;
+    ASSERT_EQ(dialogs.messages().size(), 2u) << dialogs.texts().join(QLatin1Char('|')).toStdString();
+    EXPECT_TRUE(next->terminating());
+    EXPECT_TRUE(next->projectWindowsOf(first).complete());
+    next.reset();
+
+    // The next start offers the unanswered copy, and the restored project once (its copy
+    // from the run that ended).
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> third = restart();
+    const QString texts = dialogs.texts().join(QLatin1Char('|'));
+    ASSERT_EQ(dialogs.messages().size(), 2u) << texts.toStdString();
+    EXPECT_EQ(texts.count(QStringLiteral("Ensimmäinen.sl")), 1) << texts.toStdString();
+    QStringList restored;
+    for (documents::ProjectWindow* w : third->projectWindows())
+        if (auto* f1 = qobject_cast<documents::Form1*>(w)) restored << f1->Text1[0]->text();
+    EXPECT_TRUE(restored.contains(QStringLiteral("Uuden muutos"))) << restored.join(',').toStdString();
+    EXPECT_TRUE(restored.contains(QStringLiteral("Ensimmäisen muutos"))) << restored.join(',').toStdString();
+    closeQuietly(*third);
+}
+
+// A copy of a project that another running program has open now (it was opened anyway in
+// both) came back under the file's own name and took over the other program's lock: two
+// editors of one file again. It comes back under a version name, and the question says why.
+TEST_F(RecoveryTest, AProjectOpenInAnotherProgramComesBackUnderAVersionName) {
+    const QString file = dir.filePath(QStringLiteral("Toisessa auki.sl"));
+    runAndKill(QStringLiteral("Tapetun muutos"), file);
+    const QByteArray lock = "TAMRIK,toinen," + QSysInfo::machineHostName().toUtf8() + ",1," +
+                            QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toLatin1() + '\n';
+    ASSERT_TRUE(platform::writeFileAtomically(platform::projectLockPath(file), lock));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> next = restart();
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    const QString openAs = recoveredVersionName(file, 1);
+    const QString text = dialogs.messages()[0].text;
+    EXPECT_TRUE(text.contains(QStringLiteral("on nyt avoinna toisessa TAMRIK-ohjelmassa (käyttäjä toinen")))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(openAs)) << text.toStdString();
+    const ProjectWindows w = next->projectWindowsOf(openAs);
+    ASSERT_TRUE(w.complete());
+    EXPECT_EQ(w.f1->Text1[0]->text(), QStringLiteral("Tapetun muutos"));
+    EXPECT_FALSE(next->projectWindowsOf(file).complete());
+    QByteArray after;
+    ASSERT_TRUE(platform::readFileBytes(platform::projectLockPath(file), after));
+    EXPECT_EQ(after, lock) << "the other program keeps its lock";
     closeQuietly(*next);
 }
 
