@@ -398,6 +398,19 @@ void polylineNoting(wmfAPI* api, wmfPolyLine_t* line) {
         c->svg.insert(at + style.size(), "fill:none; ");
 }
 
+// The layer places a bitmap twice: by the image's position and size, and again by a transform
+// that scales and moves it by as much, so every bitmap of a WMF landed off the picture. The
+// position and size alone are right.
+void bitmapNoting(wmfAPI* api, wmfBMP_Draw_t* bitmap) {
+    auto* c = static_cast<SvgCapture*>(api->user_data);
+    const std::size_t start = c->svg.size();
+    c->layer.bmp_draw(api, bitmap);
+    static constexpr std::string_view transform = "transform=\"matrix(";
+    const std::size_t at = c->svg.find(transform, start);
+    const std::size_t end = at == std::string::npos ? at : c->svg.find('"', at + transform.size());
+    if (end != std::string::npos) c->svg.erase(at, end + 1 - at);
+}
+
 void wrapDrawing(wmfAPI* api, SvgCapture& capture) {
     auto* f = static_cast<wmfFunctionReference*>(api->function_reference);
     capture.layer = *f;
@@ -410,6 +423,7 @@ void wrapDrawing(wmfAPI* api, SvgCapture& capture) {
     f->draw_ellipse = noting<wmfDrawArc_t, &R::draw_ellipse>;
     f->draw_line = noting<wmfDrawLine_t, &R::draw_line>;
     f->poly_line = polylineNoting;
+    f->bmp_draw = bitmapNoting;
     f->draw_polygon = noting<wmfPolyLine_t, &R::draw_polygon>;
     f->draw_polypolygon = noting<wmfPolyPoly_t, &R::draw_polypolygon>;
     f->draw_rectangle = noting<wmfDrawRectangle_t, &R::draw_rectangle>;

@@ -536,3 +536,24 @@ TEST(PictureRegression, WmfThinLinesShowAndPolylinesAreNotFilled) {
         EXPECT_LT(darkest, 140);
     }
 }
+
+// The converter placed a WMF's bitmaps twice, by their position and again by a transform of as
+// much, so every bitmap landed off the picture and a metafile holding a pasted bitmap showed
+// nothing. A bitmap now stands where its record puts it, at the size it gives.
+TEST(PictureRegression, WmfBitmapIsDrawnWhereItsRecordPutsIt) {
+    const quint16 stretchDib = 0x0F43;
+    // A 2 x 2 red bitmap of 24 bits, each row padded to 8 bytes.
+    QByteArray dib = QByteArray::fromHex(
+        "28000000020000000200000001001800000000001000000000000000000000000000000000000000");
+    dib += QByteArray::fromHex("0000ff0000ff0000").repeated(2);
+    std::vector<quint16> params = {0x0020, 0x00CC, 0,   2,   2,  0,
+                                   0,      400,    400, 200, 200}; // SRCCOPY into 200..600
+    for (qsizetype i = 0; i < dib.size(); i += 2)
+        params.push_back(quint16(uchar(dib[i]) | uchar(dib[i + 1]) << 8));
+    const QImage image =
+        Picture::fromBytes(wmfOf(onPage({{stretchDib, params}})), Picture::Metafile).toImage(QSize(100, 100));
+    EXPECT_EQ(image.pixelColor(40, 40), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(25, 55), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(80, 80), QColor(Qt::white));
+    EXPECT_EQ(image.pixelColor(10, 10), QColor(Qt::white));
+}
