@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include "app/CompareCommand.h"
 #include "app/PrintCommand.h"
 #include "app/ValidateCommand.h"
 #include "calc/CostEstimate.h"
@@ -19,7 +20,7 @@ namespace app {
 
 namespace {
 
-const char* const kCommands[] = {"costs", "summary", "print", "convert", "validate"};
+const char* const kCommands[] = {"costs", "summary", "print", "convert", "validate", "compare"};
 
 int fail(const QString& message) {
     std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
@@ -43,7 +44,10 @@ int costs(const QString& fileName) {
     const calc::CostInputs inputs = calc::CostInputsOf(project.content.windows[0].combos);
     auto list =
         persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
-    print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
+    const calc::CostRecord record = calc::CalculateCosts(*list, inputs);
+    // An overflowed figure is no amount: a script must not take it for one.
+    if (record.nonFiniteRow != 0) return fail(calc::NonFiniteMessage(record));
+    print(calc::FormatCostRecord(record));
     reportCheckErrors(project);
     return 0;
 }
@@ -79,6 +83,7 @@ bool isCommand(const char* name) {
 
 int runCommand(int argc, char** argv) {
     if (std::strcmp(argv[1], "print") == 0) return printCommand(argc, argv);
+    if (std::strcmp(argv[1], "compare") == 0) return compareCommand(argc, argv);
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
     const QString command = args.value(1);

@@ -6,8 +6,10 @@
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
 #include "shell/SingleInstance.h"
+#include "shell/Termination.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTimer>
@@ -27,11 +29,17 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--smoke") == 0)
             smoke = true;
-        else if (argv[i][0] != '-')
-            file = QString::fromLocal8Bit(argv[i]);
-        else {
+        else if (argv[i][0] == '-') {
             std::fprintf(stderr, "tamrik: tuntematon valitsin %s\n", argv[i]);
             return 1;
+        } else if (!QFileInfo::exists(QString::fromLocal8Bit(argv[i]))) {
+            // Only an existing file starts the desktop program: a mistyped command must not
+            // open a window, nor be handed to a program already running.
+            std::fprintf(stderr, "tamrik: tuntematon komento %s (ei komento eikä olemassa oleva tiedosto)\n",
+                         argv[i]);
+            return 1;
+        } else {
+            file = QString::fromLocal8Bit(argv[i]);
         }
     }
     if (smoke && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
@@ -54,7 +62,10 @@ int main(int argc, char** argv) {
     if (!smoke && !file.isEmpty() && shell::handToRunningProgram(socket, file)) return 0;
 
     shell::MDIForm1 main;
-    if (!smoke) (new shell::InstanceServer(main))->listen(socket);
+    if (!smoke) {
+        (new shell::InstanceServer(main))->listen(socket);
+        new shell::Termination(main);
+    }
     main.startUp(!smoke);
     if (smoke) main.show();
     if (!file.isEmpty()) main.openFromCommandLine(file);

@@ -5,7 +5,9 @@
 #include "lists/Columns.h"
 #include "lists/ListModel.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace calc {
 
@@ -29,6 +31,12 @@ void closeBlock(float sum, double generalPercent, double factor, float& blockSum
     total = general + sum;
     converted = static_cast<float>(factor * total);
     rounded = CustomRound(converted);
+}
+
+bool finite(std::initializer_list<float> values) {
+    for (float v : values)
+        if (!std::isfinite(v)) return false;
+    return true;
 }
 
 bool opensRoadWorks(const QString& phase) {
@@ -86,6 +94,9 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
                        rec.bridgeConverted, rec.bridgeRounded);
             rec.bridgeSummaryRow = i - 1;
             rec.bridgeSummaryLines = kBridgeSummaryLines;
+            if (rec.nonFiniteRow == 0 &&
+                !finite({rec.bridgeGeneral, rec.bridgeTotal, rec.bridgeConverted, rec.bridgeRounded}))
+                rec.nonFiniteRow = std::max(1, i - 1);
             captionSum = 0;
             blockSum = 0;
             superstructure = false;
@@ -107,6 +118,8 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
         captionSum += amount;
         blockSum += amount;
         if (superstructure) rec.superstructureSum += amount;
+        if (rec.nonFiniteRow == 0 && !finite({amount, captionSum, blockSum, rec.superstructureSum}))
+            rec.nonFiniteRow = i;
         if (NextIsCaption1(list, i)) {
             list.setRowTag(i, MoneyS(captionSum, 2));
             captionSum = 0;
@@ -119,36 +132,53 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
     closeBlock(blockSum, generalPercent, factor, rec.roadSum, rec.roadGeneral, rec.roadTotal,
                rec.roadConverted, rec.roadRounded);
     rec.roadSummaryLines = kRoadSummaryLines;
+    // The whole and its VAT are printed too: a sum of two finite blocks may still overflow.
+    const float whole = rec.bridgeRounded + rec.roadRounded;
+    const float vat = static_cast<float>(whole * CustomVal(inputs.vatPercent) / 100);
+    if (rec.nonFiniteRow == 0 && !finite({rec.roadGeneral, rec.roadTotal, rec.roadConverted, rec.roadRounded,
+                                          whole, CustomRound(whole), vat}))
+        rec.nonFiniteRow = std::max(1, n);
     return rec;
 }
 
-QString FormatCostRecord(const CostRecord& r) {
-    QString out;
-    const auto line = [&out](const char* name, float value) {
+QString NonFiniteMessage(const CostRecord& record) {
+    if (record.nonFiniteRow == 0) return QString();
+    return QStringLiteral("summa ei ole äärellinen: rivi %1").arg(record.nonFiniteRow);
+}
+
+std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& r) {
+    std::vector<std::pair<QString, QString>> out;
+    const auto value = [&out](const char* name, float value) {
         char buf[32];
         const auto end =
             std::to_chars(buf, buf + sizeof buf, static_cast<double>(value), std::chars_format::general, 9);
-        out += QLatin1String(name) + QLatin1String(" = ") + QLatin1String(buf, end.ptr - buf) +
-               QLatin1Char('\n');
+        out.emplace_back(QLatin1String(name), QLatin1String(buf, end.ptr - buf));
     };
     const auto count = [&out](const char* name, int value) {
-        out += QLatin1String(name) + QLatin1String(" = ") + QString::number(value) + QLatin1Char('\n');
+        out.emplace_back(QLatin1String(name), QString::number(value));
     };
-    line("bridgeSum", r.bridgeSum);
-    line("bridgeGeneral", r.bridgeGeneral);
-    line("superstructureSum", r.superstructureSum);
-    line("bridgeTotal", r.bridgeTotal);
-    line("bridgeConverted", r.bridgeConverted);
-    line("bridgeRounded", r.bridgeRounded);
-    line("roadSum", r.roadSum);
-    line("roadGeneral", r.roadGeneral);
-    line("roadTotal", r.roadTotal);
-    line("roadConverted", r.roadConverted);
-    line("roadRounded", r.roadRounded);
+    value("bridgeSum", r.bridgeSum);
+    value("bridgeGeneral", r.bridgeGeneral);
+    value("superstructureSum", r.superstructureSum);
+    value("bridgeTotal", r.bridgeTotal);
+    value("bridgeConverted", r.bridgeConverted);
+    value("bridgeRounded", r.bridgeRounded);
+    value("roadSum", r.roadSum);
+    value("roadGeneral", r.roadGeneral);
+    value("roadTotal", r.roadTotal);
+    value("roadConverted", r.roadConverted);
+    value("roadRounded", r.roadRounded);
     count("bridgeSummaryRow", r.bridgeSummaryRow);
     count("roadSummaryRow", r.roadSummaryRow);
     count("bridgeSummaryLines", r.bridgeSummaryLines);
     count("roadSummaryLines", r.roadSummaryLines);
+    return out;
+}
+
+QString FormatCostRecord(const CostRecord& r) {
+    QString out;
+    for (const auto& [name, value] : CostRecordFields(r))
+        out += name + QLatin1String(" = ") + value + QLatin1Char('\n');
     return out;
 }
 

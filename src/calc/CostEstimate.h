@@ -8,6 +8,8 @@
 // 4 quantity, 5 unit, 6 unit price, 7 remarks, then "Rivi".
 #include <QString>
 #include <QStringList>
+#include <utility>
+#include <vector>
 
 namespace lists {
 class ListModel;
@@ -45,6 +47,9 @@ struct CostRecord {
     int roadSummaryRow = 0;      // the number of rows in the list
     int bridgeSummaryLines = 0;  // print lines of the bridge summary (12 once the block closed)
     int roadSummaryLines = 0;    // print lines of the road-works summary with the VAT lines (29)
+    // The first list row from which an amount, a sum or a total is no longer a finite number
+    // (single precision overflows past 3.4e38); 0 when every figure is finite.
+    int nonFiniteRow = 0;
 };
 
 // The multiplier from the unit price index to the cost index: (cost - unit) / unit + 1. A unit
@@ -61,8 +66,14 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs);
 // so the last group's subtotal closes too.
 bool NextIsCaption1(const lists::ListModel& list, int row);
 
-// The record as "name = value" lines in field order, each ending in a line feed: single
-// precision values with 9 significant digits, integers plainly.
+// "summa ei ole äärellinen: rivi N" for a record with a figure that is not finite, else empty.
+QString NonFiniteMessage(const CostRecord& record);
+
+// The record's fields in order, each as its name and its value: single precision values with
+// 9 significant digits, integers plainly.
+std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& record);
+
+// The record as "name = value" lines in field order, each ending in a line feed.
 QString FormatCostRecord(const CostRecord& record);
 
 } // namespace calc

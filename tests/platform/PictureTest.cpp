@@ -510,7 +510,7 @@ TEST(PictureRegression, EmfRecordedForAPrinterHasItsPaperSize) {
 // so is the pattern brush of an old device-dependent bitmap, which libwmf reads as such a header
 // and filled black: it is hollow. The rest of the picture draws.
 TEST(PictureRegression, BitmapThatIsNotInItsRecordIsLeftOut) {
-    const QByteArray bytes = fixtureBytes(QStringLiteral("bitmap-colour-count.wmf"));
+    const QByteArray bytes = fixtureBytes(QStringLiteral("fuzzed/bitmap-colour-count.wmf"));
     QString error;
     EXPECT_FALSE(wmfToSvg(bytes, &error).isEmpty()) << error.toStdString();
     const QImage image = Picture::fromBytes(bytes, Picture::Metafile).toImage(QSize(576, 384));
