@@ -263,6 +263,22 @@ int captureText(char* text, void* context) {
             whole.replace(at, halfFill.size(), "fill-opacity:1.0");
         text = whole.data();
     }
+    // Windows draws a pen of width 0 or 1 one pixel wide whatever the scale, and the layer gave
+    // such a pen a fortieth of a pixel, so a drawing's outlines and thin lines did not show. No
+    // stroke is thinner than a pixel of the picture's own size.
+    static constexpr std::string_view strokeWidth = "stroke-width:";
+    if (!c->text && std::strstr(text, strokeWidth.data())) {
+        if (whole.empty()) whole = text;
+        for (std::size_t at = whole.find(strokeWidth); at != std::string::npos;
+             at = whole.find(strokeWidth, at + 1)) {
+            const std::size_t from = at + strokeWidth.size();
+            char* end = nullptr;
+            const double width = std::strtod(whole.c_str() + from, &end);
+            if (end != whole.c_str() + from && width < 1)
+                whole.replace(from, std::size_t(end - (whole.c_str() + from)), "1");
+        }
+        text = whole.data();
+    }
     if (!c->dc && !c->pixel) {
         c->svg.append(text);
         return 0;
@@ -331,18 +347,83 @@ void noting(wmfAPI* api, Call* call) {
     c->text = false;
 }
 
+// libwmf gives the drawing layer an arc's ends relative to the ellipse's centre and clamped to
+// its box, and its SVG layer writes them as they stand: arcs, chords and pies were drawn about
+// the picture's top left corner, always the short way round, through ends off the ellipse, and
+// as a whole ellipse when the ends shared an x or a y. Here the ends become the points of the
+// ellipse in their directions, in the drawing's coordinates, and an arc that goes more than half
+// way round is marked as the long one. (The library passes the record's ends swapped, and the
+// layer draws clockwise from the first, which is the counter-clockwise arc Windows draws.)
+template <void (*wmfFunctionReference::*Layer)(wmfAPI*, wmfDrawArc_t*)>
+void arcNoting(wmfAPI* api, wmfDrawArc_t* arc) {
+    const double cx = (double(arc->TL.x) + arc->BR.x) / 2;
+    const double cy = (double(arc->TL.y) + arc->BR.y) / 2;
+    const double rx = std::abs(double(arc->BR.x) - arc->TL.x) / 2;
+    const double ry = std::abs(double(arc->BR.y) - arc->TL.y) / 2;
+    if (!(rx > 0 && ry > 0)) return noting<wmfDrawArc_t, Layer>(api, arc);
+    const auto angle = [&](const wmfD_Coord& p) { return std::atan2(p.y / ry, p.x / rx); };
+    const auto onEllipse = [&](double a) {
+        return wmfD_Coord{float(cx + rx * std::cos(a)), float(cy + ry * std::sin(a))};
+    };
+    const double from = angle(arc->start);
+    double to = angle(arc->end);
+    constexpr double kTurn = 2 * 3.14159265358979323846;
+    double sweep = std::fmod(to - from + 2 * kTurn, kTurn);
+    if (sweep < 1e-9) sweep = kTurn; // the same direction: the whole ellipse
+    arc->start = onEllipse(from);
+    arc->end = onEllipse(to);
+    // The layer draws a whole ellipse for ends that share a coordinate; an arc that is not whole
+    // ends a hair earlier instead.
+    while (sweep < kTurn && (arc->start.x == arc->end.x || arc->start.y == arc->end.y)) {
+        to -= 1e-4;
+        sweep -= 1e-4;
+        arc->end = onEllipse(to);
+    }
+    auto* c = static_cast<SvgCapture*>(api->user_data);
+    const std::size_t start = c->svg.size();
+    noting<wmfDrawArc_t, Layer>(api, arc);
+    static constexpr std::string_view shortWay = " 0 0,1 ";
+    if (const std::size_t at = c->svg.find(shortWay, start); sweep > kTurn / 2 && at != std::string::npos)
+        c->svg.replace(at, shortWay.size(), " 0 1,1 ");
+}
+
+// The layer writes a polyline's stroke only, and SVG fills a shape black unless told not to:
+// an open star of lines came out a black star.
+void polylineNoting(wmfAPI* api, wmfPolyLine_t* line) {
+    auto* c = static_cast<SvgCapture*>(api->user_data);
+    const std::size_t start = c->svg.size();
+    noting<wmfPolyLine_t, &wmfFunctionReference::poly_line>(api, line);
+    static constexpr std::string_view style = "style=\"";
+    if (const std::size_t at = c->svg.find(style, start); at != std::string::npos)
+        c->svg.insert(at + style.size(), "fill:none; ");
+}
+
+// The layer places a bitmap twice: by the image's position and size, and again by a transform
+// that scales and moves it by as much, so every bitmap of a WMF landed off the picture. The
+// position and size alone are right.
+void bitmapNoting(wmfAPI* api, wmfBMP_Draw_t* bitmap) {
+    auto* c = static_cast<SvgCapture*>(api->user_data);
+    const std::size_t start = c->svg.size();
+    c->layer.bmp_draw(api, bitmap);
+    static constexpr std::string_view transform = "transform=\"matrix(";
+    const std::size_t at = c->svg.find(transform, start);
+    const std::size_t end = at == std::string::npos ? at : c->svg.find('"', at + transform.size());
+    if (end != std::string::npos) c->svg.erase(at, end + 1 - at);
+}
+
 void wrapDrawing(wmfAPI* api, SvgCapture& capture) {
     auto* f = static_cast<wmfFunctionReference*>(api->function_reference);
     capture.layer = *f;
     api->user_data = &capture;
     using R = wmfFunctionReference;
     f->draw_pixel = noting<wmfDrawPixel_t, &R::draw_pixel>;
-    f->draw_pie = noting<wmfDrawArc_t, &R::draw_pie>;
-    f->draw_chord = noting<wmfDrawArc_t, &R::draw_chord>;
-    f->draw_arc = noting<wmfDrawArc_t, &R::draw_arc>;
+    f->draw_pie = arcNoting<&R::draw_pie>;
+    f->draw_chord = arcNoting<&R::draw_chord>;
+    f->draw_arc = arcNoting<&R::draw_arc>;
     f->draw_ellipse = noting<wmfDrawArc_t, &R::draw_ellipse>;
     f->draw_line = noting<wmfDrawLine_t, &R::draw_line>;
-    f->poly_line = noting<wmfPolyLine_t, &R::poly_line>;
+    f->poly_line = polylineNoting;
+    f->bmp_draw = bitmapNoting;
     f->draw_polygon = noting<wmfPolyLine_t, &R::draw_polygon>;
     f->draw_polypolygon = noting<wmfPolyPoly_t, &R::draw_polypolygon>;
     f->draw_rectangle = noting<wmfDrawRectangle_t, &R::draw_rectangle>;

@@ -253,3 +253,29 @@ TEST(ImageViewer, PictureFillsTheWindowFromTheTopLeftWithItsProportions) {
     EXPECT_NE(shown.pixelColor(150, 160), QColor(Qt::red));
     EXPECT_NE(shown.pixelColor(150, 295), QColor(Qt::red));
 }
+
+// An EMF recorded for a 1200-dpi printer names its page as 14030 x 9920 device pixels. The
+// viewer shows it at its paper size (A4 across, 297 x 210 mm at 96 pixels to the inch), draws it
+// at the size of the window, and copies an image of the paper size, not of the printer's pixels.
+TEST(ImageViewer, PrinterMetafileIsShownAndCopiedAtItsPaperSize) {
+    const Picture page = Picture::fromFile(fixture(QStringLiteral("printer-frame.emf")));
+    ASSERT_FALSE(page.isNull());
+    Viewer v(2, page);
+    const QString status = v.form.StatusBar1->currentMessage();
+    EXPECT_TRUE(status.contains(QStringLiteral("Metatiedosto (EMF), 1122 × 793 pikseliä")) ||
+                status.contains(QStringLiteral("Metatiedosto (EMF), 1123 × 794 pikseliä")))
+        << status.toStdString();
+    v.form.Image1->setFixedSize(297, 210);
+    v.form.show();
+    const QImage shown = v.form.Image1->grab().toImage();
+    ASSERT_EQ(shown.size(), QSize(297, 210));
+    EXPECT_GT(shown.pixelColor(70, 160).blue(), 180); // the blue rectangle inside the margins
+    EXPECT_LT(shown.pixelColor(70, 160).red(), 100);
+
+    v.form.CopyPicture();
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    ASSERT_NE(data, nullptr);
+    const QImage copied = qvariant_cast<QImage>(data->imageData());
+    EXPECT_NEAR(copied.width(), 1122, 1);
+    EXPECT_NEAR(copied.height(), 793, 1);
+}

@@ -397,10 +397,23 @@ QByteArray wmfOf(const std::vector<std::pair<quint16, std::vector<quint16>>>& re
     const quint32 fileWords = quint32(9 + body.size() / 2);
     QByteArray header = QByteArray::fromHex("010009000003");
     header += QByteArray(reinterpret_cast<const char*>(&fileWords), 4);
-    header += QByteArray::fromHex("0300"); // three objects
+    header += QByteArray::fromHex("0800"); // room for eight objects
     header += QByteArray(reinterpret_cast<const char*>(&largest), 4);
     header += QByteArray::fromHex("0000");
     return placeable + header + body;
+}
+
+// The records after a white page over the whole picture, drawn without a pen, so that the
+// picture is the whole 1000 x 1000 units; the page's pen and brush are objects 0 and 1.
+std::vector<std::pair<quint16, std::vector<quint16>>>
+onPage(std::vector<std::pair<quint16, std::vector<quint16>>> records) {
+    const quint16 createPen = 0x02FA, createBrush = 0x02FC, selectObject = 0x012D, rectangle = 0x041B;
+    records.insert(records.begin(), {{createPen, {5, 0, 0, 0, 0}}, // PS_NULL
+                                     {createBrush, {0, 0xFFFF, 0x00FF, 0}},
+                                     {selectObject, {0}},
+                                     {selectObject, {1}},
+                                     {rectangle, {1000, 1000, 0, 0}}});
+    return records;
 }
 
 } // namespace
@@ -504,4 +517,106 @@ TEST(PictureRegression, BitmapThatIsNotInItsRecordIsLeftOut) {
     EXPECT_EQ(image.pixelColor(500, 350), QColor(255, 255, 173));
     EXPECT_EQ(image.pixelColor(244, 172), QColor(255, 255, 173)); // inside the brush's rectangle
     EXPECT_EQ(image.pixelColor(212, 172), QColor(Qt::black));     // a pattern brush libwmf can read
+}
+
+// libwmf gave arcs, chords and pies their ends relative to the ellipse's centre, so they were
+// drawn about the picture's top left corner (a large wedge across the picture), always the
+// short way round, and as a whole ellipse when the ends shared an x or a y. Each now stands in
+// its box as Windows draws it: counter-clockwise from its start to its end.
+TEST(PictureRegression, WmfPiesChordsAndArcsAreDrawnInTheirBoxes) {
+    const quint16 createBrush = 0x02FC, createPen = 0x02FA, selectObject = 0x012D;
+    const quint16 pie = 0x081A, chord = 0x0830, arc = 0x0817;
+    const std::vector<quint16> blueBrush = {0, 0, 0x00FF, 0};
+    // The box 500..900 in both directions; the parameters run end y, end x, start y, start x,
+    // bottom, right, top, left.
+    const auto shape = [&](quint16 function, QPoint start, QPoint end) {
+        const auto records = onPage({{createBrush, blueBrush},
+                                     {selectObject, {2}},
+                                     {createPen, {0, 1, 0, 0, 0}},
+                                     {selectObject, {3}},
+                                     {function,
+                                      {quint16(end.y()), quint16(end.x()), quint16(start.y()),
+                                       quint16(start.x()), 900, 900, 500, 500}}});
+        return Picture::fromBytes(wmfOf(records), Picture::Metafile).toImage(QSize(100, 100));
+    };
+    const auto blue = [](const QImage& image, int x, int y) {
+        const QColor c = image.pixelColor(x, y);
+        return c.blue() > 200 && c.red() < 80;
+    };
+    const QPoint east(900, 700), north(700, 500), south(700, 900);
+    // A quarter: from east to north, the top right quarter.
+    QImage image = shape(pie, east, north);
+    EXPECT_TRUE(blue(image, 78, 62));
+    EXPECT_FALSE(blue(image, 62, 78));
+    EXPECT_FALSE(blue(image, 62, 62));
+    for (int y = 0; y < 45; ++y) // nothing about the corner
+        for (int x = 0; x < 45; ++x)
+            ASSERT_EQ(image.pixelColor(x, y), QColor(Qt::white)) << x << "," << y;
+    // Three quarters: from north round to east.
+    image = shape(pie, north, east);
+    EXPECT_FALSE(blue(image, 78, 62));
+    EXPECT_TRUE(blue(image, 62, 78));
+    EXPECT_TRUE(blue(image, 62, 62));
+    EXPECT_TRUE(blue(image, 78, 78));
+    // A chord from north to south (ends that share an x): the left half only.
+    image = shape(chord, north, south);
+    EXPECT_TRUE(blue(image, 60, 70));
+    EXPECT_FALSE(blue(image, 80, 70));
+    // An arc is a line along the ellipse: its left side is inked, its middle and right are not.
+    image = shape(arc, north, south);
+    int ink = 0;
+    for (int x = 48; x < 54; ++x)
+        ink += image.pixelColor(x, 70).lightness() < 160;
+    EXPECT_GT(ink, 0);
+    EXPECT_EQ(image.pixelColor(70, 70), QColor(Qt::white));
+    EXPECT_EQ(image.pixelColor(90, 70), QColor(Qt::white));
+}
+
+// Pens of width 0 or 1 are drawn a pixel wide whatever the scale, as Windows draws them; the
+// converter made them a fortieth of a pixel, and a drawing's lines and outlines did not show.
+// A polyline is a line: SVG filled its inside black.
+TEST(PictureRegression, WmfThinLinesShowAndPolylinesAreNotFilled) {
+    const quint16 createBrush = 0x02FC, createPen = 0x02FA, selectObject = 0x012D;
+    const quint16 rectangle = 0x041B, polyline = 0x0325;
+    for (const quint16 width : {0, 1}) {
+        SCOPED_TRACE(width);
+        const auto records = onPage({{createBrush, {1, 0, 0, 0}}, // hollow
+                                     {createPen, {0, width, 0, 0, 0}},
+                                     {selectObject, {2}},
+                                     {selectObject, {3}},
+                                     {rectangle, {400, 400, 100, 100}},
+                                     {polyline, {4, 600, 100, 900, 400, 600, 400, 600, 100}}});
+        const QImage image = Picture::fromBytes(wmfOf(records), Picture::Metafile).toImage(QSize(100, 100));
+        int darkest = 255;
+        for (int x = 8; x < 13; ++x)
+            darkest = std::min(darkest, image.pixelColor(x, 25).lightness());
+        EXPECT_LT(darkest, 140);
+        EXPECT_EQ(image.pixelColor(25, 25), QColor(Qt::white)); // inside the hollow rectangle
+        EXPECT_EQ(image.pixelColor(65, 30), QColor(Qt::white)); // inside the polyline's triangle
+        darkest = 255;
+        for (int x = 58; x < 63; ++x)
+            darkest = std::min(darkest, image.pixelColor(x, 25).lightness());
+        EXPECT_LT(darkest, 140);
+    }
+}
+
+// The converter placed a WMF's bitmaps twice, by their position and again by a transform of as
+// much, so every bitmap landed off the picture and a metafile holding a pasted bitmap showed
+// nothing. A bitmap now stands where its record puts it, at the size it gives.
+TEST(PictureRegression, WmfBitmapIsDrawnWhereItsRecordPutsIt) {
+    const quint16 stretchDib = 0x0F43;
+    // A 2 x 2 red bitmap of 24 bits, each row padded to 8 bytes.
+    QByteArray dib = QByteArray::fromHex(
+        "28000000020000000200000001001800000000001000000000000000000000000000000000000000");
+    dib += QByteArray::fromHex("0000ff0000ff0000").repeated(2);
+    std::vector<quint16> params = {0x0020, 0x00CC, 0,   2,   2,  0,
+                                   0,      400,    400, 200, 200}; // SRCCOPY into 200..600
+    for (qsizetype i = 0; i < dib.size(); i += 2)
+        params.push_back(quint16(uchar(dib[i]) | uchar(dib[i + 1]) << 8));
+    const QImage image =
+        Picture::fromBytes(wmfOf(onPage({{stretchDib, params}})), Picture::Metafile).toImage(QSize(100, 100));
+    EXPECT_EQ(image.pixelColor(40, 40), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(25, 55), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(80, 80), QColor(Qt::white));
+    EXPECT_EQ(image.pixelColor(10, 10), QColor(Qt::white));
 }
