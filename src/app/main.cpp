@@ -1,6 +1,8 @@
 // Start of the program: parses the command line, then either runs a command without any
 // window or starts the desktop application.
 #include "app/Commands.h"
+#include "app/Help.h"
+#include "platform/RuntimeDir.h"
 #include "platform/TempDir.h"
 #include "platform/ui/Icons.h"
 #include "shell/MDIForm1.h"
@@ -8,6 +10,7 @@
 #include "shell/SingleInstance.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTimer>
@@ -16,6 +19,7 @@
 #include <cstring>
 
 int main(int argc, char** argv) {
+    platform::providePrivateRuntimeDir();
     if (argc >= 2 && std::strcmp(argv[1], "--version") == 0) {
         std::printf("TAMRIK 2006 %s\n", TAMRIK_VERSION);
         return 0;
@@ -25,14 +29,16 @@ int main(int argc, char** argv) {
     bool smoke = false;
     QString file;
     for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
+            return app::helpCommand({});
         if (std::strcmp(argv[i], "--smoke") == 0)
             smoke = true;
-        else if (argv[i][0] != '-')
+        else if (argv[i][0] == '-' || !QFileInfo::exists(QString::fromLocal8Bit(argv[i])))
+            // Only an existing file starts the desktop program: a mistyped command must not
+            // open a window, nor be handed to a program already running.
+            return app::unknownArgument(QString::fromLocal8Bit(argv[i]));
+        else
             file = QString::fromLocal8Bit(argv[i]);
-        else {
-            std::fprintf(stderr, "tamrik: tuntematon valitsin %s\n", argv[i]);
-            return 1;
-        }
     }
     if (smoke && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

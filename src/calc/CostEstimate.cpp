@@ -5,7 +5,8 @@
 #include "lists/Columns.h"
 #include "lists/ListModel.h"
 
-#include <charconv>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 namespace calc {
 
@@ -122,34 +123,50 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
     return rec;
 }
 
-QString FormatCostRecord(const CostRecord& r) {
-    QString out;
-    const auto line = [&out](const char* name, float value) {
-        char buf[32];
-        const auto end =
-            std::to_chars(buf, buf + sizeof buf, static_cast<double>(value), std::chars_format::general, 9);
-        out += QLatin1String(name) + QLatin1String(" = ") + QLatin1String(buf, end.ptr - buf) +
-               QLatin1Char('\n');
-    };
-    const auto count = [&out](const char* name, int value) {
-        out += QLatin1String(name) + QLatin1String(" = ") + QString::number(value) + QLatin1Char('\n');
-    };
-    line("bridgeSum", r.bridgeSum);
-    line("bridgeGeneral", r.bridgeGeneral);
-    line("superstructureSum", r.superstructureSum);
-    line("bridgeTotal", r.bridgeTotal);
-    line("bridgeConverted", r.bridgeConverted);
-    line("bridgeRounded", r.bridgeRounded);
-    line("roadSum", r.roadSum);
-    line("roadGeneral", r.roadGeneral);
-    line("roadTotal", r.roadTotal);
-    line("roadConverted", r.roadConverted);
-    line("roadRounded", r.roadRounded);
+namespace {
+
+// The record's fields in the order of the record, by name: the figures, then the counts.
+template <typename Figure, typename Count>
+void forEachField(const CostRecord& r, Figure figure, Count count) {
+    figure("bridgeSum", r.bridgeSum);
+    figure("bridgeGeneral", r.bridgeGeneral);
+    figure("superstructureSum", r.superstructureSum);
+    figure("bridgeTotal", r.bridgeTotal);
+    figure("bridgeConverted", r.bridgeConverted);
+    figure("bridgeRounded", r.bridgeRounded);
+    figure("roadSum", r.roadSum);
+    figure("roadGeneral", r.roadGeneral);
+    figure("roadTotal", r.roadTotal);
+    figure("roadConverted", r.roadConverted);
+    figure("roadRounded", r.roadRounded);
     count("bridgeSummaryRow", r.bridgeSummaryRow);
     count("roadSummaryRow", r.roadSummaryRow);
     count("bridgeSummaryLines", r.bridgeSummaryLines);
     count("roadSummaryLines", r.roadSummaryLines);
+}
+
+} // namespace
+
+QString FormatCostRecord(const CostRecord& r) {
+    QString out;
+    forEachField(
+        r,
+        [&out](const char* name, float value) {
+            out += QLatin1String(name) + QLatin1String(" = ") + FigureText(value) + QLatin1Char('\n');
+        },
+        [&out](const char* name, int value) {
+            out += QLatin1String(name) + QLatin1String(" = ") + QString::number(value) + QLatin1Char('\n');
+        });
     return out;
+}
+
+QByteArray CostRecordAsJson(const CostRecord& r) {
+    QJsonObject object;
+    forEachField(
+        r,
+        [&object](const char* name, float value) { object.insert(QLatin1String(name), FigureValue(value)); },
+        [&object](const char* name, int value) { object.insert(QLatin1String(name), value); });
+    return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 
 } // namespace calc

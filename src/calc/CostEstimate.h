@@ -64,5 +64,8 @@ bool NextIsCaption1(const lists::ListModel& list, int row);
 // The record as "name = value" lines in field order, each ending in a line feed: single
 // precision values with 9 significant digits, integers plainly.
 QString FormatCostRecord(const CostRecord& record);
+// The same fields as one JSON object (`tamrik costs --json`): the figures as numbers with the
+// values the lines show, the counts as integers.
+QByteArray CostRecordAsJson(const CostRecord& record);
 
 } // namespace calc
