@@ -31,5 +31,7 @@ void GetWinPos(const WindowPositions& table, int slot, QWidget* window);
 
 // Puts a file at the head of the recent files, moving it when it is there already.
 void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file);
+// Removes the files that no longer exist, keeping the order of the others; true when any went.
+bool DropMissingRecentFiles(std::array<QString, 6>& files);
 
 } // namespace shell
