@@ -3,6 +3,7 @@
 #include "calc/CostEstimate.h"
 #include "calc/ProjectCheck.h"
 #include "calc/QualityIndex.h"
+#include "BenchLists.h"
 #include "lists/ListModel.h"
 
 #include <benchmark/benchmark.h>
@@ -10,78 +11,8 @@
 
 namespace {
 
-std::vector<lists::Column> columnsOf(int dataColumns) {
-    std::vector<lists::Column> columns(dataColumns, lists::Column{QStringLiteral("SARAKE"), 1000});
-    columns.push_back({QStringLiteral("Rivi"), 0});
-    return columns;
-}
-
-lists::Row rowOf(QStringList cells, int dataColumns, long long number) {
-    while (cells.size() < dataColumns)
-        cells.append(QString());
-    cells.append(lists::formatRowNumber(number));
-    return lists::Row{cells, QString(), false};
-}
-
-// Work phases of 20 rows: a caption, a sub-phase, priced items and their continuation rows,
-// blank rows between; the road works in the last quarter.
-void fillQuantityList(lists::ListModel& list, int n) {
-    std::vector<lists::Row> rows;
-    rows.reserve(n);
-    for (int i = 0; i < n; ++i) {
-        const int phase = i / 20;
-        const QString littera = QString::number(7100 + phase % 100);
-        QStringList cells;
-        if (i == n * 3 / 4)
-            cells = {QString(), QStringLiteral("TIETYÖT SILTAPAIKALLA")};
-        else if (i % 20 == 0)
-            cells = {littera, QStringLiteral("PÄÄLLYSRAKENTEEN BETONITYÖT")};
-        else if (i % 20 == 1)
-            cells = {littera + QStringLiteral(".1"), QStringLiteral("Kannen betonointi")};
-        else if (i % 4 == 0)
-            cells = {};
-        else if (i % 4 == 3)
-            cells = {QString(), QStringLiteral("jatkuu seuraavalla rivillä")};
-        else
-            cells = {QString(),
-                     QStringLiteral("Betoni K40-1, rakenneosa"),
-                     QStringLiteral("310"),
-                     QString::number(i % 97) + QStringLiteral(",5"),
-                     QStringLiteral("m3"),
-                     QStringLiteral("1 234,50")};
-        rows.push_back(rowOf(cells, 7, i + 1));
-    }
-    list.reset(columnsOf(7), std::move(rows));
-}
-
-// Work phases of 25 rows with a sub-phase; requirements of all three types, some inspected.
-void fillRequirementList(lists::ListModel& list, int n) {
-    static const QString types[] = {QStringLiteral("1 (siltakohtainen)"), QStringLiteral("2 (KLVn mukainen)"),
-                                    QStringLiteral("3 (ohjeellinen)")};
-    static const QString results[] = {QStringLiteral("Kyllä"), QStringLiteral("Ei"), QString()};
-    std::vector<lists::Row> rows;
-    rows.reserve(n);
-    for (int i = 0; i < n; ++i) {
-        const QString littera = QString::number(7100 + (i / 25) % 100);
-        QStringList cells(24);
-        if (i % 25 == 0) {
-            cells[0] = littera;
-            cells[2] = QStringLiteral("KAIVUT JA PENGERTYÖT");
-        } else if (i % 25 == 10) {
-            cells[0] = littera + QStringLiteral(".1");
-            cells[2] = QStringLiteral("Kaivutason tarkastus");
-        } else {
-            cells[1] = QString::number(i % 25);
-            cells[2] = QStringLiteral("Kaivutason korkeus suunnitelman mukainen");
-            cells[3] = types[i % 3];
-            cells[10] = QString::number(i % 6);
-            cells[20] = results[i % 3 == 0 ? 0 : (i / 3) % 3];
-            cells[23] = QStringLiteral("0,5 (virhe vaikuttaa osittain)");
-        }
-        rows.push_back(rowOf(cells, 24, i + 1));
-    }
-    list.reset(columnsOf(24), std::move(rows));
-}
+using bench_lists::fillQuantityList;
+using bench_lists::fillRequirementList;
 
 void BM_CalculateCosts(benchmark::State& state) {
     lists::ListModel list;

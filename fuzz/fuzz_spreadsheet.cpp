@@ -1,4 +1,4 @@
-// Spreadsheet import (.xls, .xlsx, .ods) as a user imports a file: each input is written to a
+// Spreadsheet import (.xls, .xlsx, .xlsb, .ods) as a user imports a file: each input is written to a
 // file in memory first, named by what its first bytes say, and read by its name.
 #include "FuzzSupport.h"
 #include "common/SlowUnwinder.h"
@@ -21,7 +21,10 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray bytes = fuzz::bytes(data, size);
     const char* extension = ".xls";
-    if (bytes.startsWith("PK")) extension = bytes.indexOf("opendocument") >= 0 ? ".ods" : ".xlsx";
+    if (bytes.startsWith("PK"))
+        extension = bytes.indexOf("opendocument") >= 0 ? ".ods"
+                    : bytes.indexOf(".bin") >= 0       ? ".xlsb"
+                                                       : ".xlsx";
     static const QString dir =
         QFileInfo::exists(QStringLiteral("/dev/shm")) ? QStringLiteral("/dev/shm") : QDir::tempPath();
     const QString name = dir + QStringLiteral("/tamrik-fuzz-%1").arg(getpid()) + QLatin1String(extension);

@@ -84,6 +84,20 @@ int rowOfText(const lists::ListModel& list, int column, const QString& text) {
     return 0;
 }
 
+// Adds the base list's "TIETYÖT SILTAPAIKALLA" caption row to the project list, as a user adds
+// it with "Lisää": the road works at the bridge site stand under it, apart from the bridge.
+void addRoadWorksCaption(lists::BaseListWindow* base) {
+    lists::ListModel& source = *base->list();
+    const int row = rowOfText(source, base->slot() == 6 ? 2 : 3, QStringLiteral("TIETYÖT SILTAPAIKALLA"));
+    if (row == 0) {
+        std::fprintf(stderr, "TIETYÖT SILTAPAIKALLA puuttuu\n");
+        return;
+    }
+    source.clearSelection();
+    source.setSelected(row, true);
+    base->editMenuClick(0);
+}
+
 // A side view of a three-span bridge, drawn as a picture of the card.
 platform::Picture sideView() {
     QImage image(480, 180, QImage::Format_RGB32);
@@ -228,6 +242,7 @@ int main(int argc, char** argv) {
              {QStringLiteral("7187"), 1},   {QStringLiteral("7191"), 1}, {QStringLiteral("7192"), 1},
              {QStringLiteral("7196"), 1},   {QStringLiteral("1120"), 1}, {QStringLiteral("1130"), 1},
              {QStringLiteral("2120"), 1}}) {
+        if (littera == QStringLiteral("1120")) addRoadWorksCaption(f6);
         addFromBase(main, f6, littera, n);
     }
     lists::ListModel& quantities = *w.f2->list(0);
@@ -260,6 +275,7 @@ int main(int argc, char** argv) {
                                                                          {QStringLiteral("7186"), 2},
                                                                          {QStringLiteral("7196"), 1},
                                                                          {QStringLiteral("1130"), 2}}) {
+        if (littera == QStringLiteral("1130")) addRoadWorksCaption(f7);
         addFromBase(main, f7, littera, n, &requirementTexts);
     }
     lists::ListModel& requirements = *w.f2->list(1);

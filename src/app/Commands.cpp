@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include "app/CompareCommand.h"
 #include "app/Help.h"
 #include "app/PrintCommand.h"
 #include "app/ValidateCommand.h"
@@ -32,6 +33,8 @@ int costs(const QString& fileName, bool json) {
     auto list =
         persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
     const calc::CostRecord record = calc::CalculateCosts(*list, inputs);
+    // An overflowed figure is no amount: a script must not take it for one.
+    if (record.nonFiniteRow != 0) return fail(calc::NonFiniteMessage(record));
     if (json)
         printOut(calc::CostRecordAsJson(record));
     else
@@ -78,6 +81,7 @@ int runCommand(int argc, char** argv) {
         if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
             return helpCommand({command});
     if (command == QLatin1String("print")) return printCommand(argc, argv);
+    if (command == QLatin1String("compare")) return compareCommand(argc, argv);
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments().mid(2);
     if (command == QLatin1String("help")) return helpCommand(args);

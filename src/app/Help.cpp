@@ -32,6 +32,12 @@ const std::vector<CommandHelp>& commandTable() {
          "löydökset riveittäin, valitsimella --json JSON-muodossa.\n"
          "Paluuarvo 0, kun mitään ei löytynyt; 2, kun löytyi vain huomautuksia; 3, kun löytyi\n"
          "virheitä; 1, kun projektia ei voitu lukea."},
+        {"compare", "VANHA.sl UUSI.sl [--json] [--pdf KOHDE.pdf]",
+         "projektin kahden version vertailu: muutetut rivit, kentät ja luvut",
+         "Vertaa projektin kahta versiota: luetteloiden lisätyt, poistetut ja muutetut rivit,\n"
+         "perustietojen kentät, kustannusarvion luvut ja sillan laatuluvun. Valitsimella --json\n"
+         "JSON-muodossa, valitsimella --pdf myös vertailutuloste PDF-tiedostoon.\n"
+         "Paluuarvo 0, kun versiot ovat samat; 4, kun ne eroavat; 1 virheessä."},
         {"help", "[KOMENTO]", "komentojen luettelo tai yhden komennon käyttöohje",
          "Ilman komentoa tulostaa kaikki komennot, kunkin yhdellä rivillä; komennon kanssa sen\n"
          "käyttöohjeen. Sama ohje tulee myös valitsimella --help komennon perässä.\n"

@@ -24,8 +24,9 @@ void onInterrupt(int) {
     g_interrupted = true;
 }
 
-// The printing settings of the user, as the desktop program would use them.
-print::PrintSettings userSettings(const QString& appPath) {
+} // namespace
+
+print::PrintSettings userPrintSettings(const QString& appPath) {
     print::PrintSettings s;
     s.appPath = appPath;
     const platform::SettingsStore store;
@@ -41,8 +42,6 @@ print::PrintSettings userSettings(const QString& appPath) {
         s.logo = platform::Picture::fromFile(logo);
     return s;
 }
-
-} // namespace
 
 int printCommand(int argc, char** argv) {
     // Printing needs fonts and a paint device, not a display.
@@ -88,7 +87,7 @@ int printCommand(int argc, char** argv) {
     print::ProjectSource source = print::SourceFromProject(project);
 
     print::PrintRun run(source.source, selection,
-                        userSettings(QCoreApplication::applicationDirPath() + QLatin1Char('/')));
+                        userPrintSettings(QCoreApplication::applicationDirPath() + QLatin1Char('/')));
     run.setInform([](const QString& message) {
         std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
     });

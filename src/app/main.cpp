@@ -8,6 +8,7 @@
 #include "shell/MDIForm1.h"
 #include "shell/ShellActions.h"
 #include "shell/SingleInstance.h"
+#include "shell/Termination.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -60,7 +61,10 @@ int main(int argc, char** argv) {
     if (!smoke && !file.isEmpty() && shell::handToRunningProgram(socket, file)) return 0;
 
     shell::MDIForm1 main;
-    if (!smoke) (new shell::InstanceServer(main))->listen(socket);
+    if (!smoke) {
+        (new shell::InstanceServer(main))->listen(socket);
+        new shell::Termination(main);
+    }
     main.startUp(!smoke);
     if (smoke) main.show();
     if (!file.isEmpty()) main.openFromCommandLine(file);

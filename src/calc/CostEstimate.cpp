@@ -7,6 +7,8 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
+#include <cmath>
 
 namespace calc {
 
@@ -30,6 +32,12 @@ void closeBlock(float sum, double generalPercent, double factor, float& blockSum
     total = general + sum;
     converted = static_cast<float>(factor * total);
     rounded = CustomRound(converted);
+}
+
+bool finite(std::initializer_list<float> values) {
+    for (float v : values)
+        if (!std::isfinite(v)) return false;
+    return true;
 }
 
 bool opensRoadWorks(const QString& phase) {
@@ -87,6 +95,9 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
                        rec.bridgeConverted, rec.bridgeRounded);
             rec.bridgeSummaryRow = i - 1;
             rec.bridgeSummaryLines = kBridgeSummaryLines;
+            if (rec.nonFiniteRow == 0 &&
+                !finite({rec.bridgeGeneral, rec.bridgeTotal, rec.bridgeConverted, rec.bridgeRounded}))
+                rec.nonFiniteRow = std::max(1, i - 1);
             captionSum = 0;
             blockSum = 0;
             superstructure = false;
@@ -108,6 +119,8 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
         captionSum += amount;
         blockSum += amount;
         if (superstructure) rec.superstructureSum += amount;
+        if (rec.nonFiniteRow == 0 && !finite({amount, captionSum, blockSum, rec.superstructureSum}))
+            rec.nonFiniteRow = i;
         if (NextIsCaption1(list, i)) {
             list.setRowTag(i, MoneyS(captionSum, 2));
             captionSum = 0;
@@ -120,53 +133,63 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
     closeBlock(blockSum, generalPercent, factor, rec.roadSum, rec.roadGeneral, rec.roadTotal,
                rec.roadConverted, rec.roadRounded);
     rec.roadSummaryLines = kRoadSummaryLines;
+    // The whole and its VAT are printed too: a sum of two finite blocks may still overflow.
+    const float whole = rec.bridgeRounded + rec.roadRounded;
+    const float vat = static_cast<float>(whole * CustomVal(inputs.vatPercent) / 100);
+    if (rec.nonFiniteRow == 0 && !finite({rec.roadGeneral, rec.roadTotal, rec.roadConverted, rec.roadRounded,
+                                          whole, CustomRound(whole), vat}))
+        rec.nonFiniteRow = std::max(1, n);
     return rec;
 }
 
-namespace {
+QString NonFiniteMessage(const CostRecord& record) {
+    if (record.nonFiniteRow == 0) return QString();
+    return QStringLiteral("summa ei ole äärellinen: rivi %1").arg(record.nonFiniteRow);
+}
 
-// The record's fields in the order of the record, by name: the figures, then the counts.
-template <typename Figure, typename Count>
-void forEachField(const CostRecord& r, Figure figure, Count count) {
-    figure("bridgeSum", r.bridgeSum);
-    figure("bridgeGeneral", r.bridgeGeneral);
-    figure("superstructureSum", r.superstructureSum);
-    figure("bridgeTotal", r.bridgeTotal);
-    figure("bridgeConverted", r.bridgeConverted);
-    figure("bridgeRounded", r.bridgeRounded);
-    figure("roadSum", r.roadSum);
-    figure("roadGeneral", r.roadGeneral);
-    figure("roadTotal", r.roadTotal);
-    figure("roadConverted", r.roadConverted);
-    figure("roadRounded", r.roadRounded);
+std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& r) {
+    std::vector<std::pair<QString, QString>> out;
+    const auto value = [&out](const char* name, float value) {
+        out.emplace_back(QLatin1String(name), FigureText(value));
+    };
+    const auto count = [&out](const char* name, int value) {
+        out.emplace_back(QLatin1String(name), QString::number(value));
+    };
+    value("bridgeSum", r.bridgeSum);
+    value("bridgeGeneral", r.bridgeGeneral);
+    value("superstructureSum", r.superstructureSum);
+    value("bridgeTotal", r.bridgeTotal);
+    value("bridgeConverted", r.bridgeConverted);
+    value("bridgeRounded", r.bridgeRounded);
+    value("roadSum", r.roadSum);
+    value("roadGeneral", r.roadGeneral);
+    value("roadTotal", r.roadTotal);
+    value("roadConverted", r.roadConverted);
+    value("roadRounded", r.roadRounded);
     count("bridgeSummaryRow", r.bridgeSummaryRow);
     count("roadSummaryRow", r.roadSummaryRow);
     count("bridgeSummaryLines", r.bridgeSummaryLines);
     count("roadSummaryLines", r.roadSummaryLines);
-}
-
-} // namespace
-
-QString FormatCostRecord(const CostRecord& r) {
-    QString out;
-    forEachField(
-        r,
-        [&out](const char* name, float value) {
-            out += QLatin1String(name) + QLatin1String(" = ") + FigureText(value) + QLatin1Char('\n');
-        },
-        [&out](const char* name, int value) {
-            out += QLatin1String(name) + QLatin1String(" = ") + QString::number(value) + QLatin1Char('\n');
-        });
     return out;
 }
 
-QByteArray CostRecordAsJson(const CostRecord& r) {
+QString FormatCostRecord(const CostRecord& r) {
+    QString out;
+    for (const auto& [name, value] : CostRecordFields(r))
+        out += name + QLatin1String(" = ") + value + QLatin1Char('\n');
+    return out;
+}
+
+QJsonObject CostRecordObject(const CostRecord& r) {
     QJsonObject object;
-    forEachField(
-        r,
-        [&object](const char* name, float value) { object.insert(QLatin1String(name), FigureValue(value)); },
-        [&object](const char* name, int value) { object.insert(QLatin1String(name), value); });
-    return QJsonDocument(object).toJson(QJsonDocument::Indented);
+    // The numbers the lines show, read back: the same digits in the JSON text.
+    for (const auto& [name, value] : CostRecordFields(r))
+        object.insert(name, value.toDouble());
+    return object;
+}
+
+QByteArray CostRecordAsJson(const CostRecord& r) {
+    return QJsonDocument(CostRecordObject(r)).toJson(QJsonDocument::Indented);
 }
 
 } // namespace calc

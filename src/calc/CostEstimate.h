@@ -6,8 +6,11 @@
 //
 // Columns of the quantity list: 1 littera, 2 work phase (or caption), 3 structural part,
 // 4 quantity, 5 unit, 6 unit price, 7 remarks, then "Rivi".
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
+#include <utility>
+#include <vector>
 
 namespace lists {
 class ListModel;
@@ -45,6 +48,9 @@ struct CostRecord {
     int roadSummaryRow = 0;      // the number of rows in the list
     int bridgeSummaryLines = 0;  // print lines of the bridge summary (12 once the block closed)
     int roadSummaryLines = 0;    // print lines of the road-works summary with the VAT lines (29)
+    // The first list row from which an amount, a sum or a total is no longer a finite number
+    // (single precision overflows past 3.4e38); 0 when every figure is finite.
+    int nonFiniteRow = 0;
 };
 
 // The multiplier from the unit price index to the cost index: (cost - unit) / unit + 1. A unit
@@ -61,11 +67,18 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs);
 // so the last group's subtotal closes too.
 bool NextIsCaption1(const lists::ListModel& list, int row);
 
-// The record as "name = value" lines in field order, each ending in a line feed: single
-// precision values with 9 significant digits, integers plainly.
+// "summa ei ole äärellinen: rivi N" for a record with a figure that is not finite, else empty.
+QString NonFiniteMessage(const CostRecord& record);
+
+// The record's fields in order, each as its name and its value: single precision values with
+// 9 significant digits, integers plainly.
+std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& record);
+
+// The record as "name = value" lines in field order, each ending in a line feed.
 QString FormatCostRecord(const CostRecord& record);
-// The same fields as one JSON object (`tamrik costs --json`): the figures as numbers with the
-// values the lines show, the counts as integers.
+// The same fields as one JSON object (`tamrik costs --json`, the comparison's costs): the
+// figures as numbers with the values the lines show, the counts as integers.
+QJsonObject CostRecordObject(const CostRecord& record);
 QByteArray CostRecordAsJson(const CostRecord& record);
 
 } // namespace calc

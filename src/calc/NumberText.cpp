@@ -46,9 +46,10 @@ QString wholeDigits(double whole) {
     return QString::fromLatin1(buf, r.ptr - buf);
 }
 
-QString nonFiniteText(float value) {
-    if (std::isnan(value)) return QStringLiteral("NaN");
-    return value < 0 ? QStringLiteral("-∞") : QStringLiteral("∞");
+// A figure that overflowed single precision shows as a spreadsheet shows a cell too narrow
+// for its number: never as a number the reader could take for an amount.
+QString nonFiniteText(float) {
+    return QStringLiteral("#####");
 }
 
 // A value rounded for a "Format" pattern: the digits before and after the decimal point.

@@ -24,11 +24,11 @@ CardBasicData cardBasicData(const Form1& basic) {
     return calc::CardBasicDataOf(windowTexts(basic));
 }
 
-void UpdateCardText(const Form1& basic, Form2* detailed, Form3& card) {
-    UpdateCardText(basic, detailed ? detailed->list(0) : nullptr, card);
+calc::CostRecord UpdateCardText(const Form1& basic, Form2* detailed, Form3& card) {
+    return UpdateCardText(basic, detailed ? detailed->list(0) : nullptr, card);
 }
 
-void UpdateCardText(const Form1& basic, lists::ListModel* quantities, Form3& card) {
+calc::CostRecord UpdateCardText(const Form1& basic, lists::ListModel* quantities, Form3& card) {
     lists::ListModel noList;
     const calc::CostRecord costs =
         calc::CalculateCosts(quantities ? *quantities : noList, basic.costInputs());
@@ -38,6 +38,7 @@ void UpdateCardText(const Form1& basic, lists::ListModel* quantities, Form3& car
     for (int i = 0; i < static_cast<int>(card.Text1.size()); ++i)
         if (card.Text1[i]) card.Text1[i]->setText(texts[i]);
     card.setMoneyUnit(labels.money);
+    return costs;
 }
 
 QStringList UpdateSTCard(const Form1& basic, const Form3& card) {

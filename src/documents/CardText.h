@@ -36,9 +36,9 @@ WindowTexts windowTexts(const ProjectWindow& window);
 CardBasicData cardBasicData(const Form1& basic);
 // Runs the cost estimate on the detailed data window's quantity list (none: an empty list),
 // computes the card's grey fields and sets its money-unit labels.
-void UpdateCardText(const Form1& basic, Form2* detailed, Form3& card);
+calc::CostRecord UpdateCardText(const Form1& basic, Form2* detailed, Form3& card);
 // The same with the quantity list given directly (none: an empty list).
-void UpdateCardText(const Form1& basic, lists::ListModel* quantities, Form3& card);
+calc::CostRecord UpdateCardText(const Form1& basic, lists::ListModel* quantities, Form3& card);
 QStringList UpdateSTCard(const Form1& basic, const Form3& card);
 QStringList UpdateSTCharge(const Form1& basic, const Form4& charge);
 

@@ -1,8 +1,41 @@
 #pragma once
 // Where each field stands in the two project lists (1-based column numbers). The printing, the
 // calculations and the editing read the same columns, so they are named once here.
+#include <QStringList>
 
 namespace lists {
+
+// The header words of the two lists' columns, as the shipped list templates name them.
+inline QStringList quantityColumnHeaders() {
+    return {"LITTERA", "TYÖVAIHE", "RAK. OSA", "MÄÄRÄ", "YKSIKKÖ", "YKS.HINTA", "HUOMAUTUKSET"};
+}
+
+inline QStringList requirementColumnHeaders() {
+    return {"LITTERA",
+            "NRO",
+            "LAATUVAATIMUS",
+            "TYYPPI",
+            "VIITE",
+            "VAATIMUS",
+            "ALARAJA",
+            "YLÄRAJA",
+            "YKSIKKÖ",
+            "TARKASTUSTAPA",
+            "PAINOARVO",
+            "LAATUSUUNNITELMATEKSTI",
+            "TEKNINEN TYÖSELOSTUS",
+            "VIITETIEDOSTO",
+            "TARKASTUS/MITTAUSRAPORTTITEKSTI",
+            "MITTAUSTEN LKM",
+            "MINIMI",
+            "MAKSIMI",
+            "KESKIARVO",
+            "LAATURAPORTTITEKSTI",
+            "TÄYTTÄÄ VAATIMUKSET",
+            "POIKKEAMARAPORTTI",
+            "KORJAUSSUUNNITELMA",
+            "PAINOARVON KERROIN"};
+}
 
 // The quantity list ("Määräluettelo ja kustannusarvio").
 namespace quantityCol {

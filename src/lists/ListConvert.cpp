@@ -32,9 +32,9 @@ bool ConvertListFile(const QString& in, const QString& out, QString* error) {
     const QString inExt = QFileInfo(in).suffix().toLower();
     const QString outExt = QFileInfo(out).suffix().toLower();
     if (!isListTextFile(inExt) && !isSpreadsheetFile(in))
-        return fail(
-            QStringLiteral("Tiedostoa: ") + in +
-            QStringLiteral(" ei voi lukea. Luettavia muotoja ovat .sl1, .sl2, .csv, .xls, .xlsx ja .ods."));
+        return fail(QStringLiteral("Tiedostoa: ") + in +
+                    QStringLiteral(" ei voi lukea. Luettavia muotoja ovat .sl1, .sl2, .csv, ") +
+                    spreadsheetExtensionsText() + QLatin1Char('.'));
     if (!isListTextFile(outExt) && outExt != QLatin1String("xlsx"))
         return fail(
             QStringLiteral("Tiedostoa: ") + out +

@@ -1,7 +1,8 @@
 #pragma once
 // Converting a list file from one format to another, without windows (`tamrik convert IN OUT`).
 //
-// Read: .sl1, .sl2, .csv (list text files), .xls, .xlsx, .ods (first worksheet).
+// Read: .sl1, .sl2, .csv (list text files), the spreadsheets of isSpreadsheetFile (first
+// worksheet).
 // Write: .sl1, .sl2, .csv, .xlsx.
 // The format is chosen by the extension in any letter case. A spreadsheet has no separate
 // header: its first row becomes the header row of the list and the rows below it the list's

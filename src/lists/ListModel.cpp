@@ -9,6 +9,13 @@ const QString kEmpty;
 }
 
 QString formatRowNumber(long long n) {
+    // Every row of a list read from a file gets one: the usual five digits without arg().
+    if (n >= 0 && n <= 99999) {
+        QChar digits[5];
+        for (int i = 4; i >= 0; --i, n /= 10)
+            digits[i] = QChar(u'0' + static_cast<char16_t>(n % 10));
+        return QString(digits, 5);
+    }
     return QStringLiteral("%1").arg(n, 5, 10, QLatin1Char('0'));
 }
 

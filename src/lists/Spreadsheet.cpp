@@ -3,6 +3,8 @@
 #include "lists/ListFiles.h"
 #include "lists/ListProcedures.h"
 #include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/CompoundFile.h"
+#include "lists/spreadsheet/Encryption.h"
 #include "lists/spreadsheet/SheetReaders.h"
 #include "platform/Dialogs.h"
 
@@ -17,18 +19,28 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
+#include <new>
 
 namespace lists {
 
 namespace {
 
 constexpr int kBlankRowsThatEnd = 100;
+// No workbook a list comes from is near this; a larger file is refused before it is read.
+constexpr qint64 kLargestFile = qint64(512) << 20;
 // A list read from a spreadsheet without columns of its own takes at most this many.
 constexpr int kWidestSheetList = 1024;
 
 QString extensionOf(const QString& fileName) {
     return QFileInfo(fileName).suffix().toLower();
 }
+
+// The extensions of the spreadsheet files the import reads. Macro workbooks and templates are
+// the same containers as .xlsx; only their cells are read, nothing in them is run.
+const std::array<QLatin1StringView, 7> kSheetExtensions{QLatin1StringView("xls"),  QLatin1StringView("xlsx"),
+                                                        QLatin1StringView("xlsm"), QLatin1StringView("xlsb"),
+                                                        QLatin1StringView("xltx"), QLatin1StringView("xltm"),
+                                                        QLatin1StringView("ods")};
 
 QString cannotRead(const QString& fileName, const QString& detail) {
     return QStringLiteral("Taulukkotiedostoa: ") + fileName + QStringLiteral(" ei voitu lukea: ") + detail +
@@ -42,6 +54,21 @@ bool startsLikeBiff(const QByteArray& bytes) {
 }
 
 // Reads the first worksheet with the reader that fits what the file holds.
+// A workbook packed in a ZIP archive: an OpenDocument spreadsheet, or an Office Open XML workbook
+// with XML or binary parts.
+bool readPackage(const QByteArray& bytes, sheet::SheetBuilder& builder, QString* detail) {
+    const std::unique_ptr<sheet::Archive> zip = sheet::Archive::open(bytes, detail);
+    if (!zip) return false;
+    if (zip->contains(QStringLiteral("content.xml")) && !zip->contains(QStringLiteral("[Content_Types].xml")))
+        return sheet::readOds(*zip, builder, detail);
+    QString book;
+    if (!sheet::workbookPartOf(*zip, book, detail)) return false;
+    // A binary workbook's parts are .bin files; the package is the same.
+    return book.endsWith(QLatin1String(".bin"), Qt::CaseInsensitive)
+               ? sheet::readXlsb(*zip, book, builder, detail)
+               : sheet::readXlsx(*zip, book, builder, detail);
+}
+
 bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data, QString* error) {
     auto fail = [&](const QString& message) {
         if (error) *error = message;
@@ -51,27 +78,45 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
         return fail(QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei löydy."));
     if (!isSpreadsheetFile(fileName))
         return fail(QStringLiteral("Tiedostoa: ") + fileName +
-                    QStringLiteral(" ei voi tuoda. Tuettuja taulukkotiedostoja ovat .xls, .xlsx ja .ods."));
+                    QStringLiteral(" ei voi tuoda. Tuettuja taulukkotiedostoja ovat ") +
+                    spreadsheetExtensionsText() + QLatin1Char('.'));
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) return fail(cannotRead(fileName, file.errorString()));
+    if (file.size() > kLargestFile)
+        return fail(cannotRead(
+            fileName, QStringLiteral("tiedosto on liian suuri (yli %1 Mt)").arg(kLargestFile >> 20)));
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) return fail(cannotRead(fileName, file.errorString()));
 
     sheet::SheetBuilder builder(columns);
     QString detail;
     bool ok = false;
-    if (sheet::looksLikeOle(bytes) || startsLikeBiff(bytes)) {
-        ok = sheet::readXls(bytes, builder, &detail);
-    } else if (sheet::looksLikeZip(bytes)) {
-        const std::unique_ptr<sheet::Archive> zip =
-            sheet::Archive::open(bytes, sheet::Archive::Kind::Zip, &detail);
-        if (zip) {
-            const bool ods = zip->contains(QStringLiteral("content.xml")) &&
-                             !zip->contains(QStringLiteral("[Content_Types].xml"));
-            ok = ods ? sheet::readOds(*zip, builder, &detail) : sheet::readXlsx(*zip, builder, &detail);
+    try {
+        if (sheet::looksLikeOle(bytes)) {
+            // An .xls workbook, or an Office Open XML one encrypted into the compound file.
+            const std::unique_ptr<sheet::CompoundFile> ole = sheet::CompoundFile::open(bytes, &detail);
+            if (ole && sheet::isEncryptedPackage(*ole)) {
+                QByteArray package;
+                const sheet::Decryption result =
+                    sheet::decryptPackage(*ole, sheet::defaultPassword(), package);
+                if (result == sheet::Decryption::Done)
+                    ok = readPackage(package, builder, &detail);
+                else
+                    detail = sheet::decryptionFailure(result);
+            } else if (ole) {
+                ok = sheet::readXls(bytes, builder, &detail);
+            }
+        } else if (startsLikeBiff(bytes)) {
+            ok = sheet::readXls(bytes, builder, &detail);
+        } else if (sheet::looksLikeZip(bytes)) {
+            ok = readPackage(bytes, builder, &detail);
+        } else {
+            detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
         }
-    } else {
-        detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
+    } catch (const std::bad_alloc&) {
+        // The readers count what they keep; this is the last line, never a crash.
+        ok = false;
+        detail = QStringLiteral("muisti ei riitä sen lukemiseen");
     }
     if (!ok) return fail(cannotRead(fileName, detail));
     data = builder.take();
@@ -184,7 +229,16 @@ std::optional<TypedNumber> cellTextNumber(const QString& text) {
 
 bool isSpreadsheetFile(const QString& fileName) {
     const QString ext = extensionOf(fileName);
-    return ext == QLatin1String("xls") || ext == QLatin1String("xlsx") || ext == QLatin1String("ods");
+    return std::find(kSheetExtensions.begin(), kSheetExtensions.end(), ext) != kSheetExtensions.end();
+}
+
+QString spreadsheetExtensionsText() {
+    QString text;
+    for (std::size_t i = 0; i < kSheetExtensions.size(); ++i) {
+        if (i > 0) text += i + 1 == kSheetExtensions.size() ? QStringLiteral(" ja ") : QStringLiteral(", ");
+        text += QLatin1Char('.') + kSheetExtensions[i];
+    }
+    return text;
 }
 
 // ------------------------------------------------------------ import

@@ -1,6 +1,7 @@
 #pragma once
-// Lists to and from spreadsheet files: import of the first worksheet of .xls, .xlsx and .ods
-// files (our own readers in spreadsheet/), export to .xlsx (libxlsxwriter).
+// Lists to and from spreadsheet files: import of the first worksheet of .xls, .xlsx (and its
+// macro and template forms), .xlsb and .ods files (our own readers in spreadsheet/), export to
+// .xlsx (libxlsxwriter).
 //
 // Cells become text as a user would have typed them and the spreadsheet shows them: numbers with
 // a decimal comma and the decimals their format shows, dates as d.M.yyyy, formula cells as their
@@ -28,8 +29,11 @@ struct TypedNumber {
 };
 std::optional<TypedNumber> cellTextNumber(const QString& text);
 
-// Whether the file name has a spreadsheet extension that can be read (.xls, .xlsx, .ods).
+// Whether the file name has a spreadsheet extension that can be read (.xls, .xlsx, .xlsm, .xlsb,
+// .xltx, .xltm, .ods; any letter case).
 bool isSpreadsheetFile(const QString& fileName);
+// Those extensions for a message: ".xls, .xlsx, ... ja .ods".
+QString spreadsheetExtensionsText();
 
 // Reads the first worksheet into rows of text cells. Rows start at sheet row 1; reading stops
 // after 100 consecutive blank rows and the trailing blank rows are dropped. Each row has

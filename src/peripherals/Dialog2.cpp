@@ -3,6 +3,7 @@
 #include "lists/ListProcedures.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
+#include "platform/TempDir.h"
 #include "shell/Captions.h"
 
 #include <QApplication>
@@ -143,9 +144,19 @@ void Dialog2::Send() {
     }
 
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool unopened = !sendMessage(entries, withFiles) &&
-                          MAPISession1.route() == platform::MailSession::Route::DraftUnopened;
+    const bool sent = sendMessage(entries, withFiles);
+    const bool unopened = !sent && MAPISession1.route() == platform::MailSession::Route::DraftUnopened;
     QApplication::restoreOverrideCursor();
+    // A draft instead of the compose window is told, so that the user sends it from there.
+    if (sent && MAPISession1.route() == platform::MailSession::Route::Draft)
+        platform::MsgBox(
+            (MAPISession1.attachmentsNeededDraft()
+                 ? QStringLiteral("Sähköpostiohjelmasi ei ota liitteitä vastaan suoraan, joten viesti "
+                                  "liitteineen tallennettiin tiedostoon\r\n")
+                 : QStringLiteral("Viesti liitteineen tallennettiin tiedostoon\r\n")) +
+                MAPISession1.draftPath() +
+                QStringLiteral("\r\nja avattiin sähköpostiohjelmassa. Lähetä viesti sieltä."),
+            platform::MsgIcon::Information);
     // Other failures of the mail program are not told: the user sees them in the mail program.
     // A draft that no program took exists, though: the user is told where it is.
     if (unopened)
@@ -159,7 +170,8 @@ void Dialog2::Send() {
 }
 
 bool Dialog2::sendMessage(const QStringList& entries, bool withFiles) {
-    const QString temp = m_host.TempPath();
+    // The mail program reads these files after the send, perhaps after this program ended.
+    const QString temp = platform::mailFolder(m_host.TempPath());
     if (!MAPISession1.SignOn(temp)) return false;
     QString projectName;
     QString projectPath;

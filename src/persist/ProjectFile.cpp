@@ -33,6 +33,10 @@ const ListRecord& RecordList(const ProjectContent& content, int window, int j) {
 }
 
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind) {
+    return ListFromRecord(ListRecord(record), kind);
+}
+
+std::unique_ptr<lists::ListModel> ListFromRecord(ListRecord&& record, const QString& kind) {
     auto list = std::make_unique<lists::ListModel>();
     list->setKind(kind);
     std::vector<lists::Column> columns(record.columns);
@@ -40,9 +44,9 @@ std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const
     std::vector<lists::Row> rows;
     rows.reserve(record.rows.size());
     long long n = 0;
-    for (const QStringList& cells : record.rows) {
+    for (QStringList& cells : record.rows) {
         lists::Row row;
-        row.cells = cells;
+        row.cells = std::move(cells);
         while (row.cells.size() < record.columns)
             row.cells.append(QString());
         row.cells.append(lists::formatRowNumber(++n));

@@ -28,6 +28,8 @@ bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, Q
 const ListRecord& RecordList(const ProjectContent& content, int window, int j);
 
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind);
+// The same from a record that is no longer needed: its rows move into the list.
+std::unique_ptr<lists::ListModel> ListFromRecord(ListRecord&& record, const QString& kind);
 
 // The files the requirement list refers to (columns 13 and 14 holding a folder), each once.
 QStringList PopulateFiles(const lists::ListModel& requirements);

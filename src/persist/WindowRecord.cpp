@@ -104,14 +104,29 @@ bool RecordReader::count(int& out, int maximum) {
     const char* b = nullptr;
     qsizetype n = 0;
     if (!next(b, n)) return fail(QStringLiteral("tiedosto päättyy kesken"));
-    const QByteArray text = QByteArray(b, n).trimmed();
-    bool ok = false;
-    const int v = text.toInt(&ok);
-    if (!ok || v < 0 || v > maximum) {
+    // Every value of a record has a count line: they are read in place, without a copy.
+    auto blank = [](char c) {
+        return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
+    };
+    qsizetype from = 0, to = n;
+    while (from < to && blank(b[from]))
+        ++from;
+    while (to > from && blank(b[to - 1]))
+        --to;
+    if (from < to && b[from] == '+') ++from;
+    long long v = 0;
+    bool ok = from < to;
+    for (qsizetype i = from; i < to && ok; ++i) {
+        ok = b[i] >= '0' && b[i] <= '9';
+        v = v * 10 + (b[i] - '0');
+        if (v > maximum) ok = false;
+    }
+    if (!ok) {
         m_line = at;
+        const QByteArray text = QByteArray(b, n).trimmed();
         return fail(QStringLiteral("lukumäärä \"%1\" ei kelpaa").arg(platform::fromCp1252(text.left(40))));
     }
-    out = v;
+    out = static_cast<int>(v);
     return true;
 }
 
@@ -203,7 +218,8 @@ bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& dir
         list.rows.reserve(rows);
         for (int k = 0; k < rows; ++k) {
             QStringList row;
-            row.reserve(list.columns);
+            // Room for the row number that a list made of the record adds.
+            row.reserve(list.columns + 1);
             for (int c = 1; c <= list.columns; ++c) {
                 QString v;
                 if (!in.value(v)) return false;

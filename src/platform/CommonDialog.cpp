@@ -22,7 +22,7 @@ QString filterForExtension(const QString& extension, bool save) {
         // Export writes the current spreadsheet format; import reads the old and the new ones.
         if (save) return QStringLiteral("MS-Excel tiedostot (*.xlsx)|*.xlsx");
         return QStringLiteral("MS-Excel tiedostot (*.xls)|*.xls") +
-               QStringLiteral(";*.xlsx|OpenDocument-laskentataulukot (*.ods)|*.ods");
+               QStringLiteral(";*.xlsx;*.xlsm;*.xlsb;*.xltx;*.xltm|OpenDocument-laskentataulukot (*.ods)|*.ods");
     }
     if (e == QLatin1String(".wmf"))
         // The picture loader reads these others as well (they are stored as bitmaps).

@@ -70,6 +70,10 @@ MsgAnswer Ask(const QString& text, MsgButtons buttons, MsgIcon icon, MsgAnswer d
     return Dialogs::instance().message(r);
 }
 
+MsgAnswer Ask(const MessageRequest& request) {
+    return Dialogs::instance().message(request);
+}
+
 QStringList translateFilter(const QString& barFilter) {
     const QStringList parts = barFilter.split(QLatin1Char('|'));
     QStringList out;

@@ -21,6 +21,11 @@ struct MessageRequest {
     MsgButtons buttons = MsgButtons::Ok;
     MsgIcon icon = MsgIcon::None;
     MsgAnswer defaultButton = MsgAnswer::Ok;
+    // Own texts for the buttons, in the order Yes, No, Cancel; empty keeps the standard ones.
+    QStringList buttonTexts;
+    // Shown above every other window and activated: a question at start-up that would
+    // otherwise stay behind the window of a program already running.
+    bool toFront = false;
 };
 
 struct FileRequest {
@@ -56,6 +61,8 @@ void MsgBox(const QString& text, MsgIcon icon = MsgIcon::None);
 // A question; returns the button the user chose (Cancel also for closing the box).
 MsgAnswer Ask(const QString& text, MsgButtons buttons, MsgIcon icon, MsgAnswer defaultButton);
 
+// A question as the request describes it (own button texts, shown in front).
+MsgAnswer Ask(const MessageRequest& request);
 // Translates a filter of the form "Kuvaus (*.a)|*.a|Muut (*.*)|*.*" to Qt's syntax, making
 // every pattern match both letter cases.
 QStringList translateFilter(const QString& barFilter);

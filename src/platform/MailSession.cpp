@@ -248,8 +248,19 @@ QString MailSession::draftName(const MailMessage& message) {
     return name.isEmpty() ? QStringLiteral("Viesti") : name;
 }
 
+bool MailSession::takesAttachments(const QString& client) {
+    const QString name = QFileInfo(client.section(QLatin1Char(' '), 0, 0)).fileName().toLower();
+    for (const char* known : {"thunderbird", "icedove", "seamonkey", "evolution", "kmail"})
+        if (name.contains(QLatin1String(known))) return true;
+    return false;
+}
+
 bool MailSession::compose(const MailMessage& message) {
     if (m_composer.isEmpty() || m_client.isEmpty()) return false;
+    if (!message.attachments.empty() && !takesAttachments(m_client)) {
+        m_attachmentsNeededDraft = true;
+        return false;
+    }
     const Run r = runAndWait(m_composer, composeArguments(message), m_composeWait, Kind::MayRunOn);
     // Still running: the mail program has the message and keeps the command waiting.
     return r.finished ? r.ok : true;
@@ -257,6 +268,7 @@ bool MailSession::compose(const MailMessage& message) {
 
 bool MailSession::Send(const MailMessage& message) {
     m_route = Route::None;
+    m_attachmentsNeededDraft = false;
     m_draftPath.clear();
     if (!m_signedOn) return false;
     if (compose(message)) {

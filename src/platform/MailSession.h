@@ -1,8 +1,9 @@
 #pragma once
 // The mail session: a message with attachments handed to the user's mail program, which shows
 // it in its own compose window for the user to address and send. The desktop's compose call is
-// xdg-email; where it is missing or no mail client answers it, the message is written as an
-// Internet mail draft (.eml) and opened, so that the user always gets a message to send.
+// xdg-email, used for a message with attachments only when the mail client is one that takes
+// them; otherwise, or where it is missing or no mail client answers it, the message is written
+// as an Internet mail draft (.eml) and opened, so that the user always gets the whole message.
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
@@ -53,6 +54,16 @@ public:
     bool Send(const MailMessage& message);
 
     Route route() const { return m_route; }
+    // True when the last Send wrote the draft because the mail client would have dropped the
+    // attachments (it is not one that takes them from the compose call).
+    bool attachmentsNeededDraft() const { return m_attachmentsNeededDraft; }
+
+    // Whether the compose call reaches `client` (a desktop file or command) with its
+    // attachments. xdg-email passes them on only to the mail programs it knows: Thunderbird
+    // and its Debian names, whose own compose call it makes, and Evolution and KMail, which
+    // read the attachments from the mail address; any other program gets an address whose
+    // attachments it may ignore.
+    static bool takesAttachments(const QString& client);
     QString draftPath() const { return m_draftPath; }
 
     // How long the compose command may take to report a failure; a command still running after
@@ -74,6 +85,7 @@ private:
     QString m_draftFolder;
     QString m_draftPath;
     Route m_route = Route::None;
+    bool m_attachmentsNeededDraft = false;
     int m_composeWait = 3000;
 };
 

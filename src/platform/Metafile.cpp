@@ -8,9 +8,13 @@
 #include <QtEndian>
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 extern "C" {
@@ -62,6 +66,149 @@ QString damaged() {
     return QStringLiteral("Kuvan tiedot ovat vaurioituneet.");
 }
 
+constexpr qsizetype kFileWordsAt = 6; // in the standard header: the file's length in words
+constexpr quint16 kCreateRegion = 0x06FF;
+constexpr qsizetype kRegionScanCount = 5; // parameter words of a region before its scans
+constexpr qsizetype kRegionScansAt = 11;
+
+// The number of scans of a region record, counted from its start, that lie whole inside the
+// record as the WMF format lays them out: a count of x coordinates (even), top, bottom, the
+// coordinates, and the count again.
+quint16 wholeScans(const QByteArray& b, qsizetype params, qsizetype words) {
+    const quint16 declared = word16(b, params + 2 * kRegionScanCount);
+    qsizetype at = kRegionScansAt;
+    quint16 whole = 0;
+    while (whole < declared && at < words) {
+        const quint16 count = word16(b, params + 2 * at);
+        const qsizetype closing = at + count + 3;
+        if (count % 2 != 0 || closing >= words || word16(b, params + 2 * closing) != count) break;
+        at = closing + 1;
+        ++whole;
+    }
+    return whole;
+}
+
+// Records that carry a device-independent bitmap, and the parameter word where it starts.
+constexpr quint16 kDibPatternBrush = 0x0142;
+constexpr quint16 kEscape = 0x0626;
+constexpr quint16 kCreateBrush = 0x02FC;
+qsizetype dibAt(quint16 function, qsizetype params) {
+    switch (function) {
+        case 0x0D33: // SETDIBTODEV
+            return 9;
+        case 0x0F43: // STRETCHDIB
+            return 11;
+        case 0x0B41: // DIBSTRETCHBLT
+            return 10;
+        case 0x0940: // DIBBITBLT; with nine parameters it has no bitmap, only its raster operation
+            return params == 9 ? -1 : 8;
+        case kDibPatternBrush:
+            return 2;
+        default:
+            return -1;
+    }
+}
+
+// libwmf sets aside an image of the size a bitmap's header gives, and a colour table of the
+// count of colours it gives, before it reads a pixel: a JPEG's header counting 1140850688 colours
+// made it ask for 3.4 GB. A header that is none of the bitmap header kinds, sizes beyond this, or
+// a colour table or uncompressed pixels that the record does not hold are not given to it (a
+// pattern brush given as an old device-dependent bitmap is read as such a header).
+constexpr qint64 kMostBitmapPixels = 4096 * 4096;
+
+bool readableDib(const QByteArray& b, qsizetype at, qsizetype end) {
+    if (end - at < 12) return false;
+    const quint32 headerSize = word32(b, at);
+    qint64 width = 0, height = 0;
+    quint16 bits = 0;
+    quint32 compression = 0, colours = 0;
+    if (headerSize == 12) {
+        width = word16(b, at + 4);
+        height = qint16(word16(b, at + 6));
+        bits = word16(b, at + 10);
+    } else {
+        static constexpr quint32 kinds[] = {40, 52, 56, 64, 108, 124};
+        if (std::find(std::begin(kinds), std::end(kinds), headerSize) == std::end(kinds)) return false;
+        if (end - at < 40) return false;
+        width = qint32(word32(b, at + 4));
+        height = qint32(word32(b, at + 8));
+        bits = word16(b, at + 14);
+        compression = word32(b, at + 16);
+        colours = word32(b, at + 32);
+    }
+    height = std::abs(height);
+    if (width <= 0 || height <= 0 || width * height > kMostBitmapPixels) return false;
+    // The colour table (its length the header's count of colours, which libwmf allocates as it
+    // stands) must be in the record whatever the compression.
+    const qint64 tableEntries = colours ? qint64(colours) : bits >= 1 && bits <= 8 ? (1 << bits) : 0;
+    const qint64 table = headerSize + tableEntries * (headerSize == 12 ? 3 : 4);
+    if (table > end - at) return false;
+    // A JPEG or PNG (compression 4 or 5) gives no bit count; uncompressed pixels (also with colour
+    // masks) must all be in the record.
+    if (compression == 4 || compression == 5) return true;
+    if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
+    if (compression != 0 && compression != 3) return true;
+    const qint64 masks = compression == 3 && headerSize == 40 ? 12 : 0;
+    return table + masks + (width * bits + 31) / 32 * 4 * height <= end - at;
+}
+
+// libwmf reads a region's scans wherever the record's scan count sends it, past the record's end
+// too, and gives up on the whole picture at the first scan that does not close as the format
+// says. Writers differ on the region layout (the metafile library whose test drawing other
+// programs show puts its counts one word early), and Windows and LibreOffice draw such files.
+// In the copy the library reads, a region keeps only the scans that lie whole inside its record;
+// a region without scans is empty, which as a clip clips nothing, as LibreOffice shows it. A
+// region record too short for its header becomes an empty region of the same object number.
+// A bitmap record whose bitmap cannot be read is left out (it becomes an escape, which draws
+// nothing), and a pattern brush of such a bitmap becomes a hollow brush of the same number.
+QByteArray mendRecords(const QByteArray& wmf, qsizetype header) {
+    const qsizetype first = header + 2 * qsizetype(word16(wmf, header + 2));
+    QByteArray out = wmf.left(first);
+    quint32 largest = 0;
+    qsizetype at = first;
+    bool changed = false;
+    while (at + 6 <= wmf.size()) {
+        const quint32 words = word32(wmf, at);
+        const quint16 function = word16(wmf, at + 4);
+        if (words < 3 || words > quint32((wmf.size() - at) / 2)) break;
+        QByteArray record = wmf.mid(at, 2 * qsizetype(words));
+        at += record.size();
+        const qsizetype params = words - 3;
+        if (function == kCreateRegion) {
+            if (params <= kRegionScanCount) {
+                record = QByteArray(2 * (3 + kRegionScansAt), '\0');
+                qToLittleEndian(quint32(3 + kRegionScansAt), record.data());
+                qToLittleEndian(kCreateRegion, record.data() + 4);
+                qToLittleEndian(quint16(6), record.data() + 6 + 2); // the region object type
+                changed = true;
+            } else if (const quint16 whole = wholeScans(record, 6, params);
+                       whole != word16(record, 6 + 2 * kRegionScanCount)) {
+                qToLittleEndian(whole, record.data() + 6 + 2 * kRegionScanCount);
+                changed = true;
+            }
+        } else if (const qsizetype dib = dibAt(function, params);
+                   dib >= 0 && !readableDib(record, 6 + 2 * dib, record.size())) {
+            if (function == kDibPatternBrush) {
+                record = QByteArray(2 * 7, '\0');
+                qToLittleEndian(quint32(7), record.data());
+                qToLittleEndian(kCreateBrush, record.data() + 4);
+                qToLittleEndian(quint16(1), record.data() + 6); // BS_NULL
+            } else {
+                qToLittleEndian(kEscape, record.data() + 4);
+            }
+            changed = true;
+        }
+        largest = std::max(largest, quint32(record.size() / 2));
+        out += record;
+        if (function == 0) break;
+    }
+    if (!changed) return wmf;
+    out += wmf.mid(at);
+    qToLittleEndian(quint32((out.size() - header) / 2), out.data() + header + kFileWordsAt);
+    qToLittleEndian(largest, out.data() + header + kMaxRecordAt);
+    return out;
+}
+
 // libwmf's SVG layer names every colour by the nearest of the SVG colour words ("teal" for a
 // dark blue), so the SVG is captured here with the exact colours put back: each drawing call of
 // the layer is wrapped to note the device context it draws with, and every "fill:" or "stroke:"
@@ -102,6 +249,20 @@ QByteArray exactColour(const SvgCapture& c, bool fill, const QColor& named) {
 
 int captureText(char* text, void* context) {
     auto* c = static_cast<SvgCapture*>(context);
+    // The SVG layer fills every shape at half opacity while the background mode is transparent,
+    // the mode nearly every Windows program sets before it writes text. The mode concerns only
+    // the gaps of hatches, dashes and text; the layer draws a hatch as a plain fill, so only a
+    // hatched fill keeps its half opacity.
+    static constexpr std::string_view halfFill = "fill-opacity:0.5";
+    constexpr U16 kHatchedBrush = 2; // BS_HATCHED
+    std::string whole;
+    if (c->dc && c->dc->brush && c->dc->brush->lbStyle != kHatchedBrush &&
+        std::strstr(text, halfFill.data())) {
+        whole = text;
+        for (std::size_t at = whole.find(halfFill); at != std::string::npos; at = whole.find(halfFill, at))
+            whole.replace(at, halfFill.size(), "fill-opacity:1.0");
+        text = whole.data();
+    }
     if (!c->dc && !c->pixel) {
         c->svg.append(text);
         return 0;
@@ -190,6 +351,58 @@ void wrapDrawing(wmfAPI* api, SvgCapture& capture) {
     f->region_paint = noting<wmfPolyRectangle_t, &R::region_paint>;
 }
 
+constexpr qsizetype kEmfFrameAt = 24; // left, top, right, bottom in hundredths of a millimetre
+
+// The value of the attribute `name="..."` of an element's text: where it starts and ends, or -1.
+std::pair<qsizetype, qsizetype> attributeValue(const QByteArray& element, const QByteArray& name) {
+    const QByteArray key = ' ' + name + "=\"";
+    const qsizetype start = element.indexOf(key);
+    const qsizetype end = start < 0 ? -1 : element.indexOf('"', start + key.size());
+    return end < 0 ? std::pair<qsizetype, qsizetype>{-1, -1} : std::pair{start + key.size(), end};
+}
+
+double attributeNumber(const QByteArray& element, const QByteArray& name) {
+    const auto [from, to] = attributeValue(element, name);
+    bool ok = false;
+    const double number = from < 0 ? 0 : element.mid(from, to - from).toDouble(&ok);
+    return ok ? number : -1;
+}
+
+void setAttribute(QByteArray& element, const QByteArray& name, const QByteArray& value) {
+    const auto [from, to] = attributeValue(element, name);
+    if (from >= 0) element.replace(from, to - from, value);
+}
+
+// The converter sizes the SVG in the pixels of the device the metafile was recorded for (the
+// header's bounds), so a page recorded for a 1200-dpi printer came out 14030 pixels wide and was
+// drawn and copied at that size. The header's frame gives the picture's real size: the SVG is
+// sized to it at 96 pixels to the inch, and a viewBox keeps the drawing's own coordinates. A
+// missing or senseless frame leaves the converter's size.
+QByteArray sizedToFrame(const QByteArray& svg, const QByteArray& emf) {
+    const qsizetype open = svg.indexOf("<svg");
+    const qsizetype close = open < 0 ? -1 : svg.indexOf('>', open);
+    if (close < 0) return svg;
+    QByteArray element = svg.mid(open, close - open);
+    const double width = attributeNumber(element, "width");
+    const double height = attributeNumber(element, "height");
+    if (width <= 0 || height <= 0 || element.contains(" viewBox=")) return svg;
+    const auto frameLength = [&](qsizetype from) { // from the left or top edge to the right or bottom
+        const double hundredths = double(qint32(word32(emf, kEmfFrameAt + from + 8))) -
+                                  double(qint32(word32(emf, kEmfFrameAt + from)));
+        return hundredths / 2540.0 * 96.0;
+    };
+    const double frameWidth = frameLength(0);
+    const double frameHeight = frameLength(4);
+    // One scale for both axes, so the drawing keeps its proportions whatever the frame rounds to.
+    const double scale = frameWidth > 0 ? frameWidth / width : frameHeight > 0 ? frameHeight / height : 0;
+    if (!(scale > 1e-3 && scale < 1e3) || std::abs(scale - 1) < 0.01) return svg;
+    setAttribute(element, "width", QByteArray::number(width * scale, 'f', 4));
+    setAttribute(element, "height", QByteArray::number(height * scale, 'f', 4));
+    element += " viewBox=\"0 0 " + QByteArray::number(width, 'f', 4) + ' ' +
+               QByteArray::number(height, 'f', 4) + '"';
+    return svg.left(open) + element + svg.mid(close);
+}
+
 // Text in a metafile is measured (for centred and right-aligned strings) with the font its name
 // maps to. The library's own standard fonts are Type 1 files that FreeType parses whole, for
 // every metafile again, which made showing a picture cost most of a millisecond before a record
@@ -249,10 +462,10 @@ QByteArray wmfToSvg(const QByteArray& wmf, QString* error) {
         if (error) *error = damaged();
         return {};
     }
-    QByteArray input = wmf; // the library reads through a non-const pointer
+    const qsizetype header = word32(wmf, 0) == kPlaceableKey ? kPlaceableSize : 0;
+    QByteArray input = mendRecords(wmf, header); // the library reads through a non-const pointer
     // The library sets aside room for the largest record the header names; no record can be
     // longer than the file, so a larger figure (a damaged header) is brought down to that.
-    const qsizetype header = word32(input, 0) == kPlaceableKey ? kPlaceableSize : 0;
     const quint32 mostWords = static_cast<quint32>((input.size() - header) / 2);
     if (word32(input, header + kMaxRecordAt) > mostWords)
         qToLittleEndian(mostWords, input.data() + header + kMaxRecordAt);
@@ -348,7 +561,7 @@ QByteArray emfToSvg(const QByteArray& emf, QString* error) {
         if (error) *error = damaged();
         return {};
     }
-    return svg;
+    return sizedToFrame(svg, emf);
 }
 
 } // namespace platform

@@ -3,13 +3,13 @@
 #include "platform/Metafile.h"
 #include "platform/TextFile.h"
 
-#include <algorithm>
 #include <QBuffer>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
 #include <QSvgRenderer>
 #include <algorithm>
+#include <cmath>
 
 namespace platform {
 
@@ -21,6 +21,10 @@ struct Picture::Rendering {
 };
 
 namespace {
+
+// The most pixels of an image drawn from a picture (4 bytes each): a drawing several times the
+// size of a screen. A metafile may name any size, and the image is only a copy for the clipboard.
+constexpr double kMostImagePixels = 4096.0 * 2048.0;
 
 bool isBmp(const QByteArray& b) {
     return b.size() >= 26 && b.startsWith("BM");
@@ -249,6 +253,8 @@ QImage Picture::toImage(QSize size) const {
     if (isNull()) return {};
     if (!size.isValid() || size.isEmpty()) size = sizeHint();
     if (!size.isValid() || size.isEmpty()) return {};
+    if (const double pixels = double(size.width()) * size.height(); pixels > kMostImagePixels)
+        size = (QSizeF(size) * std::sqrt(kMostImagePixels / pixels)).toSize().expandedTo(QSize(1, 1));
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);

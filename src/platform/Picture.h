@@ -54,7 +54,9 @@ public:
     // fitInto). An empty or damaged picture draws nothing.
     void draw(QPainter& painter, const QRectF& target) const;
     // The picture drawn on white at the given size, or at its natural size when `size` is
-    // invalid. Null for an empty picture.
+    // invalid; a size of more pixels than a few screens is scaled down to that, keeping the
+    // proportions. Null for an empty picture. Windows and pages draw with draw(), at the size
+    // they show, never through an image.
     QImage toImage(QSize size = QSize()) const;
 
     // The largest rectangle of the picture's proportions inside `target`, placed by `alignment`.

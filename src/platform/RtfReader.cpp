@@ -4,6 +4,7 @@
 #include "platform/CodePage.h"
 #include "platform/Cp1252.h"
 #include "platform/Rtf.h"
+#include "platform/SymbolFonts.h"
 
 #include <QHash>
 #include <QSet>
@@ -22,8 +23,12 @@ namespace {
 
 constexpr int kDefaultFontSize = 24; // half-points, the RTF default
 
+// A font number that stands for the document's text font: a symbol font's code read as its
+// character is shown in it, since the symbol font itself has no such character.
+constexpr int kTextFont = -2;
+
 struct CharState {
-    int font = -1; // -1: the default font (\deff)
+    int font = -1; // -1: the default font (\deff); kTextFont
     int fontSize = kDefaultFontSize;
     bool bold = false;
     bool italic = false;
@@ -40,15 +45,29 @@ struct ParaState {
     int leftIndent = 0; // twips
     int rightIndent = 0;
     int firstIndent = 0;
+    int list = 0;  // \ls: the list override the paragraph belongs to, 0 for none
+    int level = 0; // \ilvl
 };
 
-enum class Destination { Text, FontTable, ColorTable, Skip };
+// Footnotes and nested tables are read for what shows in the text: the reference number of a
+// footnote where it is anchored, and the row ends of a table in a table cell.
+enum class Destination {
+    Text,
+    FontTable,
+    ColorTable,
+    ListTable,
+    ListOverrideTable,
+    Footnote,
+    NestedRow,
+    Skip
+};
 
 struct Group {
     CharState chars;
     ParaState para;
     Destination destination = Destination::Text;
-    int unicodeSkip = 1; // \ucN: characters that stand in for each \uN
+    int unicodeSkip = 1;    // \ucN: characters that stand in for each \uN
+    bool listLabel = false; // \listtext or \pntext: the number or bullet of a list paragraph
     qsizetype openedAt = 0;
 };
 
@@ -57,10 +76,37 @@ struct Run {
     CharState chars;
 };
 
+// A character of a list label given as a symbol font's private-use code in a font that is not a
+// symbol font: the list's own font, known when the paragraph says which list it belongs to,
+// decides what it is.
+struct LabelSymbol {
+    std::size_t run = 0;
+    qsizetype at = 0;
+};
+
 struct Paragraph {
     ParaState para;
     std::vector<Run> runs;
     CharState endChars; // the character state at \par: the format of an empty paragraph
+    std::vector<LabelSymbol> labelSymbols;
+};
+
+// The fonts of the levels of one list of the list table, and which list each override names.
+struct ListFonts {
+    int id = 0;
+    std::vector<int> levelFonts; // -1 where a level names no font
+};
+
+struct ListOverride {
+    int list = 0;   // \listid
+    int number = 0; // \ls
+};
+
+enum class NoteNumbering { Arabic, LowerLetter, UpperLetter, LowerRoman, UpperRoman, Chicago };
+
+struct NoteSeries {
+    int next = 1;
+    NoteNumbering numbering = NoteNumbering::Arabic;
 };
 
 struct ColorEntry {
@@ -82,10 +128,8 @@ bool isSkippedDestination(const QByteArray& word) {
                                              "footerl",
                                              "footerr",
                                              "footerf",
-                                             "footnote",
                                              "fldinst",
-                                             "listtable",
-                                             "listoverridetable",
+                                             "nonesttables",
                                              "revtbl",
                                              "rsidtbl",
                                              "generator",
@@ -127,10 +171,54 @@ std::optional<char16_t> namedCharacter(const QByteArray& word) {
         {"tab", u'\t'},      {"line", 0x2028},    {"emdash", 0x2014},    {"endash", 0x2013},
         {"emspace", 0x2003}, {"enspace", 0x2002}, {"qmspace", 0x2005},   {"bullet", 0x2022},
         {"lquote", 0x2018},  {"rquote", 0x2019},  {"ldblquote", 0x201C}, {"rdblquote", 0x201D},
-        {"cell", u'\t'},     {"zwj", 0x200D},     {"zwnj", 0x200C}};
+        {"zwj", 0x200D},     {"zwnj", 0x200C}};
     const auto it = named.constFind(word);
     if (it == named.constEnd()) return std::nullopt;
     return *it;
+}
+
+std::optional<NoteNumbering> noteNumbering(const QByteArray& word) {
+    static const QHash<QByteArray, NoteNumbering> numberings = {
+        {"ftnnar", NoteNumbering::Arabic},       {"ftnnalc", NoteNumbering::LowerLetter},
+        {"ftnnauc", NoteNumbering::UpperLetter}, {"ftnnrlc", NoteNumbering::LowerRoman},
+        {"ftnnruc", NoteNumbering::UpperRoman},  {"ftnnchi", NoteNumbering::Chicago}};
+    const auto it = numberings.constFind(word);
+    if (it == numberings.constEnd()) return std::nullopt;
+    return *it;
+}
+
+// A note's reference as word processors number them: 1, 2, 3; a, b, ... z, aa, bb; i, ii, iii;
+// or *, †, ‡, §, **, ... Numbers beyond what a repeated mark can sensibly show are written plainly.
+QString noteNumber(int n, NoteNumbering numbering) {
+    constexpr int kMostRepeats = 10;
+    switch (numbering) {
+        case NoteNumbering::LowerLetter:
+        case NoteNumbering::UpperLetter: {
+            if (n > 26 * kMostRepeats) break;
+            const QString letters(((n - 1) / 26) + 1, QChar(u'a' + (n - 1) % 26));
+            return numbering == NoteNumbering::UpperLetter ? letters.toUpper() : letters;
+        }
+        case NoteNumbering::LowerRoman:
+        case NoteNumbering::UpperRoman: {
+            if (n >= 4000) break;
+            static const std::pair<int, const char*> numerals[] = {
+                {1000, "m"}, {900, "cm"}, {500, "d"}, {400, "cd"}, {100, "c"}, {90, "xc"}, {50, "l"},
+                {40, "xl"},  {10, "x"},   {9, "ix"},  {5, "v"},    {4, "iv"},  {1, "i"}};
+            QString roman;
+            for (const auto& [value, numeral] : numerals)
+                for (; n >= value; n -= value)
+                    roman += QLatin1String(numeral);
+            return numbering == NoteNumbering::UpperRoman ? roman.toUpper() : roman;
+        }
+        case NoteNumbering::Chicago: {
+            if (n > 4 * kMostRepeats) break;
+            static const char16_t marks[] = {u'*', 0x2020, 0x2021, 0x00A7};
+            return QString(((n - 1) / 4) + 1, QChar(marks[(n - 1) % 4]));
+        }
+        case NoteNumbering::Arabic:
+            break;
+    }
+    return QString::number(n);
 }
 
 class Reader {
@@ -144,16 +232,30 @@ public:
 private:
     bool fail(QString* error, const QString& message);
     void controlWord(const QByteArray& word, bool hasParam, int param);
+    bool optionalDestination(const QByteArray& word);
+    void destinationWord(const QByteArray& word, bool hasParam, int param);
     void controlSymbol(char c);
     void text(char16_t c);
+    void textAs(char16_t c, const CharState& chars);
+    void append(char16_t c, const CharState& chars);
     // A byte of text in the current font's code page; bytes are decoded together, since a
     // character of a double-byte code page comes as two of them.
     void textByte(char b);
     void flushBytes();
+    // One unit of the fallback text after \uN: a byte (-1 for a control word or symbol).
+    void skipFallback(int byte);
+    void unicode(int code);
+    int currentFont() const;
     int currentCodePage() const;
     int fontCodePage(int font) const;
+    QString fontName(int font) const;
+    SymbolFont symbolFont(int font) const;
     void endFontName();
-    void endParagraph();
+    void endCell();
+    void endParagraph(bool row = false);
+    void emitNoteNumber();
+    int listLevelFont(int list, int level) const;
+    void resolveLabelSymbols(Paragraph& p) const;
     Group& top() { return m_groups.back(); }
     const Group& top() const { return m_groups.back(); }
     bool skipping() const { return m_groups.back().destination == Destination::Skip; }
@@ -161,21 +263,35 @@ private:
 
     const QByteArray& m_in;
     qsizetype m_pos = 0;
+    qsizetype m_wordAt = -1;     // where the control word being handled starts
+    qsizetype m_optionalAt = -1; // where a control word right after \* would start
     std::vector<Group> m_groups;
     std::vector<Paragraph> m_paragraphs{1};
     bool m_paragraphOpen = false; // text or a change since the last \par
     int m_defaultFont = 0;
-    int m_pendingSkip = 0;  // fallback characters still to drop after \uN
-    CharState m_finalChars; // the state when the document's group closed
+    int m_pendingSkip = 0;   // fallback characters still to drop after \uN
+    bool m_skipLead = false; // the last byte dropped began a two-byte character
+    CharState m_finalChars;  // the state when the document's group closed
     QHash<int, QString> m_fonts;
-    int m_fontNumber = 0; // the font table entry being read
+    QSet<int> m_symbolCharsetFonts; // \fcharset2: bytes are font codes, not characters
+    int m_fontNumber = 0;           // the font table entry being read
     QByteArray m_fontName;
-    int m_documentCodePage = 1252;   // \ansicpg
+    int m_documentCodePage = 1252;   // \ansicpg, or the character set (\mac, \pc, \pca)
+    bool m_codePageGiven = false;    // \ansicpg was read
+    bool m_mac = false;              // \mac: a document from a Macintosh
     QHash<int, int> m_fontCodePages; // from \fcharset or \cpg
     QByteArray m_bytes;              // text bytes not decoded yet
     int m_bytesCodePage = 1252;
     std::vector<ColorEntry> m_colors;
     ColorEntry m_color;
+    std::vector<ListFonts> m_lists;
+    std::vector<ListOverride> m_listOverrides;
+    bool m_cellEnded = false; // a cell ended: a tab goes before the next cell's text
+    CharState m_cellChars;
+    NoteSeries m_footnotes;
+    NoteSeries m_endnotes{1, NoteNumbering::LowerRoman};
+    std::optional<CharState> m_noteAnchor; // \chftn read, its number not written yet
+    bool m_endnote = false;                // the note being read is an endnote (\ftnalt)
 };
 
 bool Reader::fail(QString* error, const QString& message) {
@@ -197,6 +313,7 @@ bool Reader::read(QString* error) {
         if (c == '{') {
             flushBytes();
             m_pendingSkip = 0;
+            m_skipLead = false;
             Group g = m_groups.empty() ? Group{} : top();
             g.openedAt = m_pos;
             m_groups.push_back(g);
@@ -206,12 +323,20 @@ bool Reader::read(QString* error) {
         if (c == '}') {
             flushBytes();
             m_pendingSkip = 0;
+            m_skipLead = false;
             const Destination closing = top().destination;
             if (closing == Destination::FontTable) endFontName();
-            if (m_groups.size() == 1) m_finalChars = top().chars;
+            if (m_groups.size() == 1) {
+                emitNoteNumber();
+                m_finalChars = top().chars;
+            }
             m_groups.pop_back();
             ++m_pos;
             if (m_groups.empty()) break; // the document's own group closed; what follows is not read
+            // A footnote's reference number is written where it is anchored once the note has
+            // said whether it is a footnote or an endnote.
+            if (closing == Destination::Footnote && top().destination != Destination::Footnote)
+                emitNoteNumber();
             continue;
         }
         if (c == '\\') {
@@ -225,7 +350,7 @@ bool Reader::read(QString* error) {
                     m_pos += 4;
                     if (!ok) continue;
                     if (m_pendingSkip > 0) {
-                        --m_pendingSkip;
+                        skipFallback(byte);
                         continue;
                     }
                     if (top().destination == Destination::FontTable) {
@@ -235,17 +360,19 @@ bool Reader::read(QString* error) {
                     textByte(static_cast<char>(byte));
                     continue;
                 }
-                flushBytes();
                 m_pos += 2;
                 if (m_pendingSkip > 0) {
-                    --m_pendingSkip;
+                    // An escaped \, { or } stands for its byte, the trail byte of a pair too.
+                    skipFallback(next == '\\' || next == '{' || next == '}' ? static_cast<uchar>(next) : -1);
                     continue;
                 }
+                if (next != '\\' && next != '{' && next != '}') flushBytes();
                 controlSymbol(next);
                 continue;
             }
             // A control word: letters, an optional signed number, and an optional space.
             flushBytes();
+            m_wordAt = m_pos;
             qsizetype p = m_pos + 1;
             while (p < n && p - m_pos <= 32 && std::isalpha(static_cast<unsigned char>(m_in[p])))
                 ++p;
@@ -277,17 +404,18 @@ bool Reader::read(QString* error) {
                 continue;
             }
             if (m_pendingSkip > 0 && word != "u") {
-                --m_pendingSkip;
+                skipFallback(-1);
                 continue;
             }
             m_pendingSkip = 0;
+            m_skipLead = false;
             controlWord(word, hasParam, param);
             continue;
         }
         ++m_pos;
         if (c == '\r' || c == '\n' || c == '\0') continue;
         if (m_pendingSkip > 0) {
-            --m_pendingSkip;
+            skipFallback(static_cast<uchar>(c));
             continue;
         }
         const Destination d = top().destination;
@@ -306,7 +434,7 @@ bool Reader::read(QString* error) {
             }
             continue;
         }
-        if (d == Destination::Skip) continue;
+        if (d != Destination::Text) continue;
         if (c == '\t') {
             flushBytes();
             text(u'\t');
@@ -326,24 +454,64 @@ bool Reader::read(QString* error) {
     // A last paragraph without \par keeps the format it ended in.
     Paragraph& last = m_paragraphs.back();
     last.endChars = last.runs.empty() ? m_finalChars : last.runs.back().chars;
+    resolveLabelSymbols(last);
+    // Symbol codes are the characters of the font they show in, which a font table after the text
+    // may still have named; read as characters they show in the text font.
+    for (Paragraph& p : m_paragraphs) {
+        std::vector<Run> runs;
+        runs.reserve(p.runs.size());
+        for (Run& r : p.runs) {
+            const SymbolFont table = symbolFont(r.chars.font == -1 ? m_defaultFont : r.chars.font);
+            if (table == SymbolFont::None) {
+                runs.push_back(std::move(r));
+                continue;
+            }
+            CharState text = r.chars;
+            text.font = kTextFont;
+            for (const QChar c : r.text) {
+                const char16_t mapped = c.unicode() >= 0xF020 ? symbolFontCharacter(table, c.unicode()) : 0;
+                const CharState& chars = mapped ? text : r.chars;
+                if (runs.empty() || !(runs.back().chars == chars)) runs.push_back(Run{QString(), chars});
+                runs.back().text.append(mapped ? QChar(mapped) : c);
+            }
+        }
+        p.runs = std::move(runs);
+    }
     return true;
 }
 
-void Reader::controlSymbol(char c) {
-    if (c == '*') {
-        // An optional destination: this program knows none of them.
-        top().destination = Destination::Skip;
+void Reader::skipFallback(int byte) {
+    if (m_pendingSkip <= 0) {
+        m_skipLead = false;
         return;
     }
+    --m_pendingSkip;
+    // A fallback in a double-byte code page is counted in bytes, but some writers count its
+    // characters: a lead byte at the end of the count takes its trail byte with it.
+    if (byte < 0 || m_skipLead)
+        m_skipLead = false;
+    else
+        m_skipLead = isLeadByte(currentCodePage(), static_cast<uchar>(byte));
+    if (m_pendingSkip == 0 && m_skipLead) m_pendingSkip = 1;
+}
+
+void Reader::controlSymbol(char c) {
     if (skipping()) return;
+    if (c == '*') {
+        // An optional destination: skipped unless it is one of the few this reader knows.
+        top().destination = Destination::Skip;
+        m_optionalAt = m_pos;
+        return;
+    }
     switch (c) {
         case '\\':
         case '{':
         case '}':
+            // A byte like any other: the trail byte of a two-byte character may be one of these.
             if (top().destination == Destination::FontTable)
                 m_fontName.append(c);
             else
-                text(static_cast<char16_t>(c));
+                textByte(c);
             break;
         case '~':
             text(0x00A0);
@@ -365,6 +533,58 @@ void Reader::controlSymbol(char c) {
     }
 }
 
+// The destinations that may come after \* and that this reader reads; true when `word` opened one.
+bool Reader::optionalDestination(const QByteArray& word) {
+    static const QHash<QByteArray, Destination> known = {
+        {"footnote", Destination::Footnote},
+        {"listtable", Destination::ListTable},
+        {"listoverridetable", Destination::ListOverrideTable},
+        {"nesttableprops", Destination::NestedRow}};
+    const auto it = known.constFind(word);
+    if (it == known.constEnd()) return false;
+    top().destination = *it;
+    if (*it == Destination::Footnote) m_endnote = false;
+    return true;
+}
+
+// Control words inside the destinations that are read for one thing only.
+void Reader::destinationWord(const QByteArray& w, bool hasParam, int param) {
+    switch (top().destination) {
+        case Destination::ListTable:
+            if (w == "list") {
+                m_lists.emplace_back();
+            } else if (m_lists.empty()) {
+            } else if (w == "listlevel") {
+                m_lists.back().levelFonts.push_back(-1);
+            } else if (w == "f" && hasParam && !m_lists.back().levelFonts.empty()) {
+                m_lists.back().levelFonts.back() = param;
+            } else if (w == "listid") {
+                m_lists.back().id = param;
+            }
+            break;
+        case Destination::ListOverrideTable:
+            if (w == "listoverride")
+                m_listOverrides.emplace_back();
+            else if (w == "listid" && !m_listOverrides.empty())
+                m_listOverrides.back().list = param;
+            else if (w == "ls" && !m_listOverrides.empty())
+                m_listOverrides.back().number = param;
+            break;
+        case Destination::Footnote:
+            if (w == "ftnalt") m_endnote = true;
+            break;
+        case Destination::NestedRow:
+            // A table in a table cell ends its rows here; the cells were ended by \nestcell.
+            if (w == "nestrow") {
+                m_cellEnded = false;
+                endParagraph(true);
+            }
+            break;
+        default:
+            break;
+    }
+}
+
 void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
     Group& g = top();
     if (w == "u") {
@@ -375,16 +595,18 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
             if (g.destination == Destination::FontTable) {
                 // Font names keep to the code page; a \u in a name keeps its fallback instead.
             } else if (code > 0 && code < 65536) {
-                text(static_cast<char16_t>(code));
+                unicode(code);
             }
         }
         if (g.destination != Destination::FontTable) m_pendingSkip = g.unicodeSkip;
+        m_skipLead = false;
         return;
     }
     if (w == "uc") {
         g.unicodeSkip = std::clamp(param, 0, 16);
         return;
     }
+    if ((m_wordAt == m_optionalAt || g.destination == Destination::Text) && optionalDestination(w)) return;
     if (skipping()) return;
     if (isSkippedDestination(w)) {
         g.destination = Destination::Skip;
@@ -392,6 +614,7 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
     }
     if (w == "ansicpg") {
         if (hasParam && param > 0) m_documentCodePage = param;
+        m_codePageGiven = true;
         return;
     }
     if (w == "fonttbl") {
@@ -408,7 +631,13 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
             endFontName();
             m_fontNumber = param;
         } else if (w == "fcharset") {
-            if (const int cp = codePageOfCharset(param)) m_fontCodePages.insert(m_fontNumber, cp);
+            // In a Macintosh document the Japanese character set is Apple's.
+            if (int cp = codePageOfCharset(param))
+                m_fontCodePages.insert(m_fontNumber, cp == 932 && m_mac ? 10001 : cp);
+            if (param == 2)
+                m_symbolCharsetFonts.insert(m_fontNumber);
+            else
+                m_symbolCharsetFonts.remove(m_fontNumber);
         } else if (w == "cpg" && hasParam && param > 0) {
             m_fontCodePages.insert(m_fontNumber, param);
         }
@@ -421,13 +650,22 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
         if (w == "blue") m_color.blue = v, m_color.given = true;
         return;
     }
+    if (g.destination != Destination::Text) {
+        destinationWord(w, hasParam, param);
+        return;
+    }
 
     CharState& ch = g.chars;
     ParaState& para = g.para;
     const bool on = !hasParam || param != 0;
     if (auto named = namedCharacter(w)) {
         text(*named);
-    } else if (w == "par" || w == "row" || w == "page" || w == "sect") {
+    } else if (w == "par" || w == "page" || w == "sect") {
+        endParagraph();
+    } else if (w == "cell" || w == "nestcell") {
+        endCell();
+    } else if (w == "row" || w == "nestrow") {
+        m_cellEnded = false;
         endParagraph();
     } else if (w == "pard") {
         para = ParaState{};
@@ -435,6 +673,26 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
         ch = CharState{};
     } else if (w == "deff") {
         m_defaultFont = param;
+    } else if (w == "mac" || w == "pc" || w == "pca") {
+        // The character set of a document that names no code page.
+        if (!m_codePageGiven) m_documentCodePage = w == "mac" ? 10000 : w == "pc" ? 437 : 850;
+        m_mac = w == "mac";
+    } else if (w == "listtext" || w == "pntext") {
+        g.listLabel = true;
+    } else if (w == "ls") {
+        para.list = param;
+    } else if (w == "ilvl") {
+        para.level = std::clamp(param, 0, 8);
+    } else if (w == "chftn") {
+        // A footnote's reference: its number is known when the note itself has been read.
+        emitNoteNumber();
+        m_noteAnchor = ch;
+    } else if (w == "ftnstart") {
+        m_footnotes.next = std::clamp(param, 1, 32767);
+    } else if (w == "aftnstart") {
+        m_endnotes.next = std::clamp(param, 1, 32767);
+    } else if (const auto numbering = noteNumbering(w.startsWith('a') ? w.mid(1) : w)) {
+        (w.startsWith('a') ? m_endnotes : m_footnotes).numbering = *numbering;
     } else if (w == "b") {
         ch.bold = on;
     } else if (w == "i") {
@@ -483,18 +741,74 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
     }
 }
 
-void Reader::text(char16_t c) {
-    const Group& g = top();
-    if (g.destination != Destination::Text) return;
+void Reader::unicode(int code) {
+    const auto c = static_cast<char16_t>(code);
+    const int font = currentFont();
+    text(c);
+    // A symbol font's code as Windows gives it (U+F020..U+F0FF) is read as the character its font
+    // shows once the whole document is read. A bullet in a list label whose font was left out
+    // (LibreOffice writes them so) is the character of the font the list's level names, known
+    // when the paragraph says its list.
+    if (c >= 0xF020 && c <= 0xF0FF && top().listLabel && top().destination == Destination::Text &&
+        symbolFont(font) == SymbolFont::None && !m_symbolCharsetFonts.contains(font)) {
+        Paragraph& p = m_paragraphs.back();
+        if (!p.runs.empty() && !p.runs.back().text.isEmpty())
+            p.labelSymbols.push_back({p.runs.size() - 1, p.runs.back().text.size() - 1});
+    }
+}
+
+void Reader::append(char16_t c, const CharState& chars) {
     if (c == u'\n' || c == u'\r' || c == 0x2029) c = 0x2028; // a paragraph ends only at \par
     if (c == 0xFFFC || c == 0) return;
     Paragraph& p = m_paragraphs.back();
     if (!m_paragraphOpen) {
-        p.para = g.para;
+        p.para = top().para;
         m_paragraphOpen = true;
     }
-    if (p.runs.empty() || !(p.runs.back().chars == g.chars)) p.runs.push_back(Run{QString(), g.chars});
+    if (p.runs.empty() || !(p.runs.back().chars == chars)) p.runs.push_back(Run{QString(), chars});
     p.runs.back().text.append(QChar(c));
+}
+
+void Reader::text(char16_t c) {
+    if (top().destination != Destination::Text) return;
+    textAs(c, top().chars);
+}
+
+void Reader::textAs(char16_t c, const CharState& chars) {
+    emitNoteNumber();
+    if (m_cellEnded) {
+        m_cellEnded = false;
+        append(u'\t', m_cellChars);
+    }
+    append(c, chars);
+}
+
+// Cells of a table row are read as one paragraph with a tab between cells; the tab is written
+// when the next cell's text comes, so a row does not end in one.
+void Reader::endCell() {
+    if (m_cellEnded) append(u'\t', m_cellChars);
+    m_cellEnded = true;
+    m_cellChars = top().chars;
+}
+
+void Reader::emitNoteNumber() {
+    if (!m_noteAnchor) return; // a note with a mark of its own, which is in the text already
+    const CharState anchor = *m_noteAnchor;
+    m_noteAnchor.reset();
+    if (m_cellEnded) {
+        m_cellEnded = false;
+        append(u'\t', m_cellChars);
+    }
+    NoteSeries& series = m_endnote ? m_endnotes : m_footnotes;
+    m_endnote = false;
+    for (const QChar c : noteNumber(series.next, series.numbering))
+        append(c.unicode(), anchor);
+    series.next = std::min(series.next + 1, 32767);
+}
+
+int Reader::currentFont() const {
+    const int font = top().chars.font;
+    return font < 0 ? m_defaultFont : font;
 }
 
 int Reader::fontCodePage(int font) const {
@@ -502,13 +816,31 @@ int Reader::fontCodePage(int font) const {
 }
 
 int Reader::currentCodePage() const {
-    const int font = top().chars.font;
-    return fontCodePage(font < 0 ? m_defaultFont : font);
+    return fontCodePage(currentFont());
+}
+
+SymbolFont Reader::symbolFont(int font) const {
+    return font == kTextFont ? SymbolFont::None : symbolFontNamed(fontName(font));
 }
 
 void Reader::textByte(char b) {
     if (top().destination != Destination::Text) return;
-    const int codePage = currentCodePage();
+    const int font = currentFont();
+    if (m_symbolCharsetFonts.contains(font)) {
+        // Bytes in a symbol font are the font's codes: the character the font shows for each, or
+        // Windows' private-use character for a code the font's table does not name.
+        flushBytes();
+        const auto code = static_cast<char16_t>(static_cast<uchar>(b));
+        if (const char16_t mapped = symbolFontCharacter(symbolFont(font), code)) {
+            CharState chars = top().chars;
+            chars.font = kTextFont;
+            textAs(mapped, chars);
+        } else {
+            text(code < 0x20 ? code : char16_t(0xF000 + code));
+        }
+        return;
+    }
+    const int codePage = fontCodePage(font);
     if (codePage != m_bytesCodePage) flushBytes();
     m_bytesCodePage = codePage;
     m_bytes.append(b);
@@ -532,22 +864,59 @@ void Reader::endFontName() {
     m_fontName.clear();
 }
 
-void Reader::endParagraph() {
+void Reader::endParagraph(bool row) {
     const Group& g = top();
-    if (g.destination != Destination::Text) return;
+    if (g.destination != Destination::Text && !(row && g.destination == Destination::NestedRow)) return;
+    emitNoteNumber();
+    m_cellEnded = false;
     // Paragraph properties count as they stand at the paragraph's end.
     Paragraph& p = m_paragraphs.back();
     p.para = g.para;
     p.endChars = g.chars;
+    resolveLabelSymbols(p);
     m_paragraphs.emplace_back();
     m_paragraphOpen = false;
 }
 
+int Reader::listLevelFont(int list, int level) const {
+    if (list <= 0) return -1;
+    const auto override = std::find_if(m_listOverrides.rbegin(), m_listOverrides.rend(),
+                                       [&](const ListOverride& o) { return o.number == list; });
+    if (override == m_listOverrides.rend()) return -1;
+    const auto fonts = std::find_if(m_lists.rbegin(), m_lists.rend(),
+                                    [&](const ListFonts& l) { return l.id == override->list; });
+    if (fonts == m_lists.rend() || level >= static_cast<int>(fonts->levelFonts.size())) return -1;
+    return fonts->levelFonts[level];
+}
+
+void Reader::resolveLabelSymbols(Paragraph& p) const {
+    if (p.labelSymbols.empty()) return;
+    const int font = listLevelFont(p.para.list, p.para.level);
+    SymbolFont table = font >= 0 ? symbolFont(font) : SymbolFont::None;
+    // A level in a symbol font the tables do not know keeps the codes; without a font to go by,
+    // the label is read as the Symbol font, where Windows' bullets come from.
+    if (table == SymbolFont::None && !(font >= 0 && m_symbolCharsetFonts.contains(font)))
+        table = SymbolFont::Symbol;
+    for (const LabelSymbol& s : p.labelSymbols) {
+        QChar& c = p.runs[s.run].text[s.at];
+        if (const char16_t mapped = symbolFontCharacter(table, c.unicode())) c = QChar(mapped);
+    }
+    p.labelSymbols.clear();
+}
+
+// The name text in the font shows with: a font the table does not name shows in the default font.
+QString Reader::fontName(int font) const {
+    const QString name = m_fonts.value(font);
+    return name.isEmpty() ? m_fonts.value(m_defaultFont) : name;
+}
+
 QTextCharFormat Reader::charFormat(const CharState& s) const {
     QTextCharFormat f;
-    const int font = s.font < 0 ? m_defaultFont : s.font;
-    QString family = m_fonts.value(font);
-    if (family.isEmpty()) family = m_fonts.value(m_defaultFont);
+    QString family = fontName(s.font == kTextFont || s.font < 0 ? m_defaultFont : s.font);
+    // The text font is the default font, unless that is a symbol font itself: then the editor's.
+    if (s.font == kTextFont &&
+        (symbolFont(m_defaultFont) != SymbolFont::None || m_symbolCharsetFonts.contains(m_defaultFont)))
+        family.clear();
     if (!family.isEmpty()) f.setFontFamilies(QStringList{family});
     f.setFontPointSize(s.fontSize / 2.0);
     f.setFontWeight(s.bold ? QFont::Bold : QFont::Normal);

@@ -2,6 +2,7 @@
 
 #include "platform/TextFile.h"
 
+#include <QFileInfo>
 #include <QStringList>
 
 namespace print {
@@ -192,11 +193,22 @@ bool ReadCardLayout(const QByteArray& bytes, const QString& name, bool withTable
 }
 
 bool ReadCardLayoutFile(const QString& appPath, const QString& name, bool withTable, CardLayout& layout,
-                        QString* error) {
+                        QString* error, QString* detail) {
+    const QString path = appPath + name;
     QByteArray bytes;
     QString why;
-    if (!platform::readFileBytes(appPath + name, bytes, &why)) {
-        if (error) *error = QStringLiteral("Korttitiedostoa %1 ei voi lukea: %2").arg(appPath + name, why);
+    const QFileInfo info(path);
+    if (!info.exists())
+        why = QStringLiteral("tiedostoa ei ole");
+    else if (!info.isFile())
+        why = QStringLiteral("se ei ole tiedosto");
+    else if (!info.isReadable())
+        why = QStringLiteral("lukuoikeus puuttuu");
+    if (!why.isEmpty() || !platform::readFileBytes(path, bytes, &why)) {
+        if (error)
+            *error =
+                QStringLiteral("Korttitiedostoa %1 ei voi lukea, joten korttia ei voi tulostaa.").arg(name);
+        if (detail) *detail = path + QStringLiteral(": ") + why;
         return false;
     }
     return ReadCardLayout(bytes, name, withTable, layout, error);

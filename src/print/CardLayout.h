@@ -56,9 +56,11 @@ struct CardLayout {
 // the line, and leaves `layout` as it was.
 bool ReadCardLayout(const QByteArray& bytes, const QString& name, bool withTable, CardLayout& layout,
                     QString* error);
-// Reads the layout file `name` from the folder `appPath` (ending in "/").
+// Reads the layout file `name` from the folder `appPath` (ending in "/"). On failure `error`
+// says what failed in Finnish, naming the file only (it can stand on the card's page);
+// `detail`, when given, adds where the file was looked for and why it could not be read.
 bool ReadCardLayoutFile(const QString& appPath, const QString& name, bool withTable, CardLayout& layout,
-                        QString* error);
+                        QString* error, QString* detail = nullptr);
 
 inline const QString kCardLayoutFile = QStringLiteral("Tamrik30Card.dat");
 inline const QString kChargeLayoutFile = QStringLiteral("Tamrik30Charge.dat");

@@ -65,21 +65,63 @@ void drawSlotText(Surface& s, double x, double y, int alignment, const QString& 
     }
 }
 
+// What stands on a card, in card twips: the extent of each text and field on its line, and the
+// card's vertical lines, so that a field keeps within its cell.
+struct Extent {
+    double left, right, top, bottom;
+};
+
+// A single-line field's cell: from its anchor to the nearest thing on its line in the direction
+// it runs (both ways when centred), or the card's edge.
+std::pair<double, double> slotCell(const CardSlot& slot, double height, double cardWidth,
+                                   const std::vector<Extent>& around, std::size_t self) {
+    const double gap = 60;
+    double left = 0, right = cardWidth;
+    for (std::size_t k = 0; k < around.size(); ++k) {
+        const Extent& e = around[k];
+        if (k == self || e.bottom <= slot.y || e.top >= slot.y + height) continue;
+        if (e.left > slot.x + 1) right = std::min(right, e.left);
+        if (e.right < slot.x - 1) left = std::max(left, e.right);
+    }
+    left += gap;
+    right -= gap;
+    switch (slot.alignment / 2) {
+        case 1:
+            return {left, slot.x};
+        case 2: {
+            const double half = std::max(0.0, std::min(slot.x - left, right - slot.x));
+            return {slot.x - half, slot.x + half};
+        }
+        default:
+            return {slot.x, right};
+    }
+}
+
 void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStringList& fields, bool money,
                 const CardPlacement& p) {
     const PageModel& m = run.page();
     const QString fontName = layout.font.trimmed().isEmpty() ? run.settings().PrinterFont : layout.font;
+    FontBook& fonts = run.fonts();
+    // The extents in card twips: fixed texts, fields at their natural width, vertical lines.
+    std::vector<Extent> around;
     for (const CardText& t : layout.texts) {
         s.setFont(Font{fontName, std::abs(t.size) * p.sy, t.size < 0, false});
         s.text(p.x0 + p.sx * t.x, p.y0 + p.sy * t.y, t.text);
+        const Font f{fontName, static_cast<double>(std::abs(t.size)), t.size < 0, false};
+        around.push_back({static_cast<double>(t.x), t.x + fonts.width(f, t.text), static_cast<double>(t.y),
+                          t.y + fonts.height(f)});
     }
-    for (const CardLine& l : layout.lines)
+    for (const CardLine& l : layout.lines) {
         s.line(p.x0 + p.sx * l.x1, p.y0 + p.sy * l.y1, p.x0 + p.sx * l.x2, p.y0 + p.sy * l.y2,
                std::max(1, l.width));
-    // The lines of a multi-line field follow at the line height of the card's scale.
-    const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
-    const double cardRight = p.x0 + p.sx * layout.width;
+        if (l.x1 == l.x2)
+            around.push_back({static_cast<double>(l.x1), static_cast<double>(l.x1),
+                              static_cast<double>(std::min(l.y1, l.y2)),
+                              static_cast<double>(std::max(l.y1, l.y2))});
+    }
     const QString unit = run.source().basicCombo(4).trimmed();
+    QStringList texts;
+    const std::size_t firstSlot = around.size();
     for (int i = 0; i < static_cast<int>(layout.fieldSlots.size()); ++i) {
         const CardSlot& slot = layout.fieldSlots[i];
         const int number = i + 1;
@@ -88,18 +130,34 @@ void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStri
             text += QLatin1Char(' ') + unit;
             if (perSquareMetreSlot(number)) text += QStringLiteral("/m2");
         }
-        s.setFont(Font{fontName, 11 * p.sy, slot.alignment % 2 == 1, false});
+        texts << text;
+        const Font f{fontName, 11, slot.alignment % 2 == 1, false};
+        const double w = text.contains(QLatin1Char('\n')) ? 0 : fonts.width(f, text.trimmed());
+        const double left = slot.alignment / 2 == 1   ? slot.x - w
+                            : slot.alignment / 2 == 2 ? slot.x - w / 2
+                                                      : slot.x;
+        around.push_back({left, left + w, static_cast<double>(slot.y), slot.y + fonts.height(f)});
+    }
+    // The lines of a multi-line field follow at the line height of the card's scale.
+    const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
+    const double cardRight = p.x0 + p.sx * layout.width;
+    for (int i = 0; i < static_cast<int>(layout.fieldSlots.size()); ++i) {
+        const CardSlot& slot = layout.fieldSlots[i];
+        const QString& text = texts[i];
+        const Font f{fontName, 11, slot.alignment % 2 == 1, false};
         const double x = p.x0 + p.sx * slot.x;
         const double y = p.y0 + p.sy * slot.y;
         if (!text.contains(QLatin1Char('\n'))) {
-            // A text too long for the card stops at its edge.
-            if (slot.alignment / 2 == 0)
-                while (text.size() > 1 && x + s.textWidth(text) > cardRight - 80 * p.sx)
-                    text.chop(1);
-            drawSlotText(s, x, y, slot.alignment, text);
+            // A single-line field stays between its neighbours: shrunk, then cut with "…".
+            const auto [left, right] = slotCell(slot, fonts.height(f), layout.width, around, firstSlot + i);
+            const CellAlign align = slot.alignment / 2 == 1   ? CellAlign::Right
+                                    : slot.alignment / 2 == 2 ? CellAlign::Centre
+                                                              : CellAlign::Left;
+            CellText(run, s, f, p.sx, p.sy, p.x0 + p.sx * left, p.x0 + p.sx * right, y, text, align);
             continue;
         }
         // A multi-line field: its own lines, wrapped to the card's right edge.
+        s.setFont(Font{fontName, 11 * p.sy, slot.alignment % 2 == 1, false});
         const QStringList lines = run.wrap(text, 11 * p.sy / std::max(0.01f, m.ScaleY),
                                            std::max(500.0 * p.sx, cardRight - x - 100 * p.sx));
         for (int k = 0; k < lines.size(); ++k)
@@ -116,27 +174,36 @@ void drawTable(PrintRun& run, Surface& s, const CardLayout& layout, const CardPl
     const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
     double bottom = p.y(layout.height);
     if (!layout.tableArea.empty()) bottom = p.y(layout.tableArea.front().y2);
+    // Each column's cell reaches to the next column (or the table's right edge).
+    const double tableRight = layout.tableArea.empty() ? layout.width : layout.tableArea.front().x2;
+    auto cellRight = [&](const CardSlot& column) {
+        double right = tableRight;
+        for (const CardSlot& other : layout.tableColumns)
+            if (other.x > column.x) right = std::min<double>(right, other.x);
+        return p.x0 + p.sx * (right - 60);
+    };
+    auto cell = [&](const CardSlot& column, double y, const QString& text, double size, bool bold) {
+        CellText(run, s, Font{fontName, size, bold, false}, p.sx, p.sy, p.x(column.x), cellRight(column), y,
+                 text, CellAlign::Left);
+    };
     int top = 0;
     for (const CardSlot& c : layout.tableColumns) {
-        s.setFont(Font{fontName, 9 * p.sy, c.alignment % 2 == 1, false});
-        drawSlotText(s, p.x(c.x), p.y(c.y), c.alignment, c.name);
+        cell(c, p.y(c.y), c.name, 9, c.alignment % 2 == 1);
         top = std::max(top, c.y);
     }
     if (!list) return;
     double y = p.y(top) + lh * 1.2;
     const int columns = std::min<int>(static_cast<int>(layout.tableColumns.size()), list->cols() - 1);
-    s.setFont(Font{fontName, 10 * p.sy, false, false});
     for (int r = 1; r <= list->rows(); ++r) {
         if (lists::BlankListItem(*list, r).blank) continue;
         if (y + 2 * lh > bottom) {
             // The rows that do not fit are left out, and the table says so.
+            s.setFont(Font{fontName, 10 * p.sy, false, false});
             s.text(p.x(layout.tableColumns.front().x), y, QStringLiteral("..."));
             break;
         }
-        for (int c = 0; c < columns; ++c) {
-            const CardSlot& column = layout.tableColumns[c];
-            drawSlotText(s, p.x(column.x), y, column.alignment & ~1, list->cell(r, c + 1).trimmed());
-        }
+        for (int c = 0; c < columns; ++c)
+            cell(layout.tableColumns[c], y, list->cell(r, c + 1), 10, false);
         y += lh;
     }
 }
@@ -146,9 +213,10 @@ void drawPicture(PrintRun& run, Surface& s, const platform::Picture& picture, co
     PrintImage(run, s, picture, p.x(b.x + b.w / 2), p.y(b.y + b.h / 2), p.sx * b.w, p.sy * b.h, true);
 }
 
-// Without its layout the card cannot be drawn: its page says why, and the run goes on.
-void layoutMissing(PrintRun& run, Surface& s, const QString& message) {
-    run.inform(message);
+// Without its layout the card cannot be drawn: its page says why in a sentence that names the
+// file, the message adds where it was looked for, and the run goes on.
+void layoutMissing(PrintRun& run, Surface& s, const QString& message, const QString& detail) {
+    run.inform(detail.isEmpty() ? message : message + QStringLiteral("\r\n") + detail);
     const PageModel& m = run.page();
     s.setFont(run.font(11, true));
     const QStringList lines = run.wrap(message, 11, m.UsableWidth);
@@ -163,9 +231,9 @@ void layoutMissing(PrintRun& run, Surface& s, const QString& message) {
 
 void PrintCard(PrintRun& run, Surface& s, int) {
     CardLayout layout;
-    QString error;
-    if (!ReadCardLayoutFile(run.settings().appPath, kCardLayoutFile, false, layout, &error)) {
-        layoutMissing(run, s, error);
+    QString error, detail;
+    if (!ReadCardLayoutFile(run.settings().appPath, kCardLayoutFile, false, layout, &error, &detail)) {
+        layoutMissing(run, s, error, detail);
         return;
     }
     const CardPlacement p = PlaceCard(run.page(), layout.width, layout.height);
@@ -178,9 +246,9 @@ void PrintCard(PrintRun& run, Surface& s, int) {
 
 void PrintCharge(PrintRun& run, Surface& s, int) {
     CardLayout layout;
-    QString error;
-    if (!ReadCardLayoutFile(run.settings().appPath, kChargeLayoutFile, true, layout, &error)) {
-        layoutMissing(run, s, error);
+    QString error, detail;
+    if (!ReadCardLayoutFile(run.settings().appPath, kChargeLayoutFile, true, layout, &error, &detail)) {
+        layoutMissing(run, s, error, detail);
         return;
     }
     const CardPlacement p = PlaceCard(run.page(), layout.width, layout.height);

@@ -2,6 +2,7 @@
 #include "lists/ListProcedures.h"
 #include "print/PrintRun.h"
 #include "print/Reports.h"
+#include "print/TextLines.h"
 
 #include <algorithm>
 
@@ -22,8 +23,9 @@ Parties PartiesOf(const PrintRun& run, int document) {
     const PrintSource& s = run.source();
     bool contractor = document >= doc::QualityPlan || document == kQualitySummary;
     // The requirements of document 7 are drawn up by either party: the contractor's once any of
-    // the contractor's names or dates is filled in.
-    if (document == doc::AllRequirements) contractor = anyFilled(s, {17, 15, 16, 14});
+    // the contractor's names or dates is filled in. So is a comparison of versions.
+    if (document == doc::AllRequirements || document == doc::Comparison)
+        contractor = anyFilled(s, {17, 15, 16, 14});
     Parties p;
     if (contractor) {
         p.firstRole = QStringLiteral("URAKOITSIJA");
@@ -57,20 +59,41 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     if (e.number < 2) return;
 
     const PrintSource& src = run.source();
+    // The bridge, its road section and municipality: only the parts that have text are joined.
+    auto join = [](const QStringList& parts, const QString& separator) {
+        QStringList filled;
+        for (const QString& part : parts)
+            if (!part.trimmed().isEmpty()) filled << part.trimmed();
+        return filled.join(separator);
+    };
     const QString identification =
-        src.basicText(0) + QStringLiteral("  ") + src.basicText(1) + QLatin1Char('/') + src.basicCombo(9);
+        join({src.basicText(0), join({src.basicText(1), src.basicCombo(9)}, QStringLiteral("/"))},
+             QStringLiteral("  "));
     const QString first = run.wrap(identification, 9, 0.6 * m.UsableWidth).value(0).trimmed();
     s.text(m.OriginX, m.OriginY, first);
     const Parties parties = PartiesOf(run, e.document);
     s.text(m.OriginX, m.OriginY + m.LineHeight9,
            QStringLiteral("Laati: ") + parties.drewUp + QLatin1Char(' ') + parties.drewUpDate);
 
-    // The title between the identification and the print date, at most two lines.
+    // The title between the identification and the print date, at most two lines. A long
+    // identification can leave it less room than one of its words needs: then the title takes
+    // a smaller size rather than be split inside a word.
     const double titleX = m.OriginX + s.textWidth(first) + 250 * m.ScaleX;
     const double titleEnd = right - s.textWidth(printed) - 250 * m.ScaleX;
-    const QStringList lines = run.wrap(title, 9, std::max(titleEnd - titleX, 1000.0 * m.ScaleX));
+    const double room = std::max(titleEnd - titleX, 1000.0 * m.ScaleX) / m.ScaleX;
+    const Font titleFont{run.settings().PrinterFont, 9};
+    bool tooLong = false;
+    QStringList lines = WrapLines(run.fonts(), titleFont, title, room, &tooLong);
+    double drop = 0; // a smaller title sits on the line's baseline
+    if (tooLong || lines.size() > 2) {
+        const FittedText fitted = run.fit(title, titleFont, room, 7, 2);
+        lines = fitted.lines;
+        drop = s.fonts().ascent(run.font(9)) - s.fonts().ascent(run.font(fitted.size));
+        s.setFont(run.font(fitted.size));
+    }
     for (int i = 0; i < std::min<qsizetype>(2, lines.size()); ++i)
-        s.text(titleX, m.OriginY + i * m.LineHeight9, lines[i]);
+        s.text(titleX, m.OriginY + drop + i * m.LineHeight9, lines[i]);
+    s.setFont(run.font(9));
 
     const double y = m.OriginY + 560 * m.ScaleY;
     s.line(m.OriginX, y, right, y);

@@ -1,12 +1,14 @@
 #include "print/PrintRun.h"
 
 #include "lists/ListModel.h"
+#include "print/Comparison.h"
 #include "print/Reports.h"
 #include "print/TextLines.h"
 
 #include <QImage>
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -75,6 +77,8 @@ QString DocumentTitle(int document, const QString& workPhase) {
         case doc::QualityReport:
         case kQualitySummary:
             return QStringLiteral("Sillan laaturaportti");
+        case doc::Comparison:
+            return QStringLiteral("Muutosvertailu");
         default:
             return QString();
     }
@@ -87,6 +91,11 @@ PrintRun::PrintRun(const PrintSource& source, Selection& selection, PrintSetting
     , m_device(MetricsOf(DefaultPageLayout(), kDefaultResolution)) {}
 
 PrintRun::~PrintRun() = default;
+
+void PrintRun::setComparison(const calc::ProjectComparison* comparison) {
+    m_comparison = comparison;
+    m_selection.PaginationStale = true;
+}
 
 void PrintRun::inform(const QString& message) {
     if (m_shown.contains(message)) return;
@@ -115,6 +124,38 @@ QStringList PrintRun::wrap(const QString& text, double size, double width) {
     QStringList lines = WrapLines(m_fonts, Font{m_settings.PrinterFont, size}, text, width / scale, &tooLong);
     if (tooLong) inform(kWordTooLong);
     return lines;
+}
+
+FittedText PrintRun::fit(const QString& text, const Font& base, double room, double floor, int maxLines) {
+    Font font = base;
+    const double size = base.size;
+    const QString value = text.trimmed();
+    const double full = m_fonts.width(font, value);
+    if (full <= room) return {size, {value}};
+    // Widths grow with the size: the size that fills the cell, down to a half point.
+    for (double s = std::floor(2 * size * room / full) / 2; s >= floor; s -= 0.5) {
+        font.size = s;
+        if (m_fonts.width(font, value) <= room) return {s, {value}};
+    }
+    font.size = floor;
+    bool tooLong = false;
+    const QStringList wrapped = WrapLines(m_fonts, font, value, room, &tooLong);
+    const int keep = std::max(1, maxLines);
+    FittedText out{floor, {}};
+    for (int i = 0; i < std::min<int>(keep, wrapped.size()); ++i)
+        out.lines.append(wrapped[i].trimmed());
+    if (wrapped.size() <= keep) {
+        if (tooLong) inform(kWordTooLong);
+        return out;
+    }
+    // The last line takes the rest of the text as far as it goes.
+    QString last = QStringList(wrapped.mid(keep - 1)).join(QString()).trimmed();
+    const QString ellipsis = QStringLiteral("…");
+    while (!last.isEmpty() && m_fonts.width(font, last + ellipsis) > room)
+        last.chop(1);
+    out.lines.last() = last.trimmed() + ellipsis;
+    inform(kValueCut);
+    return out;
 }
 
 bool PrintRun::PrintArea(float scale) {
@@ -148,7 +189,8 @@ void PrintRun::finishDocument(int firstPage, int lastPage) {
 }
 
 bool PrintRun::CalculateListViewPages(int& page, int document, int rowCount,
-                                      const std::function<double(int)>& rowHeight, int extraRows,
+                                      const std::function<double(int)>& rowHeight,
+                                      const std::function<RowKind(int)>& rowKind, int extraRows,
                                       const std::function<double(int)>& extraHeight) {
     const int first = page + 1;
     if (!addPage(page, document, 1, 0, 0)) return false;
@@ -157,16 +199,31 @@ bool PrintRun::CalculateListViewPages(int& page, int document, int rowCount,
     int number = 2;
     // An empty body page shows the rows from firstRow to lastRow = firstRow - 1, none.
     if (!addPage(page, document, number, 1, 0)) return false;
+    // Heights are measured once: a caption looks ahead at the rows under it.
+    std::vector<double> heights(rowCount + extraRows + 1, -1);
+    auto height = [&](int r) {
+        if (heights[r] < 0) heights[r] = r <= rowCount ? rowHeight(r) : extraHeight(r - rowCount);
+        return heights[r];
+    };
     double y = top;
     for (int r = 1; r <= rowCount + extraRows; ++r) {
-        const double h = r <= rowCount ? rowHeight(r) : extraHeight(r - rowCount);
+        // A caption keeps the first row under it on its page: the captions and blank rows up to
+        // that row count with it, as long as they fit on a page at all.
+        double keep = height(r);
+        if (r <= rowCount && rowKind(r) == RowKind::Caption) {
+            for (int k = r + 1; k <= rowCount; ++k) {
+                keep += height(k);
+                if (rowKind(k) == RowKind::Entry) break;
+            }
+            if (keep > limit - top) keep = height(r);
+        }
         PageEntry& current = m_pages.back();
         // A row that crosses the body's end starts the next page, unless it is the page's first.
-        if (y + h > limit && current.lastRow >= current.firstRow) {
+        if (y + keep > limit && current.lastRow >= current.firstRow) {
             if (!addPage(page, document, ++number, r, r - 1)) return false;
             y = top;
         }
-        y += h;
+        y += height(r);
         m_pages.back().lastRow = r;
         if (r <= rowCount) m_rowsDone += 1;
     }
@@ -231,24 +288,37 @@ bool PrintRun::CalculateActivePages(int& page, int document) {
     if (!addPage(page, document, number, items.empty() ? 1 : items.front().row, 0)) return false;
     double y = top;
     bool empty = true;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const QualityItem& item = items[i];
-        const double h = QualityItemHeight(*this, measure, document, item);
-        // A caption keeps its first row with it: it moves to the next page when the two do not
-        // fit below the rows before.
-        double keep = h;
-        for (std::size_t k = i + 1; item.caption && k < items.size(); ++k) {
-            keep += QualityItemHeight(*this, measure, document, items[k]);
-            if (!items[k].caption) break;
-        }
-        // An item that crosses the body's end starts the next page, unless it is the page's first.
-        if (y + std::min(keep, limit - top) > limit && !empty) {
-            if (!addPage(page, document, ++number, item.row, item.row)) return false;
+    std::vector<double> heights;
+    for (std::size_t i = 0; i < items.size();) {
+        // A requirement goes with the captions above it: together they stay on this page when
+        // they fit below the rows before, whole and uncut; otherwise they start the next page,
+        // where a text too long for any page is cut at its foot.
+        const std::size_t end =
+            std::find_if(items.begin() + i, items.end(), [](const QualityItem& it) { return !it.caption; }) -
+            items.begin();
+        const std::size_t last = std::min(end, items.size() - 1);
+        auto measureGroup = [&](double from) {
+            heights.clear();
+            bool cut = false;
+            for (std::size_t k = i; k <= last; ++k) {
+                bool itemCut = false;
+                heights.push_back(QualityItemHeight(*this, measure, document, items[k], from, &itemCut));
+                from += heights.back();
+                cut = cut || itemCut;
+            }
+            return !cut && from <= limit;
+        };
+        if (!measureGroup(y) && !empty) {
+            if (!addPage(page, document, ++number, items[i].row, items[i].row)) return false;
             y = top;
+            measureGroup(y);
         }
-        y += h;
-        m_pages.back().lastRow = item.row;
+        for (std::size_t k = i; k <= last; ++k) {
+            y += heights[k - i];
+            m_pages.back().lastRow = items[k].row;
+        }
         empty = false;
+        i = last + 1;
     }
     finishDocument(first, page);
     m_rowsDone += 1;
@@ -282,6 +352,7 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
         if (!m_selection.DocumentSelected[d]) continue;
         m_rowsTotal += (d == doc::Quantities || d == doc::Costs) ? rowsOf(m_source.quantities) : 1;
     }
+    if (m_comparison) m_rowsTotal += ComparisonRowCount(*m_comparison);
 
     Surface measure(m_fonts);
     int page = 0;
@@ -292,6 +363,7 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
             case doc::Quantities:
             case doc::Costs: {
                 auto height = [&](int r) { return QuantityRowHeight(*this, measure, d, r); };
+                auto kind = [this](int r) { return QuantityRowKind(*m_source.quantities, r); };
                 int extra = 0;
                 std::function<double(int)> extraHeight;
                 if (d == doc::Costs) {
@@ -309,7 +381,8 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
                         extraHeight = [this, lh](int k) { return CostSummaryLines(*this, k) * lh; };
                     }
                 }
-                ok = CalculateListViewPages(page, d, rowsOf(m_source.quantities), height, extra, extraHeight);
+                ok = CalculateListViewPages(page, d, rowsOf(m_source.quantities), height, kind, extra,
+                                            extraHeight);
                 break;
             }
             case doc::Card:
@@ -328,6 +401,11 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
                 break;
         }
     }
+    if (ok && m_comparison)
+        ok = CalculateListViewPages(
+            page, doc::Comparison, ComparisonRowCount(*m_comparison),
+            [this](int r) { return ComparisonRowHeight(*this, r); }, [](int) { return RowKind::Entry; }, 0,
+            {});
     m_progress = nullptr;
     if (!ok) {
         m_pages.clear();
@@ -358,6 +436,9 @@ void PrintRun::PrintPage(Surface& surface, int p) {
             break;
         case doc::ChargeCard:
             PrintCharge(*this, surface, p);
+            break;
+        case doc::Comparison:
+            PrintComparison(*this, surface, p);
             break;
         default:
             PrintQuality(*this, surface, p);

@@ -23,6 +23,10 @@ class QImage;
 class QPagedPaintDevice;
 class QPainter;
 
+namespace calc {
+struct ProjectComparison;
+}
+
 namespace print {
 
 inline constexpr int kDocumentCount = 13;
@@ -49,6 +53,9 @@ inline constexpr int QualityPlans = 9;
 inline constexpr int Inspections = 10;
 inline constexpr int Deviations = 11;
 inline constexpr int QualityReport = 12;
+// The comparison of two project versions ("Muutosvertailu"): not one of the selection's
+// documents; a run given a comparison prints it after them.
+inline constexpr int Comparison = 13;
 } // namespace doc
 
 // The choice of documents, kept for the life of the program.
@@ -84,6 +91,16 @@ using Progress = std::function<bool(int page, double done)>;
 
 enum class PageCountResult { Done, Cancelled, TooManyPages, AreaDoesNotFit };
 enum class OutputResult { Printed, Cancelled, NothingToPrint, DeviceFailed };
+// A value that does not fit its cell even in the smallest print is cut where it ends with "…".
+inline const QString kValueCut =
+    QStringLiteral("Arvo on liian pitkä sarakkeeseensa. Tulosteessa se on katkaistu merkkiin \"…\".");
+
+// A value fitted into its cell: the size it prints at (points at scale 1) and its lines.
+struct FittedText {
+    double size = 11;
+    QStringList lines;
+};
+
 inline const QString kTooManyPages = QStringLiteral(
     "Tulosteeseen tulisi yli 10000 sivua, eikä sitä voi sivuttaa. Valitse vähemmän asiakirjoja tai "
     "rajaa laatuasiakirjat yhteen työvaiheeseen.");
@@ -138,6 +155,10 @@ public:
     FontBook& fonts() { return m_fonts; }
     const calc::CostRecord& costs() const { return m_costs; }
     const calc::QualityRecord& quality() const { return m_quality; }
+    // The comparison of two versions to print after the selected documents; it must outlive
+    // the run. The source is then the newer version.
+    void setComparison(const calc::ProjectComparison* comparison);
+    const calc::ProjectComparison* comparison() const { return m_comparison; }
 
     // The width at scale 1 of the widest littera of the quantity list in the body font, measured
     // once per run: the description column starts after it.
@@ -156,12 +177,18 @@ public:
     // The lines of a text wrapped to a width (target twips) at `size` points of the printing
     // font, measured at scale 1. A word too long for its line is reported.
     QStringList wrap(const QString& text, double size, double width);
+    // A value in a cell `width` twips wide, in `font`, both at scale 1: at the font's size when
+    // it fits, else at the largest half point down to `floor` that holds it on one line, else
+    // wrapped at `floor` into at most `maxLines` lines, the last one cut and ended with "…" when
+    // the text goes on (which is reported, once a run).
+    FittedText fit(const QString& text, const Font& font, double width, double floor, int maxLines = 1);
 
 private:
     bool addPage(int& page, int document, int number, int firstRow, int lastRow);
     void finishDocument(int firstPage, int lastPage);
     bool CalculateListViewPages(int& page, int document, int rowCount,
-                                const std::function<double(int)>& rowHeight, int extraRows,
+                                const std::function<double(int)>& rowHeight,
+                                const std::function<RowKind(int)>& rowKind, int extraRows,
                                 const std::function<double(int)>& extraHeight);
     bool CalculateNormalPages(int& page, int document, int count);
     bool CalculateTextPages(int& page, int document, int rowsPerPage);
@@ -170,6 +197,7 @@ private:
 
     const PrintSource& m_source;
     Selection& m_selection;
+    const calc::ProjectComparison* m_comparison = nullptr;
     PrintSettings m_settings;
     FontBook m_fonts;
     DeviceMetrics m_device;

@@ -21,6 +21,8 @@ using namespace lists::requirementCol;
 // Room above and below the text inside a frame, and between two requirements.
 constexpr double kFramePad = 30;
 constexpr double kRequirementGap = 120;
+// The lines a text cut at the page's foot keeps free for each section after it, at most.
+constexpr int kKeptLines = 4;
 
 QChar firstUpper(const QString& text) {
     const QString t = text.trimmed();
@@ -113,29 +115,80 @@ public:
         if (!m_measure) m_s.line(x1, y1, x2, y2);
     }
 
-    // A work-phase caption.
+    // A work-phase caption, wrapped to the page's edge.
     void PrintQualityData1(int row, double& y) {
         y += 40 * m_m.ScaleY;
         m_s.setFont(m_run.font(11));
         text(m_grid[1], y, list().cell(row, kLittera).trimmed());
         const double x = m_grid[52];
-        const QStringList lines = m_run.wrap(captionText(row), 11, m_m.right() - x);
-        text(x, y, lines.value(0));
-        y += m_m.LineHeight11;
+        QStringList lines = m_run.wrap(captionText(row), 11, m_m.right() - x);
+        if (lines.isEmpty()) lines.append(QString());
+        for (const QString& line : lines) {
+            text(x, y, line);
+            y += m_m.LineHeight11;
+        }
     }
 
-    // A value ends before the next label to its right (or the frame): one a little too wide
-    // moves left into the room after its own label, one still too wide is cut.
-    void valueText(double x, double y, const QString& value, const std::vector<double>& stops) {
-        double limit = m_grid[20];
-        for (double stop : stops)
-            if (stop > x + 1 && stop < limit) limit = stop;
-        limit -= 60 * m_m.ScaleX;
-        QString t = value;
-        const double slack = 250 * m_m.ScaleX;
-        while (t.size() > 1 && x - slack + m_s.textWidth(t) > limit)
-            t.chop(1);
-        text(std::min(x, limit - m_s.textWidth(t)), y, t);
+    // A label of a block: where it starts and ends.
+    struct Label {
+        double x;
+        double end;
+    };
+
+    // Draws the labels of a row in small italics at `y`.
+    std::vector<Label> labelRow(const std::vector<std::pair<int, QString>>& labels, double y) {
+        m_s.setFont(m_run.font(8, false, true));
+        std::vector<Label> out;
+        for (const auto& [pos, label] : labels) {
+            text(m_grid[pos], y, label);
+            out.push_back({m_grid[pos], m_grid[pos] + m_s.textWidth(label)});
+        }
+        return out;
+    }
+
+    // A value in bold at x, within its cell: from its own label's end to the next label to its
+    // right (or the frame). One a little too wide moves left into that room; one still too wide
+    // shrinks, then wraps at the smallest print (at most four lines, the last cut with "…").
+    // Returns the height it takes below y.
+    double valueText(double x, double y, const QString& value, const std::vector<Label>& labels) {
+        const double gap = 60 * m_m.ScaleX;
+        double left = m_grid[2], right = m_grid[20];
+        for (const Label& l : labels) {
+            if (l.x > x + 1 && l.x < right) right = l.x;
+            if (l.x <= x + 1 && l.end > left) left = l.end;
+        }
+        left += gap;
+        right -= gap;
+        const double lh = m_m.LineHeight11;
+        m_s.setFont(m_run.font(11, true));
+        const QString t = value.trimmed();
+        const double w = m_s.textWidth(t);
+        if (x + w <= right || left + w <= right) {
+            text(std::min(x, right - w), y, t);
+            return lh;
+        }
+        const FittedText f = m_run.fit(t, Font{m_run.settings().PrinterFont, 11, true, false},
+                                       (right - left) / std::max(0.01f, m_m.ScaleX), kSmallestValueSize, 4);
+        const Font small = m_run.font(f.size, true);
+        m_s.setFont(small);
+        double widest = 0;
+        for (const QString& line : f.lines)
+            widest = std::max(widest, m_s.textWidth(line));
+        const double at = std::max(left, std::min(x, right - widest));
+        const double drop = CellBaselineDrop(m_run, 11, f.size, true);
+        const double smallLine = 1.2 * m_s.fonts().height(small);
+        for (int k = 0; k < f.lines.size(); ++k)
+            text(at, y + drop + k * smallLine, f.lines[k]);
+        return std::max(lh, drop + f.lines.size() * smallLine);
+    }
+
+    // A row of values: the height of its tallest.
+    double valueRow(const std::vector<std::pair<int, QString>>& values, double y,
+                    const std::vector<Label>& labels) {
+        double h = m_m.LineHeight11;
+        for (const auto& [pos, v] : values)
+            h = std::max(h, valueText(m_grid[pos], y, v, labels));
+        return h;
     }
 
     // Label and value rows framed from position 2 to position 20. The 40 twips above them lie
@@ -144,17 +197,9 @@ public:
                          const std::vector<std::pair<int, QString>>& values) {
         const double top = y;
         y += 40 * m_m.ScaleY;
-        m_s.setFont(m_run.font(8, false, true));
-        std::vector<double> stops;
-        for (const auto& [pos, label] : labels) {
-            text(m_grid[pos], y, label);
-            stops.push_back(m_grid[pos]);
-        }
+        const std::vector<Label> spans = labelRow(labels, y);
         y += lineHeight8();
-        m_s.setFont(m_run.font(11, true));
-        for (const auto& [pos, value] : values)
-            valueText(m_grid[pos], y, value, stops);
-        y += m_m.LineHeight11 + kFramePad * m_m.ScaleY;
+        y += valueRow(values, y, spans) + kFramePad * m_m.ScaleY;
         frameBox(top, y, true, true);
     }
 
@@ -202,35 +247,28 @@ public:
         const double top = y;
         y += 40 * m_m.ScaleY;
         const ReportCells cells = ReportCellsOf(list(), row);
-        const std::pair<int, QString> labels1[] = {
+        const std::vector<std::pair<int, QString>> labels1 = {
             {2, QStringLiteral("Viite")}, {41, QStringLiteral("Vaat.")},   {43, QStringLiteral("Ala")},
             {45, QStringLiteral("Ylä")},  {47, QStringLiteral("Yksikkö")}, {49, QStringLiteral("Pa")}};
-        const std::pair<int, QString> values1[] = {{40, value(row, kReference)}, {42, value(row, kRequired)},
-                                                   {44, value(row, kLower)},     {46, value(row, kUpper)},
-                                                   {48, value(row, kUnit)},      {50, value(row, kWeight)}};
-        const std::pair<int, QString> labels2[] = {
+        const std::vector<std::pair<int, QString>> values1 = {
+            {40, value(row, kReference)}, {42, value(row, kRequired)}, {44, value(row, kLower)},
+            {46, value(row, kUpper)},     {48, value(row, kUnit)},     {50, value(row, kWeight)}};
+        const std::vector<std::pair<int, QString>> labels2 = {
             {2, QStringLiteral("Nro")},     {71, QStringLiteral("Mit.lkm")},
             {41, QStringLiteral("K.arvo")}, {43, QStringLiteral("Min.")},
             {45, QStringLiteral("Maks.")},  {47, QStringLiteral("Täyttää vaat.")},
             {49, QStringLiteral("TotPa")}};
-        const std::pair<int, QString> values2[] = {{60, value(row, kNumber)},  {72, value(row, kCount)},
-                                                   {62, value(row, kMean)},    {64, value(row, kMinimum)},
-                                                   {66, value(row, kMaximum)}, {51, cells.fulfilled},
-                                                   {70, cells.totPa}};
+        const std::vector<std::pair<int, QString>> values2 = {
+            {60, value(row, kNumber)},  {72, value(row, kCount)},   {62, value(row, kMean)},
+            {64, value(row, kMinimum)}, {66, value(row, kMaximum)}, {51, cells.fulfilled},
+            {70, cells.totPa}};
         // The labels sit on the values' baseline.
         const double labelDrop =
             m_s.fonts().ascent(m_run.font(11, true)) - m_s.fonts().ascent(m_run.font(8, false, true));
-        auto row2 = [&](const auto& labels, const auto& values) {
-            m_s.setFont(m_run.font(8, false, true));
-            std::vector<double> stops;
-            for (const auto& [pos, label] : labels) {
-                text(m_grid[pos], y + labelDrop, label);
-                stops.push_back(m_grid[pos]);
-            }
-            m_s.setFont(m_run.font(11, true));
-            for (const auto& [pos, v] : values)
-                valueText(m_grid[pos], y, v, stops);
-            y += m_m.LineHeight11;
+        auto row2 = [&](const std::vector<std::pair<int, QString>>& labels,
+                        const std::vector<std::pair<int, QString>>& values) {
+            const std::vector<Label> spans = labelRow(labels, y + labelDrop);
+            y += valueRow(values, y, spans);
         };
         row2(labels1, values1);
         row2(labels2, values2);
@@ -239,42 +277,52 @@ public:
     }
 
     // A framed text section: its caption in small italics at the left, the text beside it.
-    // When drawing, a text that would pass its cut line (the reserved lines and the `after`
-    // twips of the blocks that follow it kept free above the page's foot) ends with a note.
+    // A text that would pass its cut line ends with a note: the cut line keeps free above the
+    // page's foot the section's reserved lines, or the `after` twips of the blocks that follow
+    // it when they need more. Measuring cuts the text where drawing cuts it, so the pagination
+    // sees the block as the page shows it.
     void PrintQualityTextFrame1(const QString& caption, const QString& body, double& y, bool close,
                                 bool joinLines, int reserve, double after = 0) {
         const double top = y;
         y += kFramePad * m_m.ScaleY;
         m_s.setFont(m_run.font(8, false, true));
         text(m_grid[2], y + 50 * m_m.ScaleY, caption);
-        const double x = m_grid[2] + m_s.textWidth(caption) + 100 * m_m.ScaleX;
-        QString t = body;
-        if (joinLines) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
-        QStringList lines = m_run.wrap(t, 11, m_grid[20] - 50 * m_m.ScaleX - x);
-        if (lines.isEmpty()) lines.append(QString());
-        if (m_measure) {
-            y += lines.size() * m_m.LineHeight11;
-        } else {
-            const double lh = m_m.LineHeight11;
-            const double cut = m_m.bottom() - 600 * m_m.ScaleY - reserve * lh - after;
-            m_s.setFont(m_run.font(11));
-            for (int i = 0; i < lines.size(); ++i) {
-                const QString& l = lines[i];
-                // The note takes the last line that fits.
-                const bool more = i + 1 < lines.size();
-                if (y + lh > cut || (more && y + 2 * lh > cut)) {
-                    m_s.setFont(m_run.font(8));
-                    m_s.text(x, y, kCut1 + kCut2 + kCut3);
-                    y += m_m.LineHeight11;
-                    break;
-                }
-                m_s.text(x, y, l);
-                y += m_m.LineHeight11;
+        double x = 0;
+        const QStringList lines = frameLines(caption, body, joinLines, &x);
+        const double lh = m_m.LineHeight11;
+        const double cut = m_m.bottom() - 600 * m_m.ScaleY - std::max(reserve * lh, after);
+        m_s.setFont(m_run.font(11));
+        for (int i = 0; i < lines.size(); ++i) {
+            // The note takes the last line that fits.
+            const bool more = i + 1 < lines.size();
+            if (y + lh > cut || (more && y + 2 * lh > cut)) {
+                m_s.setFont(m_run.font(8));
+                text(x, y, kCut1 + kCut2 + kCut3);
+                m_cut = true;
+                y += lh;
+                break;
             }
+            text(x, y, lines[i]);
+            y += lh;
         }
         y += kFramePad * m_m.ScaleY;
         frameBox(top, y, true, close);
     }
+
+    // The lines of a framed text, and where they start.
+    QStringList frameLines(const QString& caption, const QString& body, bool joinLines, double* x = nullptr) {
+        m_s.setFont(m_run.font(8, false, true));
+        const double left = m_grid[2] + m_s.textWidth(caption) + 100 * m_m.ScaleX;
+        if (x) *x = left;
+        QString t = body;
+        if (joinLines) t.replace(QLatin1String("\r\n"), QLatin1String(" "));
+        QStringList lines = m_run.wrap(t, 11, m_grid[20] - 50 * m_m.ScaleX - left);
+        if (lines.isEmpty()) lines.append(QString());
+        return lines;
+    }
+
+    // Whether a text was cut since the painter was made.
+    bool cut() const { return m_cut; }
 
     // One requirement with every block its document prints. A text cut at the page's foot
     // leaves room for the blocks after it, each section at least one line.
@@ -284,16 +332,31 @@ public:
         const std::vector<Section> sections = sectionsOf(document);
         const double pad = kFramePad * m_m.ScaleY;
         const double lh = m_m.LineHeight11;
-        const double block = 40 * m_m.ScaleY + lineHeight8() + lh + pad;
-        const double reportBlock = 40 * m_m.ScaleY + 2 * lh + pad;
+        // The blocks' heights as they will be drawn (a long value wraps).
+        QualityPainter probe(m_run, m_s, true);
+        double block = 0, results = 0;
+        if (report)
+            probe.PrintQualityHeaders3(row, block);
+        else
+            probe.PrintQualityHeaders1(row, block);
+        probe.PrintQualityHeaders2(row, results);
+        // A text cut at the page's foot leaves room for the sections after it: as many lines as
+        // each has, up to a few, so that a short plan or report is not lost to a long requirement.
+        std::vector<int> keep;
+        for (const Section& section : sections)
+            keep.push_back(
+                std::min<int>(kKeptLines, probe
+                                              .frameLines(QString::fromUtf8(kSectionCaptions[section.number]),
+                                                          blockText(row, section.column), false)
+                                              .size()));
         auto after = [&](std::size_t from) {
             double h = 0;
             for (std::size_t k = from; k < sections.size(); ++k)
-                h += 2 * pad + lh + (sections[k].number == 3 ? block : 0);
+                h += 2 * pad + keep[k] * lh + (sections[k].number == 3 ? results : 0);
             return h;
         };
-        PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[1]), l.cell(row, kText), y, false, true, 0,
-                               (report ? reportBlock : block) + after(0));
+        PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[1]), blockText(row, kText), y, false, true,
+                               0, block + after(0));
         if (report)
             PrintQualityHeaders3(row, y);
         else
@@ -301,8 +364,8 @@ public:
         for (std::size_t k = 0; k < sections.size(); ++k) {
             const Section& section = sections[k];
             PrintQualityTextFrame1(QString::fromUtf8(kSectionCaptions[section.number]),
-                                   l.cell(row, section.column), y, section.closed, false, section.reserve,
-                                   (section.number == 3 ? block : 0) + after(k + 1));
+                                   blockText(row, section.column), y, section.closed, false, section.reserve,
+                                   (section.number == 3 ? results : 0) + after(k + 1));
             if (section.number == 3) PrintQualityHeaders2(row, y);
         }
         y += kRequirementGap * m_m.ScaleY;
@@ -310,6 +373,21 @@ public:
 
 private:
     QString value(int row, int column) const { return DecimalComma(list().cell(row, column).trimmed()); }
+
+    // A long text of a requirement with the texts its continuation rows carry in that column,
+    // each as a paragraph of its own.
+    QString blockText(int row, int column) const {
+        const lists::ListModel& l = list();
+        QString text = l.cell(row, column);
+        const int end = RequirementEnd(l, row);
+        for (int r = row + 1; r <= end; ++r) {
+            const QString& more = l.cell(r, column);
+            if (lists::BlankString(more)) continue;
+            if (!lists::BlankString(text)) text += QLatin1String("\r\n");
+            text += more;
+        }
+        return text;
+    }
 
     // A caption's text and the texts of its continuation rows.
     QString captionText(int row) const {
@@ -334,6 +412,7 @@ private:
     PrintRun& m_run;
     Surface& m_s;
     bool m_measure;
+    bool m_cut = false;
     const PageModel& m_m;
     Grid m_grid;
 };
@@ -344,6 +423,15 @@ double qualityBodyTop(const PrintRun& run) {
 }
 
 } // namespace
+
+int RequirementEnd(const lists::ListModel& list, int row) {
+    int last = row;
+    while (last < list.rows() && lists::BlankString(list.cell(last + 1, kLittera)) &&
+           lists::BlankString(list.cell(last + 1, kNumber)) &&
+           list.cell(last + 1, kText) != lists::kRoadWorksCaption)
+        ++last;
+    return last;
+}
 
 ReportCells ReportCellsOf(const lists::ListModel& list, int row) {
     ReportCells cells;
@@ -420,14 +508,16 @@ bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const 
     return true;
 }
 
-double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item) {
+double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item, double top,
+                         bool* cut) {
     QualityPainter painter(run, s, true);
-    double y = 0;
+    double y = top;
     if (item.caption)
         painter.PrintQualityData1(item.row, y);
     else
         painter.requirement(document, item.row, y);
-    return y;
+    if (cut) *cut = painter.cut();
+    return y - top;
 }
 
 double QualityBodyTop(const PrintRun& run) {
@@ -511,8 +601,7 @@ void PrintQualitySummary(PrintRun& run, Surface& s, int p) {
     for (int k = e.firstRow; k <= e.lastRow && k <= q.groupCount; ++k) {
         s.setFont(run.font(11));
         s.text(g[1], y, q.groupLittera[k].trimmed());
-        const QStringList name = run.wrap(q.groupText[k].trimmed(), 11, g[35] - g[52] - 200 * m.ScaleX);
-        s.text(g[52], y, name.value(0));
+        CellText(run, s, g[52], g[35] - 200 * m.ScaleX, y, q.groupText[k], 11, false, CellAlign::Left);
         const float max = q.groupMax[k];
         const float realized = q.groupRealized[k];
         const float share = q.totalMax > 0 ? max / q.totalMax * 100 : 0;

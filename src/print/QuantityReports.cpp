@@ -1,5 +1,6 @@
 // The quantity list (document 0) and the cost estimate with its summaries (document 1).
 #include "calc/NumberText.h"
+#include "calc/QualityIndex.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/Columns.h"
@@ -16,6 +17,8 @@ using namespace lists::quantityCol;
 
 // Room between a column's text and the next column.
 constexpr double kGap = 120;
+// Room between two values of a row.
+constexpr double kCellGap = 120;
 
 // The description column starts after the widest littera, so that a long littera never runs
 // into it.
@@ -99,8 +102,9 @@ void headerRow(PrintRun& run, Surface& s, int document) {
 void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, double y) {
     const lists::ListModel& list = *quantitiesOf(run);
     const PageModel& m = run.page();
+    // A row with any value prints, its description line empty when it has none.
+    if (lists::BlankListItem(list, row).blank) return;
     const RowLines lines = rowLines(run, l, row);
-    if (lines.description.isEmpty() && lines.remarks.isEmpty()) return;
     const double lh = m.LineHeight11;
     const double limit = m.bodyLimit();
     s.setFont(run.font(11));
@@ -112,28 +116,48 @@ void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, 
         }
     };
     column(l.descriptionX, lines.description);
+    // Every value stays within its cell: between its column and the next one, and right of the
+    // description's first line.
+    const double gap = kCellGap * m.ScaleX;
     const QString littera = list.cell(row, kLittera).trimmed();
+    const QString quantity = DecimalComma(list.cell(row, kQuantity).trimmed());
+    const QString unit = list.cell(row, kUnit).trimmed();
+    auto cell = [&](double left, double right, const QString& text, CellAlign align) {
+        CellText(run, s, left, right, y, text, 11, false, align);
+    };
+    cell(m.OriginX, l.descriptionX - gap, littera, CellAlign::Left);
     if (document == doc::Quantities) {
         const QuantityColumns c = quantityColumns(m);
-        s.text(c.littera, y, littera);
-        s.text(c.part, y, list.cell(row, kPart).trimmed());
-        s.text(c.unit, y, list.cell(row, kUnit).trimmed());
-        s.text(c.quantity, y, DecimalComma(list.cell(row, kQuantity).trimmed()));
+        cell(c.part, c.unit - gap, list.cell(row, kPart), CellAlign::Left);
+        cell(c.unit, c.quantity - gap, unit, CellAlign::Left);
+        // A quantity may use the remarks' room when the row has none.
+        cell(c.quantity, lines.remarks.isEmpty() ? m.right() : c.remarks - gap, quantity, CellAlign::Left);
         column(c.remarks, lines.remarks);
         return;
     }
     const CostColumns c = costColumns(m);
-    const QString& quantity = list.cell(row, kQuantity);
-    const QString& unitPrice = list.cell(row, kUnitPrice);
-    s.text(c.littera, y, littera);
-    s.textRight(c.quantity, y, DecimalComma(quantity.trimmed()));
-    s.text(c.unit, y, list.cell(row, kUnit).trimmed());
-    s.textRight(c.unitPrice, y, DecimalComma(unitPrice.trimmed()));
-    if (!lists::BlankString(quantity) && !lists::BlankString(unitPrice)) {
-        const float amount = static_cast<float>(calc::CustomVal(quantity) * calc::CustomVal(unitPrice));
-        s.textRight(c.cost, y, calc::MoneyS(amount, 2));
+    const QString& quantityText = list.cell(row, kQuantity);
+    const QString& unitPriceText = list.cell(row, kUnitPrice);
+    s.setFont(run.font(11));
+    const double descriptionEnd = l.descriptionX + s.textWidth(lines.description.value(0).trimmed());
+    cell(std::max(descriptionEnd, l.descriptionX) + gap, c.quantity, quantity, CellAlign::Right);
+    // The unit and the unit price share the room from the unit's column to the price's edge; when
+    // they do not fit side by side, each takes its share.
+    const QString unitPrice = DecimalComma(unitPriceText.trimmed());
+    const double unitWidth = s.textWidth(unit);
+    const double priceWidth = s.textWidth(unitPrice);
+    const double room = c.unitPrice - c.unit - gap;
+    const double unitEnd = unitWidth + priceWidth <= room
+                               ? c.unitPrice - priceWidth - gap
+                               : c.unit + room * unitWidth / std::max(1.0, unitWidth + priceWidth);
+    cell(c.unit, unitEnd, unit, CellAlign::Left);
+    cell(unitEnd + gap, c.unitPrice, unitPrice, CellAlign::Right);
+    if (!lists::BlankString(quantityText) && !lists::BlankString(unitPriceText)) {
+        const float amount =
+            static_cast<float>(calc::CustomVal(quantityText) * calc::CustomVal(unitPriceText));
+        cell(c.unitPrice + gap, c.cost, calc::MoneyS(amount, 2), CellAlign::Right);
     }
-    s.textRight(c.sum, y, list.rowTag(row));
+    cell(c.cost + gap, c.sum, list.rowTag(row), CellAlign::Right);
 }
 
 void listPage(PrintRun& run, Surface& s, int p) {
@@ -193,8 +217,14 @@ void heading(PrintRun& run, Surface& s, double& y, const QString& text, bool bol
 } // namespace
 
 QString DecimalComma(const QString& number) {
+    // Only a point that stands before a digit and after a digit (or a number's start) is a
+    // decimal point: a range such as 4...7 or an ellipsis keeps its points.
     QString out = number;
-    out.replace(QLatin1Char('.'), QLatin1Char(','));
+    for (qsizetype i = 0; i < out.size(); ++i) {
+        if (out[i] != u'.' || i + 1 >= out.size() || !out[i + 1].isDigit()) continue;
+        const QChar before = i > 0 ? out[i - 1] : QChar(u' ');
+        if (before.isDigit() || before == u' ' || before == u'-' || before == u'+') out[i] = u',';
+    }
     return out;
 }
 
@@ -223,6 +253,12 @@ double ListBodyTop(const PrintRun& run) {
 double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row) {
     const Layout l = layoutOf(run, s, document);
     return rowLines(run, l, row).count() * run.page().LineHeight11;
+}
+
+RowKind QuantityRowKind(const lists::ListModel& list, int row) {
+    if (lists::BlankListItem(list, row).blank) return RowKind::Blank;
+    if (calc::ListViewCaption(list, row, kWorkPhase).level > 0) return RowKind::Caption;
+    return RowKind::Entry;
 }
 
 int CostSummaryLines(const PrintRun& run, int block) {
@@ -301,6 +337,14 @@ void PrintCostSummary2(PrintRun& run, Surface& s, double& y) {
     }
     y += lh;
     heading(run, s, y, QStringLiteral("Kustannukset eivät sisällä rakennuttamiskustannuksia"), false);
+    // An overflowed figure prints as "#####"; the page says where the overflow began. The
+    // reserved summary lines leave room for these two.
+    if (r.nonFiniteRow != 0) {
+        QString message = calc::NonFiniteMessage(r);
+        message[0] = message[0].toUpper();
+        y += lh;
+        heading(run, s, y, message, true);
+    }
 }
 
 } // namespace print

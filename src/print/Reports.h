@@ -2,6 +2,8 @@
 // The layouts of the printed documents. Each draws one page of the run on a surface, reading
 // the page table and the project through the run; the pagination pass measures rows with the
 // same code on a surface that draws nothing.
+#include "print/Surface.h"
+
 #include <QString>
 #include <vector>
 
@@ -18,6 +20,20 @@ namespace print {
 class PrintRun;
 class Surface;
 struct PageModel;
+
+// The smallest print a value shrinks to before it wraps or is cut.
+inline constexpr double kSmallestValueSize = 7;
+enum class CellAlign { Left, Right, Centre };
+// Draws a value in the printing font at `size` points into the cell from `left` to `right`
+// (target twips) on the line whose top is y: shrunk, and cut with "…" at the smallest print,
+// so that it stays within the cell; its baseline stays that of the line.
+void CellText(PrintRun& run, Surface& s, double left, double right, double y, const QString& text,
+              double size, bool bold, CellAlign align);
+// The same in any font, given at scale 1 with the target's scales (a card's own font and scale).
+void CellText(PrintRun& run, Surface& s, const Font& font, double sx, double sy, double left, double right,
+              double y, const QString& text, CellAlign align);
+// How far a text shrunk from `size` to `fittedSize` points moves down to keep its baseline.
+double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold);
 
 // Page header and footer.
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title);
@@ -65,6 +81,10 @@ CostColumns costColumns(const PageModel& page);
 double ListBodyTop(const PrintRun& run);
 // The height of list row `row` of document 0 or 1.
 double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row);
+// What a row of the quantity list is to pagination: a caption (a work phase, or the road works
+// heading) keeps the first entry under it on its page, across blank rows.
+enum class RowKind { Entry, Caption, Blank };
+RowKind QuantityRowKind(const lists::ListModel& list, int row);
 // The lines the two summary blocks of the cost estimate take.
 int CostSummaryLines(const PrintRun& run, int block);
 void PrintQuantity(PrintRun& run, Surface& s, int p);
@@ -84,10 +104,15 @@ struct QualityItem {
 // have no report text.
 bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const QString& workPhase,
                      const std::vector<QString>& phases);
+// The last row of the requirement on `row`: the continuation rows after it (no littera, no
+// number) go on its texts.
+int RequirementEnd(const lists::ListModel& list, int row);
 std::vector<QualityItem> QualityItems(const lists::ListModel& list, int document, const QString& workPhase);
-// Where the body of a quality page starts, and how tall an item is there.
+// Where the body of a quality page starts, and how tall an item is when it starts at `top` of
+// its page: a text cut at the page's foot counts as far as it is drawn, and sets `cut`.
 double QualityBodyTop(const PrintRun& run);
-double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item);
+double QualityItemHeight(PrintRun& run, Surface& s, int document, const QualityItem& item, double top,
+                         bool* cut = nullptr);
 // The derived cells of the quality report block: "Täyttää vaat." and "TotPa".
 struct ReportCells {
     QString fulfilled;
@@ -119,7 +144,8 @@ CardPlacement PlaceCard(const PageModel& page, int width, int height);
 void PrintCard(PrintRun& run, Surface& s, int p);
 void PrintCharge(PrintRun& run, Surface& s, int p);
 
-// Numbers of the list as printed: a decimal comma for any point.
+// Numbers of the list as printed: a decimal comma for a number's point ("12.5" is 12,5; a range
+// "35...50" stays as it is).
 QString DecimalComma(const QString& number);
 
 } // namespace print

@@ -50,6 +50,9 @@ struct AppState {
     bool Loading = false;
     QString AppPath;  // the program's directory, ending in "/"
     QString TempPath; // the private temporary folder, ending in "/"
+    // The user's own copies of files that ship with the program (the base lists the user
+    // saved), ending in "/"; empty when there is no such folder.
+    QString UserDataPath;
     QString CurrentFileName;
     std::array<QString, 6> RecentFiles;
     std::array<QString, 21> HelpFileList;

@@ -3,9 +3,13 @@
 #include "lists/ListModel.h"
 #include "lists/ui/ListView.h"
 #include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
 #include "shell/MDIForm1.h"
 #include "shell/Settings.h"
 #include "shell/ShellActions.h"
+
+#include <QFile>
+#include <QFileInfo>
 
 namespace shell {
 
@@ -80,6 +84,31 @@ void MDIForm1::baseListHelp(lists::BaseListWindow*) {
 QString MDIForm1::baseListFileDialog(int kind, const QString& extension) {
     m_state.CurrentFileName = platform::ShowCommonDialog(kind, extension, false, m_state.dialog);
     return m_state.CurrentFileName;
+}
+
+QString MDIForm1::baseListSaveTarget(lists::BaseListWindow*, const QString& file) {
+    return UserWritablePath(m_state, file);
+}
+
+void MDIForm1::baseListRestoreShipped(lists::BaseListWindow* window) {
+    const QString name = window->slot() == 6 ? QStringLiteral("Yksikköhinnat2002.sl1")
+                                             : QStringLiteral("Laatuvaatimukset2006.sl2");
+    if (FormTouched(window)) return;
+    const QString own = m_state.UserDataPath.isEmpty() ? QString() : m_state.UserDataPath + name;
+    if (!own.isEmpty() && QFileInfo::exists(own)) {
+        const platform::MsgAnswer a = platform::Ask(
+            QStringLiteral("Palautetaanko ohjelman mukana tullut luettelo %1?\r\n\r\nOmat tallennetut "
+                           "muutoksesi poistetaan (tiedosto %2).")
+                .arg(name, own),
+            platform::MsgButtons::YesNo, platform::MsgIcon::Question, platform::MsgAnswer::No);
+        if (a != platform::MsgAnswer::Yes) return;
+        if (!QFile::remove(own)) {
+            platform::MsgBox(QStringLiteral("Tiedostoa ") + own + QStringLiteral(" ei voi poistaa."),
+                             platform::MsgIcon::Critical);
+            return;
+        }
+    }
+    window->loadFile(m_state.AppPath + name);
 }
 
 void MDIForm1::baseListExport(lists::BaseListWindow* window, int mode) {

@@ -173,6 +173,20 @@ void Form8::loadFields() {
 }
 
 void Form8::saveAndClose() {
+    bool ok = false;
+    const int minutes = Text4->text().trimmed().toInt(&ok);
+    // A bad interval is said at once, and the dialog stays open on it: nothing is taken.
+    if (!ok || minutes < 0 || minutes > kMaxAutosaveMinutes) {
+        platform::MsgBox(
+            QStringLiteral("Palautuskopion väli \"%1\" ei kelpaa.\r\nAnna minuutit kokonaislukuna "
+                           "0...%2 (0 = ei palautuskopiota).")
+                .arg(Text4->text().trimmed())
+                .arg(kMaxAutosaveMinutes),
+            platform::MsgIcon::Exclamation);
+        SSTab1->setCurrentIndex(0);
+        Text4->setFocus();
+        return;
+    }
     AppState& state = m_main.appState();
     Settings& s = state.settings;
     s.MoneyUnit = Text1[0]->text();
@@ -190,18 +204,16 @@ void Form8::saveAndClose() {
         // A count that is not a number, or a negative one, keeps the value it had.
         if (ok && v >= 0 && v < 1000) s.BlankLines[i] = static_cast<int>(std::nearbyint(v));
     }
-    bool ok = false;
-    const int minutes = Text4->text().trimmed().toInt(&ok);
-    // Minutes that are not a whole number in range keep the interval it had.
-    if (ok && minutes >= 0 && minutes <= kMaxAutosaveMinutes) {
-        s.AutosaveMinutes = minutes;
-        m_main.recovery().setInterval(minutes);
-    }
+    s.AutosaveMinutes = minutes;
+    m_main.recovery().setInterval(minutes);
     state.OfficeRows = {};
     const QStringList lines = Text3->text().split(QStringLiteral("\r\n"));
     for (int k = 0; k < 4 && k < lines.size(); ++k)
         state.OfficeRows[k] = lines[k];
     accept();
+    // What the user saved is kept even when the run ends without its normal exit (a crash, a
+    // killed session); with saving turned off the store is left as it is.
+    if (s.SaveSettingsOnExit) m_main.SaveSettings();
 }
 
 void Form8::changeFont() {

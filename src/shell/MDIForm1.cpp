@@ -1,5 +1,6 @@
 #include "shell/MDIForm1.h"
 
+#include "calc/CostEstimate.h"
 #include "documents/CardText.h"
 #include "documents/Form1.h"
 #include "documents/Form2.h"
@@ -16,6 +17,7 @@
 #include "shell/Settings.h"
 #include "shell/ProjectCheckWindow.h"
 #include "shell/ProjectFiles.h"
+#include "shell/ProjectLocks.h"
 #include "shell/Recovery.h"
 #include "shell/ShellActions.h"
 #include "shell/frmSplash.h"
@@ -26,6 +28,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -46,6 +49,10 @@ using platform::MsgAnswer;
 using platform::MsgButtons;
 using platform::MsgIcon;
 
+namespace {
+const QString kWaitingNote = QStringLiteral("Avattavana odottaa tiedosto ");
+}
+
 std::vector<documents::ProjectWindow*> ProjectWindows::all() const {
     std::vector<documents::ProjectWindow*> out;
     for (documents::ProjectWindow* w :
@@ -62,6 +69,7 @@ MDIForm1::MDIForm1(QWidget* parent)
     // Files dragged from the file manager open (Drops.cpp).
     setAcceptDrops(true);
     m_recovery = new Recovery(*this);
+    m_locks = new ProjectLocks(*this);
     setWindowTitle(platform::applicationTitle());
     resize(1100, 760);
     auto* central = new QWidget(this);
@@ -138,6 +146,10 @@ void MDIForm1::createMenus() {
     SubMenu0[2]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
     SubMenu0[3]->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     SubMenu0[7]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
+    // The comparison of the active project with another version, beside the other imports.
+    CompareAction = new QAction(QStringLiteral("&Vertaa projektia..."), this);
+    file->insertAction(SubMenu0[11], CompareAction);
+    connect(CompareAction, &QAction::triggered, this, [this] { showCompareWindow(*this); });
     for (int i = 13; i <= 18; ++i)
         addItem(file, SubMenu0, QString())->setVisible(false);
     // The recent files show their folder as a tooltip; files that are gone leave the list
@@ -389,7 +401,12 @@ void MDIForm1::startUp(bool showSplash) {
     splash.reset();
     setWindowTitle(platform::applicationTitle());
     if (showSplash) show();
-    m_recovery->start(m_state.TempPath, m_state.settings.AutosaveMinutes);
+    QString error;
+    const QString recoveryFolder = platform::recoveryPath(&error);
+    if (recoveryFolder.isEmpty())
+        platform::MsgBox(error + QStringLiteral("\r\nMuutetuista projekteista ei tehdä palautuskopioita."),
+                         MsgIcon::Exclamation);
+    m_recovery->start(recoveryFolder, m_state.settings.AutosaveMinutes);
     m_recovery->offerRecovery();
 }
 
@@ -426,11 +443,24 @@ bool MDIForm1::shutDown() {
         return false;
     }
     m_shuttingDown = true;
+    // The user answered for every project: nothing is kept for a recovery, even when the
+    // session manager had asked for copies earlier and the logout was cancelled.
+    m_recovery->removeAtEnd();
+    platform::removeScratchFiles(m_state.TempPath);
     if (m_state.settings.SaveSettingsOnExit) {
         UpdateWinPosTable(m_state.settings.pos, 1, this);
         SaveSettings();
     }
     return true;
+}
+
+void MDIForm1::endWithoutQuestions() {
+    if (m_state.settings.SaveSettingsOnExit) {
+        UpdateWinPosTable(m_state.settings.pos, 1, this);
+        SaveSettings();
+    }
+    m_recovery->keepForNextStart();
+    platform::removeScratchFiles(m_state.TempPath);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -442,20 +472,24 @@ void MDIForm1::LoadSettings() {
         m_programDirectory.isEmpty() ? QCoreApplication::applicationDirPath() : m_programDirectory;
     if (!appPath.endsWith(QLatin1Char('/'))) appPath += QLatin1Char('/');
     m_state.AppPath = appPath;
+    m_state.UserDataPath = platform::userDataPath();
     Settings& s = m_state.settings;
-    if (s.PLogoFile == QLatin1String("Tamrik2006-logo.wmf")) s.PLogoFile = appPath + s.PLogoFile;
+    // An older version stored a shipped logo by the program folder's path.
+    s.PLogoFile = ShippedFilePath(m_state, StoredFileName(m_state, s.PLogoFile));
     LoadLogo(*this);
     QString error;
     m_state.TempPath = platform::privateTempPath(&error);
     if (m_state.TempPath.isEmpty()) platform::MsgBox(error, MsgIcon::Exclamation);
+    // Mail drafts and leftovers of runs that did not end normally do not pile up.
+    platform::removeOldTempFiles(m_state.TempPath);
     bool anyOffice = false;
     for (const QString& row : m_state.OfficeRows)
         anyOffice = anyOffice || !row.isEmpty();
     // The settings reader rebuilt the list in its stored order; this shows it in the File menu.
     UpdateRecentFiles(QString());
     m_state.HelpFile = appPath + QStringLiteral("Tamrik2006.html");
-    if (s.File1 == QLatin1String("Laatuvaatimukset2006.sl2")) s.File1 = appPath + s.File1;
-    if (s.File2 == QStringLiteral("Yksikköhinnat2002.sl1")) s.File2 = appPath + s.File2;
+    s.File1 = ShippedFilePath(m_state, s.File1);
+    s.File2 = ShippedFilePath(m_state, s.File2);
     m_state.QualityPlanTemplate = appPath + QStringLiteral("Urakan laatusuunnitelma.txt");
     for (int i = 0; i < 3; ++i)
         Submenu10[i]->setChecked(i == m_state.ProgramMode - 1);
@@ -528,6 +562,25 @@ void MDIForm1::setFileOperation(bool running) {
         m->menuAction()->setEnabled(!running);
     Toolbar1->setEnabled(!running);
     if (!running) EnableControlsMDI();
+}
+
+bool MDIForm1::userBusy() const {
+    if (fileOperationRunning() || m_state.Loading) return true;
+    if (QApplication::activeModalWidget() || QApplication::activePopupWidget()) return true;
+    // Any dialog of the program still open: the row editor, the text editor, the print
+    // selection and its preview, e-mail, the image viewer.
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->isVisible() && qobject_cast<QDialog*>(w)) return true;
+    return false;
+}
+
+void MDIForm1::setWaitingFileNote(const QString& file) {
+    if (file.isEmpty()) {
+        if (statusBar()->currentMessage().startsWith(kWaitingNote)) statusBar()->clearMessage();
+        return;
+    }
+    statusBar()->showMessage(kWaitingNote + QFileInfo(file).fileName() +
+                             QStringLiteral(" (avataan, kun avoin ikkuna on suljettu)"));
 }
 
 bool MDIForm1::fileOperationRunning() const {
@@ -627,8 +680,21 @@ void MDIForm1::openFromCommandLine(const QString& file) {
     openProjectFile(m_state.CurrentFileName, false);
 }
 
-void MDIForm1::openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs) {
+void MDIForm1::openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs,
+                               bool readOnlyCopy) {
     if (recoveredAs.isEmpty() && FileNameInUse()) return;
+    if (recoveredAs.isEmpty()) {
+        // A project that another running program has open.
+        switch (ProjectLocks::askBeforeOpening(file)) {
+            case ProjectLocks::OpenChoice::Cancel:
+                return;
+            case ProjectLocks::OpenChoice::ReadOnly:
+                openProjectFile(file, textOnly, QStringLiteral("Projekti"), true);
+                return;
+            case ProjectLocks::OpenChoice::Edit:
+                break;
+        }
+    }
     ParsedCaption c = ParseFileName(ActiveCaption());
     bool created = false;
     if (!(c.directory.isEmpty() && c.unchanged && !c.name.isEmpty())) {
@@ -640,7 +706,10 @@ void MDIForm1::openProjectFile(const QString& file, bool textOnly, const QString
     // projects share a name.
     QString openAs = recoveredAs;
     if (!openAs.isEmpty() && ParseFileName(openAs).directory.isEmpty()) openAs = c.project();
-    if (!ReadSlFile(*this, c.project(), file, textOnly, openAs) && created) {
+    const bool read = ReadSlFile(*this, c.project(), file, textOnly, openAs);
+    // The copy opened read-only is a new project that nobody changed yet.
+    if (read && readOnlyCopy) ChangeFormCaptions(openAs, openAs, true);
+    if (!read && created) {
         // A project created only for this open goes away again.
         ProjectWindows w = projectWindowsOf(c.project());
         for (documents::ProjectWindow* pw : w.all())
@@ -819,7 +888,15 @@ void MDIForm1::computeCardFigures(QWidget* card) {
     auto* f3 = qobject_cast<documents::Form3*>(card);
     if (!f3) return;
     const ProjectWindows w = projectWindowsOf(ParseFileName(f3->caption()).project());
-    if (w.f1) documents::UpdateCardText(*w.f1, w.f2, *f3);
+    if (!w.f1) return;
+    const calc::CostRecord costs = documents::UpdateCardText(*w.f1, w.f2, *f3);
+    // The card shows "#####" for an overflowed figure; the message says where it began.
+    if (costs.nonFiniteRow != 0) {
+        QString message = calc::NonFiniteMessage(costs);
+        message[0] = message[0].toUpper();
+        platform::MsgBox(message + QStringLiteral(" (määräluettelo ja kustannusarvio)."),
+                         MsgIcon::Exclamation);
+    }
 }
 
 void MDIForm1::FormTouch(QWidget* window) {
@@ -1069,6 +1146,7 @@ void MDIForm1::EnableControlsMDI() {
     MainMenu[3]->menuAction()->setEnabled(any);
     for (int i : {2, 3, 5, 7, 8})
         SubMenu0[i]->setEnabled(any);
+    if (CompareAction) CompareAction->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
 }

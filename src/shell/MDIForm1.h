@@ -46,6 +46,7 @@ class PrintSession;
 namespace shell {
 
 class frmSplash;
+class ProjectLocks;
 class Recovery;
 
 // The four windows of one project; null where a window is not found.
@@ -115,6 +116,8 @@ public:
     void baseListHelp(lists::BaseListWindow* window) override;
     QString baseListFileDialog(int kind, const QString& extension) override;
     lists::ListEditHost* baseListEditHost() override { return this; }
+    QString baseListSaveTarget(lists::BaseListWindow* window, const QString& file) override;
+    void baseListRestoreShipped(lists::BaseListWindow* window) override;
 
     // ListEditHost (EditActions.cpp)
     lists::EditContext editContext(lists::ListView* view) override;
@@ -153,6 +156,11 @@ public:
     void DisplayProgress(int percent, const QString& text = QString());
     void UpdateCaptionText(lists::ListView* view);
     QString statusText(int panel) const;
+    // True while the user works in a dialog or the row editor, or a file is read or written:
+    // a file handed over by a later start then waits rather than close what the user does.
+    bool userBusy() const;
+    // The status bar's note that a handed-over file waits to be opened; empty clears it.
+    void setWaitingFileNote(const QString& file);
     // Disables the top-level menus and the toolbar while a file is processed.
     void setFileOperation(bool running);
     bool fileOperationRunning() const;
@@ -191,6 +199,9 @@ public:
 
     // The shutdown sequence; returns true when the program may end.
     bool shutDown();
+    // An end that cannot ask questions (SIGTERM, the session manager): the settings are
+    // written and every changed project gets a recovery copy that the next start offers back.
+    void endWithoutQuestions();
     QString tag() const { return m_tag; }
     void setTag(const QString& tag) { m_tag = tag; }
 
@@ -198,6 +209,8 @@ public:
     std::vector<QMenu*> MainMenu;
     std::vector<QAction*> SubMenu0, SubMenu1, Submenu10, SubMenu2, Submenu3, Submenu30, SubMenu4, SubMenu41;
     std::map<QString, QAction*> toolbarButtons;
+    // "&Vertaa projektia..." of the File menu (outside SubMenu0, whose indices stay as they are).
+    QAction* CompareAction = nullptr;
     QToolBar* Toolbar1 = nullptr;
     QMdiArea* mdiArea = nullptr;
     QProgressBar* ProgressBar1 = nullptr;
@@ -218,7 +231,10 @@ private:
     void createStatusBar();
     QAction* addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
                      const QKeySequence& shortcut = QKeySequence());
-    void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString());
+    // With `recoveredAs` the file opens as that project (changed); with `readOnlyCopy` as a new
+    // unchanged project without the file's name.
+    void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString(),
+                         bool readOnlyCopy = false);
     void openDroppedFile(const QString& file);
     void pendingEvents();
     void unloadWindow(documents::ProjectWindow* window);
@@ -233,6 +249,7 @@ private:
     bool m_shuttingDown = false;
     QString m_programDirectory;
     Recovery* m_recovery = nullptr;
+    ProjectLocks* m_locks = nullptr;
 };
 
 } // namespace shell

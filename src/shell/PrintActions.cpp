@@ -97,6 +97,10 @@ print::ui::PrintSession& MDIForm1::printSession() {
     return *m_printSession;
 }
 
+std::unique_ptr<print::ui::PrintHost> makePrintHost(MDIForm1& main) {
+    return std::make_unique<ShellPrintHost>(main);
+}
+
 void showPrintDialog(MDIForm1& main) {
     if (!main.ParseFormIndeces().complete()) return;
     ShellPrintHost host(main);

@@ -1,5 +1,7 @@
 // Saving and opening a project: the windows' content to and from a ".sl" file.
 #include "shell/ProjectFiles.h"
+#include "shell/ProjectLocks.h"
+#include "shell/ShellActions.h"
 
 #include "documents/Controls.h"
 #include "documents/Form1.h"
@@ -164,6 +166,10 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     AppState& state = main.appState();
     const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
     if (!w.complete()) return false;
+    // Saved under a new name: a file that another running program has open is written over
+    // only when the user says so. The project's own file is this program's to write.
+    if (!keepNames && !sameFile(ParseFileName(project).project(), file) && !ProjectLocks::mayWriteOver(file))
+        return false;
 
     // The office text of the current party is brought up to date.
     if (state.ProgramMode == 1) documents::UpdateOfficeText(*w.f1->Text1[9], state.OfficeRows);

@@ -12,7 +12,9 @@
 #include <QDir>
 #include <QFile>
 #include <QLockFile>
+#include <QFileInfo>
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace shell {
@@ -56,11 +58,29 @@ std::vector<RecoveredProject> recoveryCopies(const QString& sessionFolder) {
     return out;
 }
 
-QString recoveryQuestion(const RecoveredProject& copy) {
-    return QStringLiteral("TAMRIK ei sulkeutunut viime kerralla normaalisti. Projektista\r\n\r\n") +
-           copy.project + QStringLiteral("\r\n\r\non tallessa palautuskopio ajalta ") +
-           copy.time.toLocalTime().toString(QStringLiteral("d.M.yyyy 'klo' h.mm")) +
-           QStringLiteral(".\r\n\r\nPalautetaanko projekti? Jos vastaat Ei, palautuskopio poistetaan.");
+QString recoveryQuestion(const RecoveredProject& copy, int version, int versions, const QString& openAs) {
+    QString text = QStringLiteral("TAMRIK ei sulkeutunut viime kerralla normaalisti. Projektista\r\n\r\n") +
+                   copy.project + QStringLiteral("\r\n\r\non tallessa palautuskopio ajalta ") +
+                   copy.time.toLocalTime().toString(QStringLiteral("d.M.yyyy 'klo' h.mm")) +
+                   QStringLiteral(".");
+    if (versions > 1)
+        text +=
+            QStringLiteral("\r\n\r\nProjektista on tallessa %1 eri versiota: se oli avoinna %1 ohjelmassa. "
+                           "Tämä on versio %2, ja se palautetaan nimellä\r\n\r\n%3")
+                .arg(versions)
+                .arg(version)
+                .arg(openAs);
+    return text + QStringLiteral("\r\n\r\nPalautetaanko projekti? Jos vastaat Ei, palautuskopio poistetaan.");
+}
+
+QString recoveredVersionName(const QString& project, int version) {
+    const QFileInfo fi(project);
+    const QString tag = QStringLiteral(" (palautettu %1)").arg(version);
+    const QString suffix = fi.suffix();
+    const QString stem = suffix.isEmpty() ? fi.fileName() : fi.completeBaseName();
+    const QString name = stem + tag + (suffix.isEmpty() ? QString() : QLatin1Char('.') + suffix);
+    const int slash = project.lastIndexOf(QLatin1Char('/'));
+    return slash < 0 ? name : project.left(slash + 1) + name;
 }
 
 Recovery::Recovery(MDIForm1& main)
@@ -75,15 +95,22 @@ Recovery::Recovery(MDIForm1& main)
 Recovery::~Recovery() {
     if (m_folder.isEmpty()) return;
     m_lock.reset();
-    QDir(m_folder).removeRecursively();
+    // After an end without questions the copies wait for the next start.
+    if (!m_keep) QDir(m_folder).removeRecursively();
 }
 
-void Recovery::start(const QString& tempPath, int minutes) {
-    if (!m_folder.isEmpty() || tempPath.isEmpty()) {
+void Recovery::keepForNextStart() {
+    if (m_folder.isEmpty()) return;
+    autosave();
+    m_keep = true;
+}
+
+void Recovery::start(const QString& recoveryPath, int minutes) {
+    if (!m_folder.isEmpty() || recoveryPath.isEmpty()) {
         setInterval(minutes);
         return;
     }
-    const QString folder = tempPath + kSessionPrefix +
+    const QString folder = recoveryPath + kSessionPrefix +
                            QStringLiteral("%1-%2/")
                                .arg(QCoreApplication::applicationPid())
                                .arg(QDateTime::currentMSecsSinceEpoch());
@@ -92,7 +119,7 @@ void Recovery::start(const QString& tempPath, int minutes) {
         if (lock->tryLock(0)) {
             m_lock = std::move(lock);
             m_folder = folder;
-            m_tempPath = tempPath;
+            m_basePath = recoveryPath;
         }
     }
     setInterval(minutes);
@@ -151,24 +178,52 @@ void Recovery::autosave() {
 
 void Recovery::offerRecovery() {
     if (m_folder.isEmpty()) return;
-    const QDir temp(m_tempPath);
+    m_keep = false;
+    const QDir base(m_basePath);
+    // A lock held by a running program keeps its copies out of reach; a free one is ours now,
+    // so that two programs starting at once do not both offer the same copies.
+    std::vector<std::unique_ptr<QLockFile>> locks;
+    QStringList folders;
+    std::vector<RecoveredProject> found;
     for (const QString& name :
-         temp.entryList({kSessionPrefix + QStringLiteral("*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
-        const QString folder = temp.filePath(name) + QLatin1Char('/');
+         base.entryList({kSessionPrefix + QStringLiteral("*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QString folder = base.filePath(name) + QLatin1Char('/');
         if (folder == m_folder) continue;
-        // A lock held by a running program keeps its copies out of reach; a free one is ours
-        // now, so that two programs starting at once do not both offer the same copies.
         auto lock = sessionLock(folder);
         if (!lock->tryLock(0)) continue;
-        for (const RecoveredProject& r : recoveryCopies(folder)) {
-            const platform::MsgAnswer a =
-                platform::Ask(recoveryQuestion(r), platform::MsgButtons::YesNo, platform::MsgIcon::Question,
-                              platform::MsgAnswer::Yes);
-            if (a == platform::MsgAnswer::Yes) m_main.openRecoveredProject(r.copy, r.project);
-        }
-        lock.reset();
-        QDir(folder).removeRecursively();
+        locks.push_back(std::move(lock));
+        folders << folder;
+        for (const RecoveredProject& r : recoveryCopies(folder))
+            found.push_back(r);
     }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto& a, const auto& b) { return a.time < b.time; });
+    // Versions of one saved project from programs killed with it open come back under names
+    // of their own, so that saving one never leaves the other looking like the same file.
+    std::map<QString, int> versions;
+    for (const RecoveredProject& r : found)
+        if (!ParseFileName(r.project).directory.isEmpty()) ++versions[r.project];
+    std::map<QString, int> seen;
+    if (!found.empty()) {
+        // The questions belong to this program, even when another one's window is in front.
+        m_main.raise();
+        m_main.QWidget::activateWindow();
+    }
+    for (const RecoveredProject& r : found) {
+        const int count = versions.count(r.project) ? versions[r.project] : 1;
+        const int version = ++seen[r.project];
+        const QString openAs = count > 1 ? recoveredVersionName(r.project, version) : r.project;
+        platform::MessageRequest question;
+        question.text = recoveryQuestion(r, version, count, openAs);
+        question.buttons = platform::MsgButtons::YesNo;
+        question.icon = platform::MsgIcon::Question;
+        question.defaultButton = platform::MsgAnswer::Yes;
+        question.toFront = true;
+        if (platform::Ask(question) == platform::MsgAnswer::Yes) m_main.openRecoveredProject(r.copy, openAs);
+    }
+    locks.clear();
+    for (const QString& folder : folders)
+        QDir(folder).removeRecursively();
     // The restored projects are changed: their copies belong to this session from now on.
     autosave();
 }

@@ -114,7 +114,7 @@ void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) 
         }
     }
     store.save(kPrinter, QStringLiteral("PreviewScale"), QString::number(s.PreviewScale));
-    store.save(kPrinter, QStringLiteral("PLogoFile"), s.PLogoFile);
+    store.save(kPrinter, QStringLiteral("PLogoFile"), StoredFileName(state, s.PLogoFile));
     store.save(kPrinter, QStringLiteral("PrintLogo"),
                s.PrintLogo ? QStringLiteral("1") : QStringLiteral("0"));
     store.save(kPrinter, QStringLiteral("PrinterFont"), s.PrinterFont);
@@ -171,6 +171,38 @@ void GetWinPos(const WindowPositions& table, int slot, QWidget* window) {
     // A window without a stored place is not moved, so that the system places it (a dialog
     // over its owner) instead of at the corner of the screen.
     if (table.top[slot] != 0 || table.left[slot] != 0) target->move(pos);
+}
+
+bool IsShippedFileName(const QString& name) {
+    static const QStringList shipped = {QStringLiteral("Laatuvaatimukset2006.sl2"),
+                                        QStringLiteral("Yksikköhinnat2002.sl1"),
+                                        QStringLiteral("Tamrik2006-logo.wmf")};
+    return shipped.contains(name);
+}
+
+QString ShippedFilePath(const AppState& state, const QString& name) {
+    if (!IsShippedFileName(name)) return name;
+    if (!state.UserDataPath.isEmpty() && QFileInfo::exists(state.UserDataPath + name))
+        return state.UserDataPath + name;
+    return state.AppPath + name;
+}
+
+QString StoredFileName(const AppState& state, const QString& path) {
+    const QFileInfo fi(path);
+    const QString name = fi.fileName();
+    if (!IsShippedFileName(name)) return path;
+    const QString folder = fi.path() + QLatin1Char('/');
+    if (folder == state.AppPath || (!state.UserDataPath.isEmpty() && folder == state.UserDataPath))
+        return name;
+    return path;
+}
+
+QString UserWritablePath(const AppState& state, const QString& path) {
+    const QFileInfo fi(path);
+    if (state.UserDataPath.isEmpty() || !IsShippedFileName(fi.fileName()) ||
+        fi.path() + QLatin1Char('/') != state.AppPath)
+        return path;
+    return state.UserDataPath + fi.fileName();
 }
 
 void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file) {

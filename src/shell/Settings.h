@@ -29,6 +29,18 @@ void UpdateWinPosTable(WindowPositions& table, int slot, const QWidget* window);
 // Applies the stored values of a slot that are not 0 to a window.
 void GetWinPos(const WindowPositions& table, int slot, QWidget* window);
 
+// Files that ship in the program folder (read-only once installed). The settings store them by
+// name, so that they outlive a move of the program folder; the name resolves to the user's own
+// copy in the data folder when there is one, else to the shipped file.
+bool IsShippedFileName(const QString& name);
+QString ShippedFilePath(const AppState& state, const QString& name);
+// The form in which the settings keep a file: a shipped file (in the program folder or the
+// user's copy of it) by its name, any other file by its path.
+QString StoredFileName(const AppState& state, const QString& path);
+// Where "&Tallenna" writes a list: the user's copy in place of a shipped file in the program
+// folder, else the file itself.
+QString UserWritablePath(const AppState& state, const QString& path);
+
 // Puts a file at the head of the recent files, moving it when it is there already.
 void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file);
 // Removes the files that no longer exist, keeping the order of the others; true when any went.

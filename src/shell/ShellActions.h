@@ -5,6 +5,7 @@
 #include <QStyle>
 #include <QWidget>
 #include <array>
+#include <memory>
 
 namespace lists {
 class ListModel;
@@ -17,6 +18,10 @@ class ProjectWindow;
 
 namespace platform {
 class Picture;
+}
+
+namespace print::ui {
+class PrintHost;
 }
 
 namespace shell {
@@ -34,6 +39,12 @@ struct ProjectWindows;
 
 // The print selection dialog on the active project (PrintActions.cpp).
 void showPrintDialog(MDIForm1& main);
+// What the print windows ask of the main window, for windows that print on their own.
+std::unique_ptr<print::ui::PrintHost> makePrintHost(MDIForm1& main);
+
+// "&Vertaa projektia...": asks for another version of the active project and opens the
+// comparison window on the two (CompareActions.cpp).
+void showCompareWindow(MDIForm1& main);
 
 // Settings dialog (Form8.cpp).
 void showSettingsDialog(MDIForm1& main);

@@ -1,8 +1,10 @@
 #include "calc/CostEstimate.h"
 
 #include "calc/CalcLists.h"
+#include "calc/NumberText.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace calc;
 using calc_test::fillQuantityList;
@@ -226,4 +228,41 @@ TEST(NextIsCaption1, AMainCaptionOrTheEndClosesTheGroup) {
     EXPECT_TRUE(NextIsCaption1(list, 7)); // the road-works caption is in capitals
     EXPECT_TRUE(NextIsCaption1(list, 9)); // the end of the list
     EXPECT_TRUE(NextIsCaption1(list, 10));
+}
+
+// Single precision overflows past 3.4e38: such a figure is no amount, and the record says at
+// which row the overflow began, so that the command line, the window and the page can say so.
+TEST(CalculateCosts, AnOverflowedFigureNamesItsRowAndNeverPrintsAsANumber) {
+    struct Case {
+        std::vector<QStringList> rows;
+        int row; // the first row whose figure is not finite
+    };
+    const Case cases[] = {
+        {{{"7100", "SILTA"}, {"", "Kaivu", "", "10", "m3", "5"}, {"", "Valtava", "", "1e308", "m3", "2"}}, 3},
+        // Two amounts that fit alone but not together.
+        {{{"", "A", "", "1", "erä", "3,4e38"},
+          {"", "B", "", "1", "erä", "3,4e38"},
+          {"", "C", "", "1", "m", "1"}},
+         2},
+        // Finite sums whose general costs overflow: the block's last row is named.
+        {{{"", "A", "", "1", "erä", "3e38"}, {"", "B", "", "1", "erä", "1"}}, 1},
+        {{{"", "A", "", "1", "erä", "100"}}, 0},
+    };
+    for (const Case& c : cases) {
+        lists::ListModel list;
+        fillQuantityList(list, c.rows);
+        const CostRecord r = CalculateCosts(list, indexInputs("100", "100", "25"));
+        EXPECT_EQ(r.nonFiniteRow, c.row) << c.rows.size();
+        if (c.row == 0) {
+            EXPECT_TRUE(NonFiniteMessage(r).isEmpty());
+            continue;
+        }
+        EXPECT_EQ(NonFiniteMessage(r), QStringLiteral("summa ei ole äärellinen: rivi %1").arg(c.row));
+    }
+    const float inf = std::numeric_limits<float>::infinity();
+    for (float v : {inf, -inf, std::numeric_limits<float>::quiet_NaN()}) {
+        EXPECT_EQ(MoneyS(v, 2), QStringLiteral("#####"));
+        EXPECT_EQ(DecimalS(v, 1), QStringLiteral("#####"));
+        EXPECT_EQ(FormatHashDotHash(v), QStringLiteral("#####"));
+    }
 }

@@ -21,7 +21,7 @@ public:
     // `exitStatus` < 0 means no xdg-email at all; `seconds` > 0 keeps it running that long;
     // `client` is the mail client the desktop names for "mailto:" and `reader` the program for
     // ".eml" files (empty: none is set up).
-    explicit FakeMail(int exitStatus = 0, int seconds = 0, const QByteArray& client = "fakemail.desktop",
+    explicit FakeMail(int exitStatus = 0, int seconds = 0, const QByteArray& client = "thunderbird.desktop",
                       const QByteArray& reader = "fakereader.desktop")
         : m_oldPath(qgetenv("PATH"))
         , m_oldMailer(qgetenv("MAILER")) {

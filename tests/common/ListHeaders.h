@@ -1,38 +1,17 @@
 #pragma once
 // The header rows of the project's two working lists, as the shipped templates have them.
+#include "lists/Columns.h"
+
 #include <QStringList>
 
 namespace testing_support {
 
 inline QStringList quantityHeaders() {
-    return {"LITTERA", "TYÖVAIHE", "RAK. OSA", "MÄÄRÄ", "YKSIKKÖ", "YKS.HINTA", "HUOMAUTUKSET"};
+    return lists::quantityColumnHeaders();
 }
 
 inline QStringList requirementHeaders() {
-    return {"LITTERA",
-            "NRO",
-            "LAATUVAATIMUS",
-            "TYYPPI",
-            "VIITE",
-            "VAATIMUS",
-            "ALARAJA",
-            "YLÄRAJA",
-            "YKSIKKÖ",
-            "TARKASTUSTAPA",
-            "PAINOARVO",
-            "LAATUSUUNNITELMATEKSTI",
-            "TEKNINEN TYÖSELOSTUS",
-            "VIITETIEDOSTO",
-            "TARKASTUS/MITTAUSRAPORTTITEKSTI",
-            "MITTAUSTEN LKM",
-            "MINIMI",
-            "MAKSIMI",
-            "KESKIARVO",
-            "LAATURAPORTTITEKSTI",
-            "TÄYTTÄÄ VAATIMUKSET",
-            "POIKKEAMARAPORTTI",
-            "KORJAUSSUUNNITELMA",
-            "PAINOARVON KERROIN"};
+    return lists::requirementColumnHeaders();
 }
 
 } // namespace testing_support

@@ -13,10 +13,16 @@ struct Result {
     QString err;
 };
 
-inline Result run(const QStringList& args) {
+// A program still running after `timeoutMs` (a desktop start that waits for a window) is
+// killed and reported with status -1.
+inline Result run(const QStringList& args, int timeoutMs = 60000) {
     QProcess p;
     p.start(binaryDir() + QStringLiteral("/tamrik"), args);
-    p.waitForFinished(60000);
+    if (!p.waitForFinished(timeoutMs)) {
+        p.kill();
+        p.waitForFinished();
+        return {-1, QString(), QStringLiteral("did not end")};
+    }
     return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
             QString::fromUtf8(p.readAllStandardError())};
 }

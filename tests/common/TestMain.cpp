@@ -1,6 +1,6 @@
 // Test start-up shared by every test executable: a QApplication on the offscreen platform,
-// settings in a temporary folder, and a pinned locale, so that no test depends on the user's
-// display, settings or regional format.
+// settings, data and temporary files in a temporary folder, and a pinned locale, so that no test depends on
+// the user's display, settings or regional format.
 #include "common/SlowUnwinder.h"
 #include "common/TestSupport.h"
 
@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
     // Tests never see the user's configuration or temporary files.
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", (home.path() + QStringLiteral("/config")).toLocal8Bit());
+    qputenv("XDG_DATA_HOME", (home.path() + QStringLiteral("/data")).toLocal8Bit());
     qputenv("TEMP", (home.path() + QStringLiteral("/temp")).toLocal8Bit());
     QDir().mkpath(home.path() + QStringLiteral("/temp"));
     QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));

@@ -54,7 +54,9 @@ TEST(ConvertListFile, SpreadsheetFirstRowIsTheHeader) {
     QTemporaryDir dir;
     const QString fixtures = testing_support::sourceDir() + "/tests/lists/data/";
     QString error;
-    for (const QString name : {"taulukko.xls", "taulukko.xlsx", "taulukko.ods"}) {
+    // Macro workbooks and templates are read as the workbook they are.
+    for (const QString name : {"taulukko.xls", "taulukko.xlsx", "taulukko.ods", "taulukko.xlsm",
+                               "taulukko.xltx", "taulukko.xltm"}) {
         const QString out = dir.filePath(name + ".sl1");
         ASSERT_TRUE(ConvertListFile(fixtures + name, out, &error)) << error.toStdString();
         EXPECT_EQ(

@@ -209,7 +209,7 @@ TEST_F(MailDialogTest, UnsavedProjectGoesAsACopyWithItsFilesAndTheWindowsStayAsT
     dialog.show();
     dialog.Command1[0]->click();
 
-    const QString copy = main->appState().TempPath + QStringLiteral("Projekti1.sl");
+    const QString copy = main->appState().TempPath + QStringLiteral("posti/Projekti1.sl");
     EXPECT_EQ(mail.arguments(),
               (QStringList{QStringLiteral("--utf8"), QStringLiteral("--body"), QString(15, QLatin1Char(' ')),
                            QStringLiteral("--attach"), copy, QStringLiteral("--attach"), pdf,
@@ -234,7 +234,7 @@ TEST_F(MailDialogTest, SavedProjectGoesUnderItsOwnName) {
     const QStringList args = mail.arguments();
     ASSERT_EQ(args.size(), 5);
     EXPECT_EQ(args[3], QStringLiteral("--attach"));
-    EXPECT_EQ(args[4], main->appState().TempPath + QStringLiteral("Projektin silta.sl"));
+    EXPECT_EQ(args[4], main->appState().TempPath + QStringLiteral("posti/Projektin silta.sl"));
     EXPECT_TRUE(shell::CaptionIsUnchanged(main->ActiveCaption()));
     EXPECT_EQ(shell::ParseFileName(main->ActiveCaption()).project(), file);
 }
@@ -248,9 +248,13 @@ TEST_F(MailDialogTest, WithoutAMailClientTheDraftCarriesTheProjectAndTheFiles) {
     dialog.Command1[0]->click();
     ASSERT_EQ(mail.opened.size(), 1u);
     const QString draft = mail.opened[0];
-    EXPECT_EQ(draft, main->appState().TempPath + QStringLiteral("Projekti1.eml"));
+    EXPECT_EQ(draft, main->appState().TempPath + QStringLiteral("posti/Projekti1.eml"));
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_TRUE(dialogs.messages().empty());
+    // The user is told that a draft was opened, and where it is.
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    EXPECT_TRUE(dialogs.lastText().startsWith(
+        QStringLiteral("Viesti liitteineen tallennettiin tiedostoon\r\n") + draft))
+        << dialogs.lastText().toStdString();
 
     QTemporaryDir out;
     const QJsonObject m =
@@ -261,7 +265,8 @@ TEST_F(MailDialogTest, WithoutAMailClientTheDraftCarriesTheProjectAndTheFiles) {
     EXPECT_EQ(parts[1].toObject()[QStringLiteral("name")].toString(), QStringLiteral("Työselostus ä.pdf"));
     QByteArray sent, copy, original;
     ASSERT_TRUE(platform::readFileBytes(out.filePath(QStringLiteral("0")), sent));
-    ASSERT_TRUE(platform::readFileBytes(main->appState().TempPath + QStringLiteral("Projekti1.sl"), copy));
+    ASSERT_TRUE(
+        platform::readFileBytes(main->appState().TempPath + QStringLiteral("posti/Projekti1.sl"), copy));
     EXPECT_EQ(sent, copy);
     ASSERT_TRUE(platform::readFileBytes(out.filePath(QStringLiteral("1")), sent));
     ASSERT_TRUE(platform::readFileBytes(pdf, original));
@@ -271,7 +276,8 @@ TEST_F(MailDialogTest, WithoutAMailClientTheDraftCarriesTheProjectAndTheFiles) {
     mail.openSucceeds = false;
     Dialog2 again(*host);
     again.Command1[0]->click();
-    ASSERT_EQ(dialogs.messages().size(), 1u);
+    ASSERT_EQ(dialogs.messages().size(), 2u);
+    EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Viestiä ei voitu avata")));
     EXPECT_TRUE(dialogs.lastText().contains(draft));
     EXPECT_EQ(again.result(), QDialog::Accepted);
 }

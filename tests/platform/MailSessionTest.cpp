@@ -117,7 +117,7 @@ TEST(MailSession, ComposeCallCarriesEveryAttachmentInOrder) {
     QTemporaryDir drafts;
     MailSession session;
     ASSERT_TRUE(session.SignOn(drafts.path()));
-    EXPECT_EQ(session.mailClient(), QStringLiteral("fakemail.desktop"));
+    EXPECT_EQ(session.mailClient(), QStringLiteral("thunderbird.desktop"));
     ASSERT_TRUE(session.Send(a.message));
     EXPECT_EQ(session.route(), MailSession::Route::Compose);
     QStringList expected{QStringLiteral("--utf8"), QStringLiteral("--body"), a.message.body};
@@ -186,6 +186,31 @@ TEST(MailSession, WithoutAMailClientTheDraftIsWrittenAndOpened) {
     EXPECT_FALSE(session.SignOn(QString()));
     EXPECT_FALSE(session.Send(a.message));
     EXPECT_EQ(session.route(), MailSession::Route::None);
+}
+
+// Many mail programs ignore the attachments of a mail address: the compose call counted as
+// sent whenever it started one, and the message left without its files. Only the programs
+// known to take them get the compose call with attachments; the others get the draft.
+TEST(MailSession, AttachmentsGoToTheComposeCallOnlyWhenTheClientTakesThem) {
+    Attachments a;
+    QTemporaryDir drafts;
+    for (const char* client : {"org.gnome.Geary.desktop", "claws-mail.desktop", "mutt"}) {
+        FakeMail mail(0, 0, client);
+        MailSession session;
+        ASSERT_TRUE(session.SignOn(drafts.path()));
+        ASSERT_TRUE(session.Send(a.message)) << client;
+        EXPECT_TRUE(mail.arguments().isEmpty()) << client;
+        EXPECT_EQ(session.route(), MailSession::Route::Draft) << client;
+        EXPECT_TRUE(session.attachmentsNeededDraft());
+        EXPECT_EQ(mail.opened.size(), 1u);
+        // Without attachments the compose call is enough for any client.
+        ASSERT_TRUE(session.Send(MailMessage{QStringLiteral("Aihe"), QString(), {}}));
+        EXPECT_EQ(session.route(), MailSession::Route::Compose) << client;
+        EXPECT_FALSE(session.attachmentsNeededDraft());
+    }
+    for (const char* client : {"thunderbird.desktop", "icedove.desktop", "org.gnome.Evolution.desktop",
+                               "org.kde.kmail2.desktop", "/usr/bin/thunderbird -compose"})
+        EXPECT_TRUE(MailSession::takesAttachments(QString::fromLatin1(client))) << client;
 }
 
 TEST(MailSession, ComposeCommandStillRunningHasOpenedTheMailProgram) {

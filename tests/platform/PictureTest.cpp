@@ -371,3 +371,137 @@ TEST(PictureRegression, MetafileTextWithMarkupCharactersIsShown) {
             ink += image.pixelColor(x, y).blue() > image.pixelColor(x, y).red() + 40;
     EXPECT_GT(ink, 200);
 }
+
+namespace {
+
+// A placeable WMF of 1000 x 1000 units at 1000 to the inch (96 x 96 pixels) from its records,
+// each given as its function and parameter words; the end record is added.
+QByteArray wmfOf(const std::vector<std::pair<quint16, std::vector<quint16>>>& records) {
+    QByteArray body;
+    quint32 largest = 3;
+    for (const auto& [function, params] : records) {
+        const quint32 words = 3 + quint32(params.size());
+        largest = std::max(largest, words);
+        body += QByteArray(reinterpret_cast<const char*>(&words), 4);
+        body += QByteArray(reinterpret_cast<const char*>(&function), 2);
+        for (const quint16 p : params)
+            body += QByteArray(reinterpret_cast<const char*>(&p), 2);
+    }
+    body += QByteArray::fromHex("030000000000");
+    QByteArray placeable = QByteArray::fromHex("d7cdc69a000000000000e803e803e803000000000000");
+    quint16 checksum = 0;
+    for (int i = 0; i < 20; i += 2)
+        checksum ^= quint16(uchar(placeable[i]) | uchar(placeable[i + 1]) << 8);
+    placeable[20] = char(checksum & 0xFF);
+    placeable[21] = char(checksum >> 8);
+    const quint32 fileWords = quint32(9 + body.size() / 2);
+    QByteArray header = QByteArray::fromHex("010009000003");
+    header += QByteArray(reinterpret_cast<const char*>(&fileWords), 4);
+    header += QByteArray::fromHex("0300"); // three objects
+    header += QByteArray(reinterpret_cast<const char*>(&largest), 4);
+    header += QByteArray::fromHex("0000");
+    return placeable + header + body;
+}
+
+} // namespace
+
+// The WMF that libUEMF's own test drawing writes (and programs built on the library write as it
+// does) draws in LibreOffice but was refused as damaged: libwmf gave up on its region, whose
+// header the library writes one word short, so that the scan count read was 10000 and the first
+// scan ran past the record. Such a region is now empty in the copy libwmf reads, and the rest of
+// the drawing shows.
+TEST(PictureRegression, WmfFromTheMetafileLibraryWithItsRegionIsShown) {
+    QString error;
+    const Picture p = Picture::fromFile(fixture(QStringLiteral("uemf-drawing.wmf")), &error);
+    ASSERT_FALSE(p.isNull()) << error.toStdString();
+    EXPECT_EQ(p.sizeHint(), QSize(576, 384)); // 6 x 4 inches
+    const QImage image = p.toImage(QSize(576, 384));
+    // The pale yellow page, the navy title text and the blue shapes under it, filled whole
+    // although the drawing's background mode is transparent.
+    EXPECT_EQ(image.pixelColor(500, 350), QColor(255, 255, 173));
+    int navy = 0, blue = 0;
+    for (int y = 30; y < 60; ++y)
+        for (int x = 16; x < 130; ++x)
+            navy += image.pixelColor(x, y).blue() > 90 && image.pixelColor(x, y).red() < 60;
+    for (int y = 75; y < 100; ++y)
+        for (int x = 8; x < 70; ++x)
+            blue += image.pixelColor(x, y) == QColor(40, 80, 200);
+    EXPECT_GT(navy, 300);
+    EXPECT_GT(blue, 300);
+    EXPECT_TRUE(wmfToSvg(p.bytes()).contains("TEXTOUT"));
+}
+
+// Regions as the format lays them out, regions whose scans run past their record and records too
+// short for a region all leave the rest of the picture drawn. (The SVG layer draws no region
+// itself, neither filled nor as a clip.)
+TEST(PictureRegression, WmfRegionsAreReadOnlyInsideTheirRecords) {
+    const quint16 createBrush = 0x02FC, createRegion = 0x06FF, fillRegion = 0x0228, selectClip = 0x012C;
+    const quint16 rectangle = 0x041B, selectObject = 0x012D;
+    // Object 0 a red brush, object 1 the region, object 2 a blue brush.
+    const std::vector<quint16> redBrush = {0, 0x00FF, 0, 0};
+    const std::vector<quint16> blueBrush = {0, 0, 0x00FF, 0};
+    // One scan from y 100 to 400 with two pieces: x 100..300 and 600..900.
+    const std::vector<quint16> region = {0,   6, 0,   0,   38,  1,   4,   100, 100, 900,
+                                         400, 4, 100, 400, 100, 300, 600, 900, 4};
+    std::vector<quint16> runsOver = region;
+    runsOver[5] = 10000; // what the metafile library's layout leaves where the scan count is read
+    runsOver[11] = 100;  // a first scan whose closing count lies past the record
+    const std::vector<quint16> tooShort = {0, 6, 0};
+    for (const auto& regionWords : {region, runsOver, tooShort}) {
+        for (const bool clip : {false, true}) {
+            SCOPED_TRACE(std::to_string(regionWords.size()) + (clip ? " as a clip" : " filled"));
+            std::vector<std::pair<quint16, std::vector<quint16>>> records = {
+                {createBrush, redBrush}, {createRegion, regionWords}, {createBrush, blueBrush}};
+            if (clip) records.push_back({selectClip, {1}});
+            records.push_back({selectObject, {2}});
+            records.push_back({rectangle, {1000, 1000, 0, 0}});
+            if (!clip) records.push_back({fillRegion, {1, 0}}); // region 1 with brush 0
+            QString error;
+            const Picture p = Picture::fromBytes(wmfOf(records), Picture::Metafile);
+            EXPECT_FALSE(wmfToSvg(p.bytes(), &error).isEmpty()) << error.toStdString();
+            const QImage image = p.toImage(QSize(100, 100));
+            EXPECT_GT(image.pixelColor(50, 70).blue(), 200);
+            EXPECT_LT(image.pixelColor(50, 70).red(), 50);
+        }
+    }
+}
+
+// An EMF recorded for a 1200-dpi printer names its A4 page as 14030 x 9920 device pixels. The
+// picture took that as its size: copying it made an image of that many pixels (570 MB, 3 s).
+// Its size is now its paper size at 96 pixels to the inch, and no image drawn from a picture
+// has more pixels than the cap, whatever size is asked for.
+TEST(PictureRegression, EmfRecordedForAPrinterHasItsPaperSize) {
+    QString error;
+    const Picture p = Picture::fromFile(fixture(QStringLiteral("printer-frame.emf")), &error);
+    ASSERT_FALSE(p.isNull()) << error.toStdString();
+    EXPECT_NEAR(p.sizeHint().width(), 297 / 25.4 * 96, 1.5);
+    EXPECT_NEAR(p.sizeHint().height(), 210 / 25.4 * 96, 1.5);
+    const QImage natural = p.toImage();
+    EXPECT_EQ(natural.size(), p.sizeHint());
+    // The blue rectangle fills the page inside a margin of 500 device pixels, the text in black.
+    const QColor inside = natural.pixelColor(natural.width() / 4, natural.height() * 3 / 4);
+    EXPECT_GT(inside.blue(), 180);
+    EXPECT_LT(inside.red(), 100);
+    EXPECT_EQ(natural.pixelColor(10, 10), QColor(Qt::white));
+
+    const QImage asked = p.toImage(QSize(14030, 9920));
+    EXPECT_LE(qint64(asked.width()) * asked.height(), 4096 * 2048);
+    EXPECT_NEAR(double(asked.width()) / asked.height(), 14030.0 / 9920, 0.01);
+    EXPECT_GT(asked.pixelColor(asked.width() / 4, asked.height() * 3 / 4).blue(), 180);
+}
+
+// A fuzzer's change of uemf-drawing.wmf: the bitmap header of its JPEG counts 1140850688 colours,
+// and libwmf asked for a colour table of 3.4 GB before it read a pixel (the checked build's fuzz
+// test runs this file under a limit on each allocation). Bitmaps whose header is no header, or
+// whose colour table or pixels are not in the record, are now left out of the copy libwmf reads;
+// so is the pattern brush of an old device-dependent bitmap, which libwmf reads as such a header
+// and filled black: it is hollow. The rest of the picture draws.
+TEST(PictureRegression, BitmapThatIsNotInItsRecordIsLeftOut) {
+    const QByteArray bytes = fixtureBytes(QStringLiteral("fuzzed/bitmap-colour-count.wmf"));
+    QString error;
+    EXPECT_FALSE(wmfToSvg(bytes, &error).isEmpty()) << error.toStdString();
+    const QImage image = Picture::fromBytes(bytes, Picture::Metafile).toImage(QSize(576, 384));
+    EXPECT_EQ(image.pixelColor(500, 350), QColor(255, 255, 173));
+    EXPECT_EQ(image.pixelColor(244, 172), QColor(255, 255, 173)); // inside the brush's rectangle
+    EXPECT_EQ(image.pixelColor(212, 172), QColor(Qt::black));     // a pattern brush libwmf can read
+}

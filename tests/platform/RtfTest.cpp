@@ -1,5 +1,7 @@
 #include "PlatformFixtures.h"
+#include "platform/CodePage.h"
 #include "platform/Rtf.h"
+#include "platform/SymbolFonts.h"
 #include "platform/TextFile.h"
 
 #include <QDir>
@@ -427,4 +429,151 @@ TEST(RtfRegression, TextIsDecodedInTheCodePageOfItsFontOrDocument) {
     ASSERT_TRUE(
         ReadRtf("{\\rtf1\\ansi{\\fonttbl{\\f0\\fcharset204 \\'c0\\'f0\\'e8\\'e0\\'eb;}}\\f0 x\\par}", doc));
     EXPECT_EQ(familyOf(formatOf(doc, QStringLiteral("x"))), QStringLiteral("Ариал"));
+}
+
+namespace {
+
+QStringList readRtfParagraphs(const QString& name) {
+    QTextDocument doc;
+    QString error;
+    EXPECT_TRUE(ReadRtf(fixtureBytes(name), doc, &error)) << error.toStdString();
+    // What reads must write and read back the same, as the fuzzer checks.
+    const QByteArray written = WriteRtf(doc);
+    EXPECT_EQ(rewrite(written).toStdString(), written.toStdString()) << name.toStdString();
+    return paragraphs(doc);
+}
+
+// The lines of LibreOffice's text of a test file (`soffice --convert-to txt:Text`: UTF-8 with a
+// byte-order mark, LF line ends).
+QStringList libreOfficeLines(const QString& name) {
+    QString text = QString::fromUtf8(fixtureBytes(name));
+    if (text.startsWith(QChar(0xFEFF))) text.remove(0, 1);
+    QStringList lines = text.split(QLatin1Char('\n'));
+    while (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+} // namespace
+
+// Bullets and signs of the Symbol and Wingdings fonts came out as "·", other Windows-1252 letters
+// or private-use characters: the font's codes (bytes in a font of character set 2, or \u in
+// U+F020..U+F0FF) are now the characters the font shows, in lists too where LibreOffice leaves
+// the label's font out and only the list table names it. (LibreOffice's own text keeps the
+// private-use characters, and writes every bullet as "•".)
+TEST(RtfRegression, SymbolAndWingdingsCodesBecomeTheirCharacters) {
+    EXPECT_EQ(readRtfParagraphs(QStringLiteral("symbol-fonts.rtf")),
+              (QStringList{QStringLiteral(" •\tSillan kansi"), QStringLiteral(" •\tMaatuet"),
+                           QStringLiteral(" ➢\tNuolikohta"), QStringLiteral("Kulma αβγ ≥ ±°∅ = 30°"),
+                           QStringLiteral("Tarkastettu ✔✘▪●■➔☎✉")}));
+    // As Word writes them: labels in their own fonts, codes as bytes; an unknown symbol font
+    // keeps Windows' private-use characters, so nothing is lost.
+    EXPECT_EQ(readRtfParagraphs(QStringLiteral("symbol-fonts-word.rtf")),
+              (QStringList{QStringLiteral("Rakenneosat:"), QStringLiteral("•\tKansi ja reunapalkit"),
+                           QStringLiteral("•\tMaatuet"), QStringLiteral("➢\tTarkastus"),
+                           QStringLiteral("✔\tHyväksytty"), QStringLiteral("Kaava: α = ∂s/∂t ≥ 0°, β∅"),
+                           QStringLiteral("Merkit: ● ■ ❑ ❖ ▪ ✔ ✘ ☑ ☎ ✉ ➔"),
+                           QStringLiteral("Tuntematon: ") + QChar(0xF061)}));
+    // The characters show in the text font, which has them; codes without a character keep the
+    // symbol font, where a system that has it shows them.
+    {
+        QTextDocument word;
+        ASSERT_TRUE(ReadRtf(fixtureBytes(QStringLiteral("symbol-fonts-word.rtf")), word));
+        EXPECT_EQ(familyOf(formatOf(word, QStringLiteral("α"))), "Arial");
+        EXPECT_EQ(familyOf(formatOf(word, QStringLiteral("✔ ✘"))), "Arial");
+        EXPECT_EQ(familyOf(formatOf(word, QString(QChar(0xF061)))), "Webdings");
+    }
+    // The tables: Symbol's Greek, operators and bracket pieces; Wingdings' numbers in circles.
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0x57), u'Ω');
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0xF0E5), u'∑');
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0xE6), u'⎛');
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0xA0), u'€');
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Symbol, 0xF0), 0);
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Wingdings, 0x81), u'①');
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Wingdings, 0x8C), u'❶');
+    EXPECT_EQ(symbolFontCharacter(SymbolFont::Wingdings, 0x30), 0); // a folder: beyond the BMP
+    EXPECT_EQ(symbolFontNamed(QStringLiteral(" wingdings ")), SymbolFont::Wingdings);
+    EXPECT_EQ(symbolFontNamed(QStringLiteral("Wingdings 2")), SymbolFont::None);
+    // A \u code in a font that is neither a symbol font nor a list label is left as it is.
+    QTextDocument doc;
+    ASSERT_TRUE(ReadRtf(
+        "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}{\\f1 Symbol;}}\\f0 \\u61623?{\\f1 \\u61623?}\\par}", doc));
+    EXPECT_EQ(doc.toPlainText(), QString(QChar(0xF0B7)) + QStringLiteral("•"));
+    // A font the table does not name shows in the default font and reads as that font, so the
+    // text writes back to what it read.
+    const QByteArray unnamed =
+        "{\\rtf1\\ansi\\deff1{\\fonttbl{\\f0 Arial;}{\\f1 Symbol;}}\\f5 \\u61623?\\par}";
+    ASSERT_TRUE(ReadRtf(unnamed, doc));
+    EXPECT_EQ(doc.toPlainText(), QStringLiteral("•"));
+    EXPECT_EQ(rewrite(WriteRtf(doc)), WriteRtf(doc));
+}
+
+// A table in a table cell (\itap2, \nestcell, \nesttableprops with \nestrow, and \nonesttables
+// for readers without nested tables): its cells ran together with the next cell's text. Every
+// cell now keeps its text, in LibreOffice's order; cells of a row are separated by tabs.
+TEST(RtfRegression, NestedTableCellsKeepTheirTextInReadingOrder) {
+    const QStringList ours = readRtfParagraphs(QStringLiteral("nested-table.rtf"));
+    EXPECT_EQ(ours, (QStringList{QStringLiteral("Ennen taulukkoa"), QStringLiteral("A1 ulompi\tB1 ennen"),
+                                 QStringLiteral("Sisä 1\tSisä 2"), QStringLiteral("Sisä 3\tSisä 4"),
+                                 QStringLiteral("toinen kappale"), QStringLiteral("B1 jälkeen"),
+                                 QStringLiteral("A2\tB2"), QStringLiteral("Taulukon jälkeen")}));
+    // LibreOffice writes each cell on a line of its own: the same texts in the same order.
+    EXPECT_EQ(ours.join(QLatin1Char('\t')).split(QLatin1Char('\t')),
+              libreOfficeLines(QStringLiteral("nested-table.libreoffice.txt")));
+    // Empty cells keep their places.
+    QTextDocument doc;
+    ASSERT_TRUE(
+        ReadRtf("{\\rtf1 \\trowd\\cellx100\\cellx200\\cellx300\\intbl \\cell\\cell x\\cell\\row}", doc));
+    EXPECT_EQ(doc.toPlainText(), QStringLiteral("\t\tx"));
+}
+
+// Shift-JIS, GBK, Big5 and Korean text came out garbled where the bytes of a character did not
+// come as two plain \'hh escapes: a trail byte written as an escaped \ or {, a \uN whose fallback
+// of one character is two bytes, and the Mac Japanese code page, which was not known at all.
+TEST(RtfRegression, DoubleByteCharactersAreDecodedFromBothBytes) {
+    const QStringList ours = readRtfParagraphs(QStringLiteral("double-byte.rtf"));
+    QStringList expected = libreOfficeLines(QStringLiteral("double-byte.libreoffice.txt"));
+    ASSERT_EQ(expected.size(), 10);
+    // Where LibreOffice garbles the text itself, the text the file was written from.
+    expected[2] = QStringLiteral("橋の表面ソフト能力アイウ日本"); // trail bytes \ and { escaped
+    expected[3] = QStringLiteral("日本");                         // \uc1 with a two-byte fallback
+    expected[7] = QStringLiteral("許功蓋橋樑");                   // Big5 trail bytes \ escaped
+    EXPECT_EQ(ours, expected);
+
+    // A Macintosh document names its code page with \mac; a Japanese font there is Apple's.
+    QTextDocument doc;
+    ASSERT_TRUE(ReadRtf("{\\rtf1\\mac\\ansicpg10001{\\fonttbl{\\f0\\fcharset128 Osaka;}}\\f0 "
+                        "\\'82\\'a0\\'80\\'a0\\'fd\\'85\\'a0\\'eb\\'41\\par}",
+                        doc));
+    EXPECT_EQ(doc.begin().text(), QStringLiteral("あ\\") + QChar(0xA0) + QStringLiteral("©Ⅱ、"));
+    ASSERT_TRUE(ReadRtf("{\\rtf1\\mac{\\fonttbl{\\f0 Geneva;}}\\f0 caf\\'8e\\par}", doc));
+    EXPECT_EQ(doc.toPlainText(), QStringLiteral("café"));
+    // A pair the code page does not hold is one replacement character, not two.
+    EXPECT_EQ(decodeCodePage(QByteArray("\x82\x5c"
+                                        "a",
+                                        3),
+                             932),
+              QStringLiteral("\uFFFDa"));
+}
+
+// Footnote references (\chftn) were left out of the text. The number is written where the note is
+// anchored, in the anchor's format, counting footnotes and endnotes each on their own and in the
+// numbering the document names; a note with a mark of its own keeps its mark and takes no number.
+TEST(RtfRegression, FootnoteReferencesAreNumberedWhereAnchored) {
+    EXPECT_EQ(readRtfParagraphs(QStringLiteral("footnotes.rtf")),
+              libreOfficeLines(QStringLiteral("footnotes.libreoffice.txt")));
+
+    QTextDocument doc;
+    ASSERT_TRUE(
+        ReadRtf("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\\ftnnalc\\ftnstart3\\fs20 "
+                "Silta{\\cs17\\super \\chftn}{\\footnote \\pard{\\cs17\\super \\chftn} Ensimm\\'e4inen.} "
+                "ja kansi*{\\footnote * Oma merkki.} "
+                "sek\\'e4 tuki{\\super\\chftn}{\\*\\footnote\\ftnalt \\chftn Loppuviite.}"
+                "{\\super\\chftn}{\\*\\footnote\\ftnalt \\chftn Toinen.}"
+                " ja palkki{\\super\\chftn}{\\footnote \\chftn Toinen alaviite.}.\\par}",
+                doc));
+    EXPECT_EQ(doc.toPlainText(), QStringLiteral("Siltac ja kansi* sekä tukiiii ja palkkid."));
+    QTextCursor c = doc.find(QStringLiteral("Siltac"));
+    c.setPosition(c.selectionEnd());
+    EXPECT_EQ(baselineOffsetHalfPoints(c.charFormat()), 10); // raised as the anchor is
 }

@@ -1,15 +1,10 @@
 // PDF output: what the files say (read back with pdftotext), cancelled and failed runs, and
 // `tamrik print` on the sample project page for page against the preview.
-#include "common/TestSupport.h"
-#include "persist/ProjectFile.h"
-#include "platform/TextFile.h"
 #include "print/PdfOutput.h"
+#include "print/PdfSupport.h"
 #include "print/PrintFixtures.h"
 
-#include <QFile>
 #include <QImage>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -18,29 +13,9 @@ using print_test::TestProject;
 
 namespace {
 
-QString run(const QString& program, const QStringList& args, int* status = nullptr, QString* err = nullptr) {
-    QProcess p;
-    p.start(program, args);
-    p.waitForFinished(120000);
-    if (status) *status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    if (err) *err = QString::fromUtf8(p.readAllStandardError());
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
-
-// The text of a PDF's pages (all, or page p), as pdftotext reads it.
-QString pdfText(const QString& file, int p = 0) {
-    QStringList args;
-    if (p > 0)
-        args << QStringLiteral("-f") << QString::number(p) << QStringLiteral("-l") << QString::number(p);
-    args << QStringLiteral("-layout") << file << QStringLiteral("-");
-    return run(QStringLiteral("pdftotext"), args);
-}
-
-int pdfPages(const QString& file) {
-    const QString info = run(QStringLiteral("pdfinfo"), {file});
-    const QRegularExpressionMatch m = QRegularExpression(QStringLiteral("Pages:\\s+(\\d+)")).match(info);
-    return m.hasMatch() ? m.captured(1).toInt() : -1;
-}
+using print_test::pdfPages;
+using print_test::pdfText;
+using print_test::runProgram;
 
 // Words of a text, sorted: the same words in any layout compare equal.
 QStringList words(QString text) {
@@ -108,7 +83,7 @@ TEST(Pdf, TheCommandLinePrintsTheSampleProjectAsThePreviewShowsIt) {
     const QString tamrik = testing_support::binaryDir() + QStringLiteral("/tamrik");
     int status = -1;
     QString err;
-    run(tamrik, {QStringLiteral("print"), sample, QStringLiteral("--pdf"), out}, &status, &err);
+    runProgram(tamrik, {QStringLiteral("print"), sample, QStringLiteral("--pdf"), out}, &status, &err);
     ASSERT_EQ(status, 0) << err.toStdString();
 
     // The same project paginated here, and its preview pages.
@@ -149,10 +124,10 @@ TEST(Pdf, TheCommandLinePrintsTheSampleProjectAsThePreviewShowsIt) {
     // dark pixels, give or take the edges of the letters.
     ASSERT_TRUE(preview.PrintArea(1.0f));
     const QImage shown = preview.PreviewImage(2).convertToFormat(QImage::Format_Grayscale8);
-    run(QStringLiteral("pdftoppm"),
-        {QStringLiteral("-r"), QStringLiteral("96"), QStringLiteral("-f"), QStringLiteral("2"),
-         QStringLiteral("-l"), QStringLiteral("2"), QStringLiteral("-gray"), QStringLiteral("-png"), out,
-         dir.filePath(QStringLiteral("sivu"))});
+    runProgram(QStringLiteral("pdftoppm"),
+               {QStringLiteral("-r"), QStringLiteral("96"), QStringLiteral("-f"), QStringLiteral("2"),
+                QStringLiteral("-l"), QStringLiteral("2"), QStringLiteral("-gray"), QStringLiteral("-png"),
+                out, dir.filePath(QStringLiteral("sivu"))});
     QImage printed(dir.filePath(QStringLiteral("sivu-2.png")));
     if (printed.isNull()) printed.load(dir.filePath(QStringLiteral("sivu-02.png")));
     ASSERT_FALSE(printed.isNull());
@@ -199,17 +174,17 @@ TEST(Pdf, TheCommandLineRefusesWhatItCannotDo) {
     for (const Case& c : cases) {
         int status = -1;
         QString err;
-        run(tamrik, c.args, &status, &err);
+        runProgram(tamrik, c.args, &status, &err);
         EXPECT_EQ(status, 1) << c.args.join(QLatin1Char(' ')).toStdString();
         EXPECT_TRUE(err.contains(QStringLiteral("tamrik: "))) << err.toStdString();
         EXPECT_TRUE(err.contains(QString::fromUtf8(c.says))) << err.toStdString();
         EXPECT_FALSE(QFile::exists(out));
     }
     int status = -1;
-    run(tamrik,
-        {QStringLiteral("print"), sample, QStringLiteral("--pdf"), out, QStringLiteral("--docs"),
-         QStringLiteral("1")},
-        &status);
+    runProgram(tamrik,
+               {QStringLiteral("print"), sample, QStringLiteral("--pdf"), out, QStringLiteral("--docs"),
+                QStringLiteral("1")},
+               &status);
     EXPECT_EQ(status, 0);
     EXPECT_TRUE(pdfText(out).contains(QStringLiteral("Sillan kustannusarvio")));
     EXPECT_FALSE(pdfText(out).contains(QStringLiteral("Sillan määräluettelo")));

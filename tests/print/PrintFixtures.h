@@ -114,4 +114,21 @@ inline QStringList texts(const std::vector<print::TextItem>& items) {
     return out;
 }
 
+// Pairs of texts on one line of a page that are drawn over each other, as "a | b".
+inline QStringList overprinted(print::PrintRun& run, const std::vector<print::TextItem>& items) {
+    QStringList out;
+    auto right = [&run](const print::TextItem& i) { return i.x + run.fonts().width(i.font, i.text); };
+    auto bottom = [&run](const print::TextItem& i) { return i.y + run.fonts().height(i.font); };
+    for (size_t a = 0; a < items.size(); ++a)
+        for (size_t b = a + 1; b < items.size(); ++b) {
+            const print::TextItem& i = items[a];
+            const print::TextItem& j = items[b];
+            if (i.text.trimmed().isEmpty() || j.text.trimmed().isEmpty()) continue;
+            const bool sameLine = i.y < bottom(j) - 1 && j.y < bottom(i) - 1;
+            if (sameLine && i.x < right(j) - 1 && j.x < right(i) - 1)
+                out << i.text + QStringLiteral(" | ") + j.text;
+        }
+    return out;
+}
+
 } // namespace print_test

@@ -4,11 +4,15 @@
 #include "print/ui/Form11.h"
 #include "print/ui/Form12.h"
 #include "print/ui/PrintSession.h"
+#include "platform/ui/Icons.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QFile>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStatusBar>
 #include <QPrinter>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -34,6 +38,7 @@ public:
     std::vector<int> helpContexts;
     int restored = 0;
     int saved = 0;
+    QRect stored; // the window's place and size as the settings keep them; none when empty
 
     int programMode() const override { return mode; }
     std::unique_ptr<print::ui::ProjectPrint> activeProject() override {
@@ -50,7 +55,12 @@ public:
     float previewScale() const override { return scale; }
     void setPreviewScale(float s) override { scale = s; }
     void showHelp(int context, QWidget*) override { helpContexts.push_back(context); }
-    void restorePosition(int slot, QWidget*) override { restored = slot; }
+    void restorePosition(int slot, QWidget* window) override {
+        restored = slot;
+        if (stored.isEmpty()) return;
+        window->resize(stored.size());
+        window->move(stored.topLeft());
+    }
     void savePosition(int slot, QWidget*) override { saved = slot; }
     bool canChooseWorkPhase() const override { return headingIndex; }
     QString chooseWorkPhase(QWidget*) override { return chosenKey; }
@@ -127,6 +137,15 @@ TEST(Form11, TheCostEstimateWithoutACostIndexIsWarnedAbout) {
     // Unchecking says nothing; with an index nothing is said either.
     QTest::mouseClick(dialog.Check1[1], Qt::LeftButton);
     EXPECT_EQ(dialogs.messages().size(), 1u);
+
+    // "Valitse kaikki" that ticks the box warns too; once ticked, choosing all again does not.
+    dialog.Command1Click(0);
+    EXPECT_TRUE(dialog.Check1[1]->isChecked());
+    EXPECT_EQ(dialogs.messages().size(), 2u);
+    EXPECT_EQ(dialogs.texts().value(1), dialogs.texts().value(0));
+    dialog.Command1Click(0);
+    dialog.Command1Click(2);
+    EXPECT_EQ(dialogs.messages().size(), 2u);
 }
 
 TEST(Form11, PdfButtonWritesTheRunAndPreviewOpensOnItsPages) {
@@ -225,8 +244,10 @@ TEST(Form12, PagesZoomAndMovesAsTheUserAsks) {
     EXPECT_EQ(preview.statusText(2), QStringLiteral("Suurennos 95%"));
     QTest::keyClick(&preview, Qt::Key_Plus);
     EXPECT_FLOAT_EQ(preview.scale(), 0.95f * 1.05f);
+    EXPECT_EQ(preview.statusText(2), QStringLiteral("Suurennos 100%")) << "whole percents";
     QTest::keyClick(&preview, Qt::Key_Equal);
     EXPECT_FLOAT_EQ(preview.scale(), 0.95f * 1.05f * 1.05f);
+    EXPECT_EQ(preview.statusText(2), QStringLiteral("Suurennos 105%"));
     preview.zoomSteps[3]->trigger();
     EXPECT_EQ(preview.statusText(2), QStringLiteral("Suurennos 75%"));
     EXPECT_FLOAT_EQ(run->page().ScaleY, 0.75f);
@@ -273,4 +294,60 @@ TEST(Form12, ThePrintCommandEndsThePreviewWithPrint) {
         if (a->data().toString() == QLatin1String("Print")) a->trigger();
     EXPECT_EQ(preview.result(), Form12::Print);
     EXPECT_FLOAT_EQ(host.scale, 0.5f);
+}
+
+TEST(Form12, OpensWithinTheScreenAtTheSizeTheUserLeftIt) {
+    TestHost host;
+    host.project.setQuantities({entry(QStringLiteral("Kaivu"))});
+    auto run = host.project.run({print::doc::Quantities});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    ASSERT_LT(screen.height(), 1000) << "a screen lower than the preview's first size";
+    // Without a stored place it fits the screen, status bar and all.
+    {
+        Form12 preview(host, *run);
+        preview.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&preview));
+        EXPECT_TRUE(screen.contains(preview.frameGeometry())) << preview.frameGeometry().height();
+        EXPECT_TRUE(
+            screen.contains(preview.StatusBar1->mapToGlobal(preview.StatusBar1->rect().bottomRight())));
+    }
+    // The size the user left it at, when it fits; a size larger than the screen is made to fit.
+    host.stored = QRect(screen.topLeft() + QPoint(20, 30), QSize(520, 380));
+    {
+        Form12 preview(host, *run);
+        preview.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&preview));
+        EXPECT_EQ(preview.size(), QSize(520, 380));
+    }
+    host.stored = QRect(screen.topLeft() + QPoint(200, 100), QSize(3000, 3000));
+    {
+        Form12 preview(host, *run);
+        preview.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&preview));
+        EXPECT_TRUE(screen.contains(preview.frameGeometry()));
+    }
+}
+
+TEST(Form12, PageButtonsShowSingleArrowsDrawnForThem) {
+    TestHost host;
+    host.project.setQuantities({entry(QStringLiteral("Kaivu"))});
+    auto run = host.project.run({print::doc::Quantities});
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    Form12 preview(host, *run);
+    for (const char* key : {"PreviousPage", "NextPage"})
+        EXPECT_TRUE(QFile::exists(QStringLiteral(":/icons/%1.svg").arg(QString::fromLatin1(key)))) << key;
+    const struct {
+        const char* button;
+        const char* icon;
+    } buttons[] = {{"Previous page", "PreviousPage"}, {"Next page", "NextPage"}};
+    for (const auto& b : buttons) {
+        QAction* action = nullptr;
+        for (QAction* a : preview.Toolbar1->actions())
+            if (a->data().toString() == QLatin1String(b.button)) action = a;
+        ASSERT_TRUE(action) << b.button;
+        const QImage shown = action->icon().pixmap(24, 24).toImage();
+        EXPECT_EQ(shown, platform::toolIcon(QString::fromLatin1(b.icon)).pixmap(24, 24).toImage())
+            << b.button;
+    }
 }

@@ -193,6 +193,53 @@ TEST(QualityDocuments, PagesShowTheirBlocksTitlesAndLegends) {
     EXPECT_FALSE(joined(report).contains(QStringLiteral("Ty = vaatimustyyppi")));
 }
 
+TEST(QualityDocuments, ContinuationRowsPrintWithTheirRequirementInEveryDocument) {
+    TestProject t;
+    // A requirement whose texts go on in the rows below it (no littera, no number), as the
+    // shipped base list has them; a blank row and the next requirement end it.
+    QStringList more(24);
+    more[2] = QStringLiteral("Loppulyönneissä paalun painuma on enintään 20 mm.");
+    more[11] = QStringLiteral("Painumat kirjataan paalutuspöytäkirjaan.");
+    more[14] = QStringLiteral("Painumat mitattu kaikista paaluista.");
+    more[19] = QStringLiteral("Paalutus hyväksytty.");
+    more[21] = QStringLiteral("Kaksi paalua lyöty uudelleen.");
+    more[22] = QStringLiteral("Lisäpaalu suunniteltu.");
+    print_test::fillList(
+        t.requirements, lists::kind::Requirements, 24,
+        {caption(QStringLiteral("7120"), QStringLiteral("PAALUTUS")),
+         requirement(QStringLiteral("4"), QStringLiteral("Paalut lyödään tiiviiseen pohjaan."),
+                     QStringLiteral("1"), QStringLiteral("E"), QStringLiteral("Raportti 4")),
+         more, QStringList(24),
+         requirement(QStringLiteral("5"), QStringLiteral("Seuraava"), QStringLiteral("1"),
+                     QStringLiteral("E"))});
+    EXPECT_EQ(print::RequirementEnd(t.requirements, 2), 4);
+    EXPECT_EQ(print::RequirementEnd(t.requirements, 5), 5);
+    const struct {
+        int document;
+        std::vector<const char*> texts;
+    } cases[] = {
+        {print::doc::BridgeRequirements, {"enintään 20 mm."}},
+        {print::doc::AllRequirements, {"enintään 20 mm."}},
+        {print::doc::QualityPlans, {"enintään 20 mm.", "Painumat kirjataan paalutuspöytäkirjaan."}},
+        {print::doc::Inspections, {"enintään 20 mm.", "Painumat mitattu kaikista paaluista."}},
+        {print::doc::Deviations,
+         {"enintään 20 mm.", "Kaksi paalua lyöty uudelleen.", "Lisäpaalu suunniteltu."}},
+        {print::doc::QualityReport, {"enintään 20 mm.", "Paalutus hyväksytty."}},
+    };
+    for (const auto& c : cases) {
+        auto run = t.run({c.document});
+        ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+        const auto page = recordPage(*run, run->TotalPages());
+        // The requirement's own text first, its continuation after it and before the next one.
+        const QString text = joined(page);
+        for (const char* expected : c.texts) {
+            const qsizetype at = text.indexOf(QString::fromUtf8(expected));
+            EXPECT_GT(at, text.indexOf(QStringLiteral("tiiviiseen"))) << c.document << " " << expected;
+            EXPECT_LT(at, text.indexOf(QStringLiteral("Seuraava"))) << c.document << " " << expected;
+        }
+    }
+}
+
 TEST(QualityDocuments, ReportCellsComeFromWeightMarkAndType) {
     TestProject t;
     print_test::fillList(
@@ -216,9 +263,14 @@ TEST(QualityDocuments, ATextTooLongForItsPageIsCutWithANoteAndNothingMoves) {
     QString longText;
     for (int i = 0; i < 400; ++i)
         longText += QStringLiteral("Betonin laatu todetaan koekappaleista. ");
+    // Its quality plan takes three lines, which the cut leaves room for.
+    QStringList tooLong = requirement(QStringLiteral("2"), longText, QStringLiteral("1"));
+    tooLong[11] = QStringLiteral("Laatusuunnitelma 2: koekappaleet otetaan jokaisesta valuerästä, ja niiden "
+                                 "lujuus todetaan akkreditoidussa laboratoriossa. Tulokset liitetään "
+                                 "laatukansioon ennen muottien purkua.");
     print_test::fillList(t.requirements, lists::kind::Requirements, 24,
                          {requirement(QStringLiteral("1"), QStringLiteral("Lyhyt"), QStringLiteral("1")),
-                          requirement(QStringLiteral("2"), longText, QStringLiteral("1")),
+                          tooLong,
                           requirement(QStringLiteral("3"), QStringLiteral("Kolmas"), QStringLiteral("1"))});
     auto run = t.run({print::doc::QualityPlans});
     ASSERT_EQ(run->PageCount(), PageCountResult::Done);
@@ -235,13 +287,152 @@ TEST(QualityDocuments, ATextTooLongForItsPageIsCutWithANoteAndNothingMoves) {
     EXPECT_FALSE(find(recordPage(*run, 4), QStringLiteral("Betonin")));
     // Below the cut the requirement's other blocks still print, and nothing runs into the
     // footer.
-    ASSERT_TRUE(find(page, QStringLiteral("Laatusuunnitelma 2")));
-    EXPECT_GT(find(page, QStringLiteral("Laatusuunnitelma 2"))->y, note->y);
+    EXPECT_EQ(texts(page).count(cut), 1) << "the plan is not cut";
+    const QString all = joined(page).replace(QLatin1Char('|'), QLatin1Char(' ')).simplified();
+    EXPECT_TRUE(all.contains(tooLong[11])) << all.toStdString();
+    ASSERT_TRUE(find(page, QStringLiteral("C35/45")));
+    EXPECT_GT(find(page, QStringLiteral("C35/45"))->y, note->y);
     EXPECT_TRUE(find(page, QStringLiteral("C35/45")));
     for (const print::TextItem& i : page)
         if (i.y > m.OriginY + 700 && i.text != QStringLiteral("TAMRIK 2006") &&
             !i.text.startsWith(QStringLiteral("Ty =")) && !i.text.startsWith(QStringLiteral("Tt =")))
             EXPECT_LE(i.y + m.LineHeight11, m.bottom() - 600 * m.ScaleY + 1) << i.text.toStdString();
+}
+
+TEST(QualityDocuments, ADeviationCutAtItsReservedLinesFillsItsPageAsPaginated) {
+    TestProject t;
+    QString plan;
+    for (int i = 1; i <= 70; ++i)
+        plan += QStringLiteral("Laatusuunnitelman kohta %1: muottien ja raudoituksen tarkastus.\r\n").arg(i);
+    QStringList deviation = requirement(QStringLiteral("3"), QStringLiteral("Ilmamäärä"), QStringLiteral("2"),
+                                        QStringLiteral("E"));
+    deviation[11] = plan;
+    print_test::fillList(
+        t.requirements, lists::kind::Requirements, 24,
+        {requirement(QStringLiteral("1"), QStringLiteral("Lyhyt"), QStringLiteral("1"), QStringLiteral("E")),
+         deviation,
+         requirement(QStringLiteral("4"), QStringLiteral("Neljäs"), QStringLiteral("1"),
+                     QStringLiteral("E"))});
+    auto run = t.run({print::doc::Deviations});
+    ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+    ASSERT_EQ(run->TotalPages(), 4);
+    ASSERT_EQ(run->entry(3).firstRow, 2);
+    ASSERT_EQ(run->entry(3).lastRow, 2);
+    const print::PageModel& m = run->page();
+    const double lh = m.LineHeight11;
+
+    // Pagination measures the block as drawn: cut, it ends above the page's foot.
+    print::Surface measure(run->fonts());
+    bool cut = false;
+    const double top = print::QualityBodyTop(*run);
+    const double h = print::QualityItemHeight(*run, measure, print::doc::Deviations, {2, false}, top, &cut);
+    EXPECT_TRUE(cut);
+    EXPECT_LT(top + h, m.bottom() - 360 * m.ScaleY);
+    EXPECT_GT(top + h, m.bodyLimit());
+
+    // The quality plan is cut where its seven reserved lines begin, and the blocks after it
+    // take those lines: the page is not left a third empty below them.
+    const auto page = recordPage(*run, 3);
+    const print::TextItem* note = find(page, QStringLiteral("... (tulostus katkaistu, täydellinen teksti "
+                                                            "voidaan lukea TAMRIK 2006 ohjelmasta käsin)"));
+    ASSERT_TRUE(note);
+    EXPECT_NEAR(note->y + lh, m.bottom() - 600 * m.ScaleY - 7 * lh, lh);
+    const print::TextItem* last = find(page, QStringLiteral("Korjaus 3"));
+    ASSERT_TRUE(last);
+    EXPECT_GT(last->y, note->y);
+    EXPECT_GT(last->y + lh, m.bottom() - 600 * m.ScaleY - 3 * lh);
+    EXPECT_LE(last->y + lh, m.bottom() - 600 * m.ScaleY);
+    EXPECT_TRUE(find(recordPage(*run, 4), QStringLiteral("Neljäs")));
+}
+
+TEST(QualityDocuments, CaptionsStayWithTheFirstLinesOfALongRequirement) {
+    TestProject t;
+    QString longText;
+    while (longText.size() < 5000)
+        longText +=
+            QStringLiteral("Kaivannon pohja tarkastetaan ja mitataan ennen perustusten rakentamista. ");
+    std::vector<QStringList> rows = {caption(QStringLiteral("7100"), QStringLiteral("TYÖMAAN JÄRJESTELYT"))};
+    for (int i = 1; i <= 4; ++i)
+        rows.push_back(requirement(QString::number(i), QStringLiteral("Järjestely %1").arg(i),
+                                   QStringLiteral("1"), QStringLiteral("E"), QStringLiteral("Raportti")));
+    rows.push_back(caption(QStringLiteral("7110"), QStringLiteral("KAIVUT JA LOUHINNAT")));
+    rows.push_back(caption(QStringLiteral("7111"), QStringLiteral("Kaivu")));
+    rows.push_back(requirement(QStringLiteral("5"), longText, QStringLiteral("1"), QStringLiteral("E"),
+                               QStringLiteral("Raportti")));
+    rows.push_back(requirement(QStringLiteral("6"), QStringLiteral("Kaivun jälkeen"), QStringLiteral("1"),
+                               QStringLiteral("E"), QStringLiteral("Raportti")));
+    print_test::fillList(t.requirements, lists::kind::Requirements, 24, rows);
+    for (int document : {print::doc::BridgeRequirements, print::doc::AllRequirements, print::doc::Inspections,
+                         print::doc::Deviations, print::doc::QualityReport}) {
+        auto run = t.run({document});
+        ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+        int longPage = 0;
+        for (int p = 1; p <= run->TotalPages(); ++p) {
+            const auto page = recordPage(*run, p);
+            const QString text = joined(page);
+            if (text.contains(QStringLiteral("Kaivannon pohja"))) longPage = p;
+            // No page holds only captions.
+            if (run->entry(p).document == document && run->entry(p).number > 1)
+                EXPECT_TRUE(find(page, QStringLiteral("Laatuvaatimus"))) << document << " page " << p;
+        }
+        ASSERT_GT(longPage, 0) << document;
+        // The long requirement starts on the page of its two captions, right below them.
+        const auto page = recordPage(*run, longPage);
+        const print::TextItem* phase = find(page, QStringLiteral("KAIVUT JA LOUHINNAT"));
+        const print::TextItem* sub = find(page, QStringLiteral("Kaivu"));
+        ASSERT_TRUE(phase && sub) << document;
+        EXPECT_LT(phase->y, sub->y);
+        EXPECT_LT(sub->y, print::QualityBodyTop(*run) + 3 * run->page().LineHeight11) << document;
+    }
+}
+
+TEST(QualityDocuments, LongValuesStayInTheirCellsWhole) {
+    TestProject t;
+    const QString reference =
+        QStringLiteral("SFS-EN 13670-1 Betonirakenteiden toteutus, kansallinen liite SFS 7022");
+    QStringList first = requirement(QStringLiteral("1"), QStringLiteral("Betonin lujuus"),
+                                    QStringLiteral("1"), QStringLiteral("K"));
+    first[4] = reference;
+    QStringList second = requirement(QStringLiteral("2"), QStringLiteral("Peitepaksuus"), QStringLiteral("1"),
+                                     QStringLiteral("E"));
+    second[4] = QStringLiteral("SFS-EN 13670-1");
+    second[5] = QStringLiteral("35...50 mm tai suunnitelman mukaan");
+    print_test::fillList(
+        t.requirements, lists::kind::Requirements, 24,
+        {caption(QStringLiteral("7150"), QStringLiteral("BETONITYÖT, MUOTTI- JA RAUDOITUSTYÖT SEKÄ "
+                                                        "BETONIN JÄLKIHOITO JA PINTOJEN VIIMEISTELY")),
+         first, second});
+    for (int document : {print::doc::AllRequirements, print::doc::Inspections, print::doc::QualityReport}) {
+        auto run = t.run({document});
+        ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+        const auto page = recordPage(*run, run->TotalPages());
+        // Nothing is drawn over its neighbour, nor past the frame.
+        EXPECT_EQ(print_test::overprinted(*run, page), QStringList()) << document;
+        const double frame = run->page().right() - 50 * run->page().ScaleX;
+        for (const print::TextItem& i : page)
+            if (i.y > print::QualityBodyTop(*run) && i.font.bold)
+                EXPECT_LE(i.x + run->fonts().width(i.font, i.text), frame) << i.text.toStdString();
+        // The values are there whole, the short reference on its line; a word too long for its
+        // cell's line goes on on the next.
+        QString text = joined(page);
+        text.remove(QLatin1Char('|')).remove(QLatin1Char(' '));
+        for (const QString& whole : {reference, second[5]})
+            EXPECT_TRUE(text.contains(QString(whole).remove(QLatin1Char(' '))))
+                << document << " " << whole.toStdString();
+        EXPECT_TRUE(find(page, QStringLiteral("SFS-EN 13670-1"))) << document;
+        // A range keeps its points; a number takes a decimal comma.
+        EXPECT_TRUE(text.contains(QStringLiteral("35...50"))) << document;
+    }
+    // The quality report's summary: a work phase too long for its column ends with "…".
+    auto run = t.run({print::doc::QualityReport});
+    ASSERT_EQ(run->PageCount(), PageCountResult::Done);
+    const auto summary = recordPage(*run, 2);
+    EXPECT_EQ(print_test::overprinted(*run, summary), QStringList());
+    bool shown = false;
+    for (const print::TextItem& i : summary)
+        shown = shown || (i.text.startsWith(QStringLiteral("BETONITYÖT, MUOTTI")) &&
+                          i.text.endsWith(QStringLiteral("…")));
+    EXPECT_TRUE(shown);
 }
 
 TEST(QualityDocuments, TheGridScalesWithTheUsableWidth) {
@@ -439,10 +630,17 @@ TEST(CardLayouts, DamagedOrMissingFilesAreNamedWithTheLineAndTheRunGoesOn) {
     run.setInform([&told](const QString& m) { told << m; });
     ASSERT_EQ(run.PageCount(), PageCountResult::Done);
     ASSERT_EQ(run.TotalPages(), 4);
-    EXPECT_TRUE(joined(recordPage(run, 3)).contains(print::kCardLayoutFile));
+    // The page names the file in Finnish; where it was looked for goes to the message only.
+    const QString card = joined(recordPage(run, 3));
+    EXPECT_EQ(card, QStringLiteral(
+                        "Korttitiedostoa Tamrik30Card.dat ei voi lukea, joten korttia ei voi tulostaa."));
     EXPECT_TRUE(joined(recordPage(run, 4)).contains(print::kChargeLayoutFile));
+    EXPECT_FALSE(joined(recordPage(run, 4)).contains(dir.path()));
     EXPECT_TRUE(find(recordPage(run, 2), QStringLiteral("Littera")));
-    EXPECT_EQ(told.size(), 2);
+    ASSERT_EQ(told.size(), 2);
+    EXPECT_TRUE(told[0].startsWith(card));
+    EXPECT_TRUE(
+        told[0].contains(dir.filePath(print::kCardLayoutFile) + QStringLiteral(": tiedostoa ei ole")));
 }
 
 TEST(CardLayouts, TheShippedLayoutsReadAndHoldEverySlot) {
@@ -467,4 +665,64 @@ TEST(CardLayouts, TheShippedLayoutsReadAndHoldEverySlot) {
         for (const print::CardLine& ln : l->lines)
             EXPECT_TRUE(ln.x1 >= 0 && ln.x2 <= l->width && ln.y1 >= 0 && ln.y2 <= l->height);
     }
+}
+
+TEST(CardLayouts, ALongFieldStaysBetweenItsNeighboursOnTheShippedCard) {
+    TestProject t;
+    QStringList fields(98);
+    fields[1] = QStringLiteral("Kirkkojoen ylikulkusilta valtatien 4 ja Jyväskylän läntisen ohikulkutien "
+                               "eritasoliittymässä");
+    fields[2] = QStringLiteral("KeS-2817");
+    fields[3] = QStringLiteral("Vt 4, tieosa 215, etäisyys 1 840");
+    fields[4] = QStringLiteral("Jyväskylä");
+    fields[10] = QStringLiteral("15,0 + 18,0 + 15,0 + 18,0 + 15,0");
+    t.source.cardFields = fields;
+    t.selection = print::Selection{};
+    t.selection.DocumentSelected[print::doc::Card] = true;
+    print::PrintSettings settings;
+    settings.appPath = QStringLiteral(TAMRIK_SOURCE_DIR "/data/");
+    print::PrintRun run(t.source, t.selection, settings);
+    QStringList told;
+    run.setInform([&told](const QString& m) { told << m; });
+    ASSERT_EQ(run.PageCount(), PageCountResult::Done);
+    const auto items = recordPage(run, 1);
+    EXPECT_EQ(print_test::overprinted(run, items), QStringList());
+    // The name ends before the plan number's cell, cut with "…" once it is as small as it goes.
+    const print::TextItem* plan = find(items, QStringLiteral("KeS-2817"));
+    ASSERT_TRUE(plan);
+    const print::TextItem* name = nullptr;
+    for (const print::TextItem& i : items)
+        if (i.text.startsWith(QStringLiteral("Kirkkojoen"))) name = &i;
+    ASSERT_TRUE(name);
+    EXPECT_LT(name->x + run.fonts().width(name->font, name->text), plan->x);
+    EXPECT_TRUE(name->text.endsWith(QStringLiteral("…")));
+    EXPECT_EQ(told.count(print::kValueCut), 1);
+    EXPECT_TRUE(find(items, QStringLiteral("Jyväskylä")));
+    // A right-aligned value keeps to its right edge and its label's right.
+    const print::TextItem* spans = find(items, fields[10]);
+    ASSERT_TRUE(spans);
+    EXPECT_LT(spans->font.size, 11);
+}
+
+TEST(CardLayouts, TheChargeTableKeepsEachValueInItsColumn) {
+    TestProject t;
+    print_test::fillList(
+        t.charges, lists::kind::ChargeChambers, 5,
+        {{QStringLiteral("Välituki 2 (länsipuoli)"), QStringLiteral("Teräsbetoni K35-2 ja teräs S355"),
+          QStringLiteral("4 kpl laatan alapinnassa, kukin 200 x 200 mm"), QStringLiteral("2"),
+          QStringLiteral("8 kpl kiinnikkeitä")}});
+    t.selection = print::Selection{};
+    t.selection.DocumentSelected[print::doc::ChargeCard] = true;
+    print::PrintSettings settings;
+    settings.appPath = QStringLiteral(TAMRIK_SOURCE_DIR "/data/");
+    print::PrintRun run(t.source, t.selection, settings);
+    run.setInform([](const QString&) {});
+    ASSERT_EQ(run.PageCount(), PageCountResult::Done);
+    const auto items = recordPage(run, 1);
+    EXPECT_EQ(print_test::overprinted(run, items), QStringList());
+    EXPECT_TRUE(find(items, QStringLiteral("2")));
+    bool first = false;
+    for (const print::TextItem& i : items)
+        first = first || i.text.startsWith(QStringLiteral("Välituki 2"));
+    EXPECT_TRUE(first);
 }

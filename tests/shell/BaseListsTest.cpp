@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -238,6 +239,26 @@ TEST_F(BaseListsTest, OpeningASpreadsheetImportsItAndNeverSavesOverIt) {
     EXPECT_TRUE(f7->windowTitle().endsWith(QStringLiteral(" Ei muutettu")));
 }
 
+// "T&uo..." refused macro workbooks and templates by their extension. The file dialog offers
+// them beside the workbooks, and one is read as the workbook it is (only its cells; nothing in
+// it is run).
+TEST_F(BaseListsTest, ImportReadsMacroWorkbooksAndTemplates) {
+    QTemporaryDir dir;
+    lists::BaseListWindow* f6 = main->Form6;
+    const QString sheet = dir.filePath(QStringLiteral("hinnat.xlsm"));
+    ASSERT_TRUE(
+        QFile::copy(testing_support::sourceDir() + QStringLiteral("/tests/lists/data/taulukko.xlsm"), sheet));
+    dialogs.chooseFile(sheet);
+    f6->ListViewFileMenuActions(4); // "T&uo..."
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
+    ASSERT_FALSE(dialogs.fileRequests().empty());
+    const QString filters = dialogs.fileRequests().back().filters.join(QStringLiteral(";;"));
+    for (const char* pattern : {"*.xlsx", "*.xlsm", "*.xlsb", "*.xltx", "*.xltm", "*.ods"})
+        EXPECT_TRUE(filters.contains(QLatin1String(pattern))) << pattern << " in " << filters.toStdString();
+    ASSERT_EQ(f6->list()->rows(), 8);
+    EXPECT_EQ(f6->list()->cell(2, 2), QStringLiteral("Kaivu ja täyttö"));
+}
+
 // "&Vie..." and "T&uo..." are each other's counterpart: the unit price list goes out to a
 // spreadsheet under the extension of what is written and comes back row for row.
 TEST_F(BaseListsTest, ExportedPriceListComesBackAsItWent) {
@@ -264,4 +285,64 @@ TEST_F(BaseListsTest, ExportedPriceListComesBackAsItWent) {
         after.push_back(row.cells);
     EXPECT_EQ(after, before);
     EXPECT_FALSE(CaptionIsUnchanged(f6->windowTitle())) << "an import changes the list";
+}
+
+// Installed, the shipped lists lie in the read-only program folder and "&Tallenna" failed for
+// every user but root. The user's own copy goes to the data folder now, is read in place of
+// the shipped list from then on, and "Palauta ohjelman mukana tullut luettelo" brings the
+// shipped one back. A shipped logo is kept in the settings by name, not by the folder's path.
+TEST(ShippedFiles, SavingAShippedListWritesTheUsersOwnCopy) {
+    testing_support::ScriptedDialogs dialogs;
+    platform::SettingsStore().deleteAll();
+    // A program folder of its own, so that nothing can write into the repository's data.
+    QTemporaryDir program;
+    const QDir data(testing_support::dataDir());
+    for (const QString& name : data.entryList(QDir::Files))
+        ASSERT_TRUE(QFile::copy(data.filePath(name), program.filePath(name)));
+    const QString shipped = program.filePath(QStringLiteral("Yksikköhinnat2002.sl1"));
+    QByteArray shippedBytes;
+    ASSERT_TRUE(platform::readFileBytes(shipped, shippedBytes));
+    QFile::setPermissions(shipped, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+
+    auto start = [&program] {
+        auto m = std::make_unique<shell::MDIForm1>();
+        m->setProgramDirectory(program.path());
+        m->startUp(false);
+        return m;
+    };
+    auto main = start();
+    const QString own = main->appState().UserDataPath + QStringLiteral("Yksikköhinnat2002.sl1");
+    ASSERT_FALSE(main->appState().UserDataPath.isEmpty());
+    EXPECT_FALSE(QFile::exists(own));
+    EXPECT_EQ(main->Form6->currentFile(), shipped);
+    main->Form6->list()->setCell(2, 2, QStringLiteral("Oma työvaihe"));
+    main->FormTouch(main->Form6);
+    main->Form6->ListViewFileMenuActions(1);
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
+    EXPECT_TRUE(QFile::exists(own));
+    EXPECT_EQ(main->Form6->currentFile(), own);
+    QByteArray after;
+    ASSERT_TRUE(platform::readFileBytes(shipped, after));
+    EXPECT_EQ(after, shippedBytes) << "the shipped list is never written";
+    main->SaveSettings();
+    EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("Printer"), QStringLiteral("PLogoFile")),
+              QStringLiteral("Tamrik2006-logo.wmf"));
+    main->appState().settings.SaveSettingsOnExit = false;
+    main.reset();
+
+    // The next start reads the user's copy; restoring brings the shipped list back.
+    main = start();
+    EXPECT_EQ(main->Form6->currentFile(), own);
+    EXPECT_EQ(main->Form6->list()->cell(2, 2), QStringLiteral("Oma työvaihe"));
+    EXPECT_EQ(main->appState().settings.PLogoFile, program.filePath(QStringLiteral("Tamrik2006-logo.wmf")));
+    QAction* restore = main->Form6->SubMenu0.at(8);
+    EXPECT_EQ(restore->text(), QStringLiteral("&Palauta ohjelman mukana tullut luettelo"));
+    dialogs.answer(platform::MsgAnswer::Yes);
+    restore->trigger();
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    EXPECT_TRUE(dialogs.lastText().contains(own));
+    EXPECT_FALSE(QFile::exists(own));
+    EXPECT_EQ(main->Form6->currentFile(), shipped);
+    EXPECT_NE(main->Form6->list()->cell(2, 2), QStringLiteral("Oma työvaihe"));
+    main->appState().settings.SaveSettingsOnExit = false;
 }

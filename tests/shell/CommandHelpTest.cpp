@@ -62,7 +62,7 @@ QStringList listedCommands(const QString& listing) {
 
 TEST(CommandHelp, HelpListsEveryCommandOnALineOfItsOwn) {
     // The commands the program has; a command added later must be added to the table.
-    for (const char* name : {"costs", "summary", "print", "convert", "validate", "help"})
+    for (const char* name : {"costs", "summary", "print", "convert", "validate", "compare", "help"})
         EXPECT_TRUE(commandNames().contains(QString::fromLatin1(name))) << name;
 
     const Result help = runBare({QStringLiteral("--help")});
@@ -109,6 +109,8 @@ TEST(CommandHelp, WrongCallsSaySoPointToTheHelpAndExitWithOne) {
         {{QStringLiteral("print"), sample()},
          QStringLiteral("tamrik: käyttö: tamrik print TIEDOSTO.sl --pdf")},
         {{QStringLiteral("validate")}, QStringLiteral("tamrik: käyttö: tamrik validate TIEDOSTO.sl")},
+        {{QStringLiteral("compare"), sample()},
+         QStringLiteral("tamrik: käyttö: tamrik compare VANHA.sl UUSI.sl")},
     };
     for (const Case& c : cases) {
         const Result r = runBare(c.args);
@@ -137,6 +139,7 @@ TEST(CommandHelp, SuccessfulRunsLeaveStandardErrorEmpty) {
         {QStringLiteral("convert"), testing_support::dataDir() + QStringLiteral("Yksikköhinnat2002.sl1"),
          csv},
         {QStringLiteral("validate"), sample()},
+        {QStringLiteral("compare"), sample(), sample()},
     };
     for (const QStringList& args : calls) {
         const Result r = runBare(args);
@@ -270,7 +273,7 @@ TEST(CommandHelp, ManualPageAndCompletionNameEveryCommand) {
     };
     EXPECT_EQ(complete(QStringLiteral("tamrik ''"), 1), commandNames());
     EXPECT_EQ(complete(QStringLiteral("tamrik help c"), 2),
-              (QStringList{QStringLiteral("costs"), QStringLiteral("convert")}));
+              (QStringList{QStringLiteral("costs"), QStringLiteral("convert"), QStringLiteral("compare")}));
     EXPECT_EQ(complete(QStringLiteral("tamrik costs x.sl --j"), 3), QStringList{QStringLiteral("--json")});
     EXPECT_EQ(complete(QStringLiteral("tamrik --h"), 1), QStringList{QStringLiteral("--help")});
 }

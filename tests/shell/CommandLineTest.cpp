@@ -1,5 +1,6 @@
 // The program's command line, run as a user would run it.
 #include "common/RunProgram.h"
+#include "persist/ProjectFile.h"
 #include "platform/TextFile.h"
 
 #include <QTemporaryDir>
@@ -8,6 +9,28 @@
 using testing_support::Result;
 using testing_support::run;
 
+namespace {
+
+// A command under a memory limit of 1 GB, as a user's machine with little memory has it. The
+// checked build's sanitizer needs far more address space, so it runs without the limit.
+Result runWithinAGigabyte(const QStringList& args) {
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    return run(args);
+#endif
+#endif
+    QProcess p;
+    p.start(QStringLiteral("/bin/sh"),
+            QStringList{QStringLiteral("-c"), QStringLiteral("ulimit -v 1048576 && exec \"$0\" \"$@\""),
+                        testing_support::binaryDir() + QStringLiteral("/tamrik")} +
+                args);
+    p.waitForFinished(120000);
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+} // namespace
+
 TEST(CommandLine, VersionAndUnknownCommands) {
     const Result v = run({QStringLiteral("--version")});
     EXPECT_EQ(v.status, 0);
@@ -15,6 +38,24 @@ TEST(CommandLine, VersionAndUnknownCommands) {
     const Result bad = run({QStringLiteral("costs")});
     EXPECT_EQ(bad.status, 1);
     EXPECT_TRUE(bad.err.startsWith(QStringLiteral("tamrik: ")));
+}
+
+// A mistyped command or a missing file never starts the desktop program (which would wait
+// for a window without a display, or hand the word to a program already running).
+TEST(CommandLine, AnUnknownWordIsAnErrorNotADesktopStart) {
+    QTemporaryDir dir;
+    const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
+    for (const QStringList& args :
+         {QStringList{QStringLiteral("costz"), sample}, QStringList{QStringLiteral("costz")},
+          QStringList{dir.filePath(QStringLiteral("puuttuu.sl"))}}) {
+        const Result r = run(args, 20000);
+        EXPECT_EQ(r.status, 1) << args.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(r.err.startsWith(QStringLiteral("tamrik: tuntematon komento ") + args[0]))
+            << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty());
+    }
+    const Result option = run({QStringLiteral("--costs"), sample}, 20000);
+    EXPECT_EQ(option.status, 1);
 }
 
 TEST(CommandLine, BadInputFilesGiveAPlainErrorAndStatusOne) {
@@ -68,4 +109,58 @@ TEST(CommandLine, CostsAndSummaryOfTheSampleProject) {
     EXPECT_TRUE(summary.out.contains(QStringLiteral("\nLAATUVAATIMUSTEN YHTEENVETO\n")));
     EXPECT_TRUE(summary.out.contains(QStringLiteral("SILLAN LAATULUKU : ")));
     EXPECT_FALSE(summary.out.contains(QLatin1Char('\r')));
+}
+
+// An amount past single precision's range makes the totals infinite: that is no cost figure,
+// and a script reading the record must not take "inf" for one.
+TEST(CommandLine, AnOverflowedTotalIsAnErrorNamingItsRow) {
+    QTemporaryDir dir;
+    persist::ProjectFile project;
+    QString error;
+    ASSERT_TRUE(persist::ReadProjectFile(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"),
+                                         false, project, &error))
+        << error.toStdString();
+    persist::ListRecord& quantities = project.content.windows[1].lists[0];
+    ASSERT_GT(quantities.rows.size(), 5u);
+    QStringList& row = quantities.rows[4];
+    row[3] = QStringLiteral("1e308"); // quantity
+    row[5] = QStringLiteral("2");     // unit price
+    project.members[0].data = persist::WriteProjectText(project.content, false);
+    const QString file = dir.filePath(QStringLiteral("ylivuoto.sl"));
+    ASSERT_TRUE(platform::writeFileAtomically(file, persist::PackContainer(project.members)));
+
+    const Result r = run({QStringLiteral("costs"), file});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, QStringLiteral("tamrik: summa ei ole äärellinen: rivi 5\n"));
+    EXPECT_FALSE(r.out.contains(QStringLiteral("inf")));
+
+    // Comparing against it gives the same error, not a JSON null or "inf" in place of a figure.
+    const QString sample = testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl");
+    const Result compared = run({QStringLiteral("compare"), sample, file, QStringLiteral("--json")});
+    EXPECT_EQ(compared.status, 1);
+    EXPECT_EQ(compared.err,
+              QStringLiteral("tamrik: ") + file + QStringLiteral(": summa ei ole äärellinen: rivi 5\n"));
+    EXPECT_TRUE(compared.out.isEmpty());
+}
+
+// A 420 kB workbook whose sheet unpacks to 400 MB, nearly all of it blanks, took twice that
+// in memory and was refused under a 1 GB limit; it is read as it unpacks and converts. A cell of
+// 64 MB of text is refused with the program's own words, not the XML library's.
+TEST(CommandLine, SheetsThatUnpackHugeStayWithinMemory) {
+    QTemporaryDir dir;
+    const QString data = testing_support::sourceDir() + QStringLiteral("/tests/lists/data/");
+    const QString out = dir.filePath(QStringLiteral("tyhjaa.csv"));
+    const Result blanks =
+        runWithinAGigabyte({QStringLiteral("convert"), data + QStringLiteral("tyhjaa-400mt.xlsx"), out});
+    EXPECT_EQ(blanks.status, 0) << blanks.err.toStdString();
+    QByteArray bytes;
+    ASSERT_TRUE(platform::readFileBytes(out, bytes));
+    EXPECT_EQ(bytes, QByteArray("LITTERA;TY\xD6VAIHE\r\n7100;alku\r\n;\r\n7200;loppu\r\n"));
+
+    const QString text = data + QStringLiteral("damaged/pitka-teksti.xlsx");
+    const Result refused =
+        runWithinAGigabyte({QStringLiteral("convert"), text, dir.filePath(QStringLiteral("t.csv"))});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.err, QStringLiteral("tamrik: Taulukkotiedostoa: ") + text +
+                               QStringLiteral(" ei voitu lukea: solun teksti on yli 1048576 tavua pitkä.\n"));
 }

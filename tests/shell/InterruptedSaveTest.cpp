@@ -83,6 +83,8 @@ QByteArray bytesOf(const QString& path) {
 QStringList strayFiles(const QDir& dir, const QString& target) {
     QStringList names = dir.entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
     names.removeAll(target);
+    // The open project's lock file belongs beside it.
+    names.removeAll(QStringLiteral(".~lock.") + target + QLatin1Char('#'));
     const QRegularExpression temporary(QRegularExpression::escape(target) +
                                        QStringLiteral("\\.[A-Za-z0-9]{6}$"));
     names.removeIf([&](const QString& name) { return temporary.match(name).hasMatch(); });

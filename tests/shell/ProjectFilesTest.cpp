@@ -13,6 +13,7 @@
 #include "persist/SlContainer.h"
 #include "platform/ui/PictureBox.h"
 #include "platform/SettingsStore.h"
+#include "platform/TempDir.h"
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
@@ -21,6 +22,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -391,4 +393,41 @@ TEST_F(ProjectFilesTest, TextDocumentsKeepCharactersOutsideTheCodePageWithoutAWa
     const ProjectWindows back = project(file);
     ASSERT_TRUE(back.complete());
     EXPECT_EQ(back.f2->RichTextBox1[0]->toPlainText(), QStringLiteral("Łódź \u0101 \u4e2d"));
+}
+
+// The private temporary folder kept the scratch files of saving and opening, the e-mailed
+// project copies and the drafts after every exit. A normal end removes the scratch files; a
+// mail file, which a mail program may still read, goes at a start when it is over a day old.
+TEST_F(ProjectFilesTest, TemporaryFilesGoAtANormalEndAndOldMailFilesAtTheNextStart) {
+    QTemporaryDir dir;
+    const QString temp = main->appState().TempPath;
+    ASSERT_FALSE(temp.isEmpty());
+    const QString file = dir.filePath(QStringLiteral("Väliaikaiset.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    const QStringList scratch = QDir(temp).entryList({QStringLiteral("~Tamrik30_*")}, QDir::Files);
+    ASSERT_FALSE(scratch.isEmpty());
+    const QString mail = platform::mailFolder(temp);
+    ASSERT_FALSE(mail.isEmpty());
+    const QString oldDraft = mail + QStringLiteral("Vanha.eml");
+    const QString newDraft = mail + QStringLiteral("Uusi.eml");
+    ASSERT_TRUE(platform::writeFileAtomically(oldDraft, "vanha"));
+    ASSERT_TRUE(platform::writeFileAtomically(newDraft, "uusi"));
+    {
+        QFile f(oldDraft);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(
+            f.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+    }
+
+    main->appState().settings.SaveSettingsOnExit = false;
+    ASSERT_TRUE(main->shutDown());
+    EXPECT_TRUE(QDir(temp).entryList({QStringLiteral("~Tamrik30_*")}, QDir::Files).isEmpty());
+    EXPECT_TRUE(QFile::exists(oldDraft)) << "a mail program may still read it";
+    EXPECT_TRUE(QFile::exists(newDraft));
+    main.reset();
+
+    SetUp();
+    EXPECT_FALSE(QFile::exists(oldDraft));
+    EXPECT_TRUE(QFile::exists(newDraft));
+    QFile::remove(newDraft);
 }

@@ -11,12 +11,17 @@
 #include "shell/Form8.h"
 #include "shell/ProjectFiles.h"
 #include "shell/Recovery.h"
+#include "shell/Termination.h"
 
 #include <QDir>
+#include <QScopeGuard>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -53,6 +58,47 @@ protected:
         int status = 0;
         waitpid(child, &status, 0);
         ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+    }
+
+    // Two programs with the same saved project open, each with its own unsaved change, both
+    // killed after their autosave: the second starts while the first still runs.
+    void runTwoAndKill(const QString& file, const QString& first, const QString& second) {
+        std::vector<pid_t> children;
+        // However the test ends, no program is left waiting.
+        const auto cleanup = qScopeGuard([&children] {
+            for (pid_t child : children) {
+                kill(child, SIGKILL);
+                waitpid(child, nullptr, 0);
+            }
+        });
+        for (const QString& text : {first, second}) {
+            int ready[2];
+            ASSERT_EQ(pipe(ready), 0);
+            const bool later = !children.empty();
+            const pid_t child = fork();
+            if (child == 0) {
+                ::close(ready[0]);
+                shell::MDIForm1 other;
+                other.setProgramDirectory(testing_support::dataDir());
+                other.startUp(false);
+                // The first program has the file open: the second saves over it anyway.
+                if (later) dialogs.answer(MsgAnswer::Yes);
+                WriteSlFile(other, QStringLiteral("Projekti1"), file, false);
+                const ProjectWindows w = other.projectWindowsOf(ParseFileName(file).project());
+                w.f1->Text1[0]->setText(text);
+                other.contentChanged(w.f1);
+                other.recovery().autosave();
+                const char byte = 1;
+                [[maybe_unused]] const ssize_t n = ::write(ready[1], &byte, 1);
+                for (;;)
+                    pause();
+            }
+            ::close(ready[1]);
+            children.push_back(child);
+            char byte = 0;
+            ASSERT_EQ(::read(ready[0], &byte, 1), 1) << "the program took its copy";
+            ::close(ready[0]);
+        }
     }
 
     // The next start of the program.
@@ -207,18 +253,121 @@ TEST_F(RecoveryTest, TheIntervalIsASettingAndZeroTurnsTheAutosaveOff) {
     EXPECT_EQ(main->appState().settings.AutosaveMinutes, 0);
     EXPECT_EQ(main->recovery().interval(), 0);
 
-    Form8 again(*main);
-    again.Text4->setText(QStringLiteral("kymmenen"));
-    again.saveAndClose();
-    EXPECT_EQ(main->appState().settings.AutosaveMinutes, 0) << "a text that is no number changes nothing";
+    // A bad value is said at once and keeps the dialog open; nothing is taken from it.
+    for (const char* bad : {"kymmenen", "-5", "1441", "2,5"}) {
+        Form8 again(*main);
+        again.Text4->setText(QString::fromUtf8(bad));
+        again.Text1[2]->setText(QStringLiteral("31"));
+        dialogs.clear();
+        again.saveAndClose();
+        ASSERT_EQ(dialogs.messages().size(), 1u) << bad;
+        EXPECT_TRUE(dialogs.lastText().startsWith(QStringLiteral("Palautuskopion väli \"") +
+                                                  QString::fromUtf8(bad) + QStringLiteral("\" ei kelpaa.")))
+            << dialogs.lastText().toStdString();
+        EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("0...1440")));
+        EXPECT_EQ(again.result(), QDialog::Rejected) << bad;
+        EXPECT_EQ(main->appState().settings.AutosaveMinutes, 0) << bad;
+        EXPECT_EQ(main->appState().settings.VAT, QStringLiteral("22")) << bad;
+    }
 
     Form8 third(*main);
     third.Text4->setText(QStringLiteral("12"));
     third.saveAndClose();
     EXPECT_EQ(main->recovery().interval(), 12);
-    main->SaveSettings();
+    // Saved when the dialog is accepted, not only at the end of the run.
     platform::SettingsStore store;
     EXPECT_EQ(store.get(QStringLiteral("General"), QStringLiteral("AutosaveMinutes")), QStringLiteral("12"));
+}
+
+// Recovery copies lay in the temporary folder, which many systems empty at boot: the one case
+// where they matter most lost them. They are in the user's data folder now, private.
+TEST_F(RecoveryTest, CopiesLieInThePrivateDataFolderThatSurvivesAReboot) {
+    const QString folder = main->recovery().sessionFolder();
+    ASSERT_FALSE(folder.isEmpty());
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    ASSERT_FALSE(data.isEmpty());
+    EXPECT_TRUE(folder.startsWith(data + QStringLiteral("/palautus/"))) << folder.toStdString();
+    EXPECT_FALSE(folder.startsWith(main->appState().TempPath)) << folder.toStdString();
+    struct stat st {};
+    ASSERT_EQ(::stat(QFile::encodeName(data + QStringLiteral("/palautus")).constData(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0700u);
+}
+
+// SIGTERM (logout, shutdown, kill) skipped everything: settings, window places and recent
+// files were not written, and changed projects had no last copy. It ends like a normal end
+// that cannot ask questions now.
+TEST_F(RecoveryTest, SigtermWritesTheSettingsAndKeepsACopyOfEveryChangedProject) {
+    const pid_t child = fork();
+    if (child == 0) {
+        int status = 3;
+        {
+            shell::MDIForm1 other;
+            other.setProgramDirectory(testing_support::dataDir());
+            other.startUp(false);
+            other.appState().settings.AutosaveMinutes = 0; // no copy before the end
+            other.Submenu10Click(0);                       // designer mode, kept only at the end
+            const ProjectWindows w = other.projectWindowsOf(QStringLiteral("Projekti1"));
+            w.f1->Text1[0]->setText(QStringLiteral("Lopetettiin signaalilla"));
+            other.contentChanged(w.f1);
+            new Termination(other);
+            QTimer::singleShot(0, [] { kill(getpid(), SIGTERM); });
+            // Without its own handling the signal ends the process right here.
+            status = QApplication::exec();
+        }
+        _exit(status == 0 ? 0 : 4);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status)) << "ended by the signal without writing anything";
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("ProgramMode")),
+              QStringLiteral("1"));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> next = restart();
+    ASSERT_EQ(dialogs.messages().size(), 1u);
+    bool found = false;
+    for (auto* w : next->projectWindows())
+        if (auto* f1 = qobject_cast<documents::Form1*>(w))
+            found = found || f1->Text1[0]->text() == QStringLiteral("Lopetettiin signaalilla");
+    EXPECT_TRUE(found);
+    closeQuietly(*next);
+}
+
+// Two programs killed with the same project open came back as two windows with the same
+// caption; saving one left the other looking like the same file. The versions are told
+// apart now, by name and in the question.
+TEST_F(RecoveryTest, TwoVersionsOfOneProjectComeBackUnderNamesOfTheirOwn) {
+    const QString file = dir.filePath(QStringLiteral("Yhteinen.sl"));
+    runTwoAndKill(file, QStringLiteral("Ensimmäinen"), QStringLiteral("Toinen"));
+
+    dialogs.clear();
+    dialogs.answer(MsgAnswer::Yes);
+    dialogs.answer(MsgAnswer::Yes);
+    std::unique_ptr<MDIForm1> next = restart();
+    ASSERT_EQ(dialogs.messages().size(), 2u);
+    for (int i = 0; i < 2; ++i) {
+        const platform::MessageRequest& q = dialogs.messages()[i];
+        EXPECT_TRUE(q.toFront);
+        EXPECT_TRUE(q.text.contains(QStringLiteral("on tallessa 2 eri versiota"))) << q.text.toStdString();
+        EXPECT_TRUE(q.text.contains(dir.filePath(QStringLiteral("Yhteinen (palautettu %1).sl")).arg(i + 1)))
+            << q.text.toStdString();
+    }
+    QStringList texts;
+    for (int v = 1; v <= 2; ++v) {
+        const ProjectWindows w =
+            next->projectWindowsOf(ParseFileName(recoveredVersionName(file, v)).project());
+        ASSERT_TRUE(w.complete()) << v;
+        EXPECT_FALSE(CaptionIsUnchanged(w.f1->caption()));
+        texts << w.f1->Text1[0]->text();
+    }
+    texts.sort();
+    EXPECT_EQ(texts, (QStringList{QStringLiteral("Ensimmäinen"), QStringLiteral("Toinen")}));
+    EXPECT_FALSE(next->projectWindowsOf(ParseFileName(file).project()).complete());
+    EXPECT_EQ(recoveredVersionName(QStringLiteral("/a/b.c/Silta"), 2),
+              QStringLiteral("/a/b.c/Silta (palautettu 2)"));
+    closeQuietly(*next);
 }
 
 } // namespace

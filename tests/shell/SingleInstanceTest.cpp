@@ -3,15 +3,21 @@
 #include "common/TestSupport.h"
 #include "persist/SlContainer.h"
 #include "platform/TextFile.h"
+#include "shell/Captions.h"
 #include "shell/SingleInstance.h"
 
+#include <QDateTime>
+#include <QDialog>
 #include <QDir>
+#include <QStatusBar>
+#include <QTimer>
 #include <QElapsedTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
@@ -114,4 +120,139 @@ TEST_F(SingleInstanceServer, ASocketLeftBehindIsTakenOver) {
     auto* another = new shell::InstanceServer(*main);
     EXPECT_FALSE(another->listen(socket));
     EXPECT_TRUE(shell::instanceSocketPath(QString()).isEmpty());
+}
+
+namespace {
+
+// A later start in its own thread, as a second process would hand its file over.
+struct LaterStart {
+    LaterStart(const QString& socket, const QString& file, int timeoutMs)
+        : thread(
+              QThread::create([=, this] { taken = shell::handToRunningProgram(socket, file, timeoutMs); })) {
+        thread->start();
+    }
+    ~LaterStart() {
+        thread->wait();
+        delete thread;
+    }
+    // Runs this program's event loop until the later start has its answer.
+    bool finish() {
+        while (!thread->isFinished())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        return taken;
+    }
+    std::atomic<bool> taken{false};
+    QThread* thread;
+};
+
+// A running program listening on a socket of its own, with sample projects to hand over.
+class HandOver : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        MainWindowFixture::SetUp();
+        socket = shell::instanceSocketPath(dir.path() + QLatin1Char('/'));
+        server = new shell::InstanceServer(*main);
+        ASSERT_TRUE(server->listen(socket));
+    }
+    QString sample(const QString& name) {
+        const QString file = dir.filePath(name);
+        EXPECT_TRUE(QFile::copy(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"), file));
+        return file;
+    }
+    QTemporaryDir dir;
+    QString socket;
+    shell::InstanceServer* server = nullptr;
+};
+
+} // namespace
+
+// A file handed over while the user works in a dialog or the row editor used to close them and
+// switch the main window to the file. It waits now, with a note in the status bar.
+TEST_F(HandOver, AHandedOverFileWaitsWhileADialogIsOpen) {
+    const QString project = sample(QStringLiteral("odottaa.sl"));
+    const QString other = sample(QStringLiteral("toinen.sl"));
+
+    QDialog busy(main.get()); // a window of the program that the user works in, not modal
+    busy.show();
+    for (const QString& file : {project, other}) {
+        LaterStart later(socket, file, 5000);
+        EXPECT_TRUE(later.finish()) << "the program takes the file";
+    }
+    for (int i = 0; i < 20; ++i) {
+        QCoreApplication::processEvents();
+        QThread::msleep(40);
+    }
+    EXPECT_TRUE(busy.isVisible());
+    EXPECT_EQ(server->waitingFiles(), (QStringList{project, other}));
+    EXPECT_FALSE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+    EXPECT_TRUE(main->statusBar()->currentMessage().contains(QStringLiteral("odottaa.sl")))
+        << main->statusBar()->currentMessage().toStdString();
+    // However often it looks again, one retry waits at a time.
+    int active = 0;
+    for (QTimer* t : server->findChildren<QTimer*>())
+        active += t->isActive() ? 1 : 0;
+    EXPECT_EQ(active, 1);
+
+    busy.hide();
+    ASSERT_TRUE(waitFor(
+        [&] {
+            QCoreApplication::processEvents();
+            return main->projectWindowsOf(shell::ParseFileName(other).project()).complete();
+        },
+        10000));
+    EXPECT_TRUE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+    EXPECT_TRUE(server->waitingFiles().isEmpty());
+    EXPECT_TRUE(main->statusBar()->currentMessage().isEmpty());
+}
+
+// A later start that waited in vain (this program stopped or busy for longer than its wait)
+// opens its file itself; the request it gave up on must never be carried out here too.
+TEST_F(HandOver, ARequestTheLaterStartGaveUpOnIsNeverCarriedOut) {
+    const QString project = sample(QStringLiteral("annettu.sl"));
+    {
+        // This program is stopped (no events) while the later start waits and gives up.
+        LaterStart later(socket, project, 400);
+        later.thread->wait();
+        EXPECT_FALSE(later.taken);
+    }
+    for (int i = 0; i < 20; ++i) {
+        QCoreApplication::processEvents();
+        QThread::msleep(20);
+    }
+    EXPECT_TRUE(server->waitingFiles().isEmpty());
+    EXPECT_FALSE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+
+    // A sender that left after the answer without confirming is not followed either, nor is a
+    // line of another form.
+    for (const QByteArray& request :
+         {QByteArray("OPEN ") + QByteArray::number(QDateTime::currentMSecsSinceEpoch() + 60000) + ' ' +
+              QFile::encodeName(project) + '\n',
+          QFile::encodeName(project) + '\n'}) {
+        QLocalSocket client;
+        client.connectToServer(socket);
+        ASSERT_TRUE(client.waitForConnected(2000));
+        client.write(request);
+        client.flush();
+        for (int i = 0; i < 10; ++i) {
+            QCoreApplication::processEvents();
+            client.waitForReadyRead(20);
+        }
+        client.abort();
+        for (int i = 0; i < 10; ++i) {
+            QCoreApplication::processEvents();
+            QThread::msleep(20);
+        }
+    }
+    EXPECT_TRUE(server->waitingFiles().isEmpty());
+    EXPECT_FALSE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+
+    // The same start in time is taken.
+    LaterStart later(socket, project, 5000);
+    EXPECT_TRUE(later.finish());
+    EXPECT_TRUE(waitFor(
+        [&] {
+            QCoreApplication::processEvents();
+            return main->projectWindowsOf(shell::ParseFileName(project).project()).complete();
+        },
+        10000));
 }

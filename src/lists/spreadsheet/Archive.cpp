@@ -2,7 +2,6 @@
 
 #include <QStringList>
 
-#include <gsf/gsf-infile-msole.h>
 #include <gsf/gsf-infile-zip.h>
 #include <gsf/gsf-infile.h>
 #include <gsf/gsf-input-memory.h>
@@ -25,12 +24,6 @@ struct Unref {
     }
 };
 using InputPtr = std::unique_ptr<GsfInput, Unref>;
-
-QString messageOf(GError* err) {
-    QString text = err && err->message ? QString::fromUtf8(err->message) : QString();
-    if (err) g_error_free(err);
-    return text;
-}
 
 // The child of a folder whose name equals `name` without regard to case (the exact name first).
 GsfInput* childNamed(GsfInfile* folder, const QString& name) {
@@ -57,12 +50,12 @@ Archive::Archive(std::unique_ptr<Handles> handles)
 
 Archive::~Archive() = default;
 
-std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, Kind kind, QString* error) {
+std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, QString* error) {
     static std::once_flag once;
     std::call_once(once, [] {
         gsf_init();
         // A damaged file makes libgsf log what it found; the reader reports the failure itself.
-        for (const char* domain : {"libgsf", "libgsf:msole", "libgsf:zip"})
+        for (const char* domain : {"libgsf", "libgsf:zip"})
             g_log_set_handler(
                 domain, GLogLevelFlags(G_LOG_LEVEL_MASK),
                 [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
@@ -71,14 +64,11 @@ std::unique_ptr<Archive> Archive::open(const QByteArray& bytes, Kind kind, QStri
     handles->source.reset(
         gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.constData()), bytes.size(), FALSE));
     GError* err = nullptr;
-    GsfInfile* root = kind == Kind::Zip ? gsf_infile_zip_new(handles->source.get(), &err)
-                                        : gsf_infile_msole_new(handles->source.get(), &err);
+    GsfInfile* root = gsf_infile_zip_new(handles->source.get(), &err);
     if (!root) {
-        const QString reason = messageOf(err);
-        if (error)
-            *error = (kind == Kind::Zip ? QStringLiteral("ZIP-pakkaus on vahingoittunut")
-                                        : QStringLiteral("OLE-rakenne on vahingoittunut")) +
-                     (reason.isEmpty() ? QString() : QStringLiteral(" (") + reason + QLatin1Char(')'));
+        // libgsf's reason is in English; what failed is said in the program's words.
+        if (err) g_error_free(err);
+        if (error) *error = QStringLiteral("ZIP-pakkaus on vahingoittunut");
         return nullptr;
     }
     handles->root.reset(GSF_INPUT(root));
@@ -109,11 +99,32 @@ bool Archive::contains(const QString& path) const {
     return member(m_handles->root.get(), path) != nullptr;
 }
 
-bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
+Archive::Member::Member(void* input, QString path, qint64 size)
+    : m_input(input)
+    , m_path(std::move(path))
+    , m_size(size) {}
+
+Archive::Member::~Member() {
+    g_object_unref(m_input);
+}
+
+qsizetype Archive::Member::read(char* to, qsizetype max) {
+    const qint64 piece = std::min<qint64>(max, m_size - m_done);
+    if (piece <= 0) return 0;
+    if (!gsf_input_read(static_cast<GsfInput*>(m_input), static_cast<size_t>(piece),
+                        reinterpret_cast<guint8*>(to))) {
+        m_error = QStringLiteral("osa ") + m_path + QStringLiteral(" katkeaa tavun %1 kohdalla").arg(m_done);
+        return -1;
+    }
+    m_done += piece;
+    return static_cast<qsizetype>(piece);
+}
+
+std::unique_ptr<Archive::Member> Archive::openMember(const QString& path, QString* error) const {
     InputPtr input = member(m_handles->root.get(), path);
     if (!input || isFolder(input.get())) {
         if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" puuttuu");
-        return false;
+        return nullptr;
     }
     // Deflate packs at most about 1032 bytes into one, so a member cannot unpack to more than
     // that many times the whole file; a larger size is a damaged entry (and libgsf may fill
@@ -123,24 +134,32 @@ bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
         std::min<gsf_off_t>(kLargestMember, gsf_input_size(m_handles->source.get()) * kDeflateRatio + 1024);
     if (size < 0 || size > most) {
         if (error) *error = QStringLiteral("osan ") + path + QStringLiteral(" koko on mahdoton");
+        return nullptr;
+    }
+    return std::unique_ptr<Member>(new Member(input.release(), path, size));
+}
+
+bool Archive::read(const QString& path, QByteArray& out, QString* error, qint64 largest) const {
+    const std::unique_ptr<Member> m = openMember(path, error);
+    if (!m) return false;
+    if (m->size() > largest) {
+        if (error) *error = QStringLiteral("osa ") + path + QStringLiteral(" on liian suuri luettavaksi");
         return false;
     }
     // Read in pieces, so that a size that promises more than the data holds fails on the way.
     QByteArray data;
-    data.reserve(static_cast<qsizetype>(std::min<gsf_off_t>(size, 64 << 20)));
-    constexpr gsf_off_t kPiece = 1 << 16;
-    for (gsf_off_t done = 0; done < size;) {
-        const gsf_off_t piece = std::min(kPiece, size - done);
+    data.reserve(static_cast<qsizetype>(m->size()));
+    constexpr qsizetype kPiece = 1 << 16;
+    for (;;) {
         const qsizetype at = data.size();
-        data.resize(at + piece);
-        if (!gsf_input_read(input.get(), static_cast<size_t>(piece),
-                            reinterpret_cast<guint8*>(data.data() + at))) {
-            if (error)
-                *error =
-                    QStringLiteral("osa ") + path + QStringLiteral(" katkeaa tavun %1 kohdalla").arg(done);
+        data.resize(at + kPiece);
+        const qsizetype n = m->read(data.data() + at, kPiece);
+        data.resize(at + std::max<qsizetype>(n, 0));
+        if (n == 0) break;
+        if (n < 0) {
+            if (error) *error = m->error();
             return false;
         }
-        done += piece;
     }
     out = std::move(data);
     return true;
@@ -148,10 +167,6 @@ bool Archive::read(const QString& path, QByteArray& out, QString* error) const {
 
 bool looksLikeZip(const QByteArray& bytes) {
     return bytes.startsWith("PK\x03\x04") || bytes.startsWith("PK\x05\x06");
-}
-
-bool looksLikeOle(const QByteArray& bytes) {
-    return bytes.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
 }
 
 } // namespace lists::sheet

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 namespace lists::sheet {
 
@@ -17,14 +18,10 @@ struct Decimal {
     int exponent = 0;
 };
 
-Decimal decimalOf(double value) {
+// The digits of `text` as std::to_chars writes a number in scientific notation ("1.2345e-05").
+Decimal decimalOfText(std::string_view text, bool negative) {
     Decimal d;
-    if (value == 0 || !std::isfinite(value)) return d;
-    d.negative = value < 0;
-    char buf[40];
-    const auto result =
-        std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14);
-    const std::string_view text(buf, static_cast<std::size_t>(result.ptr - buf));
+    d.negative = negative;
     const std::size_t e = text.find('e');
     for (std::size_t i = 0; i < e; ++i)
         if (text[i] != '.') d.digits += text[i];
@@ -32,6 +29,25 @@ Decimal decimalOf(double value) {
     while (!d.digits.empty() && d.digits.back() == '0')
         d.digits.pop_back();
     return d;
+}
+
+// The value rounded to 15 significant digits: what a spreadsheet shows without a format.
+Decimal decimalOf(double value) {
+    if (value == 0 || !std::isfinite(value)) return {};
+    char buf[40];
+    const auto result =
+        std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14);
+    return decimalOfText(std::string_view(buf, static_cast<std::size_t>(result.ptr - buf)), value < 0);
+}
+
+// The shortest decimal text that reads back as the value: the number a user typed or a program
+// wrote. Rounding to a format's decimals starts from it, so 2.675 shows as 2,68 although the
+// double closest to it lies a little below.
+Decimal shortestDecimalOf(double value) {
+    if (value == 0 || !std::isfinite(value)) return {};
+    char buf[40];
+    const auto result = std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific);
+    return decimalOfText(std::string_view(buf, static_cast<std::size_t>(result.ptr - buf)), value < 0);
 }
 
 // Rounds to `decimals` places, halves away from zero.
@@ -106,13 +122,20 @@ qint64 floorDiv(qint64 a, qint64 b) {
 QString generalNumberText(double value) {
     if (!std::isfinite(value)) return {};
     if (value == 0) return QStringLiteral("0");
-    if (std::floor(value) == value && std::fabs(value) < 1e16)
+    // Whole numbers that a double holds exactly are written out in full.
+    constexpr double kExactIntegers = 9007199254740992.0; // 2^53
+    if (std::floor(value) == value && std::fabs(value) < kExactIntegers)
         return QString::number(static_cast<qint64>(value));
     const Decimal d = decimalOf(value);
     const int n = static_cast<int>(d.digits.size());
+    // The spreadsheet's general format: plain decimals from 10^-4 up to 10^15; below that plain
+    // only down to 10^-9 and with at most 16 decimals; an exponent otherwise. The magnitude is
+    // the spreadsheet's own (the floor of the logarithm), which puts a value just under 10^-4
+    // with the plain ones.
+    const int magnitude = static_cast<int>(std::floor(std::log10(std::fabs(value))));
     const int decimals = std::max(0, n - 1 - d.exponent);
-    if (d.exponent >= -9 && d.exponent <= 14 && decimals <= 15) return plainText(d, 0);
-    // With an exponent, as spreadsheets show the numbers that would not fit otherwise.
+    const bool plain = magnitude < 15 && (magnitude >= -4 || (magnitude >= -9 && decimals <= 16));
+    if (plain) return plainText(d, 0);
     QString out = d.negative ? QStringLiteral("-") : QString();
     out += QLatin1Char(d.digits[0]);
     if (n > 1) out += QLatin1Char(',') + QString::fromLatin1(d.digits.data() + 1, n - 1);
@@ -126,7 +149,9 @@ QString numberText(double value, const CellFormat& format) {
         case CellFormat::Fixed:
         case CellFormat::Percent: {
             if (!std::isfinite(value)) return {};
-            Decimal d = decimalOf(format.kind == CellFormat::Percent ? value * 100 : value);
+            Decimal d = shortestDecimalOf(value);
+            // A percentage is the same digits a hundred times larger.
+            if (format.kind == CellFormat::Percent && !d.digits.empty()) d.exponent += 2;
             roundTo(d, format.maxDecimals);
             QString text = plainText(d, format.minDecimals);
             return format.kind == CellFormat::Percent ? text + QLatin1Char('%') : text;

@@ -36,9 +36,12 @@ CellFormat excelFormat(QStringView code);
 CellFormat excelBuiltinFormat(int id);
 
 // A number with at most 15 significant digits, integers plainly, very large and very small
-// numbers with an exponent ("3,14E-300"), as a spreadsheet shows a number without a format.
+// numbers with an exponent ("3,14E-300") where the spreadsheet's general format uses one
+// ("-0,00527418346560432" but "1,23456789012345E-05"), as a spreadsheet shows a number without a
+// format.
 QString generalNumberText(double value);
-// The value in the given format; halves round away from zero at the 15th significant digit.
+// The value in the given format. Decimals round from the shortest decimal text of the double,
+// halves away from zero, as the spreadsheet shows them (2.675 with two decimals is "2,68").
 QString numberText(double value, const CellFormat& format);
 
 // The text of true and false as the sheet shows it.

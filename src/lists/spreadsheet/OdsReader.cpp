@@ -1,13 +1,18 @@
 // The first table of an OpenDocument spreadsheet (.ods). Rows and cells that repeat are stored
 // once with a count, merged-away cells keep their place as covered cells, and how a number is
-// shown comes from the data style of the cell's style.
+// shown comes from the data style of the cell's style. styles.xml and content.xml are parsed as
+// they are unpacked; the parse ends with the first table.
 #include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/SaxPart.h"
 #include "lists/spreadsheet/SheetReaders.h"
 
 #include <QHash>
-#include <QXmlStreamReader>
+#include <QStringList>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace lists::sheet {
@@ -40,184 +45,95 @@ struct Styles {
     }
 };
 
-// An attribute by its local name: every attribute of the format has a namespace prefix.
-QStringView attr(const QXmlStreamAttributes& a, QLatin1StringView name) {
-    for (const QXmlStreamAttribute& at : a)
-        if (at.name() == name) return at.value();
-    return {};
+int intOf(std::string_view s, int fallback) {
+    int v = 0;
+    const auto r = std::from_chars(s.data(), s.data() + s.size(), v);
+    return r.ec == std::errc() && r.ptr == s.data() + s.size() ? v : fallback;
 }
 
-bool hasAttr(const QXmlStreamAttributes& a, QLatin1StringView name) {
-    for (const QXmlStreamAttribute& at : a)
-        if (at.name() == name) return true;
-    return false;
-}
-
-int attributeInt(const QXmlStreamAttributes& a, QLatin1StringView name, int fallback) {
-    bool ok = false;
-    const int v = attr(a, name).toInt(&ok);
-    return ok ? v : fallback;
-}
-
-// Reads one number:*-style element whole into a format.
-CellFormat readDataStyle(QXmlStreamReader& xml) {
-    const QString kind = xml.name().toString();
-    CellFormat f;
-    if (kind == "date-style"_L1) f.kind = CellFormat::Date;
-    const bool elapsed =
-        kind == "time-style"_L1 && attr(xml.attributes(), "truncate-on-overflow"_L1) == "false"_L1;
-    if (kind == "time-style"_L1) f.kind = elapsed ? CellFormat::Elapsed : CellFormat::Time;
+// A number:*-style element as it is read: the format it gives, from its child elements.
+struct DataStyle {
+    std::string kind; // "number-style", "date-style", ...
+    QString name;
+    CellFormat format;
     bool hasDecimals = false;
     bool general = false; // scientific and fractions show the number as it is
-    while (xml.readNext() != QXmlStreamReader::Invalid) {
-        if (xml.isEndElement() && xml.name() == kind) break;
-        if (!xml.isStartElement()) continue;
-        const QStringView name = xml.name();
-        const QXmlStreamAttributes a = xml.attributes();
-        if (name == "number"_L1 && hasAttr(a, "decimal-places"_L1)) {
-            const int places = std::clamp(attributeInt(a, "decimal-places"_L1, 0), 0, 30);
-            f.maxDecimals = static_cast<std::uint8_t>(places);
-            f.minDecimals = static_cast<std::uint8_t>(
-                std::clamp(attributeInt(a, "min-decimal-places"_L1, places), 0, places));
+
+    void child(std::string_view name, const xmlChar** attributes, int count) {
+        if (name == "number" && hasSaxAttribute(attributes, count, "decimal-places")) {
+            const int places = std::clamp(intOf(saxAttribute(attributes, count, "decimal-places"), 0), 0, 30);
+            format.maxDecimals = static_cast<std::uint8_t>(places);
+            format.minDecimals = static_cast<std::uint8_t>(
+                std::clamp(intOf(saxAttribute(attributes, count, "min-decimal-places"), places), 0, places));
             hasDecimals = true;
-        } else if (name == "scientific-number"_L1 || name == "fraction"_L1) {
+        } else if (name == "scientific-number" || name == "fraction") {
             general = true;
-        } else if (name == "hours"_L1 || name == "minutes"_L1 || name == "seconds"_L1) {
-            if (f.kind == CellFormat::Date) f.kind = CellFormat::DateTime;
-            if (name == "seconds"_L1) f.seconds = true;
-            if (f.kind == CellFormat::Elapsed && !f.elapsedUnit)
-                f.elapsedUnit = static_cast<char>(name[0].unicode());
+        } else if (name == "hours" || name == "minutes" || name == "seconds") {
+            if (format.kind == CellFormat::Date) format.kind = CellFormat::DateTime;
+            if (name == "seconds") format.seconds = true;
+            if (format.kind == CellFormat::Elapsed && !format.elapsedUnit) format.elapsedUnit = name[0];
         }
     }
-    if (kind == "number-style"_L1 || kind == "currency-style"_L1)
-        f.kind = hasDecimals && !general ? CellFormat::Fixed : CellFormat::General;
-    else if (kind == "percentage-style"_L1)
-        f.kind = hasDecimals && !general ? CellFormat::Percent : CellFormat::General;
-    if (f.kind == CellFormat::Elapsed && !f.elapsedUnit) f.elapsedUnit = 'h';
-    return f;
-}
-
-bool isDataStyle(QStringView name) {
-    return name == "number-style"_L1 || name == "currency-style"_L1 || name == "percentage-style"_L1 ||
-           name == "date-style"_L1 || name == "time-style"_L1;
-}
-
-void readStyleElement(QXmlStreamReader& xml, Styles& styles) {
-    const QStringView name = xml.name();
-    if (isDataStyle(name)) {
-        const QString styleName = attr(xml.attributes(), "name"_L1).toString();
-        styles.dataStyles.insert(styleName, readDataStyle(xml));
-    } else if (name == "style"_L1) {
-        const QXmlStreamAttributes a = xml.attributes();
-        if (attr(a, "family"_L1) == "table-cell"_L1)
-            styles.cellStyles.insert(
-                attr(a, "name"_L1).toString(),
-                {attr(a, "data-style-name"_L1).toString(), attr(a, "parent-style-name"_L1).toString()});
+    CellFormat finished() const {
+        CellFormat f = format;
+        if (kind == "number-style" || kind == "currency-style")
+            f.kind = hasDecimals && !general ? CellFormat::Fixed : CellFormat::General;
+        else if (kind == "percentage-style")
+            f.kind = hasDecimals && !general ? CellFormat::Percent : CellFormat::General;
+        if (f.kind == CellFormat::Elapsed && !f.elapsedUnit) f.elapsedUnit = 'h';
+        return f;
     }
-}
+};
 
-// The styles of styles.xml: named cell styles and the data styles they use.
-bool readStylesPart(const Archive& archive, Styles& styles, QString* error) {
-    if (!archive.contains(QStringLiteral("styles.xml"))) return true;
-    QByteArray bytes;
-    if (!readPart(archive, QStringLiteral("styles.xml"), bytes, error)) return false;
-    QXmlStreamReader xml(bytes);
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (xml.isStartElement()) readStyleElement(xml, styles);
-    }
-    if (xml.hasError()) {
-        if (error) *error = xmlError(QStringLiteral("styles.xml"), xml);
-        return false;
-    }
-    return true;
+bool isDataStyle(std::string_view name) {
+    return name == "number-style" || name == "currency-style" || name == "percentage-style" ||
+           name == "date-style" || name == "time-style";
 }
 
 // ODF white space: a run of spaces, tabs and line ends in the XML counts as one space, and none
-// at the start or end of a paragraph; <text:s/>, <text:tab/> and <text:line-break/> stand for
-// the real ones.
+// at the start of a paragraph; <text:s/>, <text:tab/> and <text:line-break/> stand for the real
+// ones. A space at the end of a paragraph stays, as the spreadsheet program that wrote it has
+// it (it writes a cell's one trailing space so); a line end there is only the XML's layout.
 class ParagraphText {
 public:
-    void xmlText(QStringView text) {
-        for (const QChar c : text) {
-            if (c == QLatin1Char(' ') || c == QLatin1Char('\t') || c == QLatin1Char('\n') ||
-                c == QLatin1Char('\r')) {
+    // Characters of the XML (UTF-8); false when the paragraph grew beyond any cell.
+    bool xmlText(const char* chars, int length) {
+        for (int i = 0; i < length; ++i) {
+            const char c = chars[i];
+            if (c == ' ' || c == '\t' || c == '\n' || c == '\r') {
                 m_pendingSpace = true;
+                m_pendingBreak = m_pendingBreak || c == '\n' || c == '\r';
             } else {
                 flush();
                 m_text += c;
             }
         }
+        return m_text.size() <= kLongestText;
     }
-    void literal(const QString& text) {
+    bool literal(std::string_view text) {
         flush();
         m_text += text;
         m_atStart = false;
+        return m_text.size() <= kLongestText;
     }
-    QString take() { return std::move(m_text); }
+    std::string take() {
+        if (m_pendingSpace && !m_pendingBreak && !m_atStart) m_text += ' ';
+        std::string text = std::move(m_text);
+        *this = ParagraphText();
+        return text;
+    }
 
 private:
     void flush() {
-        if (m_pendingSpace && !m_atStart) m_text += QLatin1Char(' ');
-        m_pendingSpace = false;
+        if (m_pendingSpace && !m_atStart) m_text += ' ';
+        m_pendingSpace = m_pendingBreak = false;
         m_atStart = false;
     }
-    QString m_text;
+    std::string m_text;
     bool m_pendingSpace = false;
+    bool m_pendingBreak = false;
     bool m_atStart = true;
 };
-
-// The paragraphs of a cell, read up to the cell's end, joined by CR LF. Notes and drawings in
-// the cell are not its text.
-QString cellParagraphs(QXmlStreamReader& xml, const QString& cellElement) {
-    QStringList paragraphs;
-    ParagraphText* current = nullptr;
-    ParagraphText paragraph;
-    int depth = 0; // inside a paragraph
-    while (xml.readNext() != QXmlStreamReader::Invalid) {
-        if (xml.isEndElement()) {
-            if (depth == 0 && xml.name() == cellElement) break;
-            if (depth > 0 && --depth == 0) {
-                paragraphs.append(paragraph.take());
-                paragraph = ParagraphText();
-                current = nullptr;
-            }
-            continue;
-        }
-        if (xml.isCharacters()) {
-            if (current) current->xmlText(xml.text());
-            continue;
-        }
-        if (!xml.isStartElement()) continue;
-        const QStringView name = xml.name();
-        if (depth == 0) {
-            if (name == "p"_L1 || name == "h"_L1) {
-                depth = 1;
-                current = &paragraph;
-            } else {
-                xml.skipCurrentElement(); // office:annotation, draw:frame, ...
-            }
-            continue;
-        }
-        if (name == "s"_L1) {
-            const int count = std::clamp(attributeInt(xml.attributes(), "c"_L1, 1), 1, 65535);
-            current->literal(QString(count, QLatin1Char(' ')));
-            xml.skipCurrentElement();
-        } else if (name == "tab"_L1) {
-            current->literal(QStringLiteral("\t"));
-            xml.skipCurrentElement();
-        } else if (name == "line-break"_L1) {
-            current->literal(QStringLiteral("\r\n"));
-            xml.skipCurrentElement();
-        } else if (name == "note"_L1 || name == "annotation"_L1 || name == "ruby-text"_L1 ||
-                   name == "frame"_L1) {
-            xml.skipCurrentElement();
-        } else {
-            ++depth; // a span, link or field: its text is the paragraph's
-        }
-    }
-    return paragraphs.join(QStringLiteral("\r\n"));
-}
 
 // "PT27H30M05.5S" (or "-P1DT2H") as seconds.
 bool durationSeconds(QStringView text, double& seconds) {
@@ -260,139 +176,266 @@ bool durationSeconds(QStringView text, double& seconds) {
     return true;
 }
 
-QString valueText(const QXmlStreamAttributes& a, const CellFormat* format, const QString& paragraphs) {
-    // calcext:value-type tells an error result apart from a number; office:value-type is the rest.
-    QStringView type;
-    for (const QXmlStreamAttribute& at : a) {
-        if (at.name() != "value-type"_L1) continue;
-        if (at.value() == "error"_L1) return paragraphs;
-        if (at.prefix() == "office"_L1 || type.isEmpty()) type = at.value();
-    }
-    if (type.isEmpty() || type == "string"_L1) {
-        if (hasAttr(a, "string-value"_L1)) return withCrLf(attr(a, "string-value"_L1).toString());
-        return paragraphs;
-    }
-    if (type == "boolean"_L1) {
-        const QStringView v = attr(a, "boolean-value"_L1);
-        return booleanText(v == "true"_L1 || v == "1"_L1);
-    }
-    if (type == "date"_L1) {
-        const QStringView v = attr(a, "date-value"_L1);
-        const QDate date = QDate::fromString(v.left(10).toString(), Qt::ISODate);
-        if (!date.isValid()) return paragraphs;
-        double seconds = 0;
-        if (v.size() > 11 && v[10] == QLatin1Char('T')) {
-            const QStringView t = v.mid(11);
-            seconds = t.left(2).toInt() * 3600.0 + t.mid(3, 2).toInt() * 60.0 +
-                      (t.size() > 6 ? t.mid(6).toDouble() : 0);
+// What a cell's attributes say about its value.
+struct CellValue {
+    std::string type;   // office:value-type (another prefix's only where office: has none)
+    bool error = false; // calcext:value-type="error": a formula's error, shown as its text
+    std::string value, dateValue, timeValue, booleanValue;
+    std::optional<std::string> stringValue;
+    QString style;
+    int repeat = 1;
+
+    void read(const xmlChar** attributes, int count) {
+        *this = CellValue();
+        for (int i = 0; i < count; ++i) {
+            const std::string_view name(reinterpret_cast<const char*>(attributes[5 * i]));
+            const std::string_view v(reinterpret_cast<const char*>(attributes[5 * i + 3]),
+                                     static_cast<std::size_t>(attributes[5 * i + 4] - attributes[5 * i + 3]));
+            if (name == "value-type") {
+                if (v == "error") error = true;
+                if (saxAttributePrefix(attributes, i) == "office" || type.empty()) type = v;
+            } else if (name == "value") {
+                value = v;
+            } else if (name == "date-value") {
+                dateValue = v;
+            } else if (name == "time-value") {
+                timeValue = v;
+            } else if (name == "boolean-value") {
+                booleanValue = v;
+            } else if (name == "string-value") {
+                stringValue = std::string(v);
+            } else if (name == "style-name") {
+                style = fromUtf8(v);
+            } else if (name == "number-columns-repeated") {
+                repeat = std::clamp(intOf(v, 1), 1, kMaxSheetColumns);
+            }
         }
-        const double serial = nullDate(false).daysTo(date) + seconds / 86400;
-        CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
-        if (!shown.isDateOrTime()) {
-            shown.kind = seconds != 0 ? CellFormat::DateTime : CellFormat::Date;
-            shown.seconds = std::llround(seconds) % 60 != 0;
-        }
-        return serialText(serial, shown, nullDate(false));
     }
-    if (type == "time"_L1) {
-        double seconds = 0;
-        if (!durationSeconds(attr(a, "time-value"_L1), seconds)) return paragraphs;
-        CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
-        if (!shown.isDateOrTime()) {
-            // Without a style: the time of day, or the whole duration when it is a day or more.
-            shown.kind = std::fabs(seconds) >= 86400 ? CellFormat::Elapsed : CellFormat::Time;
-            shown.elapsedUnit = 'h';
-            shown.seconds = std::llround(seconds) % 60 != 0;
+
+    QString text(const CellFormat* format, const QString& paragraphs) const {
+        if (error) return paragraphs;
+        if (type.empty() || type == "string")
+            return stringValue ? withCrLf(fromUtf8(*stringValue)) : paragraphs;
+        if (type == "boolean") return booleanText(booleanValue == "true" || booleanValue == "1");
+        if (type == "date") {
+            const QString v = fromUtf8(dateValue);
+            const QDate date = QDate::fromString(v.left(10), Qt::ISODate);
+            if (!date.isValid()) return paragraphs;
+            double seconds = 0;
+            if (v.size() > 11 && v[10] == QLatin1Char('T')) {
+                const QStringView t = QStringView(v).mid(11);
+                seconds = t.left(2).toInt() * 3600.0 + t.mid(3, 2).toInt() * 60.0 +
+                          (t.size() > 6 ? t.mid(6).toDouble() : 0);
+            }
+            const double serial = nullDate(false).daysTo(date) + seconds / 86400;
+            CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
+            if (!shown.isDateOrTime()) {
+                shown.kind = seconds != 0 ? CellFormat::DateTime : CellFormat::Date;
+                shown.seconds = std::llround(seconds) % 60 != 0;
+            }
+            return serialText(serial, shown, nullDate(false));
         }
-        return serialText(seconds / 86400, shown, nullDate(false));
+        if (type == "time") {
+            double seconds = 0;
+            if (!durationSeconds(fromUtf8(timeValue), seconds)) return paragraphs;
+            CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
+            if (!shown.isDateOrTime()) {
+                // Without a style: the time of day, or the whole duration when it is a day or more.
+                shown.kind = std::fabs(seconds) >= 86400 ? CellFormat::Elapsed : CellFormat::Time;
+                shown.elapsedUnit = 'h';
+                shown.seconds = std::llround(seconds) % 60 != 0;
+            }
+            return serialText(seconds / 86400, shown, nullDate(false));
+        }
+        // float, percentage, currency
+        const char* begin = value.data();
+        const char* end = begin + value.size();
+        while (begin < end && *begin == ' ')
+            ++begin;
+        double number = 0;
+        if (begin == end || std::from_chars(begin, end, number).ec != std::errc()) return paragraphs;
+        if (format && format->isDateOrTime()) return serialText(number, *format, nullDate(false));
+        return numberText(number, format ? *format : CellFormat{});
     }
-    // float, percentage, currency
-    bool ok = false;
-    const double number = attr(a, "value"_L1).toDouble(&ok);
-    if (!ok) return paragraphs;
-    if (format && format->isDateOrTime()) return serialText(number, *format, nullDate(false));
-    return numberText(number, format ? *format : CellFormat{});
-}
+};
+
+// styles.xml and content.xml: the data and cell styles wherever they stand, and in content.xml
+// the first table.
+class OdsPart : public SaxPart {
+public:
+    OdsPart(Styles& styles, SheetBuilder* out)
+        : m_styles(styles)
+        , m_out(out) {}
+    bool tableSeen() const { return m_tableSeen; }
+
+protected:
+    void start(std::string_view name, const xmlChar** attributes, int count) override {
+        if (m_skip > 0) {
+            ++m_skip;
+        } else if (m_inCell) {
+            cellStart(name, attributes, count);
+        } else if (m_inTable) {
+            tableStart(name, attributes, count);
+        } else if (m_dataStyle) {
+            m_dataStyle->child(name, attributes, count);
+        } else if (isDataStyle(name)) {
+            m_dataStyle.emplace();
+            m_dataStyle->kind = name;
+            m_dataStyle->name = fromUtf8(saxAttribute(attributes, count, "name"));
+            if (name == "date-style") m_dataStyle->format.kind = CellFormat::Date;
+            if (name == "time-style")
+                m_dataStyle->format.kind = saxAttribute(attributes, count, "truncate-on-overflow") == "false"
+                                               ? CellFormat::Elapsed
+                                               : CellFormat::Time;
+        } else if (name == "style") {
+            if (saxAttribute(attributes, count, "family") == "table-cell")
+                m_styles.cellStyles.insert(fromUtf8(saxAttribute(attributes, count, "name")),
+                                           {fromUtf8(saxAttribute(attributes, count, "data-style-name")),
+                                            fromUtf8(saxAttribute(attributes, count, "parent-style-name"))});
+        } else if (name == "table" && m_out) {
+            m_inTable = true;
+        }
+    }
+
+    void end(std::string_view name) override {
+        if (m_skip > 0) {
+            --m_skip;
+        } else if (m_inCell) {
+            cellEnd(name);
+        } else if (m_inTable) {
+            if (name == "table-row") {
+                m_out->addRows(m_row, m_rowRepeat, m_cells);
+                m_row = static_cast<int>(std::min<qint64>(qint64(m_row) + m_rowRepeat, kMaxSheetRows));
+                if (m_out->full()) stop(SheetBuilder::fullMessage());
+            } else if (name == "table") {
+                m_inTable = false;
+                m_tableSeen = true;
+                finish();
+            }
+        } else if (m_dataStyle && name == m_dataStyle->kind) {
+            m_styles.dataStyles.insert(m_dataStyle->name, m_dataStyle->finished());
+            m_dataStyle.reset();
+        }
+    }
+
+    void text(const char* chars, int length) override {
+        if (m_skip == 0 && m_inParagraph && !m_paragraph.xmlText(chars, length)) stop(tooLong());
+    }
+
+private:
+    static QString tooLong() {
+        return QStringLiteral("solun teksti on yli %1 tavua pitkä").arg(kLongestText);
+    }
+
+    void tableStart(std::string_view name, const xmlChar** attributes, int count) {
+        const int width = m_out->columns();
+        if (name == "table-column") {
+            const int repeat = std::clamp(
+                intOf(saxAttribute(attributes, count, "number-columns-repeated"), 1), 1, kMaxSheetColumns);
+            const QString style = fromUtf8(saxAttribute(attributes, count, "default-cell-style-name"));
+            for (int i = 0; i < repeat && static_cast<int>(m_columnStyles.size()) < width; ++i)
+                m_columnStyles.push_back(style);
+        } else if (name == "table-row") {
+            m_rowRepeat = std::clamp(intOf(saxAttribute(attributes, count, "number-rows-repeated"), 1), 1,
+                                     kMaxSheetRows);
+            m_rowStyle = fromUtf8(saxAttribute(attributes, count, "default-cell-style-name"));
+            m_cells.clear();
+            m_col = 0;
+        } else if (name == "table-cell" || name == "covered-table-cell") {
+            m_cell.read(attributes, count);
+            m_inCell = true;
+            m_cellDepth = 0;
+            m_paragraphs.clear();
+        } else if (name == "table") {
+            m_skip = 1; // a table inside the table's structure is not its cells
+        }
+    }
+
+    // Inside a cell: its paragraphs and their spans count; notes, annotations, drawings and
+    // anything else at the cell's own level do not.
+    void cellStart(std::string_view name, const xmlChar** attributes, int count) {
+        if (!m_inParagraph) {
+            if (name == "p" || name == "h") {
+                m_inParagraph = true;
+                m_cellDepth = 1;
+            } else {
+                m_skip = 1;
+            }
+            return;
+        }
+        if (name == "s") {
+            const int n = std::clamp(intOf(saxAttribute(attributes, count, "c"), 1), 1, 65535);
+            if (!m_paragraph.literal(std::string(static_cast<std::size_t>(n), ' '))) stop(tooLong());
+            m_skip = 1;
+        } else if (name == "tab") {
+            m_paragraph.literal("\t");
+            m_skip = 1;
+        } else if (name == "line-break") {
+            m_paragraph.literal("\r\n");
+            m_skip = 1;
+        } else if (name == "note" || name == "annotation" || name == "ruby-text" || name == "frame") {
+            m_skip = 1;
+        } else {
+            ++m_cellDepth; // a span, link or field: its text is the paragraph's
+        }
+    }
+
+    void cellEnd(std::string_view name) {
+        if (m_inParagraph) {
+            if (--m_cellDepth == 0) {
+                m_inParagraph = false;
+                if (!m_paragraphs.empty()) m_paragraphs += "\r\n";
+                m_paragraphs += m_paragraph.take();
+                if (m_paragraphs.size() > kLongestText) stop(tooLong());
+            }
+            return;
+        }
+        if (name != "table-cell" && name != "covered-table-cell") return;
+        m_inCell = false;
+        QString style = m_cell.style;
+        if (style.isEmpty()) style = m_rowStyle;
+        if (style.isEmpty() && m_col < static_cast<int>(m_columnStyles.size())) style = m_columnStyles[m_col];
+        const QString text = m_cell.text(m_styles.formatOf(style), fromUtf8(m_paragraphs));
+        const int width = m_out->columns();
+        if (!text.isEmpty()) {
+            // Only the columns the list reads are kept; a filled cell beyond them is noted.
+            const int last =
+                static_cast<int>(std::min<qint64>(qint64(m_col) + m_cell.repeat, kMaxSheetColumns));
+            const int kept = std::min(last, width);
+            if (m_cells.size() < kept) m_cells.resize(kept);
+            for (int c = m_col; c < kept; ++c)
+                m_cells[c] = text;
+            if (last > width) m_out->setCell(m_row, width, text);
+        }
+        m_col = static_cast<int>(std::min<qint64>(qint64(m_col) + m_cell.repeat, kMaxSheetColumns));
+    }
+
+    Styles& m_styles;
+    SheetBuilder* m_out; // null for styles.xml
+    std::optional<DataStyle> m_dataStyle;
+    int m_skip = 0; // depth inside an element whose content is passed over
+    bool m_inTable = false, m_tableSeen = false;
+    std::vector<QString> m_columnStyles; // default cell style of each column, as far as the list reads
+    int m_row = 0, m_rowRepeat = 1, m_col = 0;
+    QString m_rowStyle;
+    QStringList m_cells;
+    bool m_inCell = false, m_inParagraph = false;
+    int m_cellDepth = 0; // inside a paragraph: 1 the paragraph itself, more in its spans
+    CellValue m_cell;
+    ParagraphText m_paragraph;
+    std::string m_paragraphs;
+};
 
 } // namespace
 
 bool readOds(const Archive& archive, SheetBuilder& out, QString* error) {
     Styles styles;
-    if (!readStylesPart(archive, styles, error)) return false;
-    const QString part = QStringLiteral("content.xml");
-    QByteArray bytes;
-    if (!readPart(archive, part, bytes, error)) return false;
-    QXmlStreamReader xml(bytes);
-
-    bool inTable = false, tableSeen = false;
-    int row = 0;
-    std::vector<QString> columnStyles; // default cell style of each column, as far as the list reads
-    const int width = out.columns();
-    QStringList cells;
-    int rowRepeat = 1;
-    QString rowStyle;
-    int col = 0;
-    while (!xml.atEnd() && !tableSeen) {
-        xml.readNext();
-        if (xml.isEndElement()) {
-            const QStringView name = xml.name();
-            if (inTable && name == "table"_L1) {
-                tableSeen = true;
-            } else if (inTable && name == "table-row"_L1) {
-                out.addRows(row, rowRepeat, cells);
-                row = static_cast<int>(std::min<qint64>(qint64(row) + rowRepeat, kMaxSheetRows));
-            }
-            continue;
-        }
-        if (!xml.isStartElement()) continue;
-        const QStringView name = xml.name();
-        if (!inTable) {
-            if (name == "table"_L1)
-                inTable = true;
-            else
-                readStyleElement(xml, styles);
-            continue;
-        }
-        if (name == "table-column"_L1) {
-            const QXmlStreamAttributes a = xml.attributes();
-            const int repeat =
-                std::clamp(attributeInt(a, "number-columns-repeated"_L1, 1), 1, kMaxSheetColumns);
-            const QString style = attr(a, "default-cell-style-name"_L1).toString();
-            for (int i = 0; i < repeat && static_cast<int>(columnStyles.size()) < width; ++i)
-                columnStyles.push_back(style);
-        } else if (name == "table-row"_L1) {
-            const QXmlStreamAttributes a = xml.attributes();
-            rowRepeat = std::clamp(attributeInt(a, "number-rows-repeated"_L1, 1), 1, kMaxSheetRows);
-            rowStyle = attr(a, "default-cell-style-name"_L1).toString();
-            cells.clear();
-            col = 0;
-        } else if (name == "table-cell"_L1 || name == "covered-table-cell"_L1) {
-            const QXmlStreamAttributes a = xml.attributes();
-            const int repeat =
-                std::clamp(attributeInt(a, "number-columns-repeated"_L1, 1), 1, kMaxSheetColumns);
-            QString style = attr(a, "style-name"_L1).toString();
-            if (style.isEmpty()) style = rowStyle;
-            if (style.isEmpty() && col < static_cast<int>(columnStyles.size())) style = columnStyles[col];
-            const QString element = xml.name().toString();
-            const QString paragraphs = cellParagraphs(xml, element);
-            const QString text = valueText(a, styles.formatOf(style), paragraphs);
-            if (!text.isEmpty()) {
-                // Only the columns the list reads are kept; a filled cell beyond them is noted.
-                const int last = static_cast<int>(std::min<qint64>(qint64(col) + repeat, kMaxSheetColumns));
-                const int kept = std::min(last, width);
-                if (cells.size() < kept) cells.resize(kept);
-                for (int c = col; c < kept; ++c)
-                    cells[c] = text;
-                if (last > width) out.setCell(row, width, text);
-            }
-            col = static_cast<int>(std::min<qint64>(qint64(col) + repeat, kMaxSheetColumns));
-        }
-    }
-    if (xml.hasError()) {
-        if (error) *error = xmlError(part, xml);
+    if (archive.contains(QStringLiteral("styles.xml")) &&
+        !OdsPart(styles, nullptr).parse(archive, QStringLiteral("styles.xml"), error))
         return false;
-    }
-    if (!tableSeen) {
+    OdsPart content(styles, &out);
+    if (!content.parse(archive, QStringLiteral("content.xml"), error)) return false;
+    if (!content.tableSeen()) {
         if (error) *error = QStringLiteral("tiedostossa ei ole taulukkoa");
         return false;
     }

@@ -33,12 +33,18 @@ SheetRow& SheetBuilder::rowAt(int row) {
     return *rows.insert(it, SheetRow{row, 1, {}});
 }
 
+QString SheetBuilder::fullMessage() {
+    return QStringLiteral("taulukossa on enemmän tekstiä kuin ohjelma pystyy tuomaan (yli %1 Mt)")
+        .arg(kMostKept >> 20);
+}
+
 void SheetBuilder::setCell(int row, int col, const QString& text) {
     if (text.isEmpty() || row < 0 || row >= kMaxSheetRows || col < 0) return;
     if (col >= m_columns) {
         m_data.cellsBeyondColumns = true;
         return;
     }
+    if (!keep(text.size())) return;
     QStringList& cells = rowAt(row).cells;
     if (cells.size() <= col) cells.resize(col + 1);
     cells[col] = text;
@@ -63,7 +69,11 @@ void SheetBuilder::addRows(int row, int repeat, const QStringList& cells) {
     }
     auto& rows = m_data.rows;
     if (rows.empty() || rows.back().index + rows.back().repeat <= row) {
-        rows.push_back({row, repeat, kept});
+        // A run is stored once.
+        qsizetype length = 0;
+        for (const QString& cell : std::as_const(kept))
+            length += cell.size();
+        if (keep(length)) rows.push_back({row, repeat, kept});
         return;
     }
     // Out of order: the rows one by one.

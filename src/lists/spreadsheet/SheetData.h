@@ -25,12 +25,26 @@ struct SheetData {
 // Collects cells in the order a file gives them. Cells at or beyond `columns` are left out (a
 // list keeps its own columns); rows come in ascending order in every known writer, and a cell
 // of an earlier row is still put in its place.
+//
+// What the readers keep of a file (cells and shared strings) is counted as it comes: once it
+// passes kMostKept bytes, no more cells are stored and the reader stops with fullMessage(), so
+// no file makes an import take more memory than that, however far it unpacks.
 class SheetBuilder {
 public:
+    static constexpr qint64 kMostKept = qint64(256) << 20;
+
     explicit SheetBuilder(int columns)
         : m_columns(columns) {}
 
     int columns() const { return m_columns; }
+    // Counts a text of `length` characters that the reader keeps besides the cells (a shared
+    // string); false once the count has passed kMostKept.
+    bool keep(qsizetype length) {
+        m_kept += kTextOverhead + 2 * qint64(length);
+        return !full();
+    }
+    bool full() const { return m_kept > kMostKept; }
+    static QString fullMessage();
     void setCell(int row, int col, const QString& text);
     // A run of `repeat` identical rows from `row` on, each with `cells` (an .ods file stores a
     // run once).
@@ -38,8 +52,11 @@ public:
     SheetData take() { return std::move(m_data); }
 
 private:
+    // What a kept text costs beyond its characters: its string and its place in a row or table.
+    static constexpr qint64 kTextOverhead = 32;
     SheetRow& rowAt(int row);
     int m_columns;
+    qint64 m_kept = 0;
     SheetData m_data;
 };
 

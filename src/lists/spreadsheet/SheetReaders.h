@@ -11,26 +11,38 @@
 #include "lists/spreadsheet/SheetData.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
-
-class QXmlStreamReader;
 
 namespace lists::sheet {
 
 // .xls: BIFF2 to BIFF8, in an OLE compound file or (BIFF2 to BIFF4) as a plain record stream.
 bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error);
-// .xlsx: Office Open XML workbooks, transitional or strict.
-bool readXlsx(const Archive& archive, SheetBuilder& out, QString* error);
+// .xlsx (and .xlsm, .xltx, .xltm): Office Open XML workbooks, transitional or strict, whose
+// workbook part (workbookPartOf) is `workbookPart`.
+bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error);
+// .xlsb: the same package with binary parts ("xl/workbook.bin").
+bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error);
 // .ods: OpenDocument spreadsheets.
 bool readOds(const Archive& archive, SheetBuilder& out, QString* error);
 
-// ---- shared by the XML readers
+// ---- shared by the readers (the binary formats share BinaryValues.h)
 
 // Line breaks inside a cell as the lists hold them: CR LF.
 QString withCrLf(QString text);
-// Reads an XML member of the archive; false with the reason when it is missing or unreadable.
-bool readPart(const Archive& archive, const QString& path, QByteArray& out, QString* error);
-// "osa NAME ei ole kelvollista XML:ää (rivi L, sarake C: ...)" for a reader that failed.
-QString xmlError(const QString& part, const QXmlStreamReader& xml);
+
+// ---- the package of Office Open XML workbooks
+
+struct Relationship {
+    QString type;   // the last word of the type: "officeDocument", "worksheet", ...
+    QString target; // the part it points at, from the package's root ("xl/worksheets/sheet1.xml")
+};
+using Relationships = QHash<QString, Relationship>; // by id
+
+// The relationships of a part (of the package itself for an empty part). A missing
+// relationships part is no relationship.
+bool readRelationships(const Archive& archive, const QString& part, Relationships& out, QString* error);
+// The workbook part the package points at ("xl/workbook.xml" when it names none).
+bool workbookPartOf(const Archive& archive, QString& part, QString* error);
 
 } // namespace lists::sheet

@@ -1,14 +1,18 @@
 // The first worksheet of an Excel binary workbook (.xls): BIFF8 and BIFF5 inside an OLE compound
 // file (the "Workbook" or "Book" stream), BIFF2 to BIFF4 as a plain record stream. A record is a
 // 16-bit id, a 16-bit length and its data; a record longer than 8224 bytes goes on in CONTINUE
-// records. Formula cells keep the result that the writing program stored with them.
+// records. Formula cells keep the result that the writing program stored with them. A stream
+// encrypted with the default password (FILEPASS) is decrypted before it is read.
+#include "lists/spreadsheet/BinaryValues.h"
 #include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/CompoundFile.h"
+#include "lists/spreadsheet/Encryption.h"
 #include "lists/spreadsheet/SheetReaders.h"
+#include "platform/CodePage.h"
 #include "platform/Cp1252.h"
 
 #include <QByteArrayView>
 #include <QHash>
-#include <QStringDecoder>
 
 #include <cstring>
 #include <functional>
@@ -28,6 +32,8 @@ enum Record : quint16 {
     kContinue = 0x003C,
     kFilePass = 0x002F,
     kCodePage = 0x0042,
+    kFont = 0x0031,
+    kFont3 = 0x0231,
     kDateMode = 0x0022,
     kFormat23 = 0x001E,
     kFormat = 0x041E,
@@ -59,51 +65,6 @@ enum Record : quint16 {
 };
 
 enum class Biff { V2, V3, V4, V5, V8 };
-
-quint16 u16(const char* p) {
-    return static_cast<quint16>(static_cast<quint8>(p[0]) | (static_cast<quint8>(p[1]) << 8));
-}
-quint32 u32(const char* p) {
-    return static_cast<quint32>(u16(p)) | (static_cast<quint32>(u16(p + 2)) << 16);
-}
-double f64(const char* p) {
-    quint64 bits = 0;
-    for (int i = 7; i >= 0; --i)
-        bits = (bits << 8) | static_cast<quint8>(p[i]);
-    double v;
-    std::memcpy(&v, &bits, sizeof v);
-    return v;
-}
-
-double rkValue(quint32 rk) {
-    double v;
-    if (rk & 2) {
-        v = static_cast<double>(static_cast<qint32>(rk) >> 2);
-    } else {
-        const quint64 bits = static_cast<quint64>(rk & 0xFFFFFFFCu) << 32;
-        std::memcpy(&v, &bits, sizeof v);
-    }
-    return (rk & 1) ? v / 100 : v;
-}
-
-QString errorText(int code) {
-    switch (code) {
-        case 0x00:
-            return QStringLiteral("#NULL!");
-        case 0x07:
-            return QStringLiteral("#DIV/0!");
-        case 0x0F:
-            return QStringLiteral("#VALUE!");
-        case 0x17:
-            return QStringLiteral("#REF!");
-        case 0x1D:
-            return QStringLiteral("#NAME?");
-        case 0x24:
-            return QStringLiteral("#NUM!");
-        default:
-            return QStringLiteral("#N/A");
-    }
-}
 
 // The built-in formats of BIFF2 to BIFF4 files, which number them in their own order.
 CellFormat oldBuiltinFormat(int index) {
@@ -193,9 +154,11 @@ private:
 
 class BiffReader {
 public:
-    BiffReader(QByteArrayView stream, SheetBuilder& out)
+    // `decrypted`: the stream's records after FILEPASS have been decrypted.
+    BiffReader(QByteArrayView stream, SheetBuilder& out, bool decrypted)
         : m_stream(stream)
-        , m_out(out) {}
+        , m_out(out)
+        , m_decrypted(decrypted) {}
 
     bool read(QString* error);
 
@@ -214,29 +177,43 @@ private:
     bool globalRecord(const Rec& rec, qsizetype pos);
     bool cellRecord(const Rec& rec, qsizetype pos);
 
-    QString byteText(QByteArrayView bytes) const;
+    // Where a cell is and how it is shown; `font` is the index of its FONT record.
+    struct Cell {
+        int row = 0, col = 0;
+        CellFormat format;
+        int font = 0;
+    };
+    bool cellOf(const Rec& rec, qsizetype size, Cell& cell);
+
+    // Bytes of an 8-bit string in the code page that holds for text in the given font.
+    QString byteText(QByteArrayView bytes, int font) const;
+    int codePageOfFont(int font) const;
     // A string whose length field is `lengthSize` bytes, at `at` in the record.
-    QString recordString(const Rec& rec, qsizetype at, int lengthSize, bool* ok);
-    QString continuedString(const Rec& rec, qsizetype pos, qsizetype at, int lengthSize, bool* ok);
+    QString recordString(const Rec& rec, qsizetype at, int lengthSize, bool* ok, int font = 0);
+    QString continuedString(const Rec& rec, qsizetype pos, qsizetype at, int lengthSize, bool* ok,
+                            int font = 0);
     bool unicodeString(Segments& s, int lengthSize, QString& out);
     void readSst(const Rec& rec, qsizetype pos);
 
     CellFormat formatOfXf(int xf) const;
+    int fontOfXf(int xf) const;
     CellFormat formatAt(int index) const;
     void putNumber(int row, int col, double value, const CellFormat& format);
 
     QByteArrayView m_stream;
     SheetBuilder& m_out;
+    bool m_decrypted = false;
     Biff m_biff = Biff::V8;
     bool m_date1904 = false;
-    int m_codePage = 1252;
-    mutable std::optional<QStringDecoder> m_decoder; // for code pages other than Windows-1252
-    QHash<int, CellFormat> m_formats;                // by index (by order before BIFF5)
+    int m_codePage = 0;               // of the CODEPAGE record; 0 when there is none
+    std::vector<int> m_fontCharsets;  // character set of each FONT record, -1 where it has none
+    QHash<int, CellFormat> m_formats; // by index (by order before BIFF5)
     int m_formatCount = 0;
     std::vector<int> m_xfFormats; // format index of each XF record
+    std::vector<int> m_xfFonts;   // font index of each XF record
     std::vector<QString> m_sst;
-    std::optional<quint32> m_firstSheet;      // stream offset of the first worksheet's BOF
-    int m_pendingRow = -1, m_pendingCol = -1; // a formula whose text result follows
+    std::optional<quint32> m_firstSheet;                         // stream offset of the first worksheet's BOF
+    int m_pendingRow = -1, m_pendingCol = -1, m_pendingFont = 0; // a formula whose text result follows
     QString m_error;
 };
 
@@ -273,9 +250,38 @@ bool BiffReader::next(qsizetype& pos, Rec& rec) {
     return true;
 }
 
-QString BiffReader::byteText(QByteArrayView bytes) const {
-    if (m_decoder) return m_decoder->decode(bytes);
-    return platform::fromCp1252(bytes.data(), bytes.size());
+// The code page of 8-bit text: the workbook's CODEPAGE record, or where it names none (it is
+// missing, or says UTF-16 in a file whose strings are 8-bit) the character set of the text's
+// font, as the program that wrote the file had it.
+int BiffReader::codePageOfFont(int font) const {
+    switch (m_codePage) {
+        case 0:
+        case 1200:
+            break;
+        case 367:   // US-ASCII
+        case 32769: // Windows-1252 in BIFF2 and BIFF3
+            return 1252;
+        case 32768: // Mac Roman
+            return 10000;
+        default:
+            return m_codePage;
+    }
+    // The FONT record with index 4 is left out of the file: the ones after it are one lower.
+    const int at = font > 4 ? font - 1 : font;
+    const int charset = at >= 0 && at < static_cast<int>(m_fontCharsets.size())
+                            ? m_fontCharsets[static_cast<std::size_t>(at)]
+                            : (m_fontCharsets.empty() ? -1 : m_fontCharsets.front());
+    const int codePage = charset >= 0 ? platform::codePageOfCharset(charset) : 0;
+    return codePage != 0 ? codePage : 1252;
+}
+
+QString BiffReader::byteText(QByteArrayView bytes, int font) const {
+    // BIFF8 stores a string whose characters are all below 256 with one byte a character: the
+    // low bytes of UTF-16, whatever the code page.
+    if (m_biff == Biff::V8) return QString::fromLatin1(bytes.data(), bytes.size());
+    const int codePage = codePageOfFont(font);
+    if (codePage == 1252) return platform::fromCp1252(bytes.data(), bytes.size());
+    return platform::decodeCodePage(bytes.toByteArray(), codePage);
 }
 
 bool BiffReader::unicodeString(Segments& s, int lengthSize, QString& out) {
@@ -295,14 +301,14 @@ bool BiffReader::unicodeString(Segments& s, int lengthSize, QString& out) {
     }
     QString text;
     if (!s.characters(
-            *count, (*flags & 1) != 0, [this](QByteArrayView b) { return byteText(b); }, text))
+            *count, (*flags & 1) != 0, [this](QByteArrayView b) { return byteText(b, 0); }, text))
         return false;
     if (!s.bytes(qsizetype(runs) * 4, nullptr) || !s.bytes(extra, nullptr)) return false;
     out = withCrLf(text);
     return true;
 }
 
-QString BiffReader::recordString(const Rec& rec, qsizetype at, int lengthSize, bool* ok) {
+QString BiffReader::recordString(const Rec& rec, qsizetype at, int lengthSize, bool* ok, int font) {
     *ok = false;
     if (m_biff == Biff::V8) {
         Segments s;
@@ -315,12 +321,13 @@ QString BiffReader::recordString(const Rec& rec, qsizetype at, int lengthSize, b
     const qsizetype n = lengthSize == 1 ? static_cast<quint8>(rec.data[at]) : u16(rec.data.data() + at);
     if (at + lengthSize + n > rec.data.size()) return {};
     *ok = true;
-    return withCrLf(byteText(rec.data.sliced(at + lengthSize, n)));
+    return withCrLf(byteText(rec.data.sliced(at + lengthSize, n), font));
 }
 
 // A BIFF8 string that may go on in CONTINUE records after the record at `pos` (the end of it).
-QString BiffReader::continuedString(const Rec& rec, qsizetype pos, qsizetype at, int lengthSize, bool* ok) {
-    if (m_biff != Biff::V8) return recordString(rec, at, lengthSize, ok);
+QString BiffReader::continuedString(const Rec& rec, qsizetype pos, qsizetype at, int lengthSize, bool* ok,
+                                    int font) {
+    if (m_biff != Biff::V8) return recordString(rec, at, lengthSize, ok, font);
     Segments s;
     if (at <= rec.data.size()) s.add(rec.data.sliced(at));
     Rec more;
@@ -342,10 +349,10 @@ void BiffReader::readSst(const Rec& rec, qsizetype pos) {
     while (p + 4 <= m_stream.size() && u16(m_stream.data() + p) == kContinue && next(p, more))
         s.add(more.data);
     // The count is only an upper bound: what the data holds decides.
-    m_sst.reserve(std::min<quint32>(unique, static_cast<quint32>(m_stream.size() / 3)));
+    m_sst.reserve(std::min<quint32>({unique, static_cast<quint32>(m_stream.size() / 3), 1u << 20}));
     for (quint32 i = 0; i < unique && !s.atEnd(); ++i) {
         QString text;
-        if (!unicodeString(s, 2, text)) break;
+        if (!unicodeString(s, 2, text) || !m_out.keep(text.size())) break;
         m_sst.push_back(std::move(text));
     }
 }
@@ -361,6 +368,11 @@ CellFormat BiffReader::formatOfXf(int xf) const {
     return formatAt(m_xfFormats[static_cast<std::size_t>(xf)]);
 }
 
+int BiffReader::fontOfXf(int xf) const {
+    if (xf < 0 || xf >= static_cast<int>(m_xfFonts.size())) return 0;
+    return m_xfFonts[static_cast<std::size_t>(xf)];
+}
+
 void BiffReader::putNumber(int row, int col, double value, const CellFormat& format) {
     m_out.setCell(row, col,
                   format.isDateOrTime() ? serialText(value, format, nullDate(m_date1904))
@@ -369,34 +381,27 @@ void BiffReader::putNumber(int row, int col, double value, const CellFormat& for
 
 bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
     const char* d = rec.data.data();
+    // The fonts and formats kept count as the texts do.
+    const bool kept = rec.id == kFont || rec.id == kFont3 || rec.id == kFormat23 || rec.id == kFormat ||
+                      rec.id == kXf2 || rec.id == kXf3 || rec.id == kXf4 || rec.id == kXf;
+    if (kept && !m_out.keep(0)) return fail(SheetBuilder::fullMessage());
     switch (rec.id) {
         case kFilePass:
-            return fail(QStringLiteral("työkirja on suojattu salasanalla"));
+            return m_decrypted || fail(decryptionFailure(Decryption::OtherPassword));
         case kCodePage:
             if (!need(rec, 2)) return false;
             m_codePage = u16(d);
-            m_decoder.reset();
-            switch (m_codePage) {
-                case 367:
-                case 1252:
-                case 1200:
-                case 32769:
-                    break;
-                case 10000:
-                case 32768:
-                    m_decoder.emplace("macintosh");
-                    break;
-                default:
-                    m_decoder.emplace(
-                        m_codePage >= 1250 && m_codePage <= 1258
-                            ? QStringLiteral("windows-%1").arg(m_codePage).toLatin1().constData()
-                            : QStringLiteral("cp%1").arg(m_codePage).toLatin1().constData());
-            }
-            if (m_decoder && !m_decoder->isValid()) m_decoder.reset();
+            return true;
+        case kFont:
+        case kFont3:
+            // Only the BIFF5 and BIFF8 layout has a character set (at byte 12).
+            m_fontCharsets.push_back(rec.id == kFont && m_biff >= Biff::V5 && rec.data.size() > 12
+                                         ? static_cast<quint8>(d[12])
+                                         : -1);
             return true;
         case kDateMode:
             if (!need(rec, 2)) return false;
-            m_date1904 = u16(d) == 1;
+            m_date1904 = u16(d) != 0;
             return true;
         case kFormat23:
         case kFormat: {
@@ -419,20 +424,23 @@ bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
         }
         case kXf2:
             if (!need(rec, 3)) return false;
+            m_xfFonts.push_back(static_cast<quint8>(d[0]));
             m_xfFormats.push_back(static_cast<quint8>(d[2]) & 0x3F);
             return true;
         case kXf3:
         case kXf4:
             if (!need(rec, 2)) return false;
+            m_xfFonts.push_back(static_cast<quint8>(d[0]));
             m_xfFormats.push_back(static_cast<quint8>(d[1]));
             return true;
         case kXf:
             if (!need(rec, 4)) return false;
+            m_xfFonts.push_back(u16(d));
             m_xfFormats.push_back(u16(d + 2));
             return true;
         case kSst:
             readSst(rec, pos);
-            return true;
+            return !m_out.full() || fail(SheetBuilder::fullMessage());
         case kBoundSheet:
             if (!need(rec, 6)) return false;
             // The first sheet that is a worksheet (type 0); charts and macro sheets hold no cells.
@@ -443,44 +451,58 @@ bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
     }
 }
 
+// Records of BIFF2 cells carry three attribute bytes where later ones have an XF index. Files
+// from some programs mix the two kinds, so the record decides, not the file's version (only the
+// formula record kept its id from BIFF2 to BIFF5 with the other layout).
+bool BiffReader::cellOf(const Rec& rec, qsizetype size, Cell& cell) {
+    if (!need(rec, size)) return false;
+    const char* d = rec.data.data();
+    cell.row = u16(d);
+    cell.col = u16(d + 2);
+    const bool attributes = rec.id == kNumber2 || rec.id == kInteger2 || rec.id == kLabel2 ||
+                            rec.id == kBoolErr2 || (rec.id == kFormula && m_biff == Biff::V2);
+    int xf = -1;
+    if (!attributes) {
+        xf = u16(d + 4);
+    } else if (!m_xfFormats.empty()) {
+        xf = static_cast<quint8>(d[4]) & 0x3F;
+    } else {
+        // No XF records: the second byte holds the format index and the font index.
+        cell.format = formatAt(static_cast<quint8>(d[5]) & 0x3F);
+        cell.font = static_cast<quint8>(d[5]) >> 6;
+        return true;
+    }
+    cell.format = formatOfXf(xf);
+    cell.font = fontOfXf(xf);
+    return true;
+}
+
 bool BiffReader::cellRecord(const Rec& rec, qsizetype pos) {
     const char* d = rec.data.data();
-    const bool biff2 = m_biff == Biff::V2;
-    // BIFF2 cells carry three attribute bytes, the second of which holds the format index.
-    auto cell = [&](int& row, int& col, CellFormat& format, qsizetype size) {
-        if (!need(rec, size)) return false;
-        row = u16(d);
-        col = u16(d + 2);
-        format = biff2 ? formatAt(static_cast<quint8>(d[5]) & 0x3F) : formatOfXf(u16(d + 4));
-        return true;
-    };
-    int row = 0, col = 0;
-    CellFormat format;
+    Cell cell;
     if (rec.id != kString && rec.id != kString2 && rec.id != kShrFmla && rec.id != kArray &&
         rec.id != kTable && rec.id != kContinue)
         m_pendingRow = -1;
     switch (rec.id) {
         case kNumber2:
-            if (!biff2) return true;
-            if (!cell(row, col, format, 15)) return false;
-            putNumber(row, col, f64(d + 7), format);
+            if (!cellOf(rec, 15, cell)) return false;
+            putNumber(cell.row, cell.col, f64(d + 7), cell.format);
             return true;
         case kInteger2:
-            if (!biff2) return true;
-            if (!cell(row, col, format, 9)) return false;
-            putNumber(row, col, u16(d + 7), format);
+            if (!cellOf(rec, 9, cell)) return false;
+            putNumber(cell.row, cell.col, u16(d + 7), cell.format);
             return true;
         case kNumber:
-            if (!cell(row, col, format, 14)) return false;
-            putNumber(row, col, f64(d + 6), format);
+            if (!cellOf(rec, 14, cell)) return false;
+            putNumber(cell.row, cell.col, f64(d + 6), cell.format);
             return true;
         case kRk:
-            if (!cell(row, col, format, 10)) return false;
-            putNumber(row, col, rkValue(u32(d + 6)), format);
+            if (!cellOf(rec, 10, cell)) return false;
+            putNumber(cell.row, cell.col, rkValue(u32(d + 6)), cell.format);
             return true;
         case kMulRk: {
             if (!need(rec, 6)) return false;
-            row = u16(d);
+            const int row = u16(d);
             const int first = u16(d + 2);
             // The record's length says how many cells it holds; its last-column field is not needed.
             const qsizetype count = (rec.data.size() - 6) / 6;
@@ -493,50 +515,53 @@ bool BiffReader::cellRecord(const Rec& rec, qsizetype pos) {
         case kLabel2:
         case kLabel:
         case kRString: {
-            if (rec.id == kLabel2 && !biff2) return true;
-            if (!cell(row, col, format, biff2 ? 8 : 8)) return false;
+            if (!cellOf(rec, 8, cell)) return false;
             bool ok = false;
-            const QString text = biff2 ? recordString(rec, 7, 1, &ok) : continuedString(rec, pos, 6, 2, &ok);
+            // BIFF2's label has a one-byte length before BIFF8, where every label is UTF-16.
+            const QString text =
+                rec.id == kLabel2 && m_biff != Biff::V8
+                    ? recordString(rec, 7, 1, &ok, cell.font)
+                    : continuedString(rec, pos, rec.id == kLabel2 ? 7 : 6, 2, &ok, cell.font);
             if (!ok) return fail(QStringLiteral("solun teksti on vajaa"), rec);
-            m_out.setCell(row, col, text);
+            m_out.setCell(cell.row, cell.col, text);
             return true;
         }
         case kLabelSst: {
-            if (!cell(row, col, format, 10)) return false;
+            if (!cellOf(rec, 10, cell)) return false;
             const quint32 index = u32(d + 6);
             // An index beyond the strings read shows nothing rather than some other text.
-            if (index < m_sst.size()) m_out.setCell(row, col, m_sst[index]);
+            if (index < m_sst.size()) m_out.setCell(cell.row, cell.col, m_sst[index]);
             return true;
         }
         case kBoolErr2:
         case kBoolErr: {
-            if (rec.id == kBoolErr2 && !biff2) return true;
-            const qsizetype at = biff2 ? 7 : 6;
-            if (!cell(row, col, format, at + 2)) return false;
+            const qsizetype at = rec.id == kBoolErr2 ? 7 : 6;
+            if (!cellOf(rec, at + 2, cell)) return false;
             const int value = static_cast<quint8>(d[at]);
-            m_out.setCell(row, col, d[at + 1] ? errorText(value) : booleanText(value != 0));
+            m_out.setCell(cell.row, cell.col, d[at + 1] ? errorText(value) : booleanText(value != 0));
             return true;
         }
         case kFormula:
         case kFormula3:
         case kFormula4: {
-            const qsizetype at = biff2 ? 7 : 6;
-            if (!cell(row, col, format, at + 8)) return false;
+            const qsizetype at = rec.id == kFormula && m_biff == Biff::V2 ? 7 : 6;
+            if (!cellOf(rec, at + 8, cell)) return false;
             const char* result = d + at;
             if (u16(result + 6) != 0xFFFF) {
-                putNumber(row, col, f64(result), format);
+                putNumber(cell.row, cell.col, f64(result), cell.format);
                 return true;
             }
             switch (static_cast<quint8>(result[0])) {
                 case 0: // the text follows in a STRING record
-                    m_pendingRow = row;
-                    m_pendingCol = col;
+                    m_pendingRow = cell.row;
+                    m_pendingCol = cell.col;
+                    m_pendingFont = cell.font;
                     break;
                 case 1:
-                    m_out.setCell(row, col, booleanText(result[2] != 0));
+                    m_out.setCell(cell.row, cell.col, booleanText(result[2] != 0));
                     break;
                 case 2:
-                    m_out.setCell(row, col, errorText(static_cast<quint8>(result[2])));
+                    m_out.setCell(cell.row, cell.col, errorText(static_cast<quint8>(result[2])));
                     break;
                 default: // an empty text
                     break;
@@ -547,8 +572,8 @@ bool BiffReader::cellRecord(const Rec& rec, qsizetype pos) {
         case kString: {
             if (m_pendingRow < 0) return true;
             bool ok = false;
-            const QString text = rec.id == kString2 ? recordString(rec, 0, 1, &ok)
-                                                    : continuedString(rec, pos, 0, biff2 ? 1 : 2, &ok);
+            const QString text = rec.id == kString2 ? recordString(rec, 0, 1, &ok, m_pendingFont)
+                                                    : continuedString(rec, pos, 0, 2, &ok, m_pendingFont);
             if (!ok) return fail(QStringLiteral("kaavan tulosteksti on vajaa"), rec);
             m_out.setCell(m_pendingRow, m_pendingCol, text);
             m_pendingRow = -1;
@@ -581,6 +606,7 @@ bool BiffReader::readSubstream(qsizetype pos, bool sheet) {
         }
         if (!globalRecord(rec, pos)) return false;
         if (sheet && !cellRecord(rec, pos)) return false;
+        if (m_out.full()) return fail(SheetBuilder::fullMessage());
     }
     // A stream that ends without its EOF record still gives the cells it holds.
     return true;
@@ -646,26 +672,69 @@ bool BiffReader::read(QString* error) {
 
 } // namespace
 
+namespace {
+
+// Decrypts the records after a FILEPASS record of the workbook globals in place, with the
+// password of a workbook that is only protected against changes. Record headers are not
+// encrypted, nor are the records the file format names (BOF, FILEPASS, ...) and a BOUNDSHEET's
+// stream offset; the key stream runs on over all of them. False with the reason when the
+// password does not open the workbook.
+bool decryptStream(QByteArray& stream, bool& decrypted, QString* error) {
+    decrypted = false;
+    qsizetype pos = 0, after = -1;
+    QByteArrayView filePass;
+    while (pos + 4 <= stream.size()) {
+        const quint16 id = u16(stream.constData() + pos), length = u16(stream.constData() + pos + 2);
+        if (pos + 4 + length > stream.size() || id == kEof) break;
+        if (id == kFilePass) {
+            filePass = QByteArrayView(stream).sliced(pos + 4, length);
+            after = pos + 4 + length;
+            break;
+        }
+        pos += 4 + length;
+    }
+    if (after < 0) return true;
+    Decryption status = Decryption::Unknown;
+    const std::unique_ptr<BiffCipher> cipher = BiffCipher::fromFilePass(filePass, defaultPassword(), status);
+    if (!cipher) {
+        if (error) *error = decryptionFailure(status);
+        return false;
+    }
+    char* data = stream.data();
+    for (pos = after; pos + 4 <= stream.size();) {
+        const quint16 id = u16(data + pos), length = u16(data + pos + 2);
+        const qsizetype end = std::min<qsizetype>(pos + 4 + length, stream.size());
+        const bool clear = id == kBof2 || id == kBof3 || id == kBof4 || id == kBof58 || id == kFilePass ||
+                           id == 0x0194 /* USREXCL */ || id == 0x0195 /* FILELOCK */ ||
+                           id == 0x00E1 /* INTERFACEHDR */ || id == 0x0196 /* RRDINFO */ ||
+                           id == 0x0138 /* RRDHEAD */;
+        const qsizetype at = pos + 4 + (id == kBoundSheet ? 4 : 0);
+        if (!clear && at < end) cipher->decrypt(data + at, end - at, at);
+        pos += 4 + length;
+    }
+    decrypted = true;
+    return true;
+}
+
+} // namespace
+
 bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error) {
-    QByteArray stream;
-    QByteArrayView view(bytes);
+    QByteArray stream = bytes; // shared until a decryption writes to it
     if (looksLikeOle(bytes)) {
-        const std::unique_ptr<Archive> ole = Archive::open(bytes, Archive::Kind::Ole, error);
+        const std::unique_ptr<CompoundFile> ole = CompoundFile::open(bytes, error);
         if (!ole) return false;
         const QString name = ole->contains(QStringLiteral("Workbook")) ? QStringLiteral("Workbook")
                              : ole->contains(QStringLiteral("Book"))   ? QStringLiteral("Book")
                                                                        : QString();
         if (name.isEmpty()) {
-            if (error)
-                *error = ole->contains(QStringLiteral("EncryptedPackage"))
-                             ? QStringLiteral("työkirja on suojattu salasanalla")
-                             : QStringLiteral("tiedostossa ei ole Excel-työkirjaa");
+            if (error) *error = QStringLiteral("tiedostossa ei ole Excel-työkirjaa");
             return false;
         }
         if (!ole->read(name, stream, error)) return false;
-        view = QByteArrayView(stream);
     }
-    BiffReader reader(view, out);
+    bool decrypted = false;
+    if (!decryptStream(stream, decrypted, error)) return false;
+    BiffReader reader(stream, out, decrypted);
     return reader.read(error);
 }
 

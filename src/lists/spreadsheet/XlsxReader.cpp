@@ -1,20 +1,15 @@
 // The first worksheet of an Office Open XML workbook (.xlsx), transitional or strict: the parts
 // are found through the package's relationships, so only the local names of elements and the
-// last word of relationship types matter.
+// last word of relationship types matter. Every part is parsed as it is unpacked.
 #include "lists/spreadsheet/CellText.h"
+#include "lists/spreadsheet/SaxPart.h"
 #include "lists/spreadsheet/SheetReaders.h"
 
 #include <QHash>
-#include <QXmlStreamReader>
 
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <string>
-
-#include <libxml/parser.h>
-#include <libxml/parserInternals.h>
-#include <libxml/xmlerror.h>
 #include <vector>
 
 namespace lists::sheet {
@@ -22,55 +17,6 @@ namespace lists::sheet {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-// "xl/worksheets/sheet1.xml" from the folder of the part that points at it and its target.
-QString resolveTarget(const QString& fromFolder, const QString& target) {
-    QString path = target.startsWith(QLatin1Char('/')) ? target.mid(1) : fromFolder + target;
-    QStringList parts;
-    for (const QString& p : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
-        if (p == QLatin1String("..")) {
-            if (!parts.isEmpty()) parts.removeLast();
-        } else if (p != QLatin1String(".")) {
-            parts.append(p);
-        }
-    }
-    return parts.join(QLatin1Char('/'));
-}
-
-QString folderOf(const QString& path) {
-    const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
-    return slash < 0 ? QString() : path.left(slash + 1);
-}
-
-struct Relationship {
-    QString type; // the last word of the type: "officeDocument", "worksheet", ...
-    QString target;
-};
-
-// The relationships of a part, by id. A missing relationships part is no relationship.
-bool readRelationships(const Archive& archive, const QString& part, QHash<QString, Relationship>& out,
-                       QString* error) {
-    const QString relsPath = folderOf(part) + "_rels/"_L1 + part.mid(folderOf(part).size()) + ".rels"_L1;
-    if (!archive.contains(relsPath)) return true;
-    QByteArray bytes;
-    if (!readPart(archive, relsPath, bytes, error)) return false;
-    QXmlStreamReader xml(bytes);
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (xml.isStartElement() && xml.name() == "Relationship"_L1) {
-            const QXmlStreamAttributes a = xml.attributes();
-            const QString type = a.value("Type"_L1).toString();
-            out.insert(a.value("Id"_L1).toString(),
-                       {type.mid(type.lastIndexOf(QLatin1Char('/')) + 1),
-                        resolveTarget(folderOf(part), a.value("Target"_L1).toString())});
-        }
-    }
-    if (xml.hasError()) {
-        if (error) *error = xmlError(relsPath, xml);
-        return false;
-    }
-    return true;
-}
 
 // Text written as _xHHHH_ stands for the character HHHH (Excel writes a CR as _x000D_).
 QString decodeEscapes(QString text) {
@@ -93,72 +39,15 @@ QString decodeEscapes(QString text) {
     return out;
 }
 
-// libxml2's SAX parser over one part: a pull parser is several times slower on a sheet of
-// thousands of rows, and the sheet is most of an import's time.
-class SaxPart {
-public:
-    virtual ~SaxPart() = default;
-    // `attributes` holds `count` entries of five pointers: local name, prefix, URI, value, end.
-    virtual void start(std::string_view name, const xmlChar** attributes, int count) = 0;
-    virtual void end(std::string_view name) = 0;
-    virtual void text(const char* chars, int length) = 0;
-
-    bool parse(const QByteArray& bytes, const QString& part, QString* error) {
-        xmlSAXHandler handler{};
-        handler.initialized = XML_SAX2_MAGIC;
-        handler.startElementNs = [](void* self, const xmlChar* name, const xmlChar*, const xmlChar*, int,
-                                    const xmlChar**, int count, int, const xmlChar** attributes) {
-            static_cast<SaxPart*>(self)->start(reinterpret_cast<const char*>(name), attributes, count);
-        };
-        handler.endElementNs = [](void* self, const xmlChar* name, const xmlChar*, const xmlChar*) {
-            static_cast<SaxPart*>(self)->end(reinterpret_cast<const char*>(name));
-        };
-        handler.characters = [](void* self, const xmlChar* chars, int length) {
-            static_cast<SaxPart*>(self)->text(reinterpret_cast<const char*>(chars), length);
-        };
-        handler.cdataBlock = handler.characters;
-        handler.serror = [](void*, xmlErrorPtr) {}; // reported below, not printed
-        xmlParserCtxtPtr ctxt = xmlCreateMemoryParserCtxt(bytes.constData(), static_cast<int>(bytes.size()));
-        if (!ctxt) {
-            if (error) *error = QStringLiteral("osaa ") + part + QStringLiteral(" ei voi lukea");
-            return false;
-        }
-        std::memcpy(ctxt->sax, &handler, sizeof handler);
-        ctxt->userData = this;
-        xmlCtxtUseOptions(ctxt, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
-        xmlParseDocument(ctxt);
-        const bool ok = ctxt->wellFormed != 0;
-        if (!ok && error) {
-            const xmlErrorPtr e = xmlCtxtGetLastError(ctxt);
-            *error = QStringLiteral("osa %1 ei ole kelvollista XML:ää (rivi %2, sarake %3: %4)")
-                         .arg(part)
-                         .arg(e ? e->line : 0)
-                         .arg(e ? e->int2 : 0)
-                         .arg(e && e->message ? QString::fromUtf8(e->message).trimmed() : QString());
-        }
-        xmlFreeParserCtxt(ctxt);
-        return ok;
-    }
-};
-
-std::string_view saxAttribute(const xmlChar** attributes, int count, std::string_view name) {
-    for (int i = 0; i < count; ++i)
-        if (name == reinterpret_cast<const char*>(attributes[5 * i]))
-            return {reinterpret_cast<const char*>(attributes[5 * i + 3]),
-                    static_cast<std::size_t>(attributes[5 * i + 4] - attributes[5 * i + 3])};
-    return {};
-}
-
-QString fromUtf8(std::string_view s) {
-    return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
-}
-
 // The shared strings: the text of every <si>, its runs' <t> included and its phonetic guides
 // (<rPh>) left out.
 class SharedStrings : public SaxPart {
 public:
-    explicit SharedStrings(std::vector<QString>& out)
-        : m_out(out) {}
+    SharedStrings(std::vector<QString>& out, SheetBuilder& budget)
+        : m_out(out)
+        , m_budget(budget) {}
+
+protected:
     void start(std::string_view name, const xmlChar**, int) override {
         if (name == "si") {
             m_text.clear();
@@ -173,6 +62,7 @@ public:
         if (name == "si") {
             m_out.push_back(withCrLf(decodeEscapes(fromUtf8(m_text))));
             m_inString = false;
+            if (!m_budget.keep(m_out.back().size())) stop(SheetBuilder::fullMessage());
         } else if (name == "rPh" || name == "phoneticPr") {
             --m_skip;
         } else if (name == "t") {
@@ -180,65 +70,96 @@ public:
         }
     }
     void text(const char* chars, int length) override {
-        if (m_inText) m_text.append(chars, static_cast<std::size_t>(length));
+        if (m_inText) append(m_text, chars, length);
     }
 
 private:
     std::vector<QString>& m_out;
+    SheetBuilder& m_budget;
     std::string m_text;
     bool m_inString = false;
     bool m_inText = false;
     int m_skip = 0;
 };
 
-bool readSharedStrings(const Archive& archive, const QString& part, std::vector<QString>& out,
-                       QString* error) {
-    QByteArray bytes;
-    if (!readPart(archive, part, bytes, error)) return false;
-    SharedStrings strings(out);
-    return strings.parse(bytes, part, error);
-}
+// The number format of each cell format (the index a cell's s attribute gives): <numFmt>s give
+// the workbook's own formats, the <xf>s of <cellXfs> point at them or at built-in ones.
+class Styles : public SaxPart {
+public:
+    Styles(std::vector<CellFormat>& out, SheetBuilder& budget)
+        : m_out(out)
+        , m_budget(budget) {}
 
-// The number format of each cell format (the index a cell's s attribute gives).
-bool readStyles(const Archive& archive, const QString& part, std::vector<CellFormat>& out, QString* error) {
-    QByteArray bytes;
-    if (!readPart(archive, part, bytes, error)) return false;
-    QXmlStreamReader xml(bytes);
-    QHash<int, CellFormat> custom;
-    bool inCellXfs = false;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (xml.isEndElement() && xml.name() == "cellXfs"_L1) inCellXfs = false;
-        if (!xml.isStartElement()) continue;
-        if (xml.name() == "numFmt"_L1) {
-            const QXmlStreamAttributes a = xml.attributes();
-            custom.insert(a.value("numFmtId"_L1).toInt(), excelFormat(a.value("formatCode"_L1)));
-        } else if (xml.name() == "cellXfs"_L1) {
-            inCellXfs = true;
-        } else if (inCellXfs && xml.name() == "xf"_L1) {
-            const int id = xml.attributes().value("numFmtId"_L1).toInt();
-            const auto it = custom.constFind(id);
-            out.push_back(it != custom.cend() ? *it : excelBuiltinFormat(id));
+protected:
+    void start(std::string_view name, const xmlChar** attributes, int count) override {
+        // The formats kept count as the texts do.
+        if ((name == "numFmt" || (m_inCellXfs && name == "xf")) && !m_budget.keep(0))
+            return stop(SheetBuilder::fullMessage());
+        if (name == "numFmt") {
+            m_custom.insert(intOf(saxAttribute(attributes, count, "numFmtId")),
+                            excelFormat(fromUtf8(saxAttribute(attributes, count, "formatCode"))));
+        } else if (name == "cellXfs") {
+            m_inCellXfs = true;
+        } else if (m_inCellXfs && name == "xf") {
+            const int id = intOf(saxAttribute(attributes, count, "numFmtId"));
+            const auto it = m_custom.constFind(id);
+            m_out.push_back(it != m_custom.cend() ? *it : excelBuiltinFormat(id));
         }
     }
-    if (xml.hasError()) {
-        if (error) *error = xmlError(part, xml);
-        return false;
+    void end(std::string_view name) override {
+        if (name == "cellXfs") m_inCellXfs = false;
     }
-    return true;
-}
+    void text(const char*, int) override {}
+
+private:
+    static int intOf(std::string_view s) {
+        int v = 0;
+        std::from_chars(s.data(), s.data() + s.size(), v);
+        return v;
+    }
+    std::vector<CellFormat>& m_out;
+    SheetBuilder& m_budget;
+    QHash<int, CellFormat> m_custom;
+    bool m_inCellXfs = false;
+};
+
+// The workbook part: its date system and the relationship id of its first sheet.
+class WorkbookPart : public SaxPart {
+public:
+    bool date1904 = false;
+    QString firstSheetId; // null while no sheet was seen
+
+protected:
+    void start(std::string_view name, const xmlChar** attributes, int count) override {
+        if (name == "workbookPr") {
+            const std::string_view v = saxAttribute(attributes, count, "date1904");
+            date1904 = v == "1" || v == "true";
+        } else if (name == "sheet" && firstSheetId.isNull()) {
+            firstSheetId = QStringLiteral("");
+            // r:id: the attribute named id that has a namespace.
+            for (int i = 0; i < count; ++i)
+                if (std::string_view(reinterpret_cast<const char*>(attributes[5 * i])) == "id" &&
+                    attributes[5 * i + 2])
+                    firstSheetId =
+                        fromUtf8({reinterpret_cast<const char*>(attributes[5 * i + 3]),
+                                  static_cast<std::size_t>(attributes[5 * i + 4] - attributes[5 * i + 3])});
+        }
+    }
+    void end(std::string_view) override {}
+    void text(const char*, int) override {}
+};
 
 // "AB12" as a column and a row from 0; false when it is not a cell reference.
-bool parseReference(QStringView ref, int& col, int& row) {
-    qsizetype i = 0;
+bool parseReference(std::string_view ref, int& col, int& row) {
+    std::size_t i = 0;
     qint64 c = 0, r = 0;
-    for (; i < ref.size() && ref[i].isLetter(); ++i) {
-        c = c * 26 + (ref[i].toUpper().unicode() - 'A' + 1);
+    for (; i < ref.size() && ((ref[i] >= 'A' && ref[i] <= 'Z') || (ref[i] >= 'a' && ref[i] <= 'z')); ++i) {
+        c = c * 26 + ((ref[i] & ~0x20) - 'A' + 1);
         if (c > kMaxSheetColumns) return false;
     }
-    const qsizetype letters = i;
-    for (; i < ref.size() && ref[i].isDigit(); ++i) {
-        r = r * 10 + (ref[i].unicode() - '0');
+    const std::size_t letters = i;
+    for (; i < ref.size() && ref[i] >= '0' && ref[i] <= '9'; ++i) {
+        r = r * 10 + (ref[i] - '0');
         if (r > kMaxSheetRows) return false;
     }
     if (letters == 0 || i == letters || i != ref.size()) return false;
@@ -282,11 +203,11 @@ struct Workbook {
     std::vector<CellFormat> formats;
 };
 
-QString cellText(const Workbook& book, QStringView type, int style, const std::string& rawValue,
+QString cellText(const Workbook& book, std::string_view type, int style, const std::string& rawValue,
                  const QString& inlineText) {
     const CellFormat format =
         style >= 0 && style < static_cast<int>(book.formats.size()) ? book.formats[style] : CellFormat{};
-    if (type.isEmpty() || type == "n"_L1) {
+    if (type.empty() || type == "n") {
         // Numbers are most cells: read them without making a text first.
         const char* begin = rawValue.data();
         const char* end = begin + rawValue.size();
@@ -297,19 +218,19 @@ QString cellText(const Workbook& book, QStringView type, int style, const std::s
         return format.isDateOrTime() ? serialText(number, format, nullDate(book.date1904))
                                      : numberText(number, format);
     }
-    if (type == "s"_L1) {
+    if (type == "s") {
         std::size_t index = 0;
         const auto r = std::from_chars(rawValue.data(), rawValue.data() + rawValue.size(), index);
         // A string cell without a valid index shows nothing, not some other cell's text.
         if (rawValue.empty() || r.ec != std::errc() || index >= book.strings.size()) return {};
         return book.strings[index];
     }
-    if (type == "inlineStr"_L1) return inlineText;
+    if (type == "inlineStr") return inlineText;
     const QString value = fromUtf8(rawValue);
-    if (type == "str"_L1) return withCrLf(decodeEscapes(value));
-    if (type == "b"_L1) return value.isEmpty() ? QString() : booleanText(value.trimmed() != "0"_L1);
-    if (type == "e"_L1) return value;
-    if (type == "d"_L1) {
+    if (type == "str") return withCrLf(decodeEscapes(value));
+    if (type == "b") return value.isEmpty() ? QString() : booleanText(value.trimmed() != "0"_L1);
+    if (type == "e") return value;
+    if (type == "d") {
         double serial = 0;
         bool hasTime = false;
         if (!isoSerial(value.trimmed(), serial, hasTime)) return value;
@@ -330,6 +251,8 @@ public:
     Worksheet(const Workbook& book, SheetBuilder& out)
         : m_book(book)
         , m_out(out) {}
+
+protected:
     void start(std::string_view name, const xmlChar** attributes, int count) override {
         if (name == "sheetData") {
             m_inData = true;
@@ -342,7 +265,7 @@ public:
             m_col = -1;
         } else if (name == "c") {
             int col = 0, row = 0;
-            if (parseReference(fromLatin1(saxAttribute(attributes, count, "r")), col, row)) {
+            if (parseReference(saxAttribute(attributes, count, "r"), col, row)) {
                 m_col = col;
                 m_row = row;
             } else {
@@ -368,6 +291,8 @@ public:
     void end(std::string_view name) override {
         if (name == "sheetData") {
             m_inData = false;
+        } else if (name == "row") {
+            if (m_out.full()) stop(SheetBuilder::fullMessage());
         } else if (name == "v") {
             m_inValue = false;
         } else if (name == "t") {
@@ -380,20 +305,17 @@ public:
             m_inCell = false;
             const QString inlineText =
                 m_inline.empty() ? QString() : withCrLf(decodeEscapes(fromUtf8(m_inline)));
-            m_out.setCell(m_row, m_col, cellText(m_book, fromLatin1(m_type), m_style, m_value, inlineText));
+            m_out.setCell(m_row, m_col, cellText(m_book, m_type, m_style, m_value, inlineText));
         }
     }
     void text(const char* chars, int length) override {
         if (m_inValue)
-            m_value.append(chars, static_cast<std::size_t>(length));
+            append(m_value, chars, length);
         else if (m_inText)
-            m_inline.append(chars, static_cast<std::size_t>(length));
+            append(m_inline, chars, length);
     }
 
 private:
-    static QString fromLatin1(std::string_view s) {
-        return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size()));
-    }
     const Workbook& m_book;
     SheetBuilder& m_out;
     bool m_inData = false, m_inCell = false, m_inValue = false, m_inInline = false, m_inText = false;
@@ -402,68 +324,33 @@ private:
     std::string m_type, m_value, m_inline;
 };
 
-bool readWorksheet(const Archive& archive, const QString& part, const Workbook& book, SheetBuilder& out,
-                   QString* error) {
-    QByteArray bytes;
-    if (!readPart(archive, part, bytes, error)) return false;
-    Worksheet sheet(book, out);
-    return sheet.parse(bytes, part, error);
-}
-
 } // namespace
 
-bool readXlsx(const Archive& archive, SheetBuilder& out, QString* error) {
-    // The workbook part, through the package's relationships.
-    QHash<QString, Relationship> packageRels;
-    if (!readRelationships(archive, QString(), packageRels, error)) return false;
-    QString workbookPart = QStringLiteral("xl/workbook.xml");
-    for (const Relationship& r : std::as_const(packageRels))
-        if (r.type == "officeDocument"_L1) workbookPart = r.target;
-
-    QByteArray bytes;
-    if (!readPart(archive, workbookPart, bytes, error)) return false;
-    Workbook book;
-    QString firstSheetId;
-    {
-        QXmlStreamReader xml(bytes);
-        while (!xml.atEnd()) {
-            xml.readNext();
-            if (!xml.isStartElement()) continue;
-            if (xml.name() == "workbookPr"_L1) {
-                const QStringView v = xml.attributes().value("date1904"_L1);
-                book.date1904 = v == "1"_L1 || v == "true"_L1;
-            } else if (xml.name() == "sheet"_L1 && firstSheetId.isNull()) {
-                for (const QXmlStreamAttribute& a : xml.attributes())
-                    if (a.name() == "id"_L1 && !a.namespaceUri().isEmpty())
-                        firstSheetId = a.value().toString();
-                if (firstSheetId.isNull()) firstSheetId = QStringLiteral("");
-            }
-        }
-        if (xml.hasError()) {
-            if (error) *error = xmlError(workbookPart, xml);
-            return false;
-        }
-    }
-    if (firstSheetId.isNull()) {
+bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error) {
+    WorkbookPart workbook;
+    if (!workbook.parse(archive, workbookPart, error)) return false;
+    if (workbook.firstSheetId.isNull()) {
         if (error)
             *error = QStringLiteral("työkirjassa ") + workbookPart + QStringLiteral(" ei ole taulukoita");
         return false;
     }
+    Workbook book;
+    book.date1904 = workbook.date1904;
 
-    QHash<QString, Relationship> rels;
+    Relationships rels;
     if (!readRelationships(archive, workbookPart, rels, error)) return false;
     QString sheetPart;
-    if (const auto it = rels.constFind(firstSheetId); it != rels.cend()) sheetPart = it->target;
+    if (const auto it = rels.constFind(workbook.firstSheetId); it != rels.cend()) sheetPart = it->target;
     if (sheetPart.isEmpty()) {
         if (error) *error = QStringLiteral("työkirjan ensimmäisen taulukon osaa ei löydy");
         return false;
     }
     for (const Relationship& r : std::as_const(rels)) {
-        if (r.type == "sharedStrings"_L1 && !readSharedStrings(archive, r.target, book.strings, error))
+        if (r.type == "sharedStrings"_L1 && !SharedStrings(book.strings, out).parse(archive, r.target, error))
             return false;
-        if (r.type == "styles"_L1 && !readStyles(archive, r.target, book.formats, error)) return false;
+        if (r.type == "styles"_L1 && !Styles(book.formats, out).parse(archive, r.target, error)) return false;
     }
-    return readWorksheet(archive, sheetPart, book, out, error);
+    return Worksheet(book, out).parse(archive, sheetPart, error);
 }
 
 } // namespace lists::sheet

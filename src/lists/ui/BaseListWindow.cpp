@@ -119,6 +119,10 @@ void BaseListWindow::createMenus() {
         SubMenu0.push_back(a);
         connect(a, &QAction::triggered, this, [this, i] { ListViewFileMenuActions(i); });
     }
+    QAction* restore = new QAction(QStringLiteral("&Palauta ohjelman mukana tullut luettelo"), file);
+    file->insertAction(SubMenu0[6], restore);
+    SubMenu0.push_back(restore);
+    connect(restore, &QAction::triggered, this, [this] { ListViewFileMenuActions(8); });
 
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Muokkaa"));
     edit->setObjectName(QStringLiteral("editMenu"));
@@ -247,7 +251,7 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
         }
         case 1:
         case 2: {
-            QString file = currentFile();
+            QString file = m_host.baseListSaveTarget(this, currentFile());
             if (action == 2) {
                 file = m_host.baseListFileDialog(2, extension());
                 if (file.isEmpty()) return;
@@ -270,12 +274,15 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
                                  platform::MsgIcon::Critical);
                 return;
             }
-            if (action == 2)
+            if (action == 2 || file != currentFile())
                 setWindowTitle(file + suffix() + kMarker);
             else
                 m_host.baseListUntouched(this);
             break;
         }
+        case 8:
+            m_host.baseListRestoreShipped(this);
+            break;
         case 4: {
             const QString file = m_host.baseListFileDialog(1, QStringLiteral(".xls"));
             if (file.isEmpty()) return;

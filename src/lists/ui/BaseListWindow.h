@@ -38,6 +38,11 @@ public:
     virtual QString baseListFileDialog(int kind, const QString& extension) = 0;
     // Who answers the list editor's questions.
     virtual ListEditHost* baseListEditHost() = 0;
+    // Where "&Tallenna" writes `file`: a list shipped in the read-only program folder goes to
+    // the user's own copy.
+    virtual QString baseListSaveTarget(BaseListWindow* window, const QString& file) = 0;
+    // "Palauta ohjelman mukana tullut luettelo": the shipped list back in place of the user's copy.
+    virtual void baseListRestoreShipped(BaseListWindow* window) = 0;
 };
 
 class BaseListWindow : public QMainWindow {
@@ -61,7 +66,8 @@ public:
     // The file named in the caption.
     QString currentFile() const;
 
-    // The file menu (index as in the menu; 3 and 6 are separators).
+    // The file menu (index as in the menu; 3 and 6 are separators; 8, shown before the last
+    // separator, restores the shipped list).
     void ListViewFileMenuActions(int action);
     // The edit menu (index as in the menu) and the "Lisää &määräten..." modes.
     void editMenuClick(int index);

@@ -4,7 +4,9 @@
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QAbstractButton>
 #include <QMessageBox>
+#include <QTimer>
 
 namespace platform {
 
@@ -63,6 +65,16 @@ public:
                 break;
         }
         box.setDefaultButton(toButton(r.defaultButton));
+        const MsgAnswer order[] = {MsgAnswer::Yes, MsgAnswer::No, MsgAnswer::Cancel};
+        for (int i = 0; i < r.buttonTexts.size() && i < 3; ++i)
+            if (QAbstractButton* b = box.button(toButton(order[i]))) b->setText(r.buttonTexts[i]);
+        if (r.toFront) {
+            box.setWindowFlag(Qt::WindowStaysOnTopHint);
+            QTimer::singleShot(0, &box, [&box] {
+                box.raise();
+                box.activateWindow();
+            });
+        }
         switch (box.exec()) {
             case QMessageBox::Yes:
                 return MsgAnswer::Yes;

@@ -239,10 +239,21 @@ void Form11::refreshButtons() {
 }
 
 void Form11::setAll(int first, int last, bool checked) {
+    const bool costsBefore = Check1[doc::Costs]->isChecked();
     for (int i = first; i <= last; ++i)
         if (Check1[i]->isEnabled()) Check1[i]->setChecked(checked);
+    // Ticking the cost estimate this way warns as a click on its box does.
+    if (!costsBefore && Check1[doc::Costs]->isChecked()) warnWithoutCostIndex();
     m_session.selection.PaginationStale = true;
     refreshButtons();
+}
+
+void Form11::warnWithoutCostIndex() {
+    // The summaries convert the costs to the cost index of the basic data; warn while it is missing.
+    if (prepareRun() && lists::BlankString(m_project->source.basicCombo(10)))
+        platform::MsgBox(QStringLiteral("Kustannusten yhteenveto ei tulostu oikein.\r\n") +
+                             QStringLiteral("Kustannusindeksiä ei ole annettu perustietonäkymässä."),
+                         platform::MsgIcon::Information);
 }
 
 void Form11::Check1Click(int index) {
@@ -251,12 +262,7 @@ void Form11::Check1Click(int index) {
         Check1[index]->setText(designCaption(index));
         sel.WorkPhaseFilter[index].clear();
     }
-    // The summaries convert the costs to the cost index of the basic data; warn while it is missing.
-    if (index == doc::Costs && Check1[index]->isChecked() && prepareRun() &&
-        lists::BlankString(m_project->source.basicCombo(10)))
-        platform::MsgBox(QStringLiteral("Kustannusten yhteenveto ei tulostu oikein.\r\n") +
-                             QStringLiteral("Kustannusindeksiä ei ole annettu perustietonäkymässä."),
-                         platform::MsgIcon::Information);
+    if (index == doc::Costs && Check1[index]->isChecked()) warnWithoutCostIndex();
     sel.PaginationStale = true;
     refreshButtons();
 }

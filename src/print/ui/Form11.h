@@ -49,6 +49,8 @@ private:
     void storeSelection();
     void refreshButtons();
     void setAll(int first, int last, bool checked);
+    // The information box about a missing cost index, when the project has none.
+    void warnWithoutCostIndex();
     void chooseWorkPhase(int document);
     // Makes the run of the dialog (the project read once); false without a project.
     bool prepareRun();

@@ -12,7 +12,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
+#include <QGuiApplication>
 #include <QPainter>
+#include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -130,10 +132,10 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
                   st->standardIcon(QStyle::SP_ArrowDown), &Form12::moveDown);
     Toolbar1->addSeparator();
     QAction* previous = addToolButton(QStringLiteral("Previous page"), QStringLiteral("Edellinen sivu"),
-                                      st->standardIcon(QStyle::SP_MediaSkipBackward), nullptr);
+                                      platform::toolIcon(QStringLiteral("PreviousPage")), nullptr);
     connect(previous, &QAction::triggered, this, [this] { PrintPreviewPage(2); });
     QAction* next = addToolButton(QStringLiteral("Next page"), QStringLiteral("Seuraava sivu"),
-                                  st->standardIcon(QStyle::SP_MediaSkipForward), nullptr);
+                                  platform::toolIcon(QStringLiteral("NextPage")), nullptr);
     connect(next, &QAction::triggered, this, [this] { PrintPreviewPage(1); });
     Toolbar1->addSeparator();
     addToolButton(QStringLiteral("Zoom out"), QStringLiteral("Loitonna sivua"),
@@ -167,6 +169,34 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
 
     resize(900, 1000);
     m_host.restorePosition(12, this);
+    fitToScreen();
+}
+
+void Form12::fitToScreen() {
+    QScreen* screen = parentWidget() ? parentWidget()->screen() : this->screen();
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    const QRect room = screen->availableGeometry();
+    // The frame around the window (known once it is shown; room for a title bar before).
+    const QRect frame = frameGeometry();
+    const QRect inner = geometry();
+    QMargins margins(inner.left() - frame.left(), inner.top() - frame.top(), frame.right() - inner.right(),
+                     frame.bottom() - inner.bottom());
+    if (!isVisible()) margins = QMargins(8, 32, 8, 8);
+    const QSize most(room.width() - margins.left() - margins.right(),
+                     room.height() - margins.top() - margins.bottom());
+    const QSize size = this->size().boundedTo(most).expandedTo(minimumSizeHint().boundedTo(most));
+    if (size != this->size()) resize(size);
+    // A window placed partly off the screen comes back onto it.
+    QRect placed(frameGeometry().topLeft(), QSize(size.width() + margins.left() + margins.right(),
+                                                  size.height() + margins.top() + margins.bottom()));
+    if (!room.contains(placed)) {
+        placed.moveRight(std::min(placed.right(), room.right()));
+        placed.moveBottom(std::min(placed.bottom(), room.bottom()));
+        placed.moveLeft(std::max(placed.left(), room.left()));
+        placed.moveTop(std::max(placed.top(), room.top()));
+        move(placed.topLeft());
+    }
 }
 
 Form12::~Form12() = default;
@@ -192,6 +222,8 @@ void Form12::start() {
 
 void Form12::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
+    // The system may have placed the window over its owner: keep it, frame and all, on the screen.
+    fitToScreen();
     start();
 }
 
@@ -222,10 +254,8 @@ void Form12::updateStatus() {
 
 QString Form12::statusText(int panel) const {
     if (panel == 1) return QStringLiteral("Sivu %1 (%2)").arg(CurrentPage).arg(LastPage);
-    // The zoom as the single-precision number it is.
-    QString number = QString::number(static_cast<double>(m_run.page().ScaleY * 100.0f), 'g', 7);
-    number.replace(QLatin1Char('.'), QLatin1Char(','));
-    return QStringLiteral("Suurennos ") + number + QLatin1Char('%');
+    // The zoom in whole percents: the steps of 5 % in or out land between them.
+    return QStringLiteral("Suurennos %1%").arg(qRound(m_run.page().ScaleY * 100.0f));
 }
 
 void Form12::PrintPreviewPage(int mode) {

@@ -69,6 +69,9 @@ protected:
 
 private:
     void start();
+    // Keeps the window within the screen's available area: the size the user left it at when
+    // that fits, else as much as fits.
+    void fitToScreen();
     void redraw();
     void updateStatus();
     QAction* addToolButton(const QString& key, const QString& tip, const QIcon& icon, void (Form12::*slot)());

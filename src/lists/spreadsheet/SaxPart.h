@@ -1,0 +1,58 @@
+#pragma once
+// libxml2's SAX parser over one XML part of an archive, fed in pieces as the part is unpacked:
+// a pull parser is several times slower on a sheet of thousands of rows, and a part is never
+// held whole, so a sheet that unpacks to hundreds of megabytes of blanks costs no memory.
+#include "lists/spreadsheet/Archive.h"
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+struct _xmlParserCtxt;
+typedef unsigned char xmlChar;
+
+namespace lists::sheet {
+
+// The longest text of one cell or string kept, in bytes of UTF-8: far beyond what a
+// spreadsheet program lets a cell hold (32767 characters), so only a damaged or hostile file
+// reaches it.
+constexpr std::size_t kLongestText = std::size_t(1) << 20;
+
+class SaxPart {
+public:
+    virtual ~SaxPart() = default;
+
+    // Parses the part. On failure returns false with what failed and where in `error`: the
+    // part and the line and column of bad XML, or the reason a callback stopped it.
+    bool parse(const Archive& archive, const QString& part, QString* error);
+
+protected:
+    // `attributes` holds `count` entries of five pointers: local name, prefix, URI, value, end.
+    virtual void start(std::string_view name, const xmlChar** attributes, int count) = 0;
+    virtual void end(std::string_view name) = 0;
+    virtual void text(const char* chars, int length) = 0;
+
+    // Stops the parse from a callback; `reason` becomes the error.
+    void stop(const QString& reason);
+    // Ends the parse from a callback: all that is needed has been read.
+    void finish();
+    // Appends text of one cell or string; stops the parse when it grows beyond kLongestText.
+    void append(std::string& to, const char* chars, int length);
+
+private:
+    _xmlParserCtxt* m_ctxt = nullptr;
+    QString m_stopped;
+    bool m_finished = false;
+};
+
+// The value of the attribute with the local name `name`; empty when there is none.
+std::string_view saxAttribute(const xmlChar** attributes, int count, std::string_view name);
+// Whether the attribute is there at all.
+bool hasSaxAttribute(const xmlChar** attributes, int count, std::string_view name);
+// The prefix of the i-th attribute ("office" of office:value-type).
+std::string_view saxAttributePrefix(const xmlChar** attributes, int i);
+
+QString fromUtf8(std::string_view s);
+
+} // namespace lists::sheet

@@ -1,0 +1,165 @@
+// The printed comparison of two versions ("Muutosvertailu"): a document of the run beside the
+// thirteen of the selection, with the program's header and footer, its table continued over
+// pages, and landscape paper only when the table needs the width.
+#include "calc/CalcLists.h"
+#include "calc/ProjectCompare.h"
+#include "print/Comparison.h"
+#include "print/PrintFixtures.h"
+#include "print/Reports.h"
+
+#include <gtest/gtest.h>
+
+using namespace print_test;
+
+namespace {
+
+// The texts of a page without the spaces that end wrapped lines.
+QStringList trimmedTexts(const std::vector<print::TextItem>& items) {
+    QStringList out;
+    for (const QString& t : texts(items))
+        out << t.trimmed();
+    return out;
+}
+
+calc::ProjectVersion version(const std::vector<QStringList>& quantities, const QString& name) {
+    calc::ProjectVersion v;
+    v.name = name;
+    v.windows[0].Combo1 = QStringList(18);
+    v.windows[0].Combo1[4] = QStringLiteral("€");
+    v.lists[1].push_back(std::make_unique<lists::ListModel>());
+    calc_test::fillQuantityList(*v.lists[1][0], quantities);
+    return v;
+}
+
+// A comparison with `changes` changed quantities; long remarks make the table want the width.
+calc::ProjectComparison comparison(int changes, bool longTexts) {
+    std::vector<QStringList> older = {{"7150", "BETONITYÖT"}};
+    std::vector<QStringList> newer = older;
+    for (int i = 0; i < changes; ++i) {
+        const QString text = QStringLiteral("Betonointi %1").arg(i);
+        const QString remark = longTexts ? QStringLiteral("Betoni K40-1, rakenneosat valetaan yhtenä valuna "
+                                                          "ilman työsaumoja, jälkihoito vähintään 7 vrk")
+                                         : QString();
+        older.push_back({QString(), text, QStringLiteral("T1"), QStringLiteral("10"), QStringLiteral("m3"),
+                         QStringLiteral("150"), remark});
+        newer.push_back({QString(), text, QStringLiteral("T1"), QStringLiteral("12"), QStringLiteral("m3"),
+                         QStringLiteral("150"), remark + QStringLiteral(" (muutettu)")});
+    }
+    return calc::CompareProjects(version(older, QStringLiteral("/projektit/vanha.sl")),
+                                 version(newer, QStringLiteral("/projektit/uusi.sl")));
+}
+
+} // namespace
+
+TEST(ComparisonPrint, FollowsTheSelectedDocumentsWithAFrontPageHeadersAndFooters) {
+    TestProject t;
+    t.setQuantities({entry(QStringLiteral("Kaivu"))});
+    const calc::ProjectComparison c = comparison(3, false);
+    auto run = t.run({print::doc::Quantities});
+    run->setComparison(&c);
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    // The quantity list's two pages, then the comparison's front page and its body.
+    ASSERT_EQ(run->TotalPages(), 4);
+    EXPECT_EQ(run->entry(2).document, print::doc::Quantities);
+    EXPECT_EQ(run->entry(3).document, print::doc::Comparison);
+    EXPECT_EQ(run->entry(3).number, 1);
+    EXPECT_EQ(run->entry(4).count, 2);
+    EXPECT_EQ(print::DocumentTitle(print::doc::Comparison, QString()), QStringLiteral("Muutosvertailu"));
+
+    const QStringList front = texts(recordPage(*run, 3));
+    EXPECT_TRUE(front.contains(QStringLiteral("Muutosvertailu")));
+    EXPECT_TRUE(front.contains(QStringLiteral("Kirkkojoen silta")));
+    const QStringList body = trimmedTexts(recordPage(*run, 4));
+    for (const char* expected : {"Sivu 2 (2)",
+                                 "Tulostettu: 23.11.2026",
+                                 "Muutosvertailu",
+                                 "Laati: Matti Virtanen 14.3.2006",
+                                 "TAMRIK 2006",
+                                 "Vanha versio: /projektit/vanha.sl",
+                                 "KUSTANNUSARVIO (€)",
+                                 "Rakennuskustannukset, silta",
+                                 "+900,00",
+                                 "+20,0 %",
+                                 "SILLAN LAATULUKU",
+                                 "MUUTOKSET: lisätty 0, poistettu 0, muutettu 3",
+                                 "Laji",
+                                 "Kust. muutos",
+                                 "Muutettu",
+                                 "Määräluettelo",
+                                 "MÄÄRÄ",
+                                 "10",
+                                 "12",
+                                 "+300,00",
+                                 "Rivien kustannusmuutos yhteensä"})
+        EXPECT_TRUE(body.contains(QString::fromUtf8(expected))) << expected;
+
+    // Upright paper wraps the names of the rows: the table wants the width of landscape paper,
+    // and there the names stand on one line.
+    EXPECT_TRUE(print::ComparisonNeedsLandscape(*run));
+    auto wide = t.run({print::doc::Quantities}, print::DefaultPageLayout(QPageLayout::Landscape));
+    wide->setComparison(&c);
+    ASSERT_EQ(wide->PageCount(), print::PageCountResult::Done);
+    EXPECT_TRUE(trimmedTexts(recordPage(*wide, 4)).contains(QStringLiteral("7150 / Betonointi 2")));
+    // Changes of short fields alone fit upright.
+    calc::ProjectComparison fields;
+    fields.fields.push_back(
+        {calc::ChangeKind::Changed, 0, QStringLiteral("ALV %"), QStringLiteral("22"), QStringLiteral("24")});
+    fields.lines.push_back({calc::ChangeKind::Changed, calc::ChangeSource::Field, 0, true,
+                            QStringLiteral("Perustiedot"), QStringLiteral("ALV %"), QString(),
+                            QStringLiteral("22"), QStringLiteral("24")});
+    run->setComparison(&fields);
+    EXPECT_FALSE(print::ComparisonNeedsLandscape(*run));
+}
+
+TEST(ComparisonPrint, ALongTableGoesOnOverPagesWithItsColumnHeadings) {
+    TestProject t;
+    const calc::ProjectComparison c = comparison(120, true);
+    auto run = t.run({}, print::DefaultPageLayout(QPageLayout::Landscape));
+    run->setComparison(&c);
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    ASSERT_GE(run->TotalPages(), 4);
+    EXPECT_EQ(run->entry(1).document, print::doc::Comparison);
+    // Every change is on exactly one page, and pages after the first of the table repeat its
+    // column headings.
+    int shown = 0;
+    for (int p = 2; p <= run->TotalPages(); ++p) {
+        const std::vector<print::TextItem> items = recordPage(*run, p);
+        const QStringList all = trimmedTexts(items);
+        shown += static_cast<int>(all.count(QStringLiteral("Muutettu")));
+        if (p > 2) EXPECT_TRUE(all.contains(QStringLiteral("Kust. muutos"))) << p;
+        EXPECT_TRUE(all.contains(QStringLiteral("Sivu %1 (%2)").arg(p).arg(run->TotalPages())));
+        // Nothing runs into the footer.
+        for (const print::TextItem& item : items)
+            if (item.text != QLatin1String("TAMRIK 2006"))
+                EXPECT_LE(item.y, run->page().bottom() - 360) << item.text.toStdString();
+    }
+    EXPECT_EQ(shown, 120);
+}
+
+TEST(ComparisonPrint, TheComparisonIsDrawnUpByEitherPartyAsAllRequirementsAre) {
+    TestProject t;
+    auto run = t.run({});
+    EXPECT_EQ(print::PartiesOf(*run, print::doc::Comparison).firstRole, QStringLiteral("SUUNNITTELIJA"));
+    t.source.basicCombos[17] = QStringLiteral("Pekka Nieminen");
+    EXPECT_EQ(print::PartiesOf(*run, print::doc::Comparison).firstRole, QStringLiteral("URAKOITSIJA"));
+}
+
+TEST(ComparisonPrint, ALandscapeFrontPageKeepsThePartiesAboveTheSignatures) {
+    // Regression: on landscape paper the second party's heading was printed over the
+    // signature lines.
+    TestProject t;
+    t.source.basicCombos[17] = QStringLiteral("Pekka Nieminen");
+    auto run = t.run({print::doc::AllRequirements}, print::DefaultPageLayout(QPageLayout::Landscape));
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const std::vector<print::TextItem> front = recordPage(*run, 1);
+    const print::TextItem* signatures = find(front, QStringLiteral("Tarkastus"));
+    const print::TextItem* parts = find(front, QStringLiteral("Rakenneosien numerointi"));
+    const print::TextItem* contractor = find(front, QStringLiteral("URAKOITSIJA"));
+    ASSERT_TRUE(signatures && parts && contractor);
+    // The first party's heading stands beside the part numbering's; the second party has no
+    // room above the signatures and is left out rather than printed over them.
+    EXPECT_EQ(contractor->y, parts->y);
+    const double lh = run->page().LineHeight11;
+    if (const print::TextItem* client = find(front, QStringLiteral("TILAAJA")))
+        EXPECT_LE(client->y + lh, signatures->y - 1.5 * lh + 1);
+}
