@@ -1,6 +1,7 @@
 #include "app/Commands.h"
 
 #include "app/CompareCommand.h"
+#include "app/Help.h"
 #include "app/PrintCommand.h"
 #include "app/ValidateCommand.h"
 #include "calc/CostEstimate.h"
@@ -13,31 +14,18 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
-#include <cstdio>
 #include <cstring>
 
 namespace app {
 
 namespace {
 
-const char* const kCommands[] = {"costs", "summary", "print", "convert", "validate", "compare"};
-
-int fail(const QString& message) {
-    std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
-    return 1;
-}
-
-void print(const QString& text) {
-    const QByteArray utf8 = text.toUtf8();
-    std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stdout);
-}
-
 bool readProject(const QString& fileName, persist::ProjectFile& project, QString* error) {
     // Only the text member is needed; pictures are not read.
     return persist::ReadProjectFile(fileName, true, project, error);
 }
 
-int costs(const QString& fileName) {
+int costs(const QString& fileName, bool json) {
     persist::ProjectFile project;
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
@@ -47,22 +35,29 @@ int costs(const QString& fileName) {
     const calc::CostRecord record = calc::CalculateCosts(*list, inputs);
     // An overflowed figure is no amount: a script must not take it for one.
     if (record.nonFiniteRow != 0) return fail(calc::NonFiniteMessage(record));
-    print(calc::FormatCostRecord(record));
+    if (json)
+        printOut(calc::CostRecordAsJson(record));
+    else
+        printOut(calc::FormatCostRecord(record));
     reportCheckErrors(project);
     return 0;
 }
 
-int summary(const QString& fileName) {
+int summary(const QString& fileName, bool json) {
     persist::ProjectFile project;
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
     auto list =
         persist::ListFromRecord(persist::RecordList(project.content, 1, 1), lists::kind::Requirements);
     const calc::QualityRecord record = calc::CalculateQualityIndex(*list);
-    QString text =
-        calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    print(text);
+    const QString path = QFileInfo(fileName).absoluteFilePath();
+    if (json) {
+        printOut(calc::SummaryAsJson(record, path));
+    } else {
+        QString text = calc::MakeSummaryText(record, path, QDateTime::currentDateTime());
+        text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+        printOut(text);
+    }
     reportCheckErrors(project);
     return 0;
 }
@@ -76,25 +71,40 @@ int convert(const QString& in, const QString& out) {
 } // namespace
 
 bool isCommand(const char* name) {
-    for (const char* c : kCommands)
-        if (std::strcmp(name, c) == 0) return true;
-    return false;
+    return findCommand(QString::fromLocal8Bit(name)) != nullptr;
 }
 
 int runCommand(int argc, char** argv) {
-    if (std::strcmp(argv[1], "print") == 0) return printCommand(argc, argv);
-    if (std::strcmp(argv[1], "compare") == 0) return compareCommand(argc, argv);
+    const QString command = QString::fromLocal8Bit(argv[1]);
+    // "tamrik COMMAND --help" is the command's help, wherever the option stands.
+    for (int i = 2; i < argc; ++i)
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
+            return helpCommand({command});
+    if (command == QLatin1String("print")) return printCommand(argc, argv);
+    if (command == QLatin1String("compare")) return compareCommand(argc, argv);
     QCoreApplication app(argc, argv);
-    const QStringList args = QCoreApplication::arguments();
-    const QString command = args.value(1);
+    const QStringList args = QCoreApplication::arguments().mid(2);
+    if (command == QLatin1String("help")) return helpCommand(args);
     if (command == QLatin1String("costs") || command == QLatin1String("summary")) {
-        if (args.size() != 3) return fail(QStringLiteral("käyttö: tamrik %1 TIEDOSTO.sl").arg(command));
-        return command == QLatin1String("costs") ? costs(args[2]) : summary(args[2]);
+        QString file;
+        bool json = false;
+        for (const QString& a : args) {
+            if (a == QLatin1String("--json") && !json)
+                json = true;
+            else if (a.startsWith(QLatin1Char('-')))
+                return usageError(command, QStringLiteral("tuntematon valitsin %1").arg(a));
+            else if (file.isEmpty())
+                file = a;
+            else
+                return usageError(command);
+        }
+        if (file.isEmpty()) return usageError(command);
+        return command == QLatin1String("costs") ? costs(file, json) : summary(file, json);
     }
-    if (command == QLatin1String("validate")) return validateCommand(args.mid(2));
+    if (command == QLatin1String("validate")) return validateCommand(args);
     if (command == QLatin1String("convert")) {
-        if (args.size() != 4) return fail(QStringLiteral("käyttö: tamrik convert LÄHDE KOHDE"));
-        return convert(args[2], args[3]);
+        if (args.size() != 2) return usageError(command);
+        return convert(args[0], args[1]);
     }
     return fail(QStringLiteral("komento %1 ei ole käytettävissä tässä versiossa").arg(command));
 }

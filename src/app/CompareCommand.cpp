@@ -1,5 +1,6 @@
 #include "app/CompareCommand.h"
 
+#include "app/Help.h"
 #include "app/PrintCommand.h"
 #include "calc/ProjectCompare.h"
 #include "persist/ProjectFile.h"
@@ -19,13 +20,7 @@ namespace app {
 
 namespace {
 
-const char* const kUsage = "käyttö: tamrik compare VANHA.sl UUSI.sl [--json] [--pdf KOHDE.pdf]";
 constexpr int kDiffer = 4;
-
-int fail(const QString& message) {
-    std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
-    return 1;
-}
 
 QString padRight(const QString& text, int width) {
     return text.leftJustified(width, QLatin1Char(' '));
@@ -36,11 +31,7 @@ QString padLeft(const QString& text, int width) {
 }
 
 QJsonObject costsObject(const calc::CostRecord& record) {
-    QJsonObject o;
-    // The numbers `tamrik costs` prints, read back: the same digits in the JSON text.
-    for (const auto& [name, value] : calc::CostRecordFields(record))
-        o.insert(name, value.toDouble());
-    return o;
+    return calc::CostRecordObject(record);
 }
 
 QJsonValue qualityNumber(const calc::QualityRecord& record, bool hasRequirements) {
@@ -198,9 +189,9 @@ int compareCommand(int argc, char** argv) {
         else if (!arg.startsWith(QLatin1Char('-')))
             files << arg;
         else
-            return fail(QString::fromUtf8(kUsage));
+            return usageError(QStringLiteral("compare"));
     }
-    if (files.size() != 2) return fail(QString::fromUtf8(kUsage));
+    if (files.size() != 2) return usageError(QStringLiteral("compare"));
 
     // Fonts and a paint device only for the PDF file; the reports need neither.
     std::unique_ptr<QCoreApplication> application;

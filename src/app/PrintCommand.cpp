@@ -1,5 +1,7 @@
 #include "app/PrintCommand.h"
 
+#include "app/Help.h"
+
 #include "persist/ProjectFile.h"
 #include "platform/SettingsStore.h"
 #include "print/PdfOutput.h"
@@ -21,13 +23,6 @@ std::atomic<bool> g_interrupted{false};
 void onInterrupt(int) {
     g_interrupted = true;
 }
-
-int fail(const QString& message) {
-    std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
-    return 1;
-}
-
-const char* const kUsage = "käyttö: tamrik print TIEDOSTO.sl --pdf KOHDE.pdf [--docs 0,1,...] [--pdfa]";
 
 } // namespace
 
@@ -68,9 +63,9 @@ int printCommand(int argc, char** argv) {
         else if (!args[i].startsWith(QLatin1Char('-')) && input.isEmpty())
             input = args[i];
         else
-            return fail(QString::fromUtf8(kUsage));
+            return usageError(QStringLiteral("print"));
     }
-    if (input.isEmpty() || output.isEmpty()) return fail(QString::fromUtf8(kUsage));
+    if (input.isEmpty() || output.isEmpty()) return usageError(QStringLiteral("print"));
     if (QFileInfo(input).absoluteFilePath() == QFileInfo(output).absoluteFilePath())
         return fail(QStringLiteral("tuloste ei voi korvata projektitiedostoa %1").arg(input));
 

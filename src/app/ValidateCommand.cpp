@@ -1,5 +1,7 @@
 #include "app/ValidateCommand.h"
 
+#include "app/Help.h"
+
 #include "calc/ProjectCheck.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
@@ -10,11 +12,6 @@
 namespace app {
 
 namespace {
-
-int fail(const QString& message) {
-    std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
-    return 1;
-}
 
 // The findings of a project read from a file: its two lists and the basic data fields, as
 // the desktop program checks them in its windows.
@@ -28,10 +25,6 @@ std::vector<calc::Finding> checkProject(const persist::ProjectFile& project) {
     source.requirements = requirements.get();
     source.inputs = calc::CostInputsOf(project.content.windows[0].combos);
     return calc::CheckProject(source);
-}
-
-void write(const QByteArray& bytes) {
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
 }
 
 } // namespace
@@ -48,15 +41,14 @@ int validateCommand(const QStringList& args) {
         else
             usable = false;
     }
-    if (!usable || file.isEmpty())
-        return fail(QStringLiteral("käyttö: tamrik validate TIEDOSTO.sl [--json]"));
+    if (!usable || file.isEmpty()) return usageError(QStringLiteral("validate"));
 
     persist::ProjectFile project;
     QString error;
     if (!persist::ReadProjectFile(file, true, project, &error))
         return fail(file + QStringLiteral(": ") + error);
     const std::vector<calc::Finding> findings = checkProject(project);
-    write(json ? calc::FindingsAsJson(findings) : calc::FindingsAsLines(findings).toUtf8());
+    printOut(json ? calc::FindingsAsJson(findings) : calc::FindingsAsLines(findings).toUtf8());
     if (calc::ErrorCount(findings) > 0) return 3;
     return findings.empty() ? 0 : 2;
 }

@@ -1,6 +1,8 @@
 // Start of the program: parses the command line, then either runs a command without any
 // window or starts the desktop application.
 #include "app/Commands.h"
+#include "app/Help.h"
+#include "platform/RuntimeDir.h"
 #include "platform/TempDir.h"
 #include "platform/ui/Icons.h"
 #include "shell/MDIForm1.h"
@@ -18,6 +20,7 @@
 #include <cstring>
 
 int main(int argc, char** argv) {
+    platform::providePrivateRuntimeDir();
     if (argc >= 2 && std::strcmp(argv[1], "--version") == 0) {
         std::printf("TAMRIK 2006 %s\n", TAMRIK_VERSION);
         return 0;
@@ -27,20 +30,16 @@ int main(int argc, char** argv) {
     bool smoke = false;
     QString file;
     for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
+            return app::helpCommand({});
         if (std::strcmp(argv[i], "--smoke") == 0)
             smoke = true;
-        else if (argv[i][0] == '-') {
-            std::fprintf(stderr, "tamrik: tuntematon valitsin %s\n", argv[i]);
-            return 1;
-        } else if (!QFileInfo(QString::fromLocal8Bit(argv[i])).isFile()) {
+        else if (argv[i][0] == '-' || !QFileInfo(QString::fromLocal8Bit(argv[i])).isFile())
             // Only an existing file starts the desktop program: a mistyped command (or a
             // folder) must not open a window, nor be handed to a program already running.
-            std::fprintf(stderr, "tamrik: tuntematon komento %s (ei komento eikä olemassa oleva tiedosto)\n",
-                         argv[i]);
-            return 1;
-        } else {
+            return app::unknownArgument(QString::fromLocal8Bit(argv[i]));
+        else
             file = QString::fromLocal8Bit(argv[i]);
-        }
     }
     if (smoke && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -5,8 +5,9 @@
 #include "lists/Columns.h"
 #include "lists/ListModel.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace calc {
@@ -149,10 +150,7 @@ QString NonFiniteMessage(const CostRecord& record) {
 std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& r) {
     std::vector<std::pair<QString, QString>> out;
     const auto value = [&out](const char* name, float value) {
-        char buf[32];
-        const auto end =
-            std::to_chars(buf, buf + sizeof buf, static_cast<double>(value), std::chars_format::general, 9);
-        out.emplace_back(QLatin1String(name), QLatin1String(buf, end.ptr - buf));
+        out.emplace_back(QLatin1String(name), FigureText(value));
     };
     const auto count = [&out](const char* name, int value) {
         out.emplace_back(QLatin1String(name), QString::number(value));
@@ -180,6 +178,18 @@ QString FormatCostRecord(const CostRecord& r) {
     for (const auto& [name, value] : CostRecordFields(r))
         out += name + QLatin1String(" = ") + value + QLatin1Char('\n');
     return out;
+}
+
+QJsonObject CostRecordObject(const CostRecord& r) {
+    QJsonObject object;
+    // The numbers the lines show, read back: the same digits in the JSON text.
+    for (const auto& [name, value] : CostRecordFields(r))
+        object.insert(name, value.toDouble());
+    return object;
+}
+
+QByteArray CostRecordAsJson(const CostRecord& r) {
+    return QJsonDocument(CostRecordObject(r)).toJson(QJsonDocument::Indented);
 }
 
 } // namespace calc

@@ -6,6 +6,7 @@
 //
 // Columns of the quantity list: 1 littera, 2 work phase (or caption), 3 structural part,
 // 4 quantity, 5 unit, 6 unit price, 7 remarks, then "Rivi".
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 #include <utility>
@@ -75,5 +76,9 @@ std::vector<std::pair<QString, QString>> CostRecordFields(const CostRecord& reco
 
 // The record as "name = value" lines in field order, each ending in a line feed.
 QString FormatCostRecord(const CostRecord& record);
+// The same fields as one JSON object (`tamrik costs --json`, the comparison's costs): the
+// figures as numbers with the values the lines show, the counts as integers.
+QJsonObject CostRecordObject(const CostRecord& record);
+QByteArray CostRecordAsJson(const CostRecord& record);
 
 } // namespace calc

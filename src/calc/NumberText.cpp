@@ -238,4 +238,15 @@ QString FormatHashDotHash(float value) {
     return out;
 }
 
+QString FigureText(float value) {
+    char buf[32];
+    const auto end =
+        std::to_chars(buf, buf + sizeof buf, static_cast<double>(value), std::chars_format::general, 9);
+    return QString::fromLatin1(buf, end.ptr - buf);
+}
+
+double FigureValue(float value) {
+    return FigureText(value).toDouble();
+}
+
 } // namespace calc

@@ -55,4 +55,10 @@ QString DecimalS(float value, int decimals);
 // 82.46 gives "82,5", 75 gives "75,", 0.5 gives ",5" and 0 gives ",".
 QString FormatHashDotHash(float value);
 
+// A single-precision figure as the command line prints it: 9 significant digits, enough to
+// read back the same float, with a decimal point ("1234.56006", "0", "1e+20").
+QString FigureText(float value);
+// The same figure as a double for machine-readable output: exactly the value FigureText shows.
+double FigureValue(float value);
+
 } // namespace calc

@@ -5,8 +5,12 @@
 #include "lists/Columns.h"
 #include "lists/ListModel.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocale>
 #include <algorithm>
+#include <array>
 
 namespace calc {
 
@@ -128,6 +132,17 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
     return rec;
 }
 
+std::optional<float> WorkPhaseShare(const QualityRecord& rec, int group) {
+    // Only work phases (captions in capitals) show their share of the bridge's weight.
+    if (!lists::CapitalString(rec.groupText[group]) || rec.totalMax == 0) return std::nullopt;
+    return rec.groupMax[group] / rec.totalMax * 100;
+}
+
+std::optional<float> WorkPhaseAchieved(const QualityRecord& rec, int group) {
+    if (rec.groupMax[group] == 0) return std::nullopt;
+    return rec.groupRealized[group] / rec.groupMax[group] * 100;
+}
+
 QString MakeSummaryText(const QualityRecord& rec, const QString& projectFileName,
                         const QDateTime& printedAt) {
     QString out;
@@ -171,14 +186,58 @@ QString MakeSummaryText(const QualityRecord& rec, const QString& projectFileName
         const QString& text = rec.groupText[g];
         const float max = rec.groupMax[g];
         const float realized = rec.groupRealized[g];
-        // Only work phases (captions in capitals) show their share of the bridge's weight.
-        const QString share =
-            lists::CapitalString(text) && rec.totalMax != 0 ? DecimalS(max / rec.totalMax * 100, 0) : none;
-        const QString achieved = max != 0 ? DecimalS(realized / max * 100, 0) : none;
+        const std::optional<float> sharePercent = WorkPhaseShare(rec, g);
+        const std::optional<float> achievedPercent = WorkPhaseAchieved(rec, g);
+        const QString share = sharePercent ? DecimalS(*sharePercent, 0) : none;
+        const QString achieved = achievedPercent ? DecimalS(*achievedPercent, 0) : none;
         line(padRight(rec.groupLittera[g], 8) + padRight(text, rec.longestGroupText) + padLeft(share, 7) +
              padLeft(DecimalS(realized, 0), 7) + padLeft(DecimalS(max, 0), 7) + padLeft(achieved, 7));
     }
     return out;
+}
+
+QByteArray SummaryAsJson(const QualityRecord& rec, const QString& projectFileName) {
+    const auto figure = [](std::optional<float> v) { return v ? QJsonValue(FigureValue(*v)) : QJsonValue(); };
+    QJsonArray types;
+    const std::array<std::array<int, 2>, 3> counts = {{{rec.countType1, rec.checkedType1},
+                                                       {rec.countType2, rec.checkedType2},
+                                                       {rec.countType3, rec.checkedType3}}};
+    const char* const names[] = {"Siltakohtainen", "KLVn mukainen", "Ohjeellinen"};
+    const auto countObject = [](int count, int checked) {
+        QJsonObject o;
+        o.insert(QLatin1String("count"), count);
+        o.insert(QLatin1String("checked"), checked);
+        o.insert(QLatin1String("unchecked"), count - checked);
+        return o;
+    };
+    for (int t = 0; t < 3; ++t) {
+        QJsonObject o = countObject(counts[t][0], counts[t][1]);
+        o.insert(QLatin1String("type"), t + 1);
+        o.insert(QLatin1String("name"), QString::fromUtf8(names[t]));
+        types.append(o);
+    }
+    QJsonArray phases;
+    const int groups = std::min<int>(rec.groupCount, static_cast<int>(rec.groupText.size()) - 1);
+    for (int g = 1; g <= groups; ++g) {
+        QJsonObject o;
+        o.insert(QLatin1String("littera"), rec.groupLittera[g]);
+        o.insert(QLatin1String("text"), rec.groupText[g]);
+        o.insert(QLatin1String("realized"), FigureValue(rec.groupRealized[g]));
+        o.insert(QLatin1String("max"), FigureValue(rec.groupMax[g]));
+        o.insert(QLatin1String("sharePercent"), figure(WorkPhaseShare(rec, g)));
+        o.insert(QLatin1String("achievedPercent"), figure(WorkPhaseAchieved(rec, g)));
+        phases.append(o);
+    }
+    QJsonObject out;
+    out.insert(QLatin1String("project"), projectFileName);
+    out.insert(QLatin1String("qualityNumber"), FigureValue(rec.qualityNumber));
+    out.insert(QLatin1String("totalRealized"), FigureValue(rec.totalRealized));
+    out.insert(QLatin1String("totalMax"), FigureValue(rec.totalMax));
+    out.insert(QLatin1String("types"), types);
+    out.insert(QLatin1String("total"), countObject(rec.countType1 + rec.countType2 + rec.countType3,
+                                                   rec.checkedType1 + rec.checkedType2 + rec.checkedType3));
+    out.insert(QLatin1String("workPhases"), phases);
+    return QJsonDocument(out).toJson(QJsonDocument::Indented);
 }
 
 } // namespace calc

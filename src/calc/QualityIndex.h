@@ -7,6 +7,7 @@
 // 4 "TYYPPI", 11 "PAINOARVO", 21 "TÄYTTÄÄ VAATIMUKSET", 24 "PAINOARVON KERROIN".
 #include <QDateTime>
 #include <QString>
+#include <optional>
 #include <vector>
 
 namespace lists {
@@ -52,9 +53,19 @@ struct QualityRecord {
 // level. Type 3 requirements are counted but carry no weight.
 QualityRecord CalculateQualityIndex(const lists::ListModel& list);
 
+// A work phase's share of the bridge's weight in percent (captions in capitals only) and the
+// percentage of its weight achieved; no value where the summary prints "-". Groups from 1.
+std::optional<float> WorkPhaseShare(const QualityRecord& record, int group);
+std::optional<float> WorkPhaseAchieved(const QualityRecord& record, int group);
+
 // The summary report, one line per entry, every line ending in CR LF. `projectFileName` is the
 // project's folder and file name; `printedAt` the time stamped on it.
 QString MakeSummaryText(const QualityRecord& record, const QString& projectFileName,
                         const QDateTime& printedAt);
+// The summary's figures as one JSON object (`tamrik summary --json`): the project, the quality
+// number, the weight sums, the counts of each requirement type and in total, and one object per
+// work phase (littera, text, realized, max, sharePercent and achievedPercent, null where the
+// report shows "-"). Figures carry their single-precision values at 9 significant digits.
+QByteArray SummaryAsJson(const QualityRecord& record, const QString& projectFileName);
 
 } // namespace calc

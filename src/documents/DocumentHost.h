@@ -4,6 +4,7 @@
 #include "shell/AppState.h"
 
 #include <QIcon>
+#include <QStringList>
 
 class QPoint;
 class QWidget;
@@ -49,6 +50,9 @@ public:
     virtual void storeWindowPosition(int slot, QWidget* window) {}
     // The picture of a toolbar button, by its key ("Cut", "Copy", "Find", ...).
     virtual QIcon toolIcon(const QString& key) { return {}; }
+    // Files dropped on the window, on the control `at` (a picture slot, a button, or nothing in
+    // particular); the host opens or places them.
+    virtual void filesDropped(QWidget* window, QWidget* at, const QStringList& files) {}
 };
 
 } // namespace documents

@@ -107,6 +107,8 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
         }
     }
     tv->addWidget(RichTextBox1[0], 1);
+    // The heading names the shown document for a screen reader too.
+    Label1[2]->setBuddy(RichTextBox1[0]);
     RichTextBox1[0]->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(RichTextBox1[0], &QWidget::customContextMenuRequested, this,
             [this](const QPoint& pos) { m_host.showContextMenu(1, RichTextBox1[0]->mapToGlobal(pos)); });

@@ -113,8 +113,11 @@ QWidget* Form3::buildCosts() {
                             {"Toteuma", 11, 12, 13, 14, 15, 16, 3, 79, 7, -1}};
     int r = 1;
     for (const CostRow& row : rows) {
-        auto addMoney = [&](int field, int col, int labelIndex, bool perSquareMetre) {
+        const QString rowName = QString::fromUtf8(row.name);
+        auto addMoney = [&](int field, int col, int labelIndex, bool perSquareMetre, const char* column) {
             TextBox* box = makeText(field);
+            // The row and the column heading name a figure of the table.
+            nameControl(box, rowName + QStringLiteral(", ") + QString::fromUtf8(column));
             setWidthInChars(box, 11);
             grid->addWidget(box, r, col);
             QLabel* unit = labelIndex >= 0 ? indexedLabel(labelIndex, QString()) : new QLabel;
@@ -125,15 +128,17 @@ QWidget* Form3::buildCosts() {
             if (labelIndex >= 0) Label1[labelIndex] = unit;
             m_moneyLabels.push_back(unit);
         };
-        addMoney(row.whole, 1, row.wholeLabel, false);
-        addMoney(row.perM2, 3, row.perM2Label, true);
-        addMoney(row.general, 5, row.generalLabel, false);
-        addMoney(row.superstructure, 7, row.superLabel, false);
+        addMoney(row.whole, 1, row.wholeLabel, false, "koko silta");
+        addMoney(row.perM2, 3, row.perM2Label, true, "neliömetriä kohden");
+        addMoney(row.general, 5, row.generalLabel, false, "yhteiskustannukset");
+        addMoney(row.superstructure, 7, row.superLabel, false, "päällysrakenne");
         grid->addWidget(fieldLabel(QString::fromUtf8(row.name), Text1[row.whole]), r, 0);
         TextBox* index = makeText(row.index);
         TextBox* year = makeText(row.year);
         setWidthInChars(index, 6);
         setWidthInChars(year, 6);
+        nameControl(index, rowName + QStringLiteral(", indeksi"));
+        nameControl(year, rowName + QStringLiteral(", indeksin perusvuosi"));
         grid->addWidget(index, r, 9);
         grid->addWidget(new QLabel(QStringLiteral("(")), r, 10);
         grid->addWidget(year, r, 11);
@@ -187,6 +192,7 @@ QWidget* Form3::buildSupports(const QString& title, int firstColumn) {
             for (TextBox* t : {count, length, size})
                 setWidthInChars(t, 5, true);
             length->setToolTip(QStringLiteral("Paalujen pituus (m)"));
+            nameControl(length, length->toolTip());
             piles->addWidget(count);
             piles->addWidget(fieldLabel(QStringLiteral("kpl"), count));
             piles->addWidget(length);

@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QPushButton>
 #include <QPlainTextEdit>
 #include <QScrollArea>
@@ -21,7 +22,19 @@ namespace documents {
 QLabel* fieldLabel(const QString& text, QWidget* field, QWidget* parent) {
     auto* label = new QLabel(text, parent);
     label->setBuddy(field);
+    nameControl(field, text);
     return label;
+}
+
+void nameControl(QWidget* field, const QString& text) {
+    // The first label beside a field is its name (a unit after it is not); the edit box inside
+    // a text box or drop-down is what the screen reader meets, so it gets the name too.
+    QString name = text;
+    name.remove(QRegularExpression(QStringLiteral("&(?!&)")));
+    for (QWidget* w = field; w; w = w->focusProxy()) {
+        if (w->accessibleName().isEmpty()) w->setAccessibleName(name);
+        if (w->focusProxy() == w) break;
+    }
 }
 
 QLabel* indexedLabel(int index, const QString& text, QWidget* parent) {
@@ -63,6 +76,8 @@ void installScrollingBody(ProjectWindow* window, QWidget* body) {
     scroll->setObjectName(QStringLiteral("body"));
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
+    // Only a frame around the fields: the keyboard goes to them, and they scroll into view.
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidget(body);
     auto* outer = new QVBoxLayout(window);
     outer->setContentsMargins(0, 0, 0, 0);

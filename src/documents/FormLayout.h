@@ -31,6 +31,9 @@ class TextBox;
 // A label whose buddy is `field`: the label's mnemonic focuses the field, and the pairing says
 // which field the label names.
 QLabel* fieldLabel(const QString& text, QWidget* field, QWidget* parent = nullptr);
+// The accessible name of a field (and of the edit box it hands the focus to) from the text of
+// its label, without the mnemonic; a field already named keeps its name.
+void nameControl(QWidget* field, const QString& text);
 
 // A label named "Label1_<index>", the index the window's procedures address it by.
 QLabel* indexedLabel(int index, const QString& text, QWidget* parent = nullptr);

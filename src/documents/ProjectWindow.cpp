@@ -7,9 +7,11 @@
 #include "lists/ui/ListEditor.h"
 #include "lists/ui/ListView.h"
 #include "persist/WindowRecord.h"
+#include "platform/DroppedFiles.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QDropEvent>
 
 namespace documents {
 
@@ -54,6 +56,8 @@ lists::ListView* ProjectWindow::makeList(int i, const QString& kind) {
     model->setKind(kind);
     auto* view = new lists::ListView(this);
     view->setObjectName(QStringLiteral("ListView1_%1").arg(i));
+    // A screen reader names the list by its kind.
+    view->setAccessibleName(kind);
     view->setList(model);
     view->setIndex(i);
     if (static_cast<int>(ListView1.size()) <= i) ListView1.resize(i + 1, nullptr);
@@ -127,11 +131,28 @@ void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
 }
 
 void ProjectWindow::dragEnterEvent(QDragEnterEvent* event) {
-    event->ignore();
+    // Files from the file manager are welcome anywhere; other drags only on a list.
+    if (!platform::droppedFiles(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+    else
+        event->ignore();
 }
 
 void ProjectWindow::dragMoveEvent(QDragMoveEvent* event) {
-    event->ignore();
+    if (!platform::droppedFiles(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void ProjectWindow::dropEvent(QDropEvent* event) {
+    const QStringList files = platform::droppedFiles(event->mimeData());
+    if (files.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    m_host.filesDropped(this, childAt(event->position().toPoint()), files);
 }
 
 } // namespace documents

@@ -56,6 +56,7 @@ protected:
     lists::ListView* makeList(int i, const QString& kind);
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
     DocumentHost& m_host;
 

@@ -536,6 +536,13 @@ bool PasteText(ListModel& list, const QString& clipboardText, const EditContext&
 
 // ---------------------------------------------------------------- transfers
 
+DropPlace dropPlace(const ListModel& target, int dropRow, bool shift) {
+    if (target.rows() == 0) return {2, 0};
+    // Placed rows go above the drop row; sorted ones where their litteras say.
+    if (dropRow > 0) return {shift ? 2 : 0, dropRow - 1};
+    return {4, target.rows()};
+}
+
 bool TransferAllowed(const QString& targetTag, const QString& sourceTag) {
     if (targetTag == sourceTag) return false;
     return (targetTag == kind::QuantityList && sourceTag == kind::UnitPriceList) ||

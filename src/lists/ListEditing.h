@@ -139,6 +139,15 @@ struct TransferResult {
 int InsertData(int mode, const ListModel& source, int firstRow, int rowCount, ListModel& target, int position,
                bool onlyIfMissing, const TransferOptions& options);
 
+// Where rows dropped on a list go, as TransferData's mode and position: appended when dropped
+// below the rows, into an empty list at its start, else sorted in where their litteras say, or
+// (`shift`) placed above the drop row.
+struct DropPlace {
+    int mode = 4;
+    int position = 0;
+};
+DropPlace dropPlace(const ListModel& target, int dropRow, bool shift);
+
 // Transfers the selected rows of `source` into `target` as whole entries, with their captions
 // in modes 0, 1, 4 and 5. `position` is the target row less one for modes 2 and 3. The caller
 // marks its window changed and formats the list when the result says it changed.

@@ -35,7 +35,32 @@ QString filterForExtension(const QString& extension, bool save) {
     return {};
 }
 
-QString ShowCommonDialog(int kind, const QString& extension, bool multiple, CommonDialogState& state) {
+QString folderKind(const QString& extension) {
+    const QString e = extension.toLower();
+    if (e == QLatin1String(".sl")) return QStringLiteral("Projects");
+    if (e == QLatin1String(".sl1") || e == QLatin1String(".sl2")) return QStringLiteral("Lists");
+    if (e == QLatin1String(".xls")) return QStringLiteral("Spreadsheets");
+    if (e == QLatin1String(".wmf")) return QStringLiteral("Pictures");
+    return {};
+}
+
+QString startFolder(const QString& extension, const CommonDialogState& state, const QString& preferred) {
+    if (!preferred.isEmpty()) {
+        const QFileInfo given(preferred);
+        const QString folder =
+            QDir::cleanPath(given.isDir() ? given.absoluteFilePath() : given.absolutePath());
+        if (QFileInfo(folder).isDir()) return folder;
+    }
+    const QString kind = folderKind(extension);
+    const auto stored = state.folders.find(kind);
+    const QString remembered =
+        kind.isEmpty() ? state.directory : (stored != state.folders.end() ? stored->second : QString());
+    if (!remembered.isEmpty() && QFileInfo(remembered).isDir()) return remembered;
+    return QDir::homePath();
+}
+
+QString ShowCommonDialog(int kind, const QString& extension, bool multiple, CommonDialogState& state,
+                         const QString& preferred) {
     const bool save = kind == 2;
     const QString filter = filterForExtension(extension, save);
     if (!filter.isEmpty()) {
@@ -46,7 +71,9 @@ QString ShowCommonDialog(int kind, const QString& extension, bool multiple, Comm
     r.save = save;
     r.filters = translateFilter(state.filter);
     r.multiple = multiple && !save;
-    r.directory = state.directory;
+    r.directory = startFolder(extension, state, preferred);
+    if (save && !preferred.isEmpty() && !QFileInfo(preferred).isDir())
+        r.fileName = QFileInfo(preferred).fileName();
     if (save) {
         QString ext = state.extension;
         if (ext.toLower() == QLatin1String(".xls")) ext = QStringLiteral(".xlsx");
@@ -57,7 +84,11 @@ QString ShowCommonDialog(int kind, const QString& extension, bool multiple, Comm
     QString first = chosen.first();
     if (save && !r.defaultSuffix.isEmpty() && QFileInfo(first).suffix().isEmpty())
         first += QLatin1Char('.') + r.defaultSuffix;
-    state.directory = QFileInfo(first).absolutePath();
+    const QString folderOfKind = folderKind(extension);
+    if (folderOfKind.isEmpty())
+        state.directory = QFileInfo(first).absolutePath();
+    else
+        state.folders[folderOfKind] = QFileInfo(first).absolutePath();
     if (chosen.size() == 1) return first;
     QString result = QFileInfo(first).absolutePath();
     for (const QString& f : chosen)

@@ -1,6 +1,7 @@
 #include "shell/Form8.h"
 
 #include "documents/Controls.h"
+#include "documents/FormLayout.h"
 #include "platform/Dialogs.h"
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
@@ -50,21 +51,22 @@ Form8::Form8(MDIForm1& main)
     Text1.assign(6, nullptr);
     Command1.assign(6, nullptr);
     for (int i = 0; i < 5; ++i) {
-        grid->addWidget(new QLabel(QString::fromUtf8(labels[i]), general), i, 0);
         Text1[i] = new documents::TextBox(false, general);
+        grid->addWidget(documents::fieldLabel(QString::fromUtf8(labels[i]), Text1[i], general), i, 0);
         Text1[i]->setMinimumWidth(120);
         returnMovesOn(this, Text1[i]);
         grid->addWidget(Text1[i], i, 1);
     }
-    grid->addWidget(new QLabel(QStringLiteral("Tulostuskirjasinlaji"), general), 5, 0);
     Combo1.push_back(new QComboBox(general));
+    grid->addWidget(documents::fieldLabel(QStringLiteral("Tulostuskirjasinlaji"), Combo1[0], general), 5, 0);
     Combo1[0]->setEditable(true);
     Combo1[0]->setEnabled(false);
     grid->addWidget(Combo1[0], 5, 1);
     Command1[3] = new QPushButton(QStringLiteral("Vaihda..."), general);
     grid->addWidget(Command1[3], 5, 2);
-    grid->addWidget(new QLabel(QStringLiteral("Logotiedosto tulosteisiin"), general), 6, 0);
     Text1[5] = new documents::TextBox(false, general);
+    grid->addWidget(documents::fieldLabel(QStringLiteral("Logotiedosto tulosteisiin"), Text1[5], general), 6,
+                    0);
     Text1[5]->setLocked(true);
     grid->addWidget(Text1[5], 6, 1);
     Command1[4] = new QPushButton(QStringLiteral("Hae..."), general);
@@ -74,10 +76,11 @@ Form8::Form8(MDIForm1& main)
     Check1[2] = new QCheckBox(QStringLiteral("Tallenna ohjelman asetukset lopetettaessa"), general);
     grid->addWidget(Check1[1], 7, 0, 1, 3);
     grid->addWidget(Check1[2], 8, 0, 1, 3);
-    grid->addWidget(
-        new QLabel(QStringLiteral("Palautuskopio muutetuista projekteista (min, 0 = ei kopiota)"), general),
-        9, 0);
     Text4 = new documents::TextBox(false, general);
+    grid->addWidget(
+        documents::fieldLabel(QStringLiteral("Palautuskopio muutetuista projekteista (min, 0 = ei kopiota)"),
+                              Text4, general),
+        9, 0);
     Text4->setMaximumWidth(60);
     returnMovesOn(this, Text4);
     grid->addWidget(Text4, 9, 1, Qt::AlignLeft);
@@ -103,7 +106,7 @@ Form8::Form8(MDIForm1& main)
         Text2[i]->setMaximumWidth(60);
         returnMovesOn(this, Text2[i]);
         fgrid->addWidget(Text2[i], i + 1, 0);
-        fgrid->addWidget(new QLabel(QString::fromUtf8(blank[i]), format), i + 1, 1);
+        fgrid->addWidget(documents::fieldLabel(QString::fromUtf8(blank[i]), Text2[i], format), i + 1, 1);
     }
     fgrid->setRowStretch(7, 1);
     fgrid->setColumnStretch(1, 1);
@@ -112,8 +115,9 @@ Form8::Form8(MDIForm1& main)
     // Yritys
     auto* office = new QWidget(SSTab1);
     auto* olayout = new QVBoxLayout(office);
-    olayout->addWidget(new QLabel(QStringLiteral("Yrityksen nimi ja yhteystiedot (maks. 4  riviä)"), office));
     Text3 = new documents::TextBox(true, office);
+    olayout->addWidget(documents::fieldLabel(
+        QStringLiteral("Yrityksen nimi ja yhteystiedot (maks. 4  riviä)"), Text3, office));
     olayout->addWidget(Text3, 1);
     SSTab1->addTab(office, QStringLiteral("Yritys"));
 

@@ -29,6 +29,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -65,6 +66,8 @@ MDIForm1::MDIForm1(QWidget* parent)
     : QMainWindow(parent)
     , m_store(std::make_unique<platform::SettingsStore>()) {
     platform::useQtDialogs();
+    // Files dragged from the file manager open (Drops.cpp).
+    setAcceptDrops(true);
     m_recovery = new Recovery(*this);
     m_locks = new ProjectLocks(*this);
     setWindowTitle(platform::applicationTitle());
@@ -137,12 +140,24 @@ void MDIForm1::createMenus() {
           QStringLiteral("Tuo ainostataan teksi..."), QStringLiteral("&Vie"), QStringLiteral("-")})
         addItem(file, SubMenu0, c);
     SubMenu0[11]->setVisible(false);
+    // The keys every desktop program has for these items.
+    SubMenu0[0]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    SubMenu0[1]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+    SubMenu0[2]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
+    SubMenu0[3]->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+    SubMenu0[7]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
     // The comparison of the active project with another version, beside the other imports.
     CompareAction = new QAction(QStringLiteral("&Vertaa projektia..."), this);
     file->insertAction(SubMenu0[11], CompareAction);
     connect(CompareAction, &QAction::triggered, this, [this] { showCompareWindow(*this); });
     for (int i = 13; i <= 18; ++i)
         addItem(file, SubMenu0, QString())->setVisible(false);
+    // The recent files show their folder as a tooltip; files that are gone leave the list
+    // before it is shown.
+    file->setToolTipsVisible(true);
+    connect(file, &QMenu::aboutToShow, this, [this] {
+        if (DropMissingRecentFiles(m_state.RecentFiles)) UpdateRecentFiles(QString());
+    });
     addItem(file, SubMenu0, QStringLiteral("-"))->setVisible(false);
     addItem(file, SubMenu0, QStringLiteral("L&opeta"));
     for (int i = 0; i < static_cast<int>(SubMenu0.size()); ++i) {
@@ -214,8 +229,23 @@ void MDIForm1::createMenus() {
     connect(check, &QAction::triggered, this, [this] { showProjectCheck(*this); });
     QMenu* windows = view->addMenu(QStringLiteral("&Ikkuna"));
     Submenu3.push_back(windows->menuAction());
-    connect(windows, &QMenu::aboutToShow, this, [this, windows] {
+    // Ctrl+Tab and Ctrl+Shift+Tab go round the open windows. The actions belong to the main
+    // window, so that their keys act while the menu, which is rebuilt when shown, is closed.
+    auto* nextWindow = new QAction(QStringLiteral("&Seuraava ikkuna"), this);
+    nextWindow->setObjectName(QStringLiteral("NextWindow"));
+    nextWindow->setShortcuts(QKeySequence::NextChild);
+    connect(nextWindow, &QAction::triggered, this, [this] { stepWindow(1); });
+    auto* previousWindow = new QAction(QStringLiteral("&Edellinen ikkuna"), this);
+    previousWindow->setObjectName(QStringLiteral("PreviousWindow"));
+    previousWindow->setShortcuts(QKeySequence::PreviousChild);
+    connect(previousWindow, &QAction::triggered, this, [this] { stepWindow(-1); });
+    addAction(nextWindow);
+    addAction(previousWindow);
+    connect(windows, &QMenu::aboutToShow, this, [this, windows, nextWindow, previousWindow] {
         windows->clear();
+        windows->addAction(nextWindow);
+        windows->addAction(previousWindow);
+        windows->addSeparator();
         for (QMdiSubWindow* sub : mdiArea->subWindowList()) {
             if (!sub->isVisible()) continue;
             QAction* a = windows->addAction(sub->windowTitle());
@@ -254,7 +284,7 @@ void MDIForm1::createMenus() {
         connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
 
     QMenu* help = MainMenu[4];
-    addItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"));
+    addItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"), QKeySequence(Qt::Key_F1));
     QMenu* helpFiles = help->addMenu(QStringLiteral("Erilliset ohjetiedostot"));
     SubMenu4.push_back(helpFiles->menuAction());
     addItem(help, SubMenu4, QStringLiteral("-"));
@@ -568,8 +598,9 @@ void MDIForm1::FileMenuActions(int index) {
             break;
         case 1:
         case 10:
-            m_state.CurrentFileName =
-                platform::ShowCommonDialog(1, QStringLiteral(".sl"), false, m_state.dialog);
+            // The dialogs start in the active project's folder, else where projects were last.
+            m_state.CurrentFileName = platform::ShowCommonDialog(
+                1, QStringLiteral(".sl"), false, m_state.dialog, ParseFileName(ActiveCaption()).directory);
             if (m_state.CurrentFileName.isEmpty()) return;
             openProjectFile(m_state.CurrentFileName, index == 10);
             break;
@@ -587,11 +618,13 @@ void MDIForm1::FileMenuActions(int index) {
             break;
         }
         case 3: {
-            m_state.CurrentFileName =
-                platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
-            if (m_state.CurrentFileName.isEmpty()) return;
+            // A saved project's dialog starts at its own file, named as it is.
             const ParsedCaption c = ParseFileName(ActiveCaption());
             if (c.name.isEmpty()) return;
+            m_state.CurrentFileName =
+                platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog,
+                                           c.directory.isEmpty() ? QString() : c.project());
+            if (m_state.CurrentFileName.isEmpty()) return;
             WriteSlFile(*this, c.project(), m_state.CurrentFileName, false);
             break;
         }
@@ -616,6 +649,8 @@ void MDIForm1::FileMenuActions(int index) {
                 platform::MsgBox(QStringLiteral("Tiedostoa: ") + m_state.CurrentFileName +
                                      QStringLiteral(" ei löydy."),
                                  MsgIcon::Information);
+                // A file that is gone leaves the list.
+                if (DropMissingRecentFiles(m_state.RecentFiles)) UpdateRecentFiles(QString());
                 return;
             }
             openProjectFile(m_state.CurrentFileName, false);
@@ -912,7 +947,8 @@ bool MDIForm1::UnloadActiveProject() {
                                           MsgButtons::YesNoCancel, MsgIcon::Exclamation, MsgAnswer::Yes);
         if (a == MsgAnswer::Cancel) return true;
         if (a == MsgAnswer::Yes) {
-            const QString file = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+            const QString file = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog,
+                                                            c.directory.isEmpty() ? QString() : c.project());
             m_state.CurrentFileName = file;
             if (file.isEmpty()) return true;
             // A failed save keeps the project open.
@@ -947,6 +983,8 @@ bool MDIForm1::FileNameInUse() {
 
 void MDIForm1::UpdateRecentFiles(const QString& file) {
     UpdateRecentFileList(m_state.RecentFiles, file);
+    // A project opened or saved any way (dialog, drop, recent files) is where projects are.
+    if (!file.isEmpty()) m_state.dialog.folders[QStringLiteral("Projects")] = QFileInfo(file).absolutePath();
     bool any = false;
     for (int i = 0; i < 6; ++i) {
         QAction* a = SubMenu0[13 + i];
@@ -957,6 +995,7 @@ void MDIForm1::UpdateRecentFiles(const QString& file) {
             QString shown = f;
             shown.replace(QLatin1Char('&'), QLatin1String("&&"));
             a->setText(QStringLiteral("&%1 ").arg(i + 1) + shown);
+            a->setToolTip(QDir::toNativeSeparators(QFileInfo(f).absolutePath()));
             a->setVisible(true);
             any = true;
         }
@@ -1033,6 +1072,19 @@ void MDIForm1::ShowWindowByCaption(const QString& caption) {
         activateWindow(w);
         return;
     }
+}
+
+void MDIForm1::stepWindow(int step) {
+    // In the order the windows were made, which stays put while they are visited.
+    QList<QMdiSubWindow*> shown;
+    for (QMdiSubWindow* sub : mdiArea->subWindowList(QMdiArea::CreationOrder))
+        if (sub->isVisible()) shown << sub;
+    if (shown.size() < 2) return;
+    const qsizetype at = shown.indexOf(mdiArea->currentSubWindow());
+    const qsizetype n = shown.size();
+    QMdiSubWindow* target = shown[((at < 0 ? 0 : at) + step + n) % n];
+    if (target->isMinimized()) target->showNormal();
+    mdiArea->setActiveSubWindow(target);
 }
 
 void MDIForm1::activateWindow(documents::ProjectWindow* window) {

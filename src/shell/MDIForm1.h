@@ -96,6 +96,13 @@ public:
     void restoreWindowPosition(int slot, QWidget* window) override;
     void storeWindowPosition(int slot, QWidget* window) override;
     QIcon toolIcon(const QString& key) override;
+    // Files dropped on a project window: a picture on a picture slot takes its place; anything
+    // else opens as if dropped on the main window.
+    void filesDropped(QWidget* window, QWidget* at, const QStringList& files) override;
+    // Files dropped on the main window open one by one (Drops.cpp): a project as "&Avaa..."
+    // opens it, a unit price or requirement list (also .csv or a spreadsheet, by its columns)
+    // in its base list window.
+    void openDroppedFiles(const QStringList& files);
 
     platform::SettingsStore& settingsStore() { return *m_store; }
     // The choice of documents and the printer, kept from one print run to the next.
@@ -118,6 +125,9 @@ public:
     void listEdited(lists::ListView* view) override;
     lists::TransferOptions transferOptions(lists::ListView* target, lists::ListView* source) override;
     void transferDone(lists::ListView* target, const lists::TransferResult& result) override;
+    // Files dropped on a list (Drops.cpp): into a base list window they open, into a project's
+    // list they come in as rows from the base list of the same columns would.
+    void filesDropped(lists::ListView* view, const QStringList& files, int row) override;
     lists::ListEditHost* listEditHost() override { return this; }
     void showContextMenu(int context, const QPoint& globalPos) override;
     // Enables the edit menu's items for a list (0) or a rich-text box (1) and pops it up.
@@ -179,6 +189,8 @@ public:
     void ShowWindowByCaption(const QString& caption);
     void showProjectWindow(int kind);
     void activateWindow(documents::ProjectWindow* window);
+    // Activates the next (1) or the previous (-1) visible project window.
+    void stepWindow(int step);
 
     // Settings.
     void LoadSettings();
@@ -211,6 +223,9 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -223,6 +238,7 @@ private:
     // unchanged project without the file's name.
     void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString(),
                          bool readOnlyCopy = false);
+    void openDroppedFile(const QString& file);
     void pendingEvents();
     void unloadWindow(documents::ProjectWindow* window);
 

@@ -19,6 +19,9 @@ const QString kOffice = QStringLiteral("Office");
 const QString kRecent = QStringLiteral("RecentFiles");
 const QString kFiles = QStringLiteral("Files");
 const QString kGui = QStringLiteral("GUI");
+// The folders where the file dialogs of each kind of file start.
+const QString kFolders = QStringLiteral("Folders");
+const char* const kFolderKinds[] = {"Projects", "Lists", "Spreadsheets", "Pictures"};
 
 // A count as the settings hold it: a number, rounded; anything else keeps the fallback.
 int toInt(const QString& text, int fallback) {
@@ -82,6 +85,11 @@ void ReadSettingsValues(const platform::SettingsStore& store, AppState& state) {
     if (s.StartUpDocument < 0 || s.StartUpDocument > 2) s.StartUpDocument = 0;
     for (int i = 0; i < 5; ++i)
         s.DefaultComboData[i] = store.get(kGeneral, QStringLiteral("DefaultComboData_%1").arg(i));
+    state.dialog.folders.clear();
+    for (const char* kind : kFolderKinds) {
+        const QString folder = store.get(kFolders, QLatin1String(kind));
+        if (!folder.isEmpty()) state.dialog.folders[QLatin1String(kind)] = folder;
+    }
 }
 
 void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) {
@@ -116,6 +124,12 @@ void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) 
         store.save(kOffice, QStringLiteral("Row_%1").arg(i), state.OfficeRows[i]);
     if (s.StartUpDocument >= 0 && s.StartUpDocument <= 2)
         store.save(kGui, QStringLiteral("StartUpDocument"), QString::number(s.StartUpDocument));
+    // Only folders that were used: a store written before any dialog looks as it always did.
+    for (const char* kind : kFolderKinds) {
+        const auto folder = state.dialog.folders.find(QLatin1String(kind));
+        if (folder != state.dialog.folders.end() && !folder->second.isEmpty())
+            store.save(kFolders, QLatin1String(kind), folder->second);
+    }
     store.sync();
 }
 
@@ -203,6 +217,16 @@ void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file) {
     for (int i = k; i > 0; --i)
         files[i] = files[i - 1];
     files[0] = file;
+}
+
+bool DropMissingRecentFiles(std::array<QString, 6>& files) {
+    std::array<QString, 6> kept;
+    int n = 0;
+    for (const QString& f : files)
+        if (!f.isEmpty() && QFileInfo::exists(f)) kept[n++] = f;
+    const bool changed = kept != files;
+    files = kept;
+    return changed;
 }
 
 } // namespace shell

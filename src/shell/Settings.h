@@ -43,5 +43,7 @@ QString UserWritablePath(const AppState& state, const QString& path);
 
 // Puts a file at the head of the recent files, moving it when it is there already.
 void UpdateRecentFileList(std::array<QString, 6>& files, const QString& file);
+// Removes the files that no longer exist, keeping the order of the others; true when any went.
+bool DropMissingRecentFiles(std::array<QString, 6>& files);
 
 } // namespace shell

@@ -7,7 +7,10 @@
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
 
+#include <QApplication>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -26,6 +29,15 @@ protected:
         if (main->Form6) main->FormUntouch(main->Form6);
         if (main->Form7) main->FormUntouch(main->Form7);
         main.reset();
+    }
+    // Runs `inside` on the modal window the next action opens, then closes that window.
+    static void whenModal(const std::function<void(QWidget*)>& inside) {
+        QTimer::singleShot(0, [inside] {
+            QWidget* modal = QApplication::activeModalWidget();
+            ASSERT_NE(modal, nullptr);
+            inside(modal);
+            if (modal->isVisible()) modal->close();
+        });
     }
     testing_support::ScriptedDialogs dialogs;
     std::unique_ptr<shell::MDIForm1> main;

@@ -48,15 +48,6 @@ protected:
         QApplication::processEvents();
         ASSERT_TRUE(w == QApplication::focusWidget() || w->isAncestorOf(QApplication::focusWidget()));
     }
-    // Runs `inside` on the modal window the next action opens, then closes that window.
-    void whenModal(const std::function<void(QWidget*)>& inside) {
-        QTimer::singleShot(0, [inside] {
-            QWidget* modal = QApplication::activeModalWidget();
-            ASSERT_NE(modal, nullptr);
-            inside(modal);
-            if (modal->isVisible()) modal->close();
-        });
-    }
 
     QTemporaryDir dir;
 };

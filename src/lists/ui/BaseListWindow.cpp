@@ -49,6 +49,8 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     auto* model = new ListModel(this);
     model->setKind(prices ? kind::UnitPriceList : kind::RequirementBase);
     ListView1 = new ListView(central);
+    ListView1->setAccessibleName(m_slot == 6 ? QStringLiteral("Yksikköhintaluettelo")
+                                             : QStringLiteral("Laatuvaatimusten perusluettelo"));
     ListView1->setObjectName(QStringLiteral("ListView1"));
     ListView1->setList(model);
     ListView1->setIndex(-1);

@@ -3,6 +3,7 @@
 #include "lists/ListModel.h"
 #include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
+#include "platform/DroppedFiles.h"
 
 #include <QCoreApplication>
 #include <QDrag>
@@ -448,18 +449,9 @@ bool ListEditor::EditListViewDragDrop(ListView* source, QPoint pos, bool shift) 
     const int row = m_dropRow;
     showDropRow(0);
     closeEditor();
-    int mode = 4;
-    int position = target->rows();
-    if (target->rows() == 0) {
-        mode = 2;
-        position = 0;
-    } else if (row > 0) {
-        // Placed rows go above the drop row; sorted ones where their litteras say.
-        mode = shift ? 2 : 0;
-        position = row - 1;
-    }
+    const DropPlace place = dropPlace(*target, row, shift);
     const TransferOptions options = m_host ? m_host->transferOptions(m_view, source) : TransferOptions{};
-    const TransferResult result = TransferData(*target, *source->list(), position, mode, options);
+    const TransferResult result = TransferData(*target, *source->list(), place.position, place.mode, options);
     if (result.changed && m_host) m_host->transferDone(m_view, result);
     return result.changed;
 }
@@ -470,6 +462,13 @@ bool ListEditor::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::DragEnter:
         case QEvent::DragMove: {
             auto* e = static_cast<QDragMoveEvent*>(event);
+            // Files from the file manager go to the window, which opens or imports them.
+            if (m_host && !platform::droppedFiles(e->mimeData()).isEmpty()) {
+                showDropRow(rowAt(e->position().toPoint()));
+                e->setDropAction(Qt::CopyAction);
+                e->accept();
+                return true;
+            }
             ListView* source = dragSource(e->mimeData());
             if (source && CheckListViewDrop(source, e->position().toPoint())) {
                 e->setDropAction(Qt::CopyAction);
@@ -484,6 +483,16 @@ bool ListEditor::eventFilter(QObject* watched, QEvent* event) {
             return true;
         case QEvent::Drop: {
             auto* e = static_cast<QDropEvent*>(event);
+            const QStringList files = platform::droppedFiles(e->mimeData());
+            if (m_host && !files.isEmpty()) {
+                const int row = rowAt(e->position().toPoint());
+                showDropRow(0);
+                closeEditor();
+                e->setDropAction(Qt::CopyAction);
+                e->accept();
+                m_host->filesDropped(m_view, files, row);
+                return true;
+            }
             bool shift = false;
             ListView* source = dragSource(e->mimeData(), &shift);
             if (source && EditListViewDragDrop(source, e->position().toPoint(), shift)) {

@@ -12,6 +12,7 @@
 #include <QPixmap>
 #include <QPoint>
 #include <QPointer>
+#include <QStringList>
 
 #include <functional>
 
@@ -40,6 +41,9 @@ public:
     // Rows were dropped onto `target`: mark it changed and, for a project list with the setting
     // "AutoFormat" on, format it from row 1.
     virtual void transferDone(ListView* target, const TransferResult& result) = 0;
+    // Files from the file manager dropped on the list on `row` (0: below the rows): the
+    // window opens or imports them.
+    virtual void filesDropped(ListView* view, const QStringList& files, int row) {}
 };
 
 class ListEditor : public QObject {
