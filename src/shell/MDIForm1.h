@@ -94,6 +94,7 @@ public:
     void restoreWindowPosition(int slot, QWidget* window) override;
     void storeWindowPosition(int slot, QWidget* window) override;
     QIcon toolIcon(const QString& key) override;
+    void bringForward(QWidget* window) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
     // The choice of documents and the printer, kept from one print run to the next.
@@ -186,6 +187,9 @@ public:
     std::vector<QMenu*> MainMenu;
     std::vector<QAction*> SubMenu0, SubMenu1, Submenu10, SubMenu2, Submenu3, Submenu30, SubMenu4, SubMenu41;
     std::map<QString, QAction*> toolbarButtons;
+    // The Edit menu's "&Kumoa" and "&Tee uudelleen", above the items of SubMenu2.
+    QAction* undoAction = nullptr;
+    QAction* redoAction = nullptr;
     QToolBar* Toolbar1 = nullptr;
     QMdiArea* mdiArea = nullptr;
     QProgressBar* ProgressBar1 = nullptr;
