@@ -1,6 +1,7 @@
 // The cost estimate and the quality index over large lists: both run before every print and
 // preview, so they must stay linear in the rows.
 #include "calc/CostEstimate.h"
+#include "calc/ProjectCheck.h"
 #include "calc/QualityIndex.h"
 #include "lists/ListModel.h"
 
@@ -103,5 +104,48 @@ void BM_CalculateQualityIndex(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_CalculateQualityIndex)->Arg(5000)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+// The project check over a project of the target size: 20,000 quantity rows and 5,000
+// requirement rows (at most 20 ms). The generated litteras repeat every hundred work phases, so
+// the check also writes a few thousand findings about them.
+void BM_CheckProject(benchmark::State& state) {
+    lists::ListModel quantities, requirements;
+    fillQuantityList(quantities, static_cast<int>(state.range(0)));
+    fillRequirementList(requirements, static_cast<int>(state.range(1)));
+    const calc::CheckSource source{&quantities, &requirements,
+                                   calc::CostInputs{QStringLiteral("€"), QStringLiteral("100"),
+                                                    QStringLiteral("112,5"), QStringLiteral("12"),
+                                                    QStringLiteral("24")}};
+    std::size_t findings = 0;
+    for (auto _ : state) {
+        const std::vector<calc::Finding> found = calc::CheckProject(source);
+        findings = found.size();
+        benchmark::DoNotOptimize(found.data());
+    }
+    state.counters["findings"] = static_cast<double>(findings);
+    state.SetItemsProcessed(state.iterations() * (state.range(0) + state.range(1)));
+}
+BENCHMARK(BM_CheckProject)
+    ->Args({5000, 1250})
+    ->Args({20000, 5000})
+    ->Args({80000, 20000})
+    ->Unit(benchmark::kMillisecond);
+
+// What a list view checks to mark the cells of one screen: 60 rows of each list.
+void BM_CheckRowsOfOneScreen(benchmark::State& state) {
+    lists::ListModel quantities, requirements;
+    fillQuantityList(quantities, 20000);
+    fillRequirementList(requirements, 5000);
+    std::vector<calc::Finding> out;
+    for (auto _ : state) {
+        out.clear();
+        for (int r = 10000; r < 10060; ++r)
+            calc::CheckRow(calc::CheckPlace::Quantities, quantities, r, out);
+        for (int r = 2000; r < 2060; ++r)
+            calc::CheckRow(calc::CheckPlace::Requirements, requirements, r, out);
+        benchmark::DoNotOptimize(out.data());
+    }
+}
+BENCHMARK(BM_CheckRowsOfOneScreen)->Unit(benchmark::kMicrosecond);
 
 } // namespace

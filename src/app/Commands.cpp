@@ -1,6 +1,7 @@
 #include "app/Commands.h"
 
 #include "app/PrintCommand.h"
+#include "app/ValidateCommand.h"
 #include "calc/CostEstimate.h"
 #include "calc/QualityIndex.h"
 #include "lists/ListConvert.h"
@@ -18,7 +19,7 @@ namespace app {
 
 namespace {
 
-const char* const kCommands[] = {"costs", "summary", "print", "convert"};
+const char* const kCommands[] = {"costs", "summary", "print", "convert", "validate"};
 
 int fail(const QString& message) {
     std::fprintf(stderr, "tamrik: %s\n", message.toLocal8Bit().constData());
@@ -43,6 +44,7 @@ int costs(const QString& fileName) {
     auto list =
         persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
     print(calc::FormatCostRecord(calc::CalculateCosts(*list, inputs)));
+    reportCheckErrors(project);
     return 0;
 }
 
@@ -57,6 +59,7 @@ int summary(const QString& fileName) {
         calc::MakeSummaryText(record, QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime());
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     print(text);
+    reportCheckErrors(project);
     return 0;
 }
 
@@ -83,6 +86,7 @@ int runCommand(int argc, char** argv) {
         if (args.size() != 3) return fail(QStringLiteral("käyttö: tamrik %1 TIEDOSTO.sl").arg(command));
         return command == QLatin1String("costs") ? costs(args[2]) : summary(args[2]);
     }
+    if (command == QLatin1String("validate")) return validateCommand(args.mid(2));
     if (command == QLatin1String("convert")) {
         if (args.size() != 4) return fail(QStringLiteral("käyttö: tamrik convert LÄHDE KOHDE"));
         return convert(args[2], args[3]);

@@ -10,22 +10,6 @@ namespace calc {
 
 namespace {
 
-// Blanks that may stand inside a typed number: spaces (also the no-break spaces that grouped
-// amounts carry), tabs and line breaks.
-bool isNumberBlank(QChar c) {
-    switch (c.unicode()) {
-        case u' ':
-        case u'\t':
-        case u'\r':
-        case u'\n':
-        case u'\u00A0':
-        case u'\u202F':
-            return true;
-        default:
-            return false;
-    }
-}
-
 bool isDigit(QChar c) {
     return c >= QLatin1Char('0') && c <= QLatin1Char('9');
 }
@@ -36,7 +20,7 @@ void readExponent(const QString& text, qsizetype& i, std::string& out) {
     const qsizetype n = text.size();
     if (i >= n || (text[i] != QLatin1Char('e') && text[i] != QLatin1Char('E'))) return;
     qsizetype j = i + 1;
-    while (j < n && isNumberBlank(text[j]))
+    while (j < n && IsNumberBlank(text[j]))
         ++j;
     std::string exponent = "e";
     if (j < n && (text[j] == QLatin1Char('-') || text[j] == QLatin1Char('+'))) {
@@ -45,7 +29,7 @@ void readExponent(const QString& text, qsizetype& i, std::string& out) {
     }
     bool digits = false;
     for (; j < n; ++j) {
-        if (isNumberBlank(text[j])) continue;
+        if (IsNumberBlank(text[j])) continue;
         if (!isDigit(text[j])) break;
         exponent += static_cast<char>(text[j].unicode());
         digits = true;
@@ -134,11 +118,27 @@ QString withDecimalComma(const PatternDigits& d, QChar group) {
 
 } // namespace
 
-double CustomVal(const QString& text) {
+bool IsNumberBlank(QChar c) {
+    switch (c.unicode()) {
+        case u' ':
+        case u'\t':
+        case u'\r':
+        case u'\n':
+        case u'\u00A0':
+        case u'\u202F':
+            return true;
+        default:
+            return false;
+    }
+}
+
+NumberScan ScanNumber(const QString& text) {
+    NumberScan scan;
     const qsizetype n = text.size();
     qsizetype i = 0;
-    while (i < n && isNumberBlank(text[i]))
+    while (i < n && IsNumberBlank(text[i]))
         ++i;
+    scan.start = i;
     // A leading "0" lets ",5" read as 0.5.
     std::string number;
     if (i < n && (text[i] == QLatin1Char('-') || text[i] == QLatin1Char('+'))) {
@@ -146,14 +146,13 @@ double CustomVal(const QString& text) {
         ++i;
     }
     number += '0';
-    bool digits = false;
     bool point = false;
     for (; i < n; ++i) {
         const QChar c = text[i];
-        if (isNumberBlank(c)) continue;
+        if (IsNumberBlank(c)) continue;
         if (isDigit(c)) {
             number += static_cast<char>(c.unicode());
-            digits = true;
+            scan.digits = true;
         } else if ((c == QLatin1Char(',') || c == QLatin1Char('.')) && !point) {
             number += '.';
             point = true;
@@ -161,12 +160,22 @@ double CustomVal(const QString& text) {
             break;
         }
     }
-    if (!digits) return 0;
+    if (!scan.digits) {
+        scan.end = scan.start;
+        return scan;
+    }
     readExponent(text, i, number);
-    double value = 0;
-    const auto r = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (r.ec == std::errc::result_out_of_range) return 0;
-    return value;
+    scan.end = i;
+    const auto r = std::from_chars(number.data(), number.data() + number.size(), scan.value);
+    if (r.ec == std::errc::result_out_of_range) {
+        scan.value = 0;
+        scan.outOfRange = true;
+    }
+    return scan;
+}
+
+double CustomVal(const QString& text) {
+    return ScanNumber(text).value;
 }
 
 double RoundHalfEven(double x) {

@@ -14,6 +14,21 @@ namespace calc {
 // beyond the range of a double.
 double CustomVal(const QString& text);
 
+// Blanks that CustomVal skips inside a number: spaces (also the no-break spaces that grouped
+// amounts carry), tabs and line breaks.
+bool IsNumberBlank(QChar c);
+
+// How CustomVal reads a text: the value, and where reading began and stopped, so that the
+// project check can tell what part of a cell the calculations leave unread.
+struct NumberScan {
+    double value = 0;        // what CustomVal gives
+    qsizetype start = 0;     // the first character after the leading blanks
+    qsizetype end = 0;       // the first character not read; `start` when nothing was read
+    bool digits = false;     // the text starts with a number
+    bool outOfRange = false; // a number beyond the range of a double, read as 0
+};
+NumberScan ScanNumber(const QString& text);
+
 // Rounds a converted estimate to about four significant digits: a step chosen by the
 // magnitude (10^9 from 10^12 to 10^13, down to 1000 from 10^6 to 10^7, otherwise 100), the
 // quotient rounded to the nearest whole number with halves to even. 1234567 gives 1235000,

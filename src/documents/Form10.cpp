@@ -88,7 +88,7 @@ void Form10::PopulateIndexWithListView(const lists::ListModel& list) {
     m_headings = HeadingsOfList(list);
     ListView1->clear();
     ListView1->setHeaderLabels(
-        {QStringLiteral("Littera"), IndexTextHeader(list.kind()), QStringLiteral("Rivinumero")});
+        {QStringLiteral("Littera"), IndexTextHeader(m_mode, list.kind()), QStringLiteral("Rivinumero")});
     QList<QTreeWidgetItem*> items;
     items.reserve(static_cast<int>(m_headings.size()));
     for (int i = 0; i < static_cast<int>(m_headings.size()); ++i) {

@@ -1,5 +1,6 @@
 #include "documents/Form2.h"
 
+#include "documents/CheckMarks.h"
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
 #include "documents/NewWindow.h"
@@ -74,6 +75,7 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
         v->addLayout(head);
         lists::ListView* view = makeList(i, listKinds[i]);
         view->setParent(area);
+        new CheckMarks(i == 0 ? calc::CheckPlace::Quantities : calc::CheckPlace::Requirements, view);
         v->addWidget(view, 1);
         connect(view, &lists::ListView::focusEntered, this, [this, i] { listFocused(i); });
         connect(Check1[i], &QCheckBox::clicked, this, [this, i, view] {

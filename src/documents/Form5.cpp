@@ -453,7 +453,9 @@ void Form5::buildCard() {
     }
     if (slot > 0) gridRow += 2;
 
-    // The rules follow what the user picks for the type, the method and the result.
+    // The rules follow what the user picks for the type, the method and the result. The type is
+    // checked when the focus leaves it (eventFilter): a click elsewhere changes no text, so
+    // editingFinished would not come.
     for (int column : {col::kType, col::kMethod, col::kFulfilled}) {
         ComboBox* combo = quality ? comboOfColumn(column) : nullptr;
         if (!combo) continue;
@@ -461,9 +463,9 @@ void Form5::buildCard() {
             if (column == col::kType && !checkContractorType()) return;
             EnableControlsForm5();
         });
-        connect(combo->lineEdit(), &QLineEdit::editingFinished, this, [this, column] {
+        if (column == col::kType) continue;
+        connect(combo->lineEdit(), &QLineEdit::editingFinished, this, [this] {
             if (m_loading || !isVisible()) return;
-            if (column == col::kType && !checkContractorType()) return;
             EnableControlsForm5();
         });
     }
@@ -545,8 +547,13 @@ void Form5::ImportToEditor() {
 void Form5::EnableControlsForm5() {
     lists::ListModel* model = list();
     if (!model) return;
+    QStringList combos = comboTexts();
+    // A type the contractor may not give does not count: the card keeps the rules of the row's
+    // own type (nothing locks on a refused value) until the type is changed.
+    if (const CardField* type = FieldOfColumn(m_fields, col::kType); type && typeRefused())
+        combos[type->index] = model->cell(m_row, col::kType);
     const CardRules rules = documents::EnableControlsForm5(model->kind(), m_host.appState().ProgramMode,
-                                                           comboTexts(), static_cast<int>(Text1.size()));
+                                                           combos, static_cast<int>(Text1.size()));
     const bool wasLoading = m_loading;
     // Texts the rules put into the card are not changes of their own: they reach the row when
     // the card is written back.
@@ -577,21 +584,32 @@ void Form5::touch() {
         m_host.contentChanged(m_view->window());
 }
 
-bool Form5::checkContractorType() {
+bool Form5::typeRefused() const {
     ComboBox* type = comboOfColumn(col::kType);
     lists::ListModel* model = list();
-    if (!type || !model || type->locked() || m_checkingType) return true;
-    if (!ContractorTypeRefused(m_host.appState().ProgramMode, model->kind(), type->text())) return true;
-    m_checkingType = true;
-    platform::MsgBox(contractorTypeMessage(), platform::MsgIcon::Information);
-    m_checkingType = false;
-    // The focus stays in the field, its text selected, until the type is changed.
-    QTimer::singleShot(0, type, [type] {
+    return type && model &&
+           ContractorTypeRefused(m_host.appState().ProgramMode, model->kind(), type->text(),
+                                 model->cell(m_row, col::kType));
+}
+
+bool Form5::checkContractorType() {
+    if (!typeRefused()) return true;
+    ComboBox* type = comboOfColumn(col::kType);
+    // One message at a time: a check that comes while it is open finds the type refused too.
+    if (!m_typeMessageOpen) {
+        m_typeMessageOpen = true;
+        platform::MsgBox(contractorTypeMessage(), platform::MsgIcon::Information);
+        m_typeMessageOpen = false;
+    }
+    // The focus stays in the field, its text selected, until the type is changed. Again after
+    // the events in hand: the click that moved the focus away is still being delivered.
+    auto keep = [type] {
+        type->activateWindow();
         type->setFocus(Qt::OtherFocusReason);
         type->lineEdit()->selectAll();
-    });
-    type->setFocus(Qt::OtherFocusReason);
-    type->lineEdit()->selectAll();
+    };
+    keep();
+    QTimer::singleShot(0, type, keep);
     return false;
 }
 
@@ -765,6 +783,8 @@ void Form5::openTextEditor() {
 
 void Form5::showIndex() {
     if (!m_view) return;
+    // The card shows the row gone to: what was typed into it goes first, or is let go.
+    if (!settleUnwrittenChanges(QString::fromUtf8("siirtymistä"))) return;
     Form10::Source source;
     source.list = m_view;
     Form10 index(ShowIndexMode(3, QString(), QString()), source, &m_host, this);
@@ -824,21 +844,36 @@ bool Form5::eventFilter(QObject* watched, QEvent* event) {
         auto* ke = static_cast<QKeyEvent*>(event);
         if (handleKey(ke->key(), ke->modifiers())) return true;
     }
+    // The type field is checked whenever the focus leaves it for another field of the card
+    // (Tab, a click, Return); a message box, a menu or the drop-down's own list taking the
+    // focus for a while is no leaving.
+    if (event->type() == QEvent::FocusOut && !m_loading && isVisible()) {
+        ComboBox* type = comboOfColumn(col::kType);
+        QWidget* next = QApplication::focusWidget();
+        if (type && (watched == type || watched == type->lineEdit()) && next && next != type &&
+            !type->isAncestorOf(next) && isAncestorOf(next) && list() &&
+            lists::isQualityKind(list()->kind())) {
+            if (checkContractorType()) EnableControlsForm5();
+        }
+    }
     return QDialog::eventFilter(watched, event);
+}
+
+bool Form5::settleUnwrittenChanges(const QString& before) {
+    if (!hasUnwrittenChanges() || m_row < 1) return true;
+    const platform::MsgAnswer a = platform::Ask(
+        QString::fromUtf8("Kortin muutoksia ei ole viety riville.\r\nViedäänkö muutokset riville ennen %1?")
+            .arg(before),
+        platform::MsgButtons::YesNoCancel, platform::MsgIcon::Question, platform::MsgAnswer::Yes);
+    if (a == platform::MsgAnswer::Cancel) return false;
+    // A refused write (no identifier, a contractor's type) keeps the card as it is.
+    return a == platform::MsgAnswer::No || UpdateRow();
 }
 
 void Form5::reject() {
     // A card with changes that have not reached the row is not closed without asking (Esc,
     // "&Sulje ikkuna (Esc)" and the close box all come here).
-    if (hasUnwrittenChanges() && m_row > 0) {
-        const platform::MsgAnswer a = platform::Ask(
-            QString::fromUtf8("Kortin muutoksia ei ole viety riville.\r\n"
-                              "Viedäänkö muutokset riville ennen sulkemista?"),
-            platform::MsgButtons::YesNoCancel, platform::MsgIcon::Question, platform::MsgAnswer::Yes);
-        if (a == platform::MsgAnswer::Cancel) return;
-        // A refused write (no identifier, a contractor's type) keeps the card open.
-        if (a == platform::MsgAnswer::Yes && !UpdateRow()) return;
-    }
+    if (!settleUnwrittenChanges(QStringLiteral("sulkemista"))) return;
     QDialog::reject();
 }
 

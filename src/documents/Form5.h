@@ -67,6 +67,8 @@ public:
     void AddRow(int how);
     // The contractor's type rule for the type field: false, with the message, the field's text
     // selected and the focus kept in it, while it holds a type 1 or 2 that the contractor gave.
+    // Such a type is never accepted: the rules stay those of the row's own type, and the card
+    // is not written back while the field holds it.
     bool checkContractorType();
 
     // Every toolbar button, menu item and key ends here, by key: "Update", "Update and browse
@@ -107,6 +109,11 @@ private:
     QStringList comboTexts() const;
     QStringList textTexts() const;
     void focusFirstField();
+    bool typeRefused() const;
+    // Changes not yet written to the row, before the card is closed or shows another row: asks
+    // whether to write them ("ennen " + `before`); false when the user cancelled or the write
+    // was refused.
+    bool settleUnwrittenChanges(const QString& before);
 
     DocumentHost& m_host;
     QPointer<lists::ListView> m_view;
@@ -116,7 +123,7 @@ private:
     QLabel* m_unwritten = nullptr;
     int m_row = 0;
     bool m_loading = false;
-    bool m_checkingType = false;
+    bool m_typeMessageOpen = false;
     bool m_positioned = false;
 };
 

@@ -373,8 +373,10 @@ void Form9::applyStyle(const QString& style) {
         if (!font) return;
         const QColor initial =
             current.foreground().style() == Qt::NoBrush ? QColor(Qt::black) : current.foreground().color();
+        // Cancelling the colour dialog after the font one changes nothing either.
         const std::optional<QColor> color = platform::Dialogs::instance().color(initial);
-        platform::applyCustomStyle(cursor, *font, color.value_or(QColor()));
+        if (!color) return;
+        platform::applyCustomStyle(cursor, *font, *color);
     } else {
         platform::FormatRichText(cursor, style);
     }

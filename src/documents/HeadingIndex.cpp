@@ -56,8 +56,14 @@ bool IsInsertIndexMode(const QString& mode) {
     return mode == index_mode::PlanInsert || mode == index_mode::EditorInsert;
 }
 
-QString IndexTextHeader(const QString& sourceKind) {
-    return lists::isQualityKind(sourceKind) ? QStringLiteral("Vaatimus") : QString::fromUtf8("Työvaihe");
+QString IndexTextHeader(const QString& mode, const QString& sourceKind) {
+    const QString requirement = QStringLiteral("Vaatimus");
+    const QString workPhase = QString::fromUtf8("Työvaihe");
+    if (mode == index_mode::Requirements || mode == index_mode::Choose) return requirement;
+    if (mode == index_mode::QuantityList || mode == index_mode::UnitPriceBase ||
+        mode == index_mode::RequirementBase)
+        return workPhase;
+    return lists::isQualityKind(sourceKind) ? requirement : workPhase;
 }
 
 QString HeadingLine(const Heading& heading) {

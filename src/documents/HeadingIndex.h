@@ -51,9 +51,10 @@ bool IsTextIndexMode(const QString& mode);
 // Whether the index inserts headings rather than going to one.
 bool IsInsertIndexMode(const QString& mode);
 
-// The header of the index's second column: "Vaatimus" for a requirement list, "Työvaihe"
-// for every other.
-QString IndexTextHeader(const QString& sourceKind);
+// The header of the index's second column: "Vaatimus" for the project's requirement list and
+// for choosing a requirement, "Työvaihe" for the quantity list and the two base list windows;
+// in the other modes "Vaatimus" when the headings come from a requirement kind.
+QString IndexTextHeader(const QString& mode, const QString& sourceKind);
 
 // The line AddToRich inserts for a heading: the littera, TAB and the text.
 QString HeadingLine(const Heading& heading);

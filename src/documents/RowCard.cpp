@@ -340,8 +340,10 @@ CardRules EnableControlsForm5(const QString& kind, int programMode, const QStrin
     return r;
 }
 
-bool ContractorTypeRefused(int programMode, const QString& kind, const QString& type) {
-    return programMode == 2 && kind == lists::kind::Requirements && ProtectedRequirement(type);
+bool ContractorTypeRefused(int programMode, const QString& kind, const QString& type,
+                           const QString& rowType) {
+    return programMode == 2 && kind == lists::kind::Requirements && ProtectedRequirement(type) &&
+           RemoveInfo(type).trimmed() != rowType.trimmed();
 }
 
 QString contractorTypeMessage() {

@@ -116,8 +116,10 @@ CardRules EnableControlsForm5(const QString& kind, int programMode, const QStrin
 
 // A requirement is protected when its type begins with "1" or "2".
 bool ProtectedRequirement(const QString& type);
-// The contractor may give only advisory (type 3) requirements: true when `type` is refused.
-bool ContractorTypeRefused(int programMode, const QString& kind, const QString& type);
+// The contractor may give only advisory (type 3) requirements: true when the card's `type` is
+// a type 1 or 2 that the contractor gave, one that the row (`rowType`) does not hold already. A
+// bridge-specific requirement of the designer keeps its type when the contractor writes it back.
+bool ContractorTypeRefused(int programMode, const QString& kind, const QString& type, const QString& rowType);
 QString contractorTypeMessage();
 
 // Requirements of the project's list must have an identifier.

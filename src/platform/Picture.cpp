@@ -17,7 +17,7 @@ struct Picture::Rendering {
     bool done = false;
     QImage image;                      // bitmaps and icons
     std::unique_ptr<QSvgRenderer> svg; // metafiles
-    QString error;                     // why a metafile cannot be shown
+    QString error;                     // why a metafile or a bitmap cannot be shown
 };
 
 namespace {
@@ -30,15 +30,43 @@ bool isIco(const QByteArray& b) {
     return b.size() >= 22 && b.startsWith(QByteArray("\0\0\1\0", 4)) && (b[4] != 0 || b[5] != 0);
 }
 
-// Decodes a raster image; for an icon the largest of its images.
+// Pictures are read at most this many pixels on their longer side: a card or a printed page
+// needs no more (an A4 page is 3508 pixels long at 300 dpi), and a larger bitmap would only
+// make the project file big.
+constexpr int kLargestSide = 3600;
+// A picture is decoded up to this many megabytes (Qt's own limit of 128 would refuse a
+// 6000 x 6000 photo). PNG, BMP and the rest are decoded whole and then scaled; JPEG scales while
+// it reads, to an eighth of each side at the most.
+constexpr int kDecodeLimitMB = 1024;
+constexpr int kJpegLargestReduction = 8;
 constexpr int kMostIconPictures = 64;
 
-QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr) {
+QString tooLarge(QSize size) {
+    return QString::fromUtf8("Kuva on liian suuri: %1 × %2 pikseliä.").arg(size.width()).arg(size.height());
+}
+
+// Decodes a raster image, scaled down to kLargestSide when it is larger; for an icon the
+// largest of its images. A picture too large to read gives a null image and says so in `error`.
+QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr, QString* error = nullptr) {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, format);
     reader.setAutoTransform(true);
+    const QSize full = reader.size();
+    if (full.width() > kLargestSide || full.height() > kLargestSide) {
+        const int reduction = reader.format() == "jpeg" ? kJpegLargestReduction : 1;
+        // Four bytes a pixel, eight for the 16-bit channels of a PNG.
+        const int pixelBytes = std::max(4, QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel() / 8);
+        const qint64 megabytes = qint64(full.width() / reduction + 1) * (full.height() / reduction + 1) *
+                                 pixelBytes / (1024 * 1024);
+        if (megabytes > kDecodeLimitMB) {
+            if (error) *error = tooLarge(full);
+            return {};
+        }
+        reader.setAllocationLimit(kDecodeLimitMB);
+        reader.setScaledSize(full.scaled(kLargestSide, kLargestSide, Qt::KeepAspectRatio).expandedTo({1, 1}));
+    }
     QImage best;
     int count = std::max(reader.imageCount(), 1);
     // An icon's directory names its pictures in 16 bytes each after a 6-byte header; a count
@@ -94,9 +122,10 @@ Picture Picture::fromFile(const QString& path, QString* error) {
     else if (looksLikeEmf(bytes))
         type = EnhancedMetafile;
     if (type == None) {
-        const QImage image = decodeRaster(bytes);
+        QString large;
+        const QImage image = decodeRaster(bytes, nullptr, &large);
         if (image.isNull()) {
-            if (error) *error = notAPicture(path);
+            if (error) *error = large.isEmpty() ? notAPicture(path) : large;
             return {};
         }
         return fromImage(image);
@@ -104,7 +133,7 @@ Picture Picture::fromFile(const QString& path, QString* error) {
     Picture picture(std::move(bytes), type);
     const Rendering& r = picture.rendering();
     if (r.image.isNull() && !r.svg) {
-        if (error) *error = notAPicture(path);
+        if (error) *error = type == Bitmap && !r.error.isEmpty() ? r.error : notAPicture(path);
         return {};
     }
     return picture;
@@ -176,7 +205,7 @@ const Picture::Rendering& Picture::rendering() const {
     r.done = true;
     switch (m_type) {
         case Bitmap:
-            r.image = decodeRaster(m_bytes);
+            r.image = decodeRaster(m_bytes, nullptr, &r.error);
             break;
         case Icon:
             r.image = decodeRaster(m_bytes, "ico");

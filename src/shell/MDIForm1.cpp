@@ -15,6 +15,7 @@
 #include "shell/Captions.h"
 #include "shell/Modes.h"
 #include "shell/Settings.h"
+#include "shell/ProjectCheckWindow.h"
 #include "shell/ProjectFiles.h"
 #include "shell/Recovery.h"
 #include "shell/ShellActions.h"
@@ -198,6 +199,12 @@ void MDIForm1::createMenus() {
     addItem(view, Submenu3, QStringLiteral("Laatu&vaatimusten yhteenveto"),
             QKeySequence(Qt::SHIFT | Qt::Key_F8));
     addItem(view, Submenu3, QStringLiteral("-"));
+    // The project check stands beside the summary; it is not one of the numbered items.
+    QAction* check = new QAction(QStringLiteral("&Tarkista projekti"), view);
+    check->setObjectName(QStringLiteral("CheckProject"));
+    check->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+    view->insertAction(Submenu3.back(), check);
+    connect(check, &QAction::triggered, this, [this] { showProjectCheck(*this); });
     QMenu* windows = view->addMenu(QStringLiteral("&Ikkuna"));
     Submenu3.push_back(windows->menuAction());
     connect(windows, &QMenu::aboutToShow, this, [this, windows] {

@@ -1,6 +1,9 @@
 #include "common/ScriptedDialogs.h"
 
+#include <QApplication>
+#include <QWidget>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace testing_support {
 
@@ -17,6 +20,22 @@ ScriptedDialogs::~ScriptedDialogs() {
 
 MsgAnswer ScriptedDialogs::message(const platform::MessageRequest& request) {
     m_messages.push_back(request);
+    QWidget* before = QApplication::activeWindow();
+    std::unique_ptr<QWidget> box;
+    if (takesFocus) {
+        box = std::make_unique<QWidget>();
+        box->show();
+        QApplication::setActiveWindow(box.get());
+    }
+    const MsgAnswer a = answerFor(request);
+    if (box) {
+        box.reset();
+        if (before) QApplication::setActiveWindow(before);
+    }
+    return a;
+}
+
+MsgAnswer ScriptedDialogs::answerFor(const platform::MessageRequest& request) {
     if (request.buttons == MsgButtons::Ok) return MsgAnswer::Ok;
     if (m_answers.empty()) {
         ADD_FAILURE() << "unexpected question: " << request.text.toStdString();

@@ -39,8 +39,13 @@ public:
 
     std::optional<QFont> nextFont;
     std::optional<QColor> nextColor;
+    // While set, a message takes the focus as a real message box does: a window of its own is
+    // the active one while it is open, and the window before it is active again afterwards.
+    bool takesFocus = false;
 
 private:
+    platform::MsgAnswer answerFor(const platform::MessageRequest& request);
+
     std::deque<platform::MsgAnswer> m_answers;
     std::deque<QStringList> m_files;
     std::vector<platform::MessageRequest> m_messages;

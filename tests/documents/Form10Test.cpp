@@ -66,18 +66,20 @@ TEST(HeadingIndex, HeadingsAreTheRowsWithALittera) {
 }
 
 TEST(HeadingIndex, ModeByActiveControl) {
-    EXPECT_EQ(ShowIndexMode(0, lists::kind::QuantityList, {}), "0");
-    EXPECT_EQ(ShowIndexMode(0, lists::kind::NoEdit, {}), "0");
-    EXPECT_EQ(ShowIndexMode(0, lists::kind::Requirements, {}), "1");
-    EXPECT_EQ(ShowIndexMode(0, lists::kind::Changes, {}), "");
-    EXPECT_EQ(ShowIndexMode(0, {}, "Rakennussuunnitelmaselostus"), "2");
-    EXPECT_EQ(ShowIndexMode(1, {}, "Rakennussuunnitelmaselostus"), "3");
-    EXPECT_EQ(ShowIndexMode(1, {}, "Koodaussuunnitelma"), "");
-    EXPECT_EQ(ShowIndexMode(2, {}, {}), "8");
-    EXPECT_EQ(ShowIndexMode(3, lists::kind::QuantityList, {}), "9");
-    EXPECT_EQ(IndexTextHeader(lists::kind::RequirementBase), "Vaatimus");
-    EXPECT_EQ(IndexTextHeader(lists::kind::UnitPriceList), "Työvaihe");
-    EXPECT_EQ(HeadingLine({"7110", "KAIVUT", 1, "00001"}), "7110\tKAIVUT");
+    struct Case {
+        int kind;
+        QString listTag, textTag, mode;
+    };
+    const Case cases[] = {
+        {0, lists::kind::QuantityList, {}, "0"},     {0, lists::kind::NoEdit, {}, "0"},
+        {0, lists::kind::Requirements, {}, "1"},     {0, lists::kind::Changes, {}, ""},
+        {0, {}, "Rakennussuunnitelmaselostus", "2"}, {1, {}, "Rakennussuunnitelmaselostus", "3"},
+        {1, {}, "Koodaussuunnitelma", ""},           {2, {}, {}, "8"},
+        {3, lists::kind::QuantityList, {}, "9"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE((QString::number(c.kind) + " " + c.listTag + c.textTag).toStdString());
+        EXPECT_EQ(ShowIndexMode(c.kind, c.listTag, c.textTag), c.mode);
+    }
 }
 
 TEST(Form10, FillsFromAListAndGoesToTheRow) {
@@ -89,8 +91,6 @@ TEST(Form10, FillsFromAListAndGoesToTheRow) {
     Form10::Source source;
     source.list = &view;
     Form10 index(index_mode::Requirements, source);
-    EXPECT_EQ(index.windowTitle(), "TAMRIK 2006 (Työvaiheluettelo)");
-    EXPECT_EQ(index.ListView1->headerItem()->text(1), "Vaatimus");
     EXPECT_EQ(shownRows(index.ListView1), QStringList({"7110|KAIVUT JA LOUHINNAT|1", "7111|Kaivu|3",
                                                        "|TIETYÖT SILTAPAIKALLA|8", "7200|Alikulku|10"}));
     // It opens at the heading of the list's current row.
@@ -103,11 +103,6 @@ TEST(Form10, FillsFromAListAndGoesToTheRow) {
     EXPECT_EQ(index.result(), QDialog::Accepted);
     EXPECT_EQ(list.currentRow(), 10);
     EXPECT_EQ(list.selectedRows(), std::vector<int>{10});
-
-    // A quantity list's index calls its headings work phases.
-    fillList(list, lists::kind::QuantityList, row_card_test::quantityHeaders(), {{"7100", "TYÖMAA"}});
-    Form10 quantities(index_mode::QuantityList, source);
-    EXPECT_EQ(quantities.ListView1->headerItem()->text(1), "Työvaihe");
 
     // The index of an empty list is empty, and going to a heading does nothing.
     list.clearRows();
@@ -187,4 +182,33 @@ TEST(Form10, ChoosingGivesTheRowNumberOfTheHeading) {
     EXPECT_EQ(ChooseRequirementHeading(list), std::optional<QString>("00001"));
     answer(-1);
     EXPECT_EQ(ChooseRequirementHeading(list), std::nullopt);
+}
+
+TEST(Form10, TheSecondColumnIsNamedByTheMode) {
+    struct Case {
+        QString mode;
+        QString kind;
+        QString header;
+    };
+    const Case cases[] = {
+        {index_mode::QuantityList, lists::kind::QuantityList, "Työvaihe"},
+        {index_mode::Requirements, lists::kind::Requirements, "Vaatimus"},
+        {index_mode::UnitPriceBase, lists::kind::UnitPriceList, "Työvaihe"},
+        // The requirement base list's window indexes its work phases.
+        {index_mode::RequirementBase, lists::kind::RequirementBase, "Työvaihe"},
+        {index_mode::ActiveList, lists::kind::RequirementBase, "Vaatimus"},
+        {index_mode::ActiveList, lists::kind::Changes, "Työvaihe"},
+    };
+    lists::ListModel list;
+    inspectionList(list);
+    lists::ListView view;
+    view.setList(&list);
+    Form10::Source source;
+    source.list = &view;
+    for (const Case& c : cases) {
+        SCOPED_TRACE((c.mode + " " + c.kind).toStdString());
+        list.setKind(c.kind);
+        Form10 index(c.mode, source);
+        EXPECT_EQ(index.ListView1->headerItem()->text(1), c.header);
+    }
 }

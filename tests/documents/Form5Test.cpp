@@ -4,16 +4,21 @@
 #include "RowCardLists.h"
 #include "common/ScriptedDialogs.h"
 #include "documents/Controls.h"
+#include "documents/Form10.h"
 #include "documents/Form5.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using documents::Form5;
@@ -54,96 +59,70 @@ protected:
     Form5 editor{host};
 };
 
+// Makes the card the active window, as the user sees it.
+void activate(QWidget& window) {
+    window.show();
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+bool hasFocus(const QWidget* field) {
+    QWidget* focus = QApplication::focusWidget();
+    return focus && (focus == field || field->isAncestorOf(focus));
+}
+
+// Answers the heading index that the card opens modally: goes to heading `heading` (0-based).
+// Counts the indexes it answered.
+void answerIndex(int heading, int* opened) {
+    QTimer::singleShot(0, [heading, opened] {
+        auto* index = qobject_cast<documents::Form10*>(QApplication::activeModalWidget());
+        if (!index) return;
+        ++*opened;
+        index->selectHeading(heading);
+        index->Command1[0]->click();
+    });
+}
+
+const QString kTypeMessage =
+    QStringLiteral("Urakoitsija voi antaa vain ohjeellisia (Ty = 3) laatuvaatimuksia.");
+
 } // namespace
 
-TEST_F(Form5Test, TheCardShowsTheRowUnderItsHeaders) {
+TEST_F(Form5Test, TheCardShowsTheRowAndWritesItBackWithoutExplanations) {
     open(6);
-    ASSERT_EQ(editor.Text1.size(), 6u);
-    ASSERT_EQ(editor.Combo1.size(), 18u);
     EXPECT_EQ(editor.Label2[0]->text(), "LAATUVAATIMUS");
     EXPECT_EQ(editor.Label1[16]->text(), "TÄYTTÄÄ VAATIMUKSET");
-    EXPECT_EQ(editor.Text1[0]->text(), "Pohja katselmoidaan");
-    EXPECT_EQ(editor.Text1[1]->text(), "Katselmus kirjataan");
-    EXPECT_EQ(editor.Combo1[1]->text(), "2");
-    EXPECT_EQ(editor.Combo1[8]->text(), "K");
-    EXPECT_EQ(editor.Combo1[16]->text(), "Ei");
-    // Each drop-down has the list of its header.
-    EXPECT_EQ(editor.Combo1[2]->count(), 3);
-    EXPECT_EQ(editor.Combo1[16]->itemText(0), "Kyllä");
+    EXPECT_EQ(text(3)->text(), "Pohja katselmoidaan");
+    EXPECT_EQ(text(12)->text(), "Katselmus kirjataan");
+    EXPECT_EQ(combo(21)->text(), "Ei");
+    EXPECT_EQ(combo(4)->count(), 3); // each drop-down has the list of its header
     EXPECT_TRUE(editor.windowTitle().startsWith("TAMRIK 2006 (Laatuvaatimukset)"));
-    EXPECT_EQ(editor.SubMenu1[0]->text(), "Lisää uusi laatuvaatimus");
     // Loading a row is no change of the project; a typed change is, and the card says that it
     // has not reached the row until it is written back.
     EXPECT_TRUE(host.changed.empty());
     EXPECT_FALSE(editor.hasUnwrittenChanges());
-    editor.Text1[4]->setText("Poikkeama korjataan");
+    combo(4)->setText("3 (ohjeellinen)");
+    combo(10)->setText("K (katselmus)");
+    text(3)->setText("Pohja (kuivana)\r\ntoinen rivi");
     EXPECT_FALSE(host.changed.empty());
     EXPECT_TRUE(editor.hasUnwrittenChanges());
     ASSERT_TRUE(editor.UpdateRow());
     EXPECT_FALSE(editor.hasUnwrittenChanges());
-    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
+    EXPECT_EQ(cell(6, 4), "3 ");
+    EXPECT_EQ(cell(6, 10), "K ");
+    EXPECT_EQ(cell(6, 3), "Pohja (kuivana)\r\ntoinen rivi");
+    EXPECT_EQ(combo(4)->text(), "3 "); // the card shows what the row holds now
 }
 
-TEST_F(Form5Test, ClosingAsksAboutChangesNotWrittenToTheRow) {
-    open(6);
-    editor.show();
-    // Nothing typed: Esc closes at once.
-    QTest::keyClick(&editor, Qt::Key_Escape);
-    EXPECT_FALSE(editor.isVisible());
-    EXPECT_TRUE(dialogs.messages().empty());
-
-    // The card of row 6 with one field changed, closed with the answer given; whether it stays.
-    auto closeChanged = [&](int column, const QString& value, platform::MsgAnswer a) {
-        if (!editor.isVisible()) {
-            open(6);
-            editor.show();
-            column == 2 ? combo(column)->setText(value) : text(column)->setText(value);
-        }
-        dialogs.answer(a);
-        editor.ToolbarClick("Close");
-        return editor.isVisible();
-    };
-    EXPECT_TRUE(closeChanged(22, "Poikkeama korjataan", platform::MsgAnswer::Cancel));
-    EXPECT_TRUE(dialogs.lastText().startsWith("Kortin muutoksia ei ole viety riville."));
-    EXPECT_FALSE(closeChanged(22, "", platform::MsgAnswer::No));
-    EXPECT_EQ(cell(6, 22), "");
-    EXPECT_FALSE(closeChanged(22, "Poikkeama korjataan", platform::MsgAnswer::Yes));
-    EXPECT_EQ(cell(6, 22), "Poikkeama korjataan");
-
-    // A write that is refused keeps the card open with what was typed.
-    EXPECT_TRUE(closeChanged(2, "", platform::MsgAnswer::Yes));
-    EXPECT_EQ(dialogs.lastText(), "Laatuvaatimuksella on oltava numero tai kirjaintunnus.");
-    EXPECT_EQ(cell(6, 2), "2");
-    EXPECT_TRUE(dialogs.allAnswersUsed());
-    editor.hide();
-}
-
-TEST_F(Form5Test, UpdateWritesTheCardWithoutExplanations) {
-    open(7);
-    combo(4)->setText("2 (KLVn mukainen)");
-    combo(10)->setText("K (katselmus)");
-    text(3)->setText("Ainestodistus (CE-merkintä)\r\ntoinen rivi");
-    ASSERT_TRUE(editor.UpdateRow());
-    EXPECT_EQ(cell(7, 4), "2 ");
-    EXPECT_EQ(cell(7, 10), "K ");
-    EXPECT_EQ(cell(7, 3), "Ainestodistus (CE-merkintä)\r\ntoinen rivi");
-    // The card shows what the row holds now.
-    EXPECT_EQ(combo(4)->text(), "2 ");
-    EXPECT_FALSE(host.changed.empty());
-}
-
-TEST_F(Form5Test, ARequirementWithoutIdentifierIsNotWritten) {
+TEST_F(Form5Test, ARequirementWithoutIdentifierIsNeitherWrittenNorInspected) {
     open(3);
     text(3)->setText("Kaivu ja täyttö");
     EXPECT_FALSE(editor.UpdateRow());
-    EXPECT_EQ(dialogs.lastText(), "Laatuvaatimuksella on oltava numero tai kirjaintunnus.");
-    EXPECT_EQ(cell(3, 3), "Kaivu");
-    // Nor is one inspected: the message again, and nothing marked or stepped.
     EXPECT_FALSE(editor.CheckAndBrowseNext());
-    EXPECT_EQ(dialogs.messages().size(), 2u);
+    EXPECT_EQ(dialogs.texts(), QStringList(2, "Laatuvaatimuksella on oltava numero tai kirjaintunnus."));
+    EXPECT_EQ(cell(3, 3), "Kaivu");
     EXPECT_EQ(cell(3, 21), "");
     EXPECT_EQ(list.currentRow(), 3);
-
     // Other lists need no identifier.
     list.setKind(lists::kind::RequirementBase);
     open(3);
@@ -152,29 +131,86 @@ TEST_F(Form5Test, ARequirementWithoutIdentifierIsNotWritten) {
     EXPECT_EQ(cell(3, 3), "Kaivu ja täyttö");
 }
 
-TEST_F(Form5Test, CheckAndBrowseNextInTheContractorsAndTheClientsModes) {
-    for (int mode : {2, 3}) {
+TEST_F(Form5Test, ClosingOrGoingToAHeadingAsksAboutChangesNotWrittenToTheRow) {
+    // Nothing typed: Esc closes at once, and the window keeps its place.
+    open(6);
+    editor.show();
+    QTest::keyClick(&editor, Qt::Key_Escape);
+    EXPECT_FALSE(editor.isVisible());
+    EXPECT_TRUE(dialogs.messages().empty());
+    EXPECT_EQ(host.stored, std::vector<int>{5});
+
+    using platform::MsgAnswer;
+    struct Case {
+        const char* key; // "Close", or "Find" that goes to the heading on row 10
+        int column;
+        QString typed;
+        MsgAnswer answer;
+        bool stays;   // the card is still open
+        QString cell; // the row's cell afterwards
+        int row;      // the row the card shows afterwards
+    };
+    const Case cases[] = {
+        {"Close", 22, "Korjataan", MsgAnswer::Cancel, true, "", 6},
+        {"Close", 22, "Korjataan", MsgAnswer::No, false, "", 6},
+        {"Close", 22, "Korjataan", MsgAnswer::Yes, false, "Korjataan", 6},
+        {"Close", 2, "", MsgAnswer::Yes, true, "2", 6}, // a refused write keeps the card open
+        {"Find", 22, "Korjataan", MsgAnswer::Cancel, true, "", 6},
+        {"Find", 22, "Korjataan", MsgAnswer::No, true, "", 10},
+        {"Find", 22, "Korjataan", MsgAnswer::Yes, true, "Korjataan", 10},
+        {"Find", 2, "", MsgAnswer::Yes, true, "2", 6}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(QStringLiteral("%1 %2 %3").arg(c.key).arg(c.column).arg(int(c.answer)).toStdString());
         inspectionList(list);
-        open(7, mode);
-        ASSERT_TRUE(editor.CheckAndBrowseNext()) << mode;
-        EXPECT_EQ(cell(7, 21), "Kyllä") << mode;
-        EXPECT_EQ(editor.row(), 9) << mode;
-        EXPECT_EQ(list.currentRow(), 9);
-        EXPECT_TRUE(list.isSelected(9));
-        // The last requirement is marked and the end is told; the card stays on it.
-        open(11, mode);
-        EXPECT_TRUE(editor.CheckAndBrowseNext());
-        EXPECT_EQ(cell(11, 21), "Kyllä");
-        EXPECT_EQ(editor.row(), 11);
-        EXPECT_EQ(dialogs.lastText(), "Viimeinen kenttä.");
+        open(6);
+        editor.show();
+        c.column == 2 ? combo(c.column)->setText(c.typed) : text(c.column)->setText(c.typed);
+        dialogs.clear();
+        dialogs.answer(c.answer);
+        int opened = 0;
+        answerIndex(3, &opened);
+        editor.ToolbarClick(c.key);
+        QCoreApplication::processEvents();
+        ASSERT_FALSE(dialogs.messages().empty());
+        EXPECT_EQ(
+            dialogs.texts().first(),
+            QStringLiteral("Kortin muutoksia ei ole viety riville.\r\nViedäänkö muutokset riville ennen ") +
+                (c.key == QLatin1String("Close") ? "sulkemista?" : "siirtymistä?"));
+        EXPECT_EQ(editor.isVisible(), c.stays);
+        EXPECT_EQ(cell(6, c.column), c.cell);
+        EXPECT_EQ(editor.row(), c.row);
+        EXPECT_EQ(opened, c.row == 10 ? 1 : 0);
+        editor.hide();
     }
-    // The designer does not inspect.
-    inspectionList(list);
-    open(7, 1);
-    EXPECT_FALSE(editor.CheckAndBrowseNext());
-    EXPECT_EQ(cell(7, 21), "");
-    EXPECT_EQ(editor.row(), 7);
-    EXPECT_FALSE(editor.SubMenu0[8]->isEnabled());
+    EXPECT_TRUE(dialogs.allAnswersUsed());
+}
+
+TEST_F(Form5Test, CheckAndBrowseNextInTheContractorsAndTheClientsModes) {
+    struct Case {
+        int mode;
+        int from;
+        bool acts;
+        int to;
+        QString message;
+    };
+    const Case cases[] = {
+        {2, 7, true, 9, ""},
+        {3, 7, true, 9, ""},
+        {3, 11, true, 11, "Viimeinen kenttä."}, // the last one is marked and the end told
+        {1, 7, false, 7, ""}                    // the designer does not inspect
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(QStringLiteral("mode %1 row %2").arg(c.mode).arg(c.from).toStdString());
+        inspectionList(list);
+        dialogs.clear();
+        open(c.from, c.mode);
+        EXPECT_EQ(editor.SubMenu0[8]->isEnabled(), c.acts);
+        EXPECT_EQ(editor.CheckAndBrowseNext(), c.acts);
+        EXPECT_EQ(cell(c.from, 21), c.acts ? "Kyllä" : "");
+        EXPECT_EQ(editor.row(), c.to);
+        EXPECT_TRUE(list.isSelected(c.to));
+        EXPECT_EQ(dialogs.lastText(), c.message);
+    }
 }
 
 TEST_F(Form5Test, KeysInspectStepAndClose) {
@@ -210,32 +246,69 @@ TEST_F(Form5Test, KeysInspectStepAndClose) {
     QTest::keyClick(combo(21), Qt::Key_Enter, Qt::AltModifier | Qt::KeypadModifier);
     EXPECT_EQ(cell(9, 21), "Ei");
     EXPECT_EQ(editor.row(), 11);
-    // Esc closes, keeping the window's place.
-    QTest::keyClick(combo(21), Qt::Key_Escape);
-    EXPECT_FALSE(editor.isVisible());
-    EXPECT_EQ(host.stored, std::vector<int>{5});
+    editor.hide();
 }
 
-TEST_F(Form5Test, TheContractorGivesOnlyAdvisoryRequirements) {
+TEST_F(Form5Test, AContractorPickingABridgeSpecificTypeLocksNothingAndWritesNothing) {
     open(7, 2);
+    activate(editor);
+    // The real message box takes the focus while it is open.
+    dialogs.takesFocus = true;
     documents::ComboBox* type = combo(4);
-    ASSERT_FALSE(type->locked());
-    type->setText("1 (siltakohtainen)");
-    EXPECT_FALSE(editor.checkContractorType());
-    EXPECT_EQ(dialogs.lastText(), "Urakoitsija voi antaa vain ohjeellisia (Ty = 3) laatuvaatimuksia.");
+    type->setFocus(Qt::MouseFocusReason);
+    type->showPopup();
+    QAbstractItemView* items = type->view();
+    QTest::mouseClick(items->viewport(), Qt::LeftButton, {},
+                      items->visualRect(type->model()->index(0, 0)).center());
+    EXPECT_EQ(dialogs.lastText(), kTypeMessage);
+    EXPECT_EQ(type->text(), "1 (siltakohtainen)");
+    // Nothing locked on the refused type: the contractor's requirement stays his to change.
+    EXPECT_FALSE(type->locked());
+    EXPECT_FALSE(combo(2)->locked());
+    EXPECT_FALSE(text(3)->locked());
     EXPECT_EQ(type->lineEdit()->selectedText(), "1 (siltakohtainen)");
-    // Nor can it be written back while it holds that type.
     EXPECT_FALSE(editor.UpdateRow());
     EXPECT_EQ(cell(7, 4), "3 ");
-    type->setText("3 (ohjeellinen)");
-    EXPECT_TRUE(editor.checkContractorType());
+    // Typed over, the type is the contractor's own again.
+    QCoreApplication::processEvents();
+    QTest::keyClicks(type->lineEdit(), "3");
     EXPECT_TRUE(editor.UpdateRow());
-    // A bridge-specific requirement's type is not the contractor's to change: no message.
+    EXPECT_EQ(cell(7, 4).left(1), "3");
+    editor.hide();
+
+    // A bridge-specific requirement keeps its own type: locked, and written back without a word.
     dialogs.clear();
     open(4, 2);
     EXPECT_TRUE(combo(4)->locked());
-    EXPECT_TRUE(editor.checkContractorType());
+    EXPECT_TRUE(editor.UpdateRow());
     EXPECT_TRUE(dialogs.messages().empty());
+}
+
+TEST_F(Form5Test, AContractorCannotLeaveTheTypeFieldWithAClick) {
+    open(7, 2);
+    activate(editor);
+    documents::ComboBox* type = combo(4);
+    type->setFocus(Qt::TabFocusReason);
+    type->lineEdit()->selectAll();
+    QTest::keyClicks(type->lineEdit(), "1");
+    // Tab: the message, and the focus stays with the text selected.
+    QTest::keyClick(type->lineEdit(), Qt::Key_Tab);
+    EXPECT_EQ(dialogs.texts(), QStringList{kTypeMessage});
+    EXPECT_TRUE(hasFocus(type));
+    // A click into another field: the same, although the text has not changed since.
+    documents::ComboBox* reference = combo(5);
+    QTest::mouseClick(reference->lineEdit(), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialogs.messages().size(), 2u);
+    EXPECT_TRUE(hasFocus(type));
+    EXPECT_TRUE(type->text().startsWith("1"));
+    EXPECT_EQ(type->lineEdit()->selectedText(), type->text());
+    // An allowed type lets the focus go.
+    QTest::keyClicks(type->lineEdit(), "3");
+    QTest::mouseClick(reference->lineEdit(), Qt::LeftButton);
+    EXPECT_TRUE(hasFocus(reference));
+    EXPECT_EQ(dialogs.messages().size(), 2u);
+    editor.hide();
 }
 
 TEST_F(Form5Test, ModeRulesFollowTheRowAndTheResult) {
@@ -267,24 +340,19 @@ TEST_F(Form5Test, NewCloneAndNewToEnd) {
     editor.AddRow(0);
     ASSERT_EQ(list.rows(), 12);
     EXPECT_EQ(editor.row(), 6);
-    EXPECT_EQ(list.rowNumberText(6), "00006");
     EXPECT_EQ(list.rowNumberText(7), "00007"); // the row that was shown moved down
     EXPECT_TRUE(lists::BlankListItem(list, 6).blank);
-    EXPECT_EQ(combo(2)->text(), "");
 
     open(7, 2);
     editor.AddRow(1);
-    ASSERT_EQ(list.rows(), 13);
     EXPECT_EQ(editor.row(), 7);
     EXPECT_EQ(cell(7, 3), "Pohja katselmoidaan");
     EXPECT_EQ(cell(7, 4), "3 "); // the contractor's copy is advisory
     EXPECT_EQ(cell(8, 4), "2 ");
 
     editor.AddRow(2);
-    ASSERT_EQ(list.rows(), 14);
     EXPECT_EQ(editor.row(), 14);
     EXPECT_EQ(list.rowNumberText(14), "00014");
-    EXPECT_TRUE(lists::BlankListItem(list, 14).blank);
 }
 
 TEST_F(Form5Test, ReadOnlyListsAreRefused) {
@@ -317,18 +385,13 @@ TEST_F(Form5Test, OtherListsGetTheirOwnCard) {
         list, lists::kind::QuantityList, row_card_test::quantityHeaders(),
         {{"7100", "TYÖMAAN JÄRJESTELYT"}, {}, {"", "Kiertotie", "100", "112", "m", "35,00", "leveys 6 m"}});
     open(3, 1);
-    ASSERT_EQ(editor.Text1.size(), 2u);
-    ASSERT_EQ(editor.Combo1.size(), 5u);
-    EXPECT_EQ(editor.Text1[1]->text(), "leveys 6 m");
-    EXPECT_EQ(editor.SubMenu1[0]->text(), "Lisää uusi työvaihe");
+    EXPECT_EQ(text(7)->text(), "leveys 6 m");
     EXPECT_EQ(editor.toolbarButtons["Dublicate"]->toolTip(), "Kloonaa työvaihe");
-    EXPECT_EQ(editor.toolbarButtons["New to end"]->toolTip(), "Lisää uusi työvaihe luettelon loppuun");
-    EXPECT_FALSE(editor.SubMenu0[3]->isEnabled());
+    EXPECT_FALSE(editor.SubMenu0[3]->isEnabled()); // no file fields
     EXPECT_FALSE(editor.SubMenu20[0]->isEnabled());
-    EXPECT_TRUE(editor.SubMenu2[0]->isEnabled());
     editor.Browse(-documents::browse::Any);
     EXPECT_EQ(editor.row(), 1); // the blank row is passed over
-    editor.Combo1[1]->setText("110 (kehän anturat 1)");
+    combo(3)->setText("110 (kehän anturat 1)");
     EXPECT_FALSE(editor.CheckAndBrowseNext());
     ASSERT_TRUE(editor.UpdateRow());
     EXPECT_EQ(cell(1, 3), "110 ");

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 using namespace platform;
 using namespace platform_fixtures;
@@ -33,6 +34,47 @@ QByteArray encoded(const char* format) {
 // A 1 x 1 GIF (Qt reads GIF but does not write it).
 const QByteArray kGif = QByteArray::fromHex(
     "47494638396101000100800000ff000000000021f90400000000002c00000000010001000002024401003b");
+
+QByteArray bigEndian32(quint32 v) {
+    const char b[4] = {char(v >> 24), char(v >> 16), char(v >> 8), char(v)};
+    return QByteArray(b, 4);
+}
+
+// A PNG of w x h pixels in 8-bit RGB, red on the left half and blue on the right, deflated row
+// by row so that neither the test nor the file holds the whole picture. Only the first `rows`
+// rows are written (a picture whose header is all that is read).
+QByteArray largePng(int w, int h, int rows) {
+    QByteArray png("\x89PNG\r\n\x1a\n");
+    auto chunk = [&png](const char* type, const QByteArray& data) {
+        const QByteArray body = QByteArray(type, 4) + data;
+        png += bigEndian32(data.size()) + body +
+               bigEndian32(crc32(0, reinterpret_cast<const Bytef*>(body.data()), body.size()));
+    };
+    chunk("IHDR", bigEndian32(w) + bigEndian32(h) + QByteArray("\x08\x02\x00\x00\x00", 5));
+    QByteArray row(1 + 3 * w, '\0'); // filter byte 0, then the pixels
+    for (int x = 0; x < w; ++x)
+        row[1 + 3 * x + (x < w / 2 ? 0 : 2)] = char(255);
+    z_stream z{};
+    EXPECT_EQ(deflateInit(&z, Z_BEST_SPEED), Z_OK);
+    QByteArray data;
+    char out[1 << 16];
+    for (int y = 0; y < rows; ++y) {
+        z.next_in = reinterpret_cast<Bytef*>(row.data());
+        z.avail_in = row.size();
+        const int flush = y == rows - 1 ? Z_FINISH : Z_NO_FLUSH;
+        int status = Z_OK;
+        do {
+            z.next_out = reinterpret_cast<Bytef*>(out);
+            z.avail_out = sizeof out;
+            status = deflate(&z, flush);
+            data.append(out, int(sizeof out - z.avail_out));
+        } while (z.avail_in > 0 || (flush == Z_FINISH && status != Z_STREAM_END));
+    }
+    deflateEnd(&z);
+    chunk("IDAT", data);
+    chunk("IEND", {});
+    return png;
+}
 
 int nonWhitePixels(const QImage& image) {
     int n = 0;
@@ -112,6 +154,27 @@ TEST(Picture, FilesThatAreNotPicturesAreRefusedInFinnish) {
     QString error;
     EXPECT_TRUE(Picture::fromFile(dir.filePath(QStringLiteral("puuttuu.png")), &error).isNull());
     EXPECT_FALSE(error.isEmpty());
+}
+
+TEST(PictureRegression, ALargePictureIsReadScaledDownAndAHugeOneIsTooLarge) {
+    QTemporaryDir dir;
+    // Larger than Qt's reader decodes by default (128 MB): read at what a page needs.
+    const QString large = dir.filePath(QStringLiteral("valokuva.png"));
+    ASSERT_TRUE(writeFileAtomically(large, largePng(8000, 8000, 8000)));
+    QString error;
+    const Picture p = Picture::fromFile(large, &error);
+    ASSERT_FALSE(p.isNull()) << error.toStdString();
+    EXPECT_EQ(p.type(), Picture::Bitmap);
+    EXPECT_EQ(p.sizeHint(), QSize(3600, 3600));
+    const QImage shown = p.toImage(QSize(40, 40));
+    EXPECT_EQ(shown.pixel(5, 20), qRgb(255, 0, 0));
+    EXPECT_EQ(shown.pixel(35, 20), qRgb(0, 0, 255));
+
+    // Too large to read at all: said so, not that the file is damaged.
+    const QString huge = dir.filePath(QStringLiteral("panoraama.png"));
+    ASSERT_TRUE(writeFileAtomically(huge, largePng(60000, 20000, 1)));
+    EXPECT_TRUE(Picture::fromFile(huge, &error).isNull());
+    EXPECT_EQ(error, QStringLiteral("Kuva on liian suuri: 60000 × 20000 pikseliä."));
 }
 
 TEST(Picture, ExtensionsFollowTheTypeByte) {

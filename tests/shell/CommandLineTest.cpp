@@ -1,28 +1,12 @@
 // The program's command line, run as a user would run it.
-#include "common/TestSupport.h"
+#include "common/RunProgram.h"
 #include "platform/TextFile.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-namespace {
-
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Result run(const QStringList& args) {
-    QProcess p;
-    p.start(testing_support::binaryDir() + QStringLiteral("/tamrik"), args);
-    p.waitForFinished(60000);
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-} // namespace
+using testing_support::Result;
+using testing_support::run;
 
 TEST(CommandLine, VersionAndUnknownCommands) {
     const Result v = run({QStringLiteral("--version")});
@@ -68,13 +52,15 @@ TEST(CommandLine, CostsAndSummaryOfTheSampleProject) {
     ASSERT_EQ(costs.status, 0) << costs.err.toStdString();
     const QStringList lines = costs.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 15);
-    const char* names[] = {"bridgeSum",        "bridgeGeneral",   "superstructureSum", "bridgeTotal",
-                           "bridgeConverted",  "bridgeRounded",   "roadSum",           "roadGeneral",
-                           "roadTotal",        "roadConverted",   "roadRounded",       "bridgeSummaryRow",
+    const char* names[] = {"bridgeSum",          "bridgeGeneral",  "superstructureSum", "bridgeTotal",
+                           "bridgeConverted",    "bridgeRounded",  "roadSum",           "roadGeneral",
+                           "roadTotal",          "roadConverted",  "roadRounded",       "bridgeSummaryRow",
                            "bridgeSummaryLines", "roadSummaryRow", "roadSummaryLines"};
     QStringList got;
-    for (const QString& l : lines) got << l.section(QStringLiteral(" = "), 0, 0);
-    for (const char* n : names) EXPECT_TRUE(got.contains(QString::fromLatin1(n))) << n;
+    for (const QString& l : lines)
+        got << l.section(QStringLiteral(" = "), 0, 0);
+    for (const char* n : names)
+        EXPECT_TRUE(got.contains(QString::fromLatin1(n))) << n;
     EXPECT_TRUE(lines.contains(QStringLiteral("roadSummaryLines = 29")));
     const Result summary = run({QStringLiteral("summary"), sample});
     ASSERT_EQ(summary.status, 0);
