@@ -140,6 +140,15 @@ std::vector<int> ListJournal::changedRows(const ListModel& list, bool forward) c
     // them, are in the coordinates of the list as it now is: undoing, from the first change on;
     // redoing, from the last change back.
     std::vector<int> rows;
+    // Every row moved: the rows that changed are all of them, so the row the user was on is
+    // the one to show.
+    for (const ListChange& c : m_changes) {
+        if (std::holds_alternative<change::Reorder>(c) || std::holds_alternative<change::Replace>(c)) {
+            const int current = forward ? m_currentAfter : m_currentBefore;
+            if (current >= 1 && current <= list.rows()) rows.push_back(current);
+            return rows;
+        }
+    }
     auto collect = [&](const ListChange& c) {
         std::visit(Overloaded{
                        [&](const change::Cell& x) { rows.push_back(x.row); },
@@ -223,12 +232,16 @@ ListStep::ListStep(ListModel& list, const QString& text)
     : m_list(list) {
     if (list.m_stepDepth++ > 0) return;
     list.m_stepText = text;
-    if (list.m_history) list.m_journal = std::make_unique<ListJournal>();
+    if (list.m_history) {
+        list.m_journal = std::make_unique<ListJournal>();
+        list.m_journal->noteCurrentRow(list.currentRow(), false);
+    }
 }
 
 ListStep::~ListStep() {
     if (--m_list.m_stepDepth > 0) return;
     std::unique_ptr<ListJournal> journal = std::move(m_list.m_journal);
+    if (journal) journal->noteCurrentRow(m_list.currentRow(), true);
     if (journal && !journal->empty() && m_list.m_history)
         m_list.m_history->push(new ListEdit(m_list, m_list.m_stepText, std::move(journal)));
 }

@@ -103,12 +103,17 @@ public:
     // be in the state the step left (undo) or found (redo).
     void apply(ListModel& list, bool forward) const;
     // The rows to show selected afterwards, ascending: what the step changed, in the state the
-    // list is in after applying it in that direction.
+    // list is in after applying it in that direction. A step that put every row in another
+    // order or replaced them all shows the current row it found (undo) or left (redo).
     std::vector<int> changedRows(const ListModel& list, bool forward) const;
+    // The list's current row when the step began and when it ended.
+    void noteCurrentRow(int row, bool after) { (after ? m_currentAfter : m_currentBefore) = row; }
 
 private:
     std::vector<ListChange> m_changes;
     bool m_protected = false;
+    int m_currentBefore = 0;
+    int m_currentAfter = 0;
 };
 
 // The journal of a list step in a history; null for any other step.

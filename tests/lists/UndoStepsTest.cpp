@@ -226,6 +226,23 @@ TEST(UndoSteps, StepsHoldOnlyWhatChangedAndSelectWhatCameBack) {
     ASSERT_TRUE(history.undo(3));
     EXPECT_EQ(list.selectedRows(), std::vector<int>{500});
     EXPECT_EQ(list.cell(500, 2), QStringLiteral("Työ 499"));
+
+    // A sort moves every row: the row the user was on is shown where it was and where it went.
+    list.selectOnly(700);
+    const QString onRow = list.cell(700, 2);
+    {
+        ListStep recorded(list, step::Sort);
+        SortByColumn(list, 2);
+    }
+    const int sortedAt = list.currentRow();
+    ASSERT_NE(sortedAt, 700);
+    ASSERT_EQ(list.cell(sortedAt, 2), onRow);
+    list.selectOnly(1);
+    ASSERT_TRUE(history.undo(3));
+    EXPECT_EQ(list.selectedRows(), std::vector<int>{700});
+    list.selectOnly(1);
+    ASSERT_TRUE(history.redo(3));
+    EXPECT_EQ(list.selectedRows(), std::vector<int>{sortedAt});
 }
 
 // The history's changed state: clean at the saved index whichever way it is reached, changed
