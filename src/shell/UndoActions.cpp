@@ -119,6 +119,8 @@ void revealList(MDIForm1& main, QObject* target) {
             if (!view || view->list() != target) continue;
             main.activateWindow(w);
             view->setFocus(Qt::OtherFocusReason);
+            // The status bar names the row the step left current.
+            main.UpdateCaptionText(view);
             return;
         }
     }

@@ -116,8 +116,9 @@ TEST_F(UndoWindowsTest, DeletedQuantityRowsComeBackWithTheirCosts) {
     EXPECT_FALSE(projectUnchanged());
     press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier); // the other redo key: nothing left
     EXPECT_EQ(list.rows(), static_cast<int>(before.size()) - 10);
-    undoKey();
+    undoKey(); // with the list in focus all along
     EXPECT_EQ(rowsOf(list), before);
+    EXPECT_EQ(main->statusText(1), lists::CaptionStatusTexts(list, 11)[0]) << "the status bar follows";
     EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
 }
 
