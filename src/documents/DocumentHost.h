@@ -48,6 +48,8 @@ public:
     // leaves its own there when it closes.
     virtual void restoreWindowPosition(int slot, QWidget* window) {}
     virtual void storeWindowPosition(int slot, QWidget* window) {}
+    // Brings a project window to the front (an undo showing what it changed).
+    virtual void bringForward(QWidget* window) { Q_UNUSED(window); }
     // The picture of a toolbar button, by its key ("Cut", "Copy", "Find", ...).
     virtual QIcon toolIcon(const QString& key) { return {}; }
     // Files dropped on the window, on the control `at` (a picture slot, a button, or nothing in

@@ -51,8 +51,7 @@ Form1::Form1(DocumentHost& host, QWidget* parent)
     for (int i = 0; i < 6; ++i) {
         Image1.push_back(pictureSlot(i, QString::fromUtf8(kSlots[i])));
         // A new or removed picture is a change of the project.
-        connect(Image1.back(), &platform::PictureBox::pictureChanged, this,
-                [this] { m_host.contentChanged(this); });
+        connect(Image1.back(), &platform::PictureBox::pictureChanged, this, [this, i] { pictureChanged(i); });
         pictures->addWidget(Image1.back());
     }
     pictures->addStretch(1);
@@ -60,6 +59,31 @@ Form1::Form1(DocumentHost& host, QWidget* parent)
 
     installScrollingBody(this, body);
     connectReturnKeys(this);
+}
+
+platform::Picture Form1::picture(int slot) const {
+    return slot >= 0 && slot < static_cast<int>(Image1.size()) ? Image1[slot]->picture()
+                                                               : platform::Picture();
+}
+
+void Form1::setPicture(int slot, const platform::Picture& picture) {
+    if (slot >= 0 && slot < static_cast<int>(Image1.size())) Image1[slot]->setPicture(picture);
+}
+
+void Form1::revealPicture(int slot) {
+    if (slot >= 0 && slot < static_cast<int>(Image1.size())) reveal(Image1[slot]);
+}
+
+void Form1::pictureChanged(int slot) {
+    if (static_cast<int>(m_lastPictures.size()) <= slot) m_lastPictures.resize(slot + 1);
+    const platform::Picture now = Image1[slot]->picture();
+    const platform::Picture before = std::exchange(m_lastPictures[slot], now);
+    if (m_host.appState().Loading) return;
+    if (!history()) {
+        m_host.contentChanged(this);
+        return;
+    }
+    if (!history()->applying()) history()->push(new persist::PictureEdit(*this, slot, before, now));
 }
 
 QWidget* Form1::buildBasicData() {

@@ -7,6 +7,7 @@
 // estimate, the cards and the reports address the fields by them.
 #include "calc/CostEstimate.h"
 #include "documents/ProjectWindow.h"
+#include "platform/Picture.h"
 
 #include <array>
 
@@ -35,7 +36,15 @@ public:
 
     QSize sizeHint() const override;
 
+    // RecordFields: the picture slots.
+    platform::Picture picture(int slot) const override;
+    void setPicture(int slot, const platform::Picture& picture) override;
+    void revealPicture(int slot) override;
+
 private:
+    // A slot's picture changed: a step of the project's history, as a field's change is.
+    void pictureChanged(int slot);
+    std::vector<platform::Picture> m_lastPictures;
     QWidget* buildBasicData();
     QWidget* buildParties();
 };

@@ -77,7 +77,9 @@ Form4::Form4(DocumentHost& host, QWidget* parent)
     for (int i = 0; i < 2; ++i) {
         auto* box = new QCheckBox(QString::fromUtf8(checkTexts[i]));
         box->setObjectName(QStringLiteral("Check1_%1").arg(i));
-        connect(box, &QCheckBox::toggled, this, [this] { m_host.contentChanged(this); });
+        connect(box, &QCheckBox::stateChanged, this, [this, i] {
+            fieldChanged({persist::FieldRef::Kind::Check, i});
+        });
         Check1.push_back(box);
         checks->addWidget(box);
     }

@@ -23,6 +23,11 @@ public:
 
     QSize sizeHint() const override;
 
+protected:
+    QCheckBox* recordCheck(int i) const override {
+        return i >= 0 && i < static_cast<int>(Check1.size()) ? Check1[i] : nullptr;
+    }
+
 signals:
     // A picture button: 5 side view, 6 cross-section, 7 name plate.
     void pictureRequested(int pictureNumber);

@@ -10,6 +10,7 @@
 #include "lists/ListEditing.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
+#include "lists/ListJournal.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
@@ -615,6 +616,8 @@ bool Form5::checkContractorType() {
 bool Form5::UpdateRow() {
     lists::ListModel* model = list();
     if (!model || m_row < 1 || m_row > model->rows()) return false;
+    // The row and the formatting that follows it are one step of the list's history.
+    lists::ListStep recorded(*model, lists::step::UpdateRow);
     if (NeedsIdentifier(model->kind())) {
         ComboBox* identifier = comboOfColumn(col::kNumber);
         if (identifier && lists::BlankString(identifier->text())) {
@@ -673,6 +676,7 @@ bool Form5::CheckAndBrowseNext() {
         return false;
     }
     result->setText(QString::fromUtf8("Kyllä"));
+    lists::ListStep recorded(*model, lists::step::Inspection);
     if (!UpdateRow()) return false;
     Browse(browse::Any);
     return true;
@@ -696,6 +700,7 @@ void Form5::AddRow(int how) {
         type->setText(QStringLiteral("3 (ohjeellinen)"));
     const int position =
         how == 2 || model->rows() == 0 ? model->rows() + 1 : std::max(model->currentRow(), 1);
+    lists::ListStep recorded(*model, lists::step::InsertRows);
     const int r = lists::AddListViewRow(*model, position, true);
     if (how == 1) WriteCardToRow(*model, r, m_fields, textTexts(), comboTexts());
     model->selectOnly(r);

@@ -2,6 +2,7 @@
 
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
+#include "lists/EditHistory.h"
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/ui/ListEditor.h"
@@ -9,9 +10,12 @@
 #include "persist/WindowRecord.h"
 #include "platform/DroppedFiles.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QLabel>
+#include <QScrollArea>
 
 namespace documents {
 
@@ -38,7 +42,7 @@ TextBox* ProjectWindow::makeText(int i, bool multiLine) {
     t->setObjectName(QStringLiteral("Text1_%1").arg(i));
     if (static_cast<int>(Text1.size()) <= i) Text1.resize(i + 1, nullptr);
     Text1[i] = t;
-    connect(t, &TextBox::changed, this, [this] { m_host.contentChanged(this); });
+    connect(t, &TextBox::changed, this, [this, i] { fieldChanged({persist::FieldRef::Kind::Text, i}); });
     return t;
 }
 
@@ -47,7 +51,7 @@ ComboBox* ProjectWindow::makeCombo(int i) {
     c->setObjectName(QStringLiteral("Combo1_%1").arg(i));
     if (static_cast<int>(Combo1.size()) <= i) Combo1.resize(i + 1, nullptr);
     Combo1[i] = c;
-    connect(c, &ComboBox::changed, this, [this] { m_host.contentChanged(this); });
+    connect(c, &ComboBox::changed, this, [this, i] { fieldChanged({persist::FieldRef::Kind::Combo, i}); });
     return c;
 }
 
@@ -68,6 +72,94 @@ lists::ListView* ProjectWindow::makeList(int i, const QString& kind) {
             [this](QPoint global) { m_host.showContextMenu(0, global); });
     new lists::ListEditor(view, m_host.listEditHost());
     return view;
+}
+
+void ProjectWindow::setHistory(std::shared_ptr<lists::EditHistory> history) {
+    m_history = std::move(history);
+    for (int i = 0; i < listCount(); ++i)
+        if (lists::ListModel* m = list(i)) m->setHistory(m_history.get());
+}
+
+QWidget* ProjectWindow::fieldControl(persist::FieldRef field) const {
+    using Kind = persist::FieldRef::Kind;
+    const int i = field.index;
+    switch (field.kind) {
+        case Kind::Text:
+            return i >= 0 && i < static_cast<int>(Text1.size()) ? Text1[i] : nullptr;
+        case Kind::Combo:
+            return i >= 0 && i < static_cast<int>(Combo1.size()) ? Combo1[i] : nullptr;
+        case Kind::Check:
+            return recordCheck(i);
+    }
+    return nullptr;
+}
+
+QString& ProjectWindow::lastValue(persist::FieldRef field) {
+    using Kind = persist::FieldRef::Kind;
+    std::vector<QString>& values = field.kind == Kind::Text    ? m_lastText
+                                   : field.kind == Kind::Combo ? m_lastCombo
+                                                               : m_lastCheck;
+    if (static_cast<int>(values.size()) <= field.index) values.resize(field.index + 1);
+    return values[field.index];
+}
+
+QString ProjectWindow::fieldValue(persist::FieldRef field) const {
+    QWidget* control = fieldControl(field);
+    if (auto* t = qobject_cast<TextBox*>(control)) return t->text();
+    if (auto* c = qobject_cast<ComboBox*>(control)) return c->text();
+    if (auto* b = qobject_cast<QCheckBox*>(control)) return QString::number(b->checkState());
+    return {};
+}
+
+void ProjectWindow::setFieldValue(persist::FieldRef field, const QString& value) {
+    QWidget* control = fieldControl(field);
+    if (auto* t = qobject_cast<TextBox*>(control))
+        t->setText(value);
+    else if (auto* c = qobject_cast<ComboBox*>(control))
+        c->setText(value);
+    else if (auto* b = qobject_cast<QCheckBox*>(control))
+        b->setCheckState(static_cast<Qt::CheckState>(value.toInt()));
+}
+
+bool ProjectWindow::fieldLocked(persist::FieldRef field) const {
+    // Only the program mode's locks count: the fields the program computes are read-only for
+    // the user, but the steps that computed them may be undone.
+    QWidget* control = fieldControl(field);
+    return control && control->property("lockedByMode").toBool();
+}
+
+void ProjectWindow::reveal(QWidget* control) {
+    m_host.bringForward(this);
+    if (!control || !control->isVisibleTo(this)) return;
+    for (QWidget* w = control->parentWidget(); w && w != this; w = w->parentWidget())
+        if (auto* scroll = qobject_cast<QScrollArea*>(w)) scroll->ensureWidgetVisible(control);
+    control->setFocus(Qt::OtherFocusReason);
+}
+
+void ProjectWindow::revealField(persist::FieldRef field) {
+    reveal(fieldControl(field));
+}
+
+void ProjectWindow::fieldChanged(persist::FieldRef field) {
+    const QString now = fieldValue(field);
+    QString& last = lastValue(field);
+    if (now == last) return;
+    const QString before = std::exchange(last, now);
+    if (m_host.appState().Loading) return;
+    if (!m_history) {
+        m_host.contentChanged(this);
+        return;
+    }
+    if (m_history->applying()) return;
+    // The step is named after the field's label, when it has one.
+    QString label;
+    QWidget* control = fieldControl(field);
+    for (QLabel* l : findChildren<QLabel*>())
+        if (l->buddy() == control) label = l->text();
+    if (label.isEmpty())
+        if (auto* b = qobject_cast<QCheckBox*>(control)) label = b->text();
+    m_history->push(new persist::FieldEdit(*this, field, before, now, m_history->mergeGeneration(),
+                                           persist::fieldStepText(label)));
 }
 
 persist::WindowRecord ProjectWindow::toRecord() const {

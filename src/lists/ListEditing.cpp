@@ -127,7 +127,6 @@ private:
 bool insertBeforeSelected(ListModel& list) {
     const std::vector<int> selected = list.selectedRows();
     const int k = static_cast<int>(selected.size());
-    const int n = list.rows();
     const int numberCol = list.cols();
     if (k == 0) return false;
 
@@ -192,20 +191,15 @@ bool insertBeforeSelected(ListModel& list) {
         row.cells[numberCol - 1] = formatRowNumber(newNumber[step]);
         return row;
     };
-    if (k == 1) {
-        std::vector<Row> one;
-        one.push_back(newRow(0));
-        list.insertRowsAt(selected[0], std::move(one));
-    } else {
-        std::vector<Row> out;
-        out.reserve(n + k);
-        int s = 0;
-        for (int r = 1; r <= n; ++r) {
-            if (s < k && selected[s] == r) out.push_back(newRow(k - 1 - s++));
-            out.push_back(list.row(r));
-        }
-        list.replaceRows(std::move(out));
+    // The new row before the s-th selected row lands s rows below that row's old place.
+    std::vector<int> insertAt(k);
+    std::vector<Row> rows;
+    rows.reserve(k);
+    for (int s = 0; s < k; ++s) {
+        insertAt[s] = selected[s] + s;
+        rows.push_back(newRow(k - 1 - s));
     }
+    list.spliceRows({}, insertAt, std::move(rows));
     list.selectOnly(selected[0]);
     list.ensureVisible(selected[0]);
     return true;
@@ -223,16 +217,7 @@ bool deleteSelected(ListModel& list) {
     const std::vector<int> selected = list.selectedRows();
     if (selected.empty()) return false;
     const int first = selected.front();
-    const int k = static_cast<int>(selected.size());
-    if (selected.back() - first + 1 == k) {
-        list.removeRowsAt(first, k);
-    } else {
-        std::vector<Row> kept;
-        kept.reserve(list.rows() - k);
-        for (int r = 1; r <= list.rows(); ++r)
-            if (!list.isSelected(r)) kept.push_back(list.row(r));
-        list.replaceRows(std::move(kept));
-    }
+    list.spliceRows(selected, {}, {});
     const int next = std::min(first, list.rows());
     if (next > 0) {
         list.selectOnly(next);
@@ -312,6 +297,11 @@ bool ListViewEditEnabled(const ListModel& list, int actionCode, const EditContex
         default:
             return true;
     }
+}
+
+bool ProtectedRequirement(const ListModel& list, int r) {
+    return list.kind() == kind::Requirements && r >= 1 && r <= list.rows() &&
+           isProtected(list, GoverningRow(list, r));
 }
 
 int NextNonBlank(const ListModel& list, int column, int direction, int fromRow) {
@@ -617,6 +607,7 @@ public:
         m_numbers.reserve(target.rows());
         for (int r = 1; r <= target.rows(); ++r) {
             m_numbers.push_back(rowNumberValue(target.rowNumberText(r)));
+            m_fresh.push_back(0);
             m_largest = std::max(m_largest, m_numbers.back());
         }
     }
@@ -646,6 +637,7 @@ public:
         for (Row& row : rows)
             row.selected = false;
         m_numbers.insert(m_numbers.begin() + (position - 1), fresh.begin(), fresh.end());
+        m_fresh.insert(m_fresh.begin() + (position - 1), static_cast<std::size_t>(k), 1);
         m_work.insertRowsAt(position, std::move(rows));
         m_changed = true;
     }
@@ -662,20 +654,39 @@ public:
 
     bool changed() const { return m_changed; }
 
-    // Gives the target the rows with their number texts.
+    // Gives the target its new numbers and then the new rows, each once, so that the target
+    // changes only where it has to.
     void writeTo(ListModel& target) {
-        std::vector<Row> rows = m_work.allRows();
+        const std::vector<Row>& rows = m_work.allRows();
         const int c = m_work.cols();
+        auto text = [&](const QString& old, std::size_t i) {
+            return old.isEmpty() ? formatRowNumber(m_numbers[i]) : numberText(old, m_numbers[i]);
+        };
+        std::vector<long long> kept;
+        std::vector<int> insertAt;
+        std::vector<Row> inserted;
+        kept.reserve(target.rows());
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            QString& cell = rows[i].cells[c - 1];
-            cell = cell.isEmpty() ? formatRowNumber(m_numbers[i]) : numberText(cell, m_numbers[i]);
+            if (!m_fresh[i]) {
+                kept.push_back(static_cast<long long>(i));
+                continue;
+            }
+            insertAt.push_back(static_cast<int>(i) + 1);
+            inserted.push_back(rows[i]);
+            inserted.back().cells[c - 1] = text(rows[i].cells[c - 1], i);
         }
-        target.replaceRows(std::move(rows));
+        target.updateColumn(c, [&](int r, QString& cell) {
+            const auto i = static_cast<std::size_t>(kept[r - 1]);
+            const QString renumbered = text(cell, i);
+            if (renumbered != cell) cell = renumbered;
+        });
+        target.spliceRows({}, insertAt, std::move(inserted));
     }
 
 private:
     ListModel m_work;
     std::vector<long long> m_numbers;
+    std::vector<char> m_fresh; // per row of m_work: 1 for a row the transfer brings
     long long m_largest = 0;
     bool m_changed = false;
 };

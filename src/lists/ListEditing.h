@@ -63,6 +63,10 @@ bool ListViewEditEnabled(const ListModel& list, int actionCode, const EditContex
 // else its subcaption, else its caption, else the row itself.
 int GoverningRow(const ListModel& list, int r);
 
+// Whether row `r` of a project requirement list belongs to a requirement the contractor may not
+// change: its governing row has a type beginning with 1 or 2.
+bool ProtectedRequirement(const ListModel& list, int r);
+
 // Offset from `fromRow` to the nearest row in `direction` (+1 or -1) whose cell in `column` is
 // not blank; 0 when there is none.
 int NextNonBlank(const ListModel& list, int column, int direction, int fromRow);

@@ -1,5 +1,8 @@
 #include "lists/ListModel.h"
 
+#include "lists/EditHistory.h"
+#include "lists/ListJournal.h"
+
 #include <algorithm>
 
 namespace lists {
@@ -37,6 +40,20 @@ long long rowNumberValue(const QString& text) {
 ListModel::ListModel(QObject* parent)
     : QAbstractTableModel(parent) {}
 
+ListModel::~ListModel() = default;
+
+EditHistory* ListModel::history() const {
+    return m_history.data();
+}
+
+void ListModel::setHistory(EditHistory* history) {
+    m_history = history;
+}
+
+void ListModel::changedOutsideStep() {
+    if (m_history) m_history->invalidate();
+}
+
 void ListModel::setKind(const QString& kind) {
     if (m_kind == kind) return;
     m_kind = kind;
@@ -69,15 +86,43 @@ void ListModel::setCell(int r, int c, const QString& text) {
     if (r < 1 || r > rows() || c < 1 || c > cols()) return;
     QString& target = m_rows[r - 1].cells[c - 1];
     if (target == text) return;
+    if (recording()) {
+        m_journal->checkRows(*this, r, r);
+        m_journal->add(change::Cell{r, c, target, text});
+    }
     target = text;
+    if (recording())
+        m_journal->checkRows(*this, r, r);
+    else if (watched())
+        changedOutsideStep();
     const QModelIndex i = index(r - 1, c - 1);
     emit dataChanged(i, i, {Qt::DisplayRole});
 }
 
 void ListModel::updateColumn(int c, const std::function<void(int r, QString& cell)>& fn) {
     if (c < 1 || c > cols() || m_rows.empty()) return;
-    for (int r = 1; r <= rows(); ++r)
-        fn(r, m_rows[r - 1].cells[c - 1]);
+    if (recording() || watched()) {
+        change::Column edit;
+        edit.column = c;
+        for (int r = 1; r <= rows(); ++r) {
+            QString& cell = m_rows[r - 1].cells[c - 1];
+            const QString before = cell;
+            fn(r, cell);
+            if (cell != before) edit.add(r, before, cell);
+        }
+        if (!edit.empty()) {
+            if (recording()) {
+                for (const change::Column::Text& t : edit.texts)
+                    m_journal->checkCell(*this, t.row, c, t.before);
+                m_journal->add(std::move(edit));
+            } else {
+                changedOutsideStep();
+            }
+        }
+    } else {
+        for (int r = 1; r <= rows(); ++r)
+            fn(r, m_rows[r - 1].cells[c - 1]);
+    }
     emit dataChanged(index(0, c - 1), index(rows() - 1, c - 1), {Qt::DisplayRole});
 }
 
@@ -90,11 +135,26 @@ void ListModel::normalise(Row& row) const {
 
 void ListModel::reset(std::vector<Column> columns, std::vector<Row> rows) {
     beginResetModel();
+    change::Replace replaced;
+    if (recording()) {
+        m_journal->checkRows(*this, 1, this->rows());
+        replaced.columnsChanged = true;
+        replaced.columnsBefore = m_columns;
+        replaced.rowsBefore = std::move(m_rows);
+    }
     m_columns = std::move(columns);
     m_rows = std::move(rows);
     for (Row& row : m_rows)
         normalise(row);
     m_current = 0;
+    if (recording()) {
+        replaced.columnsAfter = m_columns;
+        replaced.rowsAfter = m_rows;
+        m_journal->add(std::move(replaced));
+        m_journal->checkRows(*this, 1, this->rows());
+    } else if (watched()) {
+        changedOutsideStep();
+    }
     endResetModel();
     emit selectionChangedByModel();
 }
@@ -102,6 +162,14 @@ void ListModel::reset(std::vector<Column> columns, std::vector<Row> rows) {
 void ListModel::clearRows() {
     if (m_rows.empty()) return;
     beginResetModel();
+    if (recording()) {
+        m_journal->checkRows(*this, 1, rows());
+        change::Replace replaced;
+        replaced.rowsBefore = std::move(m_rows);
+        m_journal->add(std::move(replaced));
+    } else if (watched()) {
+        changedOutsideStep();
+    }
     m_rows.clear();
     m_current = 0;
     endResetModel();
@@ -120,9 +188,20 @@ void ListModel::insertRowsAt(int pos, std::vector<Row> rows) {
         normalise(row);
     const int count = static_cast<int>(rows.size());
     beginInsertRows(QModelIndex(), pos - 1, pos - 1 + count - 1);
+    if (recording()) {
+        change::Splice splice;
+        splice.insertedAt.resize(count);
+        for (int i = 0; i < count; ++i)
+            splice.insertedAt[i] = pos + i;
+        splice.inserted = rows;
+        m_journal->add(std::move(splice));
+    } else if (watched()) {
+        changedOutsideStep();
+    }
     m_rows.insert(m_rows.begin() + (pos - 1), std::make_move_iterator(rows.begin()),
                   std::make_move_iterator(rows.end()));
     if (m_current >= pos) m_current += count;
+    if (recording()) m_journal->checkRows(*this, pos, pos + count - 1);
     endInsertRows();
 }
 
@@ -130,6 +209,18 @@ void ListModel::removeRowsAt(int pos, int count) {
     if (pos < 1 || pos > rows() || count <= 0) return;
     count = std::min(count, rows() - pos + 1);
     beginRemoveRows(QModelIndex(), pos - 1, pos - 1 + count - 1);
+    if (recording()) {
+        m_journal->checkRows(*this, pos, pos + count - 1);
+        change::Splice splice;
+        splice.removedAt.resize(count);
+        for (int i = 0; i < count; ++i)
+            splice.removedAt[i] = pos + i;
+        splice.removed.assign(std::make_move_iterator(m_rows.begin() + (pos - 1)),
+                              std::make_move_iterator(m_rows.begin() + (pos - 1 + count)));
+        m_journal->add(std::move(splice));
+    } else if (watched()) {
+        changedOutsideStep();
+    }
     m_rows.erase(m_rows.begin() + (pos - 1), m_rows.begin() + (pos - 1 + count));
     if (m_current >= pos + count)
         m_current -= count;
@@ -140,9 +231,21 @@ void ListModel::removeRowsAt(int pos, int count) {
 
 void ListModel::replaceRows(std::vector<Row> rows) {
     beginResetModel();
+    change::Replace replaced;
+    if (recording()) {
+        m_journal->checkRows(*this, 1, this->rows());
+        replaced.rowsBefore = std::move(m_rows);
+    }
     m_rows = std::move(rows);
     for (Row& row : m_rows)
         normalise(row);
+    if (recording()) {
+        replaced.rowsAfter = m_rows;
+        m_journal->add(std::move(replaced));
+        m_journal->checkRows(*this, 1, this->rows());
+    } else if (watched()) {
+        changedOutsideStep();
+    }
     if (m_current > this->rows()) m_current = 0;
     endResetModel();
     emit selectionChangedByModel();
@@ -151,6 +254,13 @@ void ListModel::replaceRows(std::vector<Row> rows) {
 void ListModel::reorder(const std::vector<int>& newOrder) {
     // newOrder[i] is the 1-based old position of the row that goes to position i + 1.
     if (newOrder.size() != m_rows.size()) return;
+    if (recording() || watched()) {
+        bool same = true;
+        for (std::size_t i = 0; i < newOrder.size() && same; ++i)
+            same = newOrder[i] == static_cast<int>(i) + 1;
+        if (!same && recording()) m_journal->add(change::Reorder{newOrder});
+        if (!same && watched()) changedOutsideStep();
+    }
     emit layoutAboutToBeChanged();
     std::vector<Row> sorted;
     sorted.reserve(m_rows.size());
@@ -164,6 +274,86 @@ void ListModel::reorder(const std::vector<int>& newOrder) {
     const QModelIndexList old = persistentIndexList();
     changePersistentIndexList(old, QModelIndexList(old.size()));
     emit layoutChanged();
+    emit selectionChangedByModel();
+}
+
+void ListModel::spliceRows(const std::vector<int>& removeAt, const std::vector<int>& insertAt,
+                           std::vector<Row> rows) {
+    const int n = this->rows();
+    const std::size_t removing = removeAt.size();
+    const std::size_t inserting = std::min(insertAt.size(), rows.size());
+    if (removing == 0 && inserting == 0) return;
+    for (Row& row : rows)
+        normalise(row);
+    // One block of either kind keeps the views' place; anything else resets them once.
+    const bool oneRemoval =
+        inserting == 0 && removeAt.back() - removeAt.front() + 1 == static_cast<int>(removing);
+    const bool oneInsertion =
+        removing == 0 && insertAt.back() - insertAt.front() + 1 == static_cast<int>(inserting);
+    if (oneRemoval) {
+        removeRowsAt(removeAt.front(), static_cast<int>(removing));
+        return;
+    }
+    if (oneInsertion) {
+        rows.resize(inserting);
+        insertRowsAt(insertAt.front(), std::move(rows));
+        return;
+    }
+
+    beginResetModel();
+    change::Splice splice;
+    const bool record = recording();
+    if (record) {
+        for (int r : removeAt)
+            m_journal->checkRows(*this, r, r);
+        splice.removedAt = removeAt;
+        splice.insertedAt.assign(insertAt.begin(), insertAt.begin() + static_cast<std::ptrdiff_t>(inserting));
+        splice.inserted.assign(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(inserting));
+        splice.removed.reserve(removing);
+    } else if (watched()) {
+        changedOutsideStep();
+    }
+    std::vector<Row> out;
+    out.reserve(n - removing + inserting);
+    std::size_t ri = 0;
+    std::size_t ii = 0;
+    int newCurrent = 0;
+    auto insertDue = [&] {
+        while (ii < inserting && insertAt[ii] <= static_cast<int>(out.size()) + 1)
+            out.push_back(std::move(rows[ii++]));
+    };
+    for (int r = 1; r <= n; ++r) {
+        if (ri < removing && removeAt[ri] == r) {
+            if (record) splice.removed.push_back(std::move(m_rows[r - 1]));
+            ++ri;
+            continue;
+        }
+        insertDue();
+        if (r == m_current) newCurrent = static_cast<int>(out.size()) + 1;
+        out.push_back(std::move(m_rows[r - 1]));
+    }
+    while (ii < inserting)
+        out.push_back(std::move(rows[ii++]));
+    m_rows = std::move(out);
+    m_current = newCurrent;
+    if (record) {
+        for (int r : splice.insertedAt)
+            m_journal->checkRows(*this, r, r);
+        m_journal->add(std::move(splice));
+    }
+    endResetModel();
+    emit selectionChangedByModel();
+}
+
+void ListModel::selectRows(const std::vector<int>& rows) {
+    for (Row& row : m_rows)
+        row.selected = false;
+    m_current = 0;
+    for (int r : rows) {
+        if (r < 1 || r > this->rows()) continue;
+        m_rows[r - 1].selected = true;
+        if (m_current == 0) m_current = r;
+    }
     emit selectionChangedByModel();
 }
 

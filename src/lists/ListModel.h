@@ -6,12 +6,18 @@
 // column 1 is the littera and the last column, "Rivi", holds the row number as five digits.
 // The class is also the Qt item model that list views show (0-based, as Qt counts).
 #include <QAbstractTableModel>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace lists {
+
+class EditHistory;
+class ListJournal;
+class ListStep;
 
 struct Column {
     QString header;
@@ -28,6 +34,7 @@ class ListModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     explicit ListModel(QObject* parent = nullptr);
+    ~ListModel() override;
 
     // The kind of the list ("Määräluettelo ja kustannusarvio", "Laatuvaatimukset", ...).
     const QString& kind() const { return m_kind; }
@@ -74,6 +81,11 @@ public:
     void replaceRows(std::vector<Row> rows);
     // Sorts rows stably by a key per row computed by the caller.
     void reorder(const std::vector<int>& newOrder);
+    // Removes and inserts rows in one pass: the rows at `removeAt` (ascending positions in the
+    // list as it is) go, and `rows` come in at `insertAt` (ascending positions in the list
+    // afterwards). The current row follows its row; a removed current row leaves none.
+    void spliceRows(const std::vector<int>& removeAt, const std::vector<int>& insertAt,
+                    std::vector<Row> rows);
 
     // Selection. The current row is the list's focused row ("the selected row"); any number
     // of rows may be selected besides it.
@@ -90,8 +102,15 @@ public:
     int selectedRow() const;
     // Makes `r` the only selected row and the current one.
     void selectOnly(int r);
+    // Selects exactly these rows (ascending); the first becomes the current row.
+    void selectRows(const std::vector<int>& rows);
     // Asks the views to bring a row into view.
     void ensureVisible(int r);
+
+    // The undo history the list's changes go to (its project's or its base list window's);
+    // null for a list of no document. Changes are recorded only inside a ListStep.
+    EditHistory* history() const;
+    void setHistory(EditHistory* history);
 
     // QAbstractItemModel
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -107,13 +126,26 @@ signals:
     void kindChanged();
 
 private:
+    friend class ListStep;
+    friend class ListEdit;
     void normalise(Row& row) const;
+    // Inside a step every change goes into its journal; a change of a list with a history
+    // outside a step (or while a step is applied) does not fit the history any more.
+    bool recording() const { return m_journal && !m_applying; }
+    bool watched() const { return !m_journal && !m_history.isNull() && !m_applying; }
+    void changedOutsideStep();
 
     QString m_kind;
     bool m_readOnly = false;
     std::vector<Column> m_columns;
     std::vector<Row> m_rows;
     int m_current = 0;
+    // The history goes with its windows, which may be before this list goes.
+    QPointer<EditHistory> m_history;
+    std::unique_ptr<ListJournal> m_journal;
+    QString m_stepText;
+    int m_stepDepth = 0;
+    bool m_applying = false;
 };
 
 // "00001" for 1: the five-digit row-number text.

@@ -391,39 +391,37 @@ bool FormatListView(ListModel& list, int first, int last, const BlankLines& blan
     if (first == 1) settle(0, bl(5));
     if (!changed) return false;
 
-    // Rebuild in one pass. A removed selected row passes its selection on to the row after
-    // it (and that one on, if it goes too); the current row moves along the same way.
-    const std::vector<Row>& old = list.allRows();
-    std::vector<Row> out;
-    int inserted = 0;
-    for (int v : insertAfter)
-        inserted += v;
-    out.reserve(old.size() + inserted);
-    auto blankRow = [&] {
-        Row row;
-        row.cells.resize(list.cols());
-        return row;
-    };
+    // The blank rows go and come in one pass. A removed selected row passes its selection on
+    // to the row after it (and that one on, if it goes too); the current row moves along the
+    // same way.
+    std::vector<int> removeAt;
+    std::vector<int> insertAt;
+    std::vector<int> passTo;
+    int placed = 0; // rows of the result so far
     for (int k = 0; k < insertAfter[0]; ++k)
-        out.push_back(blankRow());
+        insertAt.push_back(++placed);
     bool passSelection = false;
     bool passCurrent = false;
     int newCurrent = 0;
     for (int i = 1; i <= n; ++i) {
-        const Row& row = old[i - 1];
         if (removed[i]) {
-            passSelection = passSelection || row.selected;
+            removeAt.push_back(i);
+            passSelection = passSelection || list.isSelected(i);
             passCurrent = passCurrent || i == list.currentRow();
             continue;
         }
-        out.push_back(row);
-        if (passSelection) out.back().selected = true;
-        if (passCurrent || i == list.currentRow()) newCurrent = static_cast<int>(out.size());
+        ++placed;
+        if (passSelection) passTo.push_back(placed);
+        if (passCurrent || i == list.currentRow()) newCurrent = placed;
         passSelection = passCurrent = false;
         for (int k = 0; k < insertAfter[i]; ++k)
-            out.push_back(blankRow());
+            insertAt.push_back(++placed);
     }
-    list.replaceRows(std::move(out));
+    Row blank;
+    blank.cells.resize(list.cols());
+    list.spliceRows(removeAt, insertAt, std::vector<Row>(insertAt.size(), blank));
+    for (int r : passTo)
+        list.setSelected(r, true);
     list.setCurrentRow(newCurrent);
     return true;
 }

@@ -20,6 +20,10 @@ struct WindowPositions {
 // The longest autosave interval the settings accept: a day.
 constexpr int kMaxAutosaveMinutes = 24 * 60;
 
+// The most undo steps a project or base list keeps, and the default.
+constexpr int kMaxUndoLimit = 10000;
+constexpr int kDefaultUndoLimit = 200;
+
 struct Settings {
     QString MoneyUnit = QStringLiteral("€");
     QString GeneralCostFraction = QStringLiteral("25");
@@ -39,6 +43,8 @@ struct Settings {
     std::array<QString, 5> DefaultComboData;
     // Minutes between autosaved copies of changed projects; 0 turns the autosave off.
     int AutosaveMinutes = 5;
+    // The undo steps kept per project and per base list window.
+    int UndoLimit = kDefaultUndoLimit;
     // In memory only, reset at every start.
     bool SaveSettingsOnExit = true;
     std::array<int, 4> margins{800, 800, 1400, 800};

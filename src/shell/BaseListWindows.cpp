@@ -26,6 +26,7 @@ void loadBaseListWindow(MDIForm1& main, int slot) {
         GetWinPos(main.appState().settings.pos, slot, w);
     }
     const Settings& s = main.appState().settings;
+    w->history().setLimit(s.UndoLimit);
     w->loadFile(slot == 6 ? s.File2 : s.File1);
     if (slot == 6) w->setAddingEnabled(main.appState().ProgramMode != 2);
 }

@@ -4,6 +4,7 @@
 #include "documents/Form2.h"
 #include "lists/ui/BaseListWindow.h"
 #include "lists/ListEditing.h"
+#include "lists/ListJournal.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
@@ -90,11 +91,14 @@ void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
             case 13:
                 list->selectAll();
                 return;
-            case 15:
+            case 15: {
                 if (list->readOnly()) return;
+                editor->closeEditor();
+                lists::ListStep recorded(*list, lists::step::Format);
                 lists::FormatListView(*list, 1, 0, main.appState().settings.BlankLines);
                 main.listEdited(view);
                 return;
+            }
             default:
                 return;
         }
@@ -150,6 +154,8 @@ void exportFromBaseList(MDIForm1& main, lists::BaseListWindow* window, int mode)
         return;
     }
     if (lists::ListEditor* editor = lists::ListEditor::of(target)) editor->closeEditor();
+    // The rows and the formatting that follows them are one step.
+    lists::ListStep recorded(*target->list(), lists::step::Transfer);
     const lists::TransferResult result = lists::ExportToList(*target->list(), *window->list(), mode,
                                                              main.transferOptions(target, window->view()));
     main.transferDone(target, result);
@@ -171,8 +177,10 @@ lists::EditContext MDIForm1::editContext(lists::ListView* view) {
 }
 
 void MDIForm1::listEdited(lists::ListView* view) {
+    // The change is a step of the list's history (or has cleared it): the captions follow the
+    // history, and the marker goes now as before.
     if (auto* w = ancestor<documents::ProjectWindow>(view)) {
-        contentChanged(w);
+        if (!m_state.Loading) touchProjectOf(w);
         return;
     }
     if (auto* base = ancestor<lists::BaseListWindow>(view)) FormTouch(base);

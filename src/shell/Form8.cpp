@@ -84,9 +84,15 @@ Form8::Form8(MDIForm1& main)
     Text4->setMaximumWidth(60);
     returnMovesOn(this, Text4);
     grid->addWidget(Text4, 9, 1, Qt::AlignLeft);
+    grid->addWidget(
+        new QLabel(QStringLiteral("Kumottavien vaiheiden enimmäismäärä projektia kohden"), general), 10, 0);
+    Text5 = new documents::TextBox(false, general);
+    Text5->setMaximumWidth(60);
+    returnMovesOn(this, Text5);
+    grid->addWidget(Text5, 10, 1, Qt::AlignLeft);
     Command1[5] = new QPushButton(QStringLiteral("Palauta ohjelman alkuperäisasetukset"), general);
-    grid->addWidget(Command1[5], 10, 0, 1, 2, Qt::AlignLeft);
-    grid->setRowStretch(11, 1);
+    grid->addWidget(Command1[5], 11, 0, 1, 2, Qt::AlignLeft);
+    grid->setRowStretch(12, 1);
     SSTab1->addTab(general, QStringLiteral("Yleiset"));
 
     // Automaattinen muotoilu
@@ -163,6 +169,7 @@ void Form8::loadFields() {
     for (int i = 0; i < 6; ++i)
         Text2[i]->setText(QString::number(s.BlankLines[i]));
     Text4->setText(QString::number(s.AutosaveMinutes));
+    Text5->setText(QString::number(s.UndoLimit));
     QStringList office;
     int last = -1;
     for (int i = 0; i < 4; ++i)
@@ -206,6 +213,10 @@ void Form8::saveAndClose() {
     }
     s.AutosaveMinutes = minutes;
     m_main.recovery().setInterval(minutes);
+    bool stepsOk = false;
+    const int steps = Text5->text().trimmed().toInt(&stepsOk);
+    // A count out of range keeps the one it had; the histories take it when next empty.
+    if (stepsOk && steps >= 1 && steps <= kMaxUndoLimit) setUndoLimit(m_main, steps);
     state.OfficeRows = {};
     const QStringList lines = Text3->text().split(QStringLiteral("\r\n"));
     for (int k = 0; k < 4 && k < lines.size(); ++k)

@@ -36,6 +36,7 @@ public:
     std::vector<documents::TextBox*> Text2; // 0..5
     documents::TextBox* Text3 = nullptr;
     documents::TextBox* Text4 = nullptr; // minutes between autosaved copies
+    documents::TextBox* Text5 = nullptr; // undo steps kept per project
     std::vector<QComboBox*> Combo1;      // 0
     std::vector<QCheckBox*> Check1;      // 1, 2 (index 0 unused)
     std::vector<QCheckBox*> Check2;      // 0

@@ -6,6 +6,7 @@
 #include "documents/Form2.h"
 #include "documents/Form3.h"
 #include "documents/Form4.h"
+#include "lists/EditHistory.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
@@ -99,6 +100,7 @@ MDIForm1::MDIForm1(QWidget* parent)
 
     createMenus();
     createToolbar();
+    createUndoActions(*this);
     createStatusBar();
     connect(mdiArea, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow*) {
         if (m_shuttingDown) return;
@@ -114,6 +116,9 @@ MDIForm1::~MDIForm1() {
     delete m_recovery;
     m_recovery = nullptr;
     disconnect(mdiArea, nullptr, this, nullptr);
+    // Focus changes while the windows go must not reach the undo items, which go first.
+    disconnect(qApp, nullptr, this, nullptr);
+    undoAction = redoAction = nullptr;
 }
 
 QAction* MDIForm1::addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
@@ -315,6 +320,8 @@ void MDIForm1::createToolbar() {
         {"Copy", "Kopio", QStyle::SP_CustomBase},
         {"Paste", "Liitä", QStyle::SP_CustomBase},
         {"Del", "Poista", QStyle::SP_TrashIcon},
+        {"Undo", "Kumoa", QStyle::SP_ArrowBack},
+        {"Redo", "Tee uudelleen", QStyle::SP_ArrowForward},
         {"Print", "Tulosta...", QStyle::SP_CustomBase},
         {"Bridge", "Perustiedot", QStyle::SP_CustomBase},
         {"Rulers", "Yksityiskohtaiset tiedot", QStyle::SP_CustomBase},
@@ -332,7 +339,7 @@ void MDIForm1::createToolbar() {
         Toolbar1->addAction(a);
         toolbarButtons[key] = a;
         connect(a, &QAction::triggered, this, [this, key] { ToolbarMenuActions(key); });
-        if (key == QLatin1String("Save") || key == QLatin1String("Del") || key == QLatin1String("Print") ||
+        if (key == QLatin1String("Save") || key == QLatin1String("Redo") || key == QLatin1String("Print") ||
             key == QLatin1String("Dynamite"))
             Toolbar1->addSeparator();
     }
@@ -748,6 +755,10 @@ void MDIForm1::ToolbarMenuActions(const QString& key) {
         EditMenuActions(8);
     else if (key == QLatin1String("Del"))
         EditMenuActions(9);
+    else if (key == QLatin1String("Undo"))
+        undoOrRedo(*this, false);
+    else if (key == QLatin1String("Redo"))
+        undoOrRedo(*this, true);
     else if (key == QLatin1String("Find"))
         EditMenuActions(11);
     else if (key == QLatin1String("Print"))
@@ -770,6 +781,7 @@ void MDIForm1::Submenu10Click(int index) {
     Submenu10[m_state.ProgramMode - 1]->setChecked(false);
     m_state.ProgramMode = index + 1;
     Submenu10[index]->setChecked(true);
+    followProgramMode(*this);
     EnableControlsMDI();
     EnableControlsForm6(*this);
     for (documents::ProjectWindow* w : projectWindows())
@@ -878,10 +890,17 @@ void MDIForm1::touchProjectOf(QWidget* window) {
 
 void MDIForm1::contentChanged(QWidget* window) {
     if (m_state.Loading) return;
-    if (qobject_cast<documents::ProjectWindow*>(window))
+    if (auto* w = qobject_cast<documents::ProjectWindow*>(window)) {
+        // A change outside the history (a rich-text document): changed until it is saved.
+        if (lists::EditHistory* h = w->history()) h->markUnrecorded();
         touchProjectOf(window);
-    else
+    } else {
         FormTouch(window);
+    }
+}
+
+void MDIForm1::bringForward(QWidget* window) {
+    if (auto* w = qobject_cast<documents::ProjectWindow*>(window)) activateWindow(w);
 }
 
 // "Las&ke tunnusluvut": the card's figures come from its project's basic data and quantity list.
@@ -890,7 +909,11 @@ void MDIForm1::computeCardFigures(QWidget* card) {
     if (!f3) return;
     const ProjectWindows w = projectWindowsOf(ParseFileName(f3->caption()).project());
     if (!w.f1) return;
+    // Every field it computes is one step.
+    lists::EditHistory* history = f3->history();
+    if (history) history->beginGroup(persist::kComputeFiguresStep);
     const calc::CostRecord costs = documents::UpdateCardText(*w.f1, w.f2, *f3);
+    if (history) history->endGroup();
     // The card shows "#####" for an overflowed figure; the message says where it began.
     if (costs.nonFiniteRow != 0) {
         QString message = calc::NonFiniteMessage(costs);
@@ -1009,6 +1032,7 @@ QString MDIForm1::NewProject() {
     const QString name = QStringLiteral("Projekti%1").arg(m_state.ProjectCounter);
     for (int kind = 1; kind <= 4; ++kind)
         CreateDocumentWindow(kind, MakeCaption(name, kind, true));
+    attachProjectHistory(*this, projectWindowsOf(name));
     if (m_state.ProgramMode != 2) ShowWindowByCaption(MakeCaption(name, 4, true));
     ShowWindowByCaption(MakeCaption(name, 3, true));
     ShowWindowByCaption(MakeCaption(name, 2, true));
@@ -1150,6 +1174,7 @@ void MDIForm1::EnableControlsMDI() {
     if (CompareAction) CompareAction->setEnabled(any);
     for (auto& [key, action] : toolbarButtons)
         if (key != QLatin1String("New") && key != QLatin1String("Open")) action->setEnabled(any);
+    updateUndoActions(*this);
 }
 
 } // namespace shell

@@ -103,6 +103,7 @@ public:
     // opens it, a unit price or requirement list (also .csv or a spreadsheet, by its columns)
     // in its base list window.
     void openDroppedFiles(const QStringList& files);
+    void bringForward(QWidget* window) override;
 
     platform::SettingsStore& settingsStore() { return *m_store; }
     // The choice of documents and the printer, kept from one print run to the next.
@@ -214,6 +215,9 @@ public:
     std::map<QString, QAction*> toolbarButtons;
     // "&Vertaa projektia..." of the File menu (outside SubMenu0, whose indices stay as they are).
     QAction* CompareAction = nullptr;
+    // The Edit menu's "&Kumoa" and "&Tee uudelleen", above the items of SubMenu2.
+    QAction* undoAction = nullptr;
+    QAction* redoAction = nullptr;
     QToolBar* Toolbar1 = nullptr;
     QMdiArea* mdiArea = nullptr;
     QProgressBar* ProgressBar1 = nullptr;

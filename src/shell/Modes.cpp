@@ -74,7 +74,10 @@ bool isActive(MDIForm1& main, documents::ProjectWindow* w) {
 } // namespace
 
 void DisableControl(QWidget* control) {
-    if (!control || isLocked(control)) return;
+    if (!control) return;
+    // Undo may not change what the mode has made read-only.
+    control->setProperty("lockedByMode", true);
+    if (isLocked(control)) return;
     if (auto* t = qobject_cast<documents::TextBox*>(control))
         t->setReadOnlyLook(true);
     else if (auto* c = qobject_cast<documents::ComboBox*>(control))
@@ -85,6 +88,7 @@ void DisableControl(QWidget* control) {
 
 void EnableControl(QWidget* control) {
     if (!control) return;
+    control->setProperty("lockedByMode", false);
     if (!isLocked(control) && control->property("editableLook").toBool()) return;
     control->setProperty("editableLook", true);
     if (auto* t = qobject_cast<documents::TextBox*>(control))

@@ -8,6 +8,7 @@
 #include "documents/Form2.h"
 #include "documents/Form3.h"
 #include "documents/Form4.h"
+#include "lists/EditHistory.h"
 #include "lists/ListModel.h"
 #include "lists/ui/ListView.h"
 #include "persist/ProjectFile.h"
@@ -27,6 +28,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QLockFile>
+#include <optional>
 #include <QTextDocument>
 #include <QTextEdit>
 
@@ -207,6 +209,8 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     if (!keepNames) {
         main.UpdateRecentFiles(file);
         main.ChangeFormCaptions(project, file, true);
+        // The saved state is where undo makes the project unchanged again; the steps stay.
+        if (lists::EditHistory* history = w.f1->history()) history->markSaved();
     }
     // The combo texts of this project feed the drop-down lists of new projects.
     std::array<QString, 5> defaults;
@@ -273,6 +277,9 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
 
     const bool wasLoading = state.Loading;
     state.Loading = true;
+    // What is read is no step: the project starts a new history once it stands.
+    lists::EditHistory* history = w.f1->history();
+    std::optional<lists::EditHistory::Quiet> quiet(std::in_place, history);
     FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
     const persist::ProjectContent& c = project_.content;
     QComboBox* references = w.f2->Combo1[0];
@@ -309,6 +316,9 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
         main.ChangeFormCaptions(project, openAs, false);
     }
     state.Loading = wasLoading;
+    quiet.reset();
+    // A recovered project is changed from the start, with nothing to undo.
+    if (history) history->restart(!openAs.isEmpty());
     EnableControlsPage1(main, w.f1);
     EnableControlsPage(main, w.f2, true);
     if (!damagedPictures.isEmpty())

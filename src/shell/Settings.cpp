@@ -80,6 +80,9 @@ void ReadSettingsValues(const platform::SettingsStore& store, AppState& state) {
               d.AutosaveMinutes);
     if (s.AutosaveMinutes < 0 || s.AutosaveMinutes > kMaxAutosaveMinutes)
         s.AutosaveMinutes = d.AutosaveMinutes;
+    s.UndoLimit =
+        toInt(store.get(kGeneral, QStringLiteral("UndoLimit"), QString::number(d.UndoLimit)), d.UndoLimit);
+    if (s.UndoLimit < 1 || s.UndoLimit > kMaxUndoLimit) s.UndoLimit = d.UndoLimit;
     if (state.ProgramMode < 1 || state.ProgramMode > 3) state.ProgramMode = 3;
     s.StartUpDocument = toInt(store.get(kGui, QStringLiteral("StartUpDocument"), QStringLiteral("0")), 0);
     if (s.StartUpDocument < 0 || s.StartUpDocument > 2) s.StartUpDocument = 0;
@@ -101,6 +104,7 @@ void WriteSettingsValues(platform::SettingsStore& store, const AppState& state) 
     store.save(kGeneral, QStringLiteral("IndexBaseYear"), s.IndexBaseYear);
     store.save(kGeneral, QStringLiteral("ProgramMode"), QString::number(state.ProgramMode));
     store.save(kGeneral, QStringLiteral("AutosaveMinutes"), QString::number(s.AutosaveMinutes));
+    store.save(kGeneral, QStringLiteral("UndoLimit"), QString::number(s.UndoLimit));
     store.save(kFormat, QStringLiteral("AutoFormat"),
                s.AutoFormat ? QStringLiteral("True") : QStringLiteral("False"));
     for (int i = 0; i < 6; ++i)

@@ -8,6 +8,7 @@
 #include <memory>
 
 namespace lists {
+class EditHistory;
 class ListModel;
 class ListView;
 } // namespace lists
@@ -67,6 +68,20 @@ void restoreBaseListWindow(MDIForm1& main, int slot, bool wasClosed);
 // The edit menu's actions on the active control, and on a given list (EditActions.cpp).
 void editMenuAction(MDIForm1& main, int index);
 void listMenuAction(MDIForm1& main, lists::ListView* view, int index);
+
+// Undo and redo (UndoActions.cpp): the Edit menu's items and the toolbar buttons, their texts
+// and states for what has the focus, and the undo or redo itself: within a text box that can,
+// else a step of the active project's history. A project's four windows share one history,
+// attached when the project is made.
+void createUndoActions(MDIForm1& main);
+void updateUndoActions(MDIForm1& main);
+void undoOrRedo(MDIForm1& main, bool redo);
+lists::EditHistory* activeHistory(MDIForm1& main);
+void attachProjectHistory(MDIForm1& main, const ProjectWindows& windows);
+// The program mode changed: new steps are made in it.
+void followProgramMode(MDIForm1& main);
+// The most steps a history keeps ("UndoLimit"); a history takes it when it is next empty.
+void setUndoLimit(MDIForm1& main, int limit);
 
 // Project windows (ProjectActions.cpp).
 void UpdateTextDocuments(MDIForm1& main, int oldIndex);

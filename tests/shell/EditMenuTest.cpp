@@ -32,9 +32,7 @@ using EditMenuTest = ShownMainWindowFixture;
 // rows: paste inserted the clipboard as new rows, delete emptied the selected rows.
 TEST_F(EditMenuTest, BaseListEditMenuActsOnAnOpenCellEdit) {
     lists::BaseListWindow* f7 = main->Form7;
-    f7->show();
-    f7->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(f7));
+    showActive(f7);
     lists::ListModel& list = *f7->list();
     const int rows = list.rows();
     const QString second = list.cell(2, 2);

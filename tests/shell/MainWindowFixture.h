@@ -8,11 +8,17 @@
 #include "shell/MDIForm1.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+
+namespace documents {
+class Form2;
+}
 
 class MainWindowFixture : public ::testing::Test {
 protected:
@@ -39,6 +45,13 @@ protected:
             if (modal->isVisible()) modal->close();
         });
     }
+    // Shows a top-level window (a base list window) as the active one.
+    static void showActive(QWidget* window) {
+        window->show();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        QApplication::setActiveWindow(window);
+    }
     testing_support::ScriptedDialogs dialogs;
     std::unique_ptr<shell::MDIForm1> main;
 };
@@ -52,4 +65,40 @@ protected:
         main->QWidget::activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(main.get()));
     }
+};
+
+// The main window shown, for tests on a copy of the sample project through its windows.
+class SampleProjectFixture : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        MainWindowFixture::SetUp();
+        main->show();
+        QApplication::setActiveWindow(main.get());
+    }
+    // Opens the sample project in the untouched Projekti1 and shows its detailed data window.
+    documents::Form2* openSample() {
+        const QString file = dir.filePath(QStringLiteral("Esimerkkisilta.sl"));
+        QFile::copy(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"), file);
+        main->openFromCommandLine(file);
+        main->ToolbarMenuActions(QStringLiteral("Rulers"));
+        return main->ParseFormIndeces().f2;
+    }
+    // Gives `w` the focus in its window, made the active one.
+    void focus(QWidget* w) {
+        QApplication::setActiveWindow(w->window());
+        w->setFocus(Qt::OtherFocusReason);
+        QApplication::processEvents();
+        ASSERT_TRUE(w == QApplication::focusWidget() || w->isAncestorOf(QApplication::focusWidget()));
+    }
+    // Runs `inside` on the modal window the next action opens, then closes that window.
+    void whenModal(const std::function<void(QWidget*)>& inside) {
+        QTimer::singleShot(0, [inside] {
+            QWidget* modal = QApplication::activeModalWidget();
+            ASSERT_NE(modal, nullptr);
+            inside(modal);
+            if (modal->isVisible()) modal->close();
+        });
+    }
+
+    QTemporaryDir dir;
 };

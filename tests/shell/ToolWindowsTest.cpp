@@ -26,33 +26,7 @@
 
 using shell::ParseFileName;
 
-namespace {
-
-class ToolWindowsTest : public MainWindowFixture {
-protected:
-    void SetUp() override {
-        MainWindowFixture::SetUp();
-        main->show();
-        QApplication::setActiveWindow(main.get());
-    }
-    // Opens the sample project in the untouched Projekti1 and shows its detailed data window.
-    documents::Form2* openSample() {
-        QFile::copy(testing_support::dataDir() + "Esimerkkisilta.sl", dir.filePath("Esimerkkisilta.sl"));
-        main->openFromCommandLine(dir.filePath("Esimerkkisilta.sl"));
-        main->ToolbarMenuActions("Rulers");
-        return main->ParseFormIndeces().f2;
-    }
-    void focus(QWidget* w) {
-        QApplication::setActiveWindow(main.get());
-        w->setFocus(Qt::OtherFocusReason);
-        QApplication::processEvents();
-        ASSERT_TRUE(w == QApplication::focusWidget() || w->isAncestorOf(QApplication::focusWidget()));
-    }
-
-    QTemporaryDir dir;
-};
-
-} // namespace
+using ToolWindowsTest = SampleProjectFixture;
 
 TEST_F(ToolWindowsTest, TheEntriesAreEnabledWhereTheyAct) {
     documents::Form2* f2 = openSample();

@@ -2,6 +2,7 @@
 
 #include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
+#include "lists/ListJournal.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
@@ -16,6 +17,7 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -37,6 +39,7 @@ struct BusyPointer {
 BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     : QMainWindow(parent, Qt::Window)
     , m_host(host)
+    , m_history(new EditHistory(this))
     , m_slot(slot) {
     const bool prices = slot == 6;
     setObjectName(prices ? QStringLiteral("Form6") : QStringLiteral("Form7"));
@@ -48,6 +51,7 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     layout->setContentsMargins(6, 6, 6, 6);
     auto* model = new ListModel(this);
     model->setKind(prices ? kind::UnitPriceList : kind::RequirementBase);
+    model->setHistory(m_history);
     ListView1 = new ListView(central);
     ListView1->setAccessibleName(m_slot == 6 ? QStringLiteral("Yksikköhintaluettelo")
                                              : QStringLiteral("Laatuvaatimusten perusluettelo"));
@@ -96,6 +100,16 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
             if (!t.isEmpty()) shown << t;
         statusBar()->showMessage(shown.join(QStringLiteral("  |  ")));
     });
+    // The caption's marker follows the history: it comes back when the saved state does.
+    connect(m_history, &EditHistory::dirtyChanged, this, [this](bool dirty) {
+        if (dirty)
+            m_host.baseListTouched(this);
+        else
+            m_host.baseListUntouched(this);
+    });
+    connect(m_history, &EditHistory::changed, this, &BaseListWindow::updateUndoActions);
+    connect(m_history, &EditHistory::applied, this, [this] { ListView1->setFocus(Qt::OtherFocusReason); });
+    updateUndoActions();
     connect(ListView1, &ListView::contextMenuWanted, this, [this](QPoint global) {
         if (QMenu* edit = menuBar()->findChild<QMenu*>(QStringLiteral("editMenu"))) edit->popup(global);
     });
@@ -126,6 +140,18 @@ void BaseListWindow::createMenus() {
 
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Muokkaa"));
     edit->setObjectName(QStringLiteral("editMenu"));
+    // Undo and redo stand above the menu's numbered items.
+    undoAction = edit->addAction(QStringLiteral("&Kumoa"));
+    undoAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+    redoAction = edit->addAction(QStringLiteral("&Tee uudelleen"));
+    redoAction->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    for (QAction* a : {undoAction, redoAction})
+        a->setShortcutContext(Qt::WindowShortcut);
+    connect(undoAction, &QAction::triggered, this, [this] { undoOrRedo(false); });
+    connect(redoAction, &QAction::triggered, this, [this] { undoOrRedo(true); });
+    connect(edit, &QMenu::aboutToShow, this, &BaseListWindow::updateUndoActions);
+    edit->addSeparator();
     const QStringList editItems = {
         QStringLiteral("Lisää"),
         QStringLiteral("Lisää &määräten..."),
@@ -222,12 +248,18 @@ TextMeasure BaseListWindow::headerMeasure() const {
 }
 
 void BaseListWindow::loadFile(const QString& fileName) {
-    InitListView(*list(), fileName, QStringLiteral(";"), headerMeasure());
+    {
+        EditHistory::Quiet quiet(m_history);
+        InitListView(*list(), fileName, QStringLiteral(";"), headerMeasure());
+    }
     setWindowTitle(fileName + suffix() + kMarker);
+    m_history->restart(false);
 }
 
 bool BaseListWindow::openFile(const QString& file) {
     BusyPointer busy;
+    // An opened file starts a history of its own.
+    EditHistory::Quiet quiet(m_history);
     if (recogniseFile(file) == FileContent::Spreadsheet) {
         // A spreadsheet comes in through the import. The window is named after a list file
         // beside it, so that saving never writes text over the spreadsheet.
@@ -235,10 +267,12 @@ bool BaseListWindow::openFile(const QString& file) {
         const QFileInfo info(file);
         setWindowTitle(info.dir().filePath(info.completeBaseName() + extension()) + suffix() + kMarker);
         m_host.baseListTouched(this);
+        m_history->restart(true);
         return true;
     }
     if (!InitListView(*list(), file, QStringLiteral(";"), headerMeasure())) return false;
     setWindowTitle(file + suffix() + kMarker);
+    m_history->restart(false);
     return true;
 }
 
@@ -278,6 +312,7 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
                 setWindowTitle(file + suffix() + kMarker);
             else
                 m_host.baseListUntouched(this);
+            m_history->markSaved();
             break;
         }
         case 8:
@@ -287,6 +322,7 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             const QString file = m_host.baseListFileDialog(1, QStringLiteral(".xls"));
             if (file.isEmpty()) return;
             BusyPointer busy;
+            ListStep recorded(*list(), step::Import);
             if (InitListView(*list(), file, QStringLiteral(".xls"))) m_host.baseListTouched(this);
             break;
         }
@@ -353,6 +389,44 @@ void BaseListWindow::editMenuClick(int index) {
         default:
             return;
     }
+}
+
+void BaseListWindow::undoOrRedo(bool redo) {
+    // An open cell edit undoes within itself first; then it goes, as Esc would, and the
+    // list's steps follow.
+    ListEditor* editor = ListEditor::of(ListView1);
+    if (editor && editor->isEditing()) {
+        QLineEdit* box = editor->editBox();
+        if (redo ? box->isRedoAvailable() : box->isUndoAvailable()) {
+            redo ? box->redo() : box->undo();
+            return;
+        }
+        editor->EditKeyCode(Qt::Key_Escape, Qt::NoModifier);
+    }
+    ListEditHost* host = m_host.baseListEditHost();
+    const int mode = host ? host->editContext(ListView1).programMode : 3;
+    if (redo)
+        m_history->redo(mode);
+    else
+        m_history->undo(mode);
+}
+
+void BaseListWindow::updateUndoActions() {
+    if (!undoAction) return;
+    auto item = [](QAction* a, const QString& caption, bool can, const QString& text) {
+        a->setEnabled(can);
+        a->setText(can && !text.isEmpty() ? caption + QStringLiteral(": ") + text : caption);
+    };
+    const ListEditor* editor = ListEditor::of(ListView1);
+    const QLineEdit* box = editor && editor->isEditing() ? editor->editBox() : nullptr;
+    if (box && box->isUndoAvailable())
+        item(undoAction, QStringLiteral("&Kumoa"), true, QString());
+    else
+        item(undoAction, QStringLiteral("&Kumoa"), m_history->canUndo(), m_history->undoText());
+    if (box && box->isRedoAvailable())
+        item(redoAction, QStringLiteral("&Tee uudelleen"), true, QString());
+    else
+        item(redoAction, QStringLiteral("&Tee uudelleen"), m_history->canRedo(), m_history->redoText());
 }
 
 int BaseListWindow::priceColumn() const {

@@ -2,6 +2,7 @@
 // The two base list windows: Form7 the quality requirement base list (".sl2"), Form6 the work
 // phase and unit price list (".sl1", with the choice of working conditions). Each holds one
 // list, a file menu, an edit menu and three buttons, and stays beside the project windows.
+#include "lists/EditHistory.h"
 #include "lists/ListFiles.h"
 
 #include <QMainWindow>
@@ -80,6 +81,14 @@ public:
     // Closing by the program's own code skips the question.
     void closeByProgram();
 
+    // The window's own undo history; its caption's marker follows it.
+    EditHistory& history() { return *m_history; }
+    // "&Kumoa" and "&Tee uudelleen": within an open cell edit that can, else a step of the list.
+    void undoOrRedo(bool redo);
+    void updateUndoActions();
+    QAction* undoAction = nullptr;
+    QAction* redoAction = nullptr;
+
     ListView* ListView1 = nullptr;
     std::vector<QPushButton*> Command1;
     std::vector<QRadioButton*> Option1; // Form6 only
@@ -94,6 +103,7 @@ private:
     TextMeasure headerMeasure() const;
     void createMenus();
     BaseListHost& m_host;
+    EditHistory* m_history = nullptr;
     int m_slot;
     bool m_programClose = false;
 };

@@ -1,5 +1,6 @@
 #include "lists/ui/ListEditor.h"
 
+#include "lists/ListJournal.h"
 #include "lists/ListModel.h"
 #include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
@@ -205,7 +206,9 @@ bool ListEditor::EditListViewKeyCode(QKeyEvent* event) {
     if (enter) {
         EditListView(1);
     } else {
-        m_box->setText(text);
+        // The first character is typed into an empty box, so that the box can undo it.
+        m_box->setText(QString());
+        m_box->insert(text);
         EditListView(2);
     }
     return true;
@@ -276,6 +279,7 @@ void ListEditor::NextLine(int direction) {
         if (platform::Ask(QStringLiteral("Viimeinen rivi. Lisätäänkö rivi?"), platform::MsgButtons::YesNo,
                           platform::MsgIcon::Question,
                           platform::MsgAnswer::Yes) == platform::MsgAnswer::Yes) {
+            ListStep recorded(*l, step::InsertRows);
             if (ListViewRowEdit(*l, action::AppendRow, ctx)) edited();
             m_editRow = l->rows();
         }
@@ -292,7 +296,11 @@ bool ListEditor::PutToListView() {
     if (!l || !isEditing() || m_storing) return false;
     // A refusal message takes the focus from the box; that must not store a second time.
     m_storing = true;
-    const bool changed = lists::PutToListView(*l, m_editRow, m_editCol, m_box->text(), context());
+    bool changed = false;
+    {
+        ListStep recorded(*l, step::CellEdit);
+        changed = lists::PutToListView(*l, m_editRow, m_editCol, m_box->text(), context());
+    }
     m_storing = false;
     if (changed) edited();
     return changed;
@@ -308,13 +316,17 @@ bool ListEditor::SortItems(int column) {
     ListModel* l = list();
     if (!l) return false;
     closeEditor();
+    ListStep recorded(*l, step::Sort);
     return lists::SortItems(*l, column);
 }
 
-bool ListEditor::changeList(const std::function<bool(ListModel&, const EditContext&)>& operation) {
+bool ListEditor::changeList(const QString& stepText,
+                            const std::function<bool(ListModel&, const EditContext&)>& operation) {
     ListModel* l = list();
     if (!l) return false;
+    // A cell being edited is stored as a step of its own first.
     closeEditor();
+    ListStep recorded(*l, stepText);
     const bool changed = operation(*l, context());
     if (changed) edited();
     return changed;
@@ -322,17 +334,19 @@ bool ListEditor::changeList(const std::function<bool(ListModel&, const EditConte
 
 bool ListEditor::rowEdit(int rowAction) {
     return changeList(
+        rowAction == action::DeleteRows ? step::DeleteRows : step::InsertRows,
         [rowAction](ListModel& l, const EditContext& ctx) { return ListViewRowEdit(l, rowAction, ctx); });
 }
 
 bool ListEditor::cutCopyDelete(int operation) {
-    return changeList([operation](ListModel& l, const EditContext& ctx) {
-        return ListViewCutCopyDelSelection(l, operation, ctx);
-    });
+    return changeList(operation == 0 ? step::Cut : step::ClearCells,
+                      [operation](ListModel& l, const EditContext& ctx) {
+                          return ListViewCutCopyDelSelection(l, operation, ctx);
+                      });
 }
 
 bool ListEditor::paste() {
-    return changeList(&PasteSelection);
+    return changeList(step::Paste, &PasteSelection);
 }
 
 // ---------------------------------------------------------------- drag and drop
@@ -451,6 +465,8 @@ bool ListEditor::EditListViewDragDrop(ListView* source, QPoint pos, bool shift) 
     closeEditor();
     const DropPlace place = dropPlace(*target, row, shift);
     const TransferOptions options = m_host ? m_host->transferOptions(m_view, source) : TransferOptions{};
+    // The dropped rows and the formatting that follows them are one step of the target's history.
+    ListStep recorded(*target, step::Transfer);
     const TransferResult result = TransferData(*target, *source->list(), place.position, place.mode, options);
     if (result.changed && m_host) m_host->transferDone(m_view, result);
     return result.changed;

@@ -130,7 +130,9 @@ private:
     EditContext context() const;
     void edited();
     // Runs an edit menu operation on the list after closing an open edit; reports a change.
-    bool changeList(const std::function<bool(ListModel&, const EditContext&)>& operation);
+    // The operation is one step named `stepText` of the list's history.
+    bool changeList(const QString& stepText,
+                    const std::function<bool(ListModel&, const EditContext&)>& operation);
     void showDropRow(int row);
     int rowAt(QPoint pos) const;
 
