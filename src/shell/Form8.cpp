@@ -84,9 +84,11 @@ Form8::Form8(MDIForm1& main)
     Text4->setMaximumWidth(60);
     returnMovesOn(this, Text4);
     grid->addWidget(Text4, 9, 1, Qt::AlignLeft);
-    grid->addWidget(
-        new QLabel(QStringLiteral("Kumottavien vaiheiden enimmäismäärä projektia kohden"), general), 10, 0);
     Text5 = new documents::TextBox(false, general);
+    grid->addWidget(
+        documents::fieldLabel(QStringLiteral("Kumottavien vaiheiden enimmäismäärä projektia kohden"), Text5,
+                              general),
+        10, 0);
     Text5->setMaximumWidth(60);
     returnMovesOn(this, Text5);
     grid->addWidget(Text5, 10, 1, Qt::AlignLeft);
