@@ -17,7 +17,6 @@ namespace calc {
 
 namespace {
 
-const QChar kSep(0x1f); // never typed into a cell: joins the parts of a row's identity
 
 const char* const kDocumentNames[3] = {"Rakennussuunnitelmaselostus", "Koodaussuunnitelma",
                                        "Urakan laatusuunnitelma"};

@@ -327,7 +327,6 @@ public:
     // One requirement with every block its document prints. A text cut at the page's foot
     // leaves room for the blocks after it, each section at least one line.
     void requirement(int document, int row, double& y) {
-        const lists::ListModel& l = list();
         const bool report = document == doc::QualityReport;
         const std::vector<Section> sections = sectionsOf(document);
         const double pad = kFramePad * m_m.ScaleY;
