@@ -17,7 +17,6 @@ namespace calc {
 
 namespace {
 
-
 const char* const kDocumentNames[3] = {"Rakennussuunnitelmaselostus", "Koodaussuunnitelma",
                                        "Urakan laatusuunnitelma"};
 const char* const kPictureNames[6] = {"Ominaistietokortin sivukuva",    "Ominaistietokortin poikkileikkaus",
