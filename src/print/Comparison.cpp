@@ -354,12 +354,8 @@ double ComparisonRowHeight(PrintRun& run, int row) {
 void PrintComparison(PrintRun& run, Surface& s, int p) {
     const PageEntry& e = run.entry(p);
     const QString title = DocumentTitle(e.document, QString());
-    if (e.number == 1) {
-        PrintFrontPage(run, s, p, title);
-        return;
-    }
+    if (!PrintFrontPageOrHeader(run, s, p, title)) return;
     const PageModel& m = run.page();
-    PrintTopHeader(run, s, p, title);
     const std::vector<Section> all = sections(comparisonOf(run));
     // A page that goes on with the table repeats its column headings.
     const ItemAt first = itemAt(all, e.firstRow);

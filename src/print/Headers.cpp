@@ -47,6 +47,15 @@ Parties PartiesOf(const PrintRun& run, int document) {
     return p;
 }
 
+bool PrintFrontPageOrHeader(PrintRun& run, Surface& s, int p, const QString& title) {
+    if (run.entry(p).number == 1) {
+        PrintFrontPage(run, s, p, title);
+        return false;
+    }
+    PrintTopHeader(run, s, p, title);
+    return true;
+}
+
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     const PageModel& m = run.page();
     const PageEntry& e = run.entry(p);

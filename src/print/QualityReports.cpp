@@ -530,11 +530,7 @@ void PrintQuality(PrintRun& run, Surface& s, int p) {
         return;
     }
     const QString title = DocumentTitle(e.document, run.selection().WorkPhaseFilter[e.document]);
-    if (e.number == 1) {
-        PrintFrontPage(run, s, p, title);
-        return;
-    }
-    PrintTopHeader(run, s, p, title);
+    if (!PrintFrontPageOrHeader(run, s, p, title)) return;
     if (const lists::ListModel* list = run.source().requirements) {
         QualityPainter painter(run, s, false);
         double y = qualityBodyTop(run);

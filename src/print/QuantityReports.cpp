@@ -163,11 +163,7 @@ void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, 
 void listPage(PrintRun& run, Surface& s, int p) {
     const PageEntry& e = run.entry(p);
     const QString title = DocumentTitle(e.document, QString());
-    if (e.number == 1) {
-        PrintFrontPage(run, s, p, title);
-        return;
-    }
-    PrintTopHeader(run, s, p, title);
+    if (!PrintFrontPageOrHeader(run, s, p, title)) return;
     headerRow(run, s, e.document);
     const Layout l = layoutOf(run, s, e.document);
     const int rows = quantitiesOf(run) ? quantitiesOf(run)->rows() : 0;

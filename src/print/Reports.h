@@ -37,6 +37,9 @@ double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold
 
 // Page header and footer.
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title);
+// The first page of a document is its front page; any other gets the top header. True when the
+// page goes on with the document's body.
+bool PrintFrontPageOrHeader(PrintRun& run, Surface& s, int p, const QString& title);
 // Footer kinds: 0 the program's name, 1 the legends of the quality documents, other: the line.
 void PrintBottomHeader(PrintRun& run, Surface& s, int kind);
 

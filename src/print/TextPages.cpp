@@ -22,12 +22,8 @@ int TextBufferOf(int document) {
 void PrintTextPage(PrintRun& run, Surface& s, int p) {
     const PageEntry& e = run.entry(p);
     const QString title = DocumentTitle(e.document, QString());
-    if (e.number == 1) {
-        PrintFrontPage(run, s, p, title);
-        return;
-    }
+    if (!PrintFrontPageOrHeader(run, s, p, title)) return;
     const PageModel& m = run.page();
-    PrintTopHeader(run, s, p, title);
     const QString lines = ParseTextPage(run.textBuffer(TextBufferOf(e.document)), e.firstRow, e.lastRow);
     s.setFont(run.font(11));
     double y = m.OriginY + 700 * m.ScaleY;
