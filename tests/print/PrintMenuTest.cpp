@@ -33,7 +33,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
         dialog->Check1[0]->setChecked(true);
         dialog->Check1Click(0);
         // The selection is stored and the run paginated from the project's windows.
-        dialog->Command1Click(7);
+        dialog->Command1Click(print::ui::Form11::Preview);
         dialog->reject();
     });
     timer->start(10);

@@ -97,8 +97,9 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     mnuView.push_back(view->addSeparator());
     entry("Loi&tonna sivua (-)", &Form12::zoomOut);
     entry("Lähennä siv&ua (+)", &Form12::zoomIn);
+    const PageMove moves[] = {PageMove::Next, PageMove::Previous, PageMove::Last, PageMove::First};
     for (int i = 0; i < 4; ++i)
-        connect(mnuView[i], &QAction::triggered, this, [this, i] { PrintPreviewPage(i + 1); });
+        connect(mnuView[i], &QAction::triggered, this, [this, move = moves[i]] { PrintPreviewPage(move); });
     QMenu* steps = view->addMenu(QStringLiteral("Suurennos"));
     mnuView.push_back(steps->menuAction());
     const struct {
@@ -116,7 +117,7 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     QAction* pdf = menuBar->addAction(QStringLiteral("Tulosta P&DF-tiedostoon..."));
     connect(pdf, &QAction::triggered, this, [this] { done(Pdf); });
     QAction* help = menuBar->addAction(QStringLiteral("&Ohjeet"));
-    connect(help, &QAction::triggered, this, [this] { m_host.showHelp(2400, this); });
+    connect(help, &QAction::triggered, this, [this] { m_host.showHelp(PrintHost::kHelpTopic, this); });
 
     Toolbar1 = new QToolBar(this);
     Toolbar1->setObjectName(QStringLiteral("Toolbar1"));
@@ -133,10 +134,10 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     Toolbar1->addSeparator();
     QAction* previous = addToolButton(QStringLiteral("Previous page"), QStringLiteral("Edellinen sivu"),
                                       platform::toolIcon(QStringLiteral("PreviousPage")), nullptr);
-    connect(previous, &QAction::triggered, this, [this] { PrintPreviewPage(2); });
+    connect(previous, &QAction::triggered, this, [this] { PrintPreviewPage(PageMove::Previous); });
     QAction* next = addToolButton(QStringLiteral("Next page"), QStringLiteral("Seuraava sivu"),
                                   platform::toolIcon(QStringLiteral("NextPage")), nullptr);
-    connect(next, &QAction::triggered, this, [this] { PrintPreviewPage(1); });
+    connect(next, &QAction::triggered, this, [this] { PrintPreviewPage(PageMove::Next); });
     Toolbar1->addSeparator();
     addToolButton(QStringLiteral("Zoom out"), QStringLiteral("Loitonna sivua"),
                   platform::toolIcon(QStringLiteral("ZoomOut")), &Form12::zoomOut);
@@ -258,27 +259,27 @@ QString Form12::statusText(int panel) const {
     return QStringLiteral("Suurennos %1%").arg(qRound(m_run.page().ScaleY * 100.0f));
 }
 
-void Form12::PrintPreviewPage(int mode) {
+void Form12::PrintPreviewPage(PageMove mode) {
     if (!m_started) start();
     int page = CurrentPage;
     switch (mode) {
-        case 1:
+        case PageMove::Next:
             if (CurrentPage >= LastPage) return;
             page = CurrentPage + 1;
             break;
-        case 2:
+        case PageMove::Previous:
             if (CurrentPage <= 1) return;
             page = CurrentPage - 1;
             break;
-        case 3:
+        case PageMove::Last:
             if (CurrentPage == LastPage) return;
             page = LastPage;
             break;
-        case 4:
+        case PageMove::First:
             if (CurrentPage == 1) return;
             page = 1;
             break;
-        default:
+        case PageMove::Redraw:
             break;
     }
     CurrentPage = page;
@@ -359,16 +360,16 @@ void Form12::keyPressEvent(QKeyEvent* event) {
             moveDown();
             return;
         case Qt::Key_PageDown:
-            PrintPreviewPage(1);
+            PrintPreviewPage(PageMove::Next);
             return;
         case Qt::Key_PageUp:
-            PrintPreviewPage(2);
+            PrintPreviewPage(PageMove::Previous);
             return;
         case Qt::Key_End:
-            PrintPreviewPage(3);
+            PrintPreviewPage(PageMove::Last);
             return;
         case Qt::Key_Home:
-            PrintPreviewPage(4);
+            PrintPreviewPage(PageMove::First);
             return;
         case Qt::Key_Minus:
             zoomOut();
