@@ -119,7 +119,7 @@ void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStri
                               static_cast<double>(std::min(l.y1, l.y2)),
                               static_cast<double>(std::max(l.y1, l.y2))});
     }
-    const QString unit = run.source().basicCombo(4).trimmed();
+    const QString unit = run.source().basicCombo(basic::MoneyUnit).trimmed();
     QStringList texts;
     const std::size_t firstSlot = around.size();
     for (int i = 0; i < static_cast<int>(layout.fieldSlots.size()); ++i) {

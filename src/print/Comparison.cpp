@@ -364,7 +364,7 @@ void PrintComparison(PrintRun& run, Surface& s, int p) {
     double y = ListBodyTop(run);
     for (int r = e.firstRow; r <= e.lastRow; ++r)
         y += bodyRow(run, &s, all, r, y);
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 bool ComparisonNeedsLandscape(PrintRun& run) {

@@ -49,23 +49,23 @@ void PrintFrontPage(PrintRun& run, Surface& s, int p, const QString& title) {
     const double gap = 200 * sx;
 
     PrintTopHeader(run, s, p, title);
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
     if (run.settings().PrintLogo)
         PrintImage(run, s, run.settings().logo, x, m.OriginY, 5000 * sx, 1000 * sy, false);
 
     // The bridge and the plan. A long name takes a second line; every line stays on the page.
     double y = m.OriginY + 1500 * sy;
-    CellText(run, s, x, right, y, src.basicCombo(2), 11, false, CellAlign::Left);
+    CellText(run, s, x, right, y, src.basicCombo(basic::RoadDistrict), 11, false, CellAlign::Left);
     y += lh;
     // The name is measured in the bold font it is drawn in.
     const Font nameFont{run.settings().PrinterFont, 16, true, false};
     bool tooLong = false;
-    QStringList name =
-        WrapLines(run.fonts(), nameFont, src.basicText(0).trimmed(), m.UsableWidth / sx, &tooLong);
+    QStringList name = WrapLines(run.fonts(), nameFont, src.basicText(basic::BridgeName).trimmed(),
+                                 m.UsableWidth / sx, &tooLong);
     if (tooLong && name.size() <= 2) run.inform(kWordTooLong);
     double nameSize = 16;
     if (name.size() > 2) {
-        const FittedText f = run.fit(src.basicText(0), nameFont, m.UsableWidth / sx, 11, 2);
+        const FittedText f = run.fit(src.basicText(basic::BridgeName), nameFont, m.UsableWidth / sx, 11, 2);
         name = f.lines;
         nameSize = f.size;
     }
@@ -75,14 +75,14 @@ void PrintFrontPage(PrintRun& run, Surface& s, int p, const QString& title) {
         s.text(x, y, name[i]);
     }
     y += 1.3 * lh;
-    QString identification = src.basicText(1).trimmed();
-    const QString municipality = src.basicCombo(9).trimmed();
+    QString identification = src.basicText(basic::RoadSection).trimmed();
+    const QString municipality = src.basicCombo(basic::Municipality).trimmed();
     if (!municipality.isEmpty())
         identification += identification.isEmpty() ? municipality : QStringLiteral(" / ") + municipality;
     CellText(run, s, x, right, y, identification, 11, true, CellAlign::Left);
     y += lh;
-    CellText(run, s, x, right, y, QStringLiteral("Suunnitelman numero   ") + src.basicText(2), 11, true,
-             CellAlign::Left);
+    CellText(run, s, x, right, y, QStringLiteral("Suunnitelman numero   ") + src.basicText(basic::PlanNumber),
+             11, true, CellAlign::Left);
     y += 2 * lh;
     s.setFont(run.font(16, true));
     for (const QString& line : run.wrap(title, 16, m.UsableWidth)) {
@@ -106,18 +106,22 @@ void PrintFrontPage(PrintRun& run, Surface& s, int p, const QString& title) {
 
     // The technical data.
     const double dataY = y;
-    CellText(run, s, x, dataRight, y, src.basicCombo(0), 11, true, CellAlign::Left);
+    CellText(run, s, x, dataRight, y, src.basicCombo(basic::BridgeType), 11, true, CellAlign::Left);
     y += lh;
     struct Datum {
         const char* label;
         QString value;
     };
-    const Datum data[] = {
-        {"Jännemitta (m)", src.basicText(3)},       {"Hyödyllinen leveys (m)", src.basicText(8)},
-        {"Vapaa-aukko (m)", src.basicText(5)},      {"Vinous (gon)", src.basicText(7)},
-        {"Kokonaispituus (m)", src.basicText(4)},   {"Kohtisuora vapaa-aukko (m)", src.basicText(12)},
-        {"Alikulkukorkeus (m)", src.basicText(13)}, {"Kulkukorkeus (m)", QString()},
-        {"Kannen pituus (m)", src.basicText(6)},    {"Suunnittelukuorma", src.basicCombo(1)}};
+    const Datum data[] = {{"Jännemitta (m)", src.basicText(basic::Span)},
+                          {"Hyödyllinen leveys (m)", src.basicText(basic::UsefulWidth)},
+                          {"Vapaa-aukko (m)", src.basicText(basic::FreeOpening)},
+                          {"Vinous (gon)", src.basicText(basic::Skew)},
+                          {"Kokonaispituus (m)", src.basicText(basic::TotalLength)},
+                          {"Kohtisuora vapaa-aukko (m)", src.basicText(basic::SquareFreeOpening)},
+                          {"Alikulkukorkeus (m)", src.basicText(basic::UnderpassHeight)},
+                          {"Kulkukorkeus (m)", QString()},
+                          {"Kannen pituus (m)", src.basicText(basic::DeckLength)},
+                          {"Suunnittelukuorma", src.basicCombo(basic::DesignLoad)}};
     s.setFont(run.font(11));
     double labelWidth = 0;
     for (const Datum& d : data)

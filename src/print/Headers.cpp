@@ -12,9 +12,9 @@ namespace {
 
 const QString kProgramTitle = QStringLiteral("TAMRIK 2006");
 
-bool anyFilled(const PrintSource& s, std::initializer_list<int> combos) {
+bool anyFilled(const PrintSource& s, std::initializer_list<basic::ComboField> combos) {
     return std::any_of(combos.begin(), combos.end(),
-                       [&s](int i) { return !lists::BlankString(s.basicCombo(i)); });
+                       [&s](basic::ComboField i) { return !lists::BlankString(s.basicCombo(i)); });
 }
 
 } // namespace
@@ -25,24 +25,25 @@ Parties PartiesOf(const PrintRun& run, int document) {
     // The requirements of document 7 are drawn up by either party: the contractor's once any of
     // the contractor's names or dates is filled in. So is a comparison of versions.
     if (document == doc::AllRequirements || document == doc::Comparison)
-        contractor = anyFilled(s, {17, 15, 16, 14});
+        contractor = anyFilled(s, {basic::ContractorDrewUp, basic::ContractorDrewUpDate,
+                                   basic::ContractorChecked, basic::ContractorCheckedDate});
     Parties p;
     if (contractor) {
         p.firstRole = QStringLiteral("URAKOITSIJA");
-        p.firstCompany = s.basicText(10);
+        p.firstCompany = s.basicText(basic::ContractorCompany);
         p.secondRole = QStringLiteral("TILAAJA");
-        p.secondCompany = s.basicText(11);
-        p.drewUp = s.basicCombo(17);
-        p.drewUpDate = s.basicCombo(15);
-        p.checked = s.basicCombo(16);
-        p.checkedDate = s.basicCombo(14);
+        p.secondCompany = s.basicText(basic::Client);
+        p.drewUp = s.basicCombo(basic::ContractorDrewUp);
+        p.drewUpDate = s.basicCombo(basic::ContractorDrewUpDate);
+        p.checked = s.basicCombo(basic::ContractorChecked);
+        p.checkedDate = s.basicCombo(basic::ContractorCheckedDate);
     } else {
         p.firstRole = QStringLiteral("SUUNNITTELIJA");
-        p.firstCompany = s.basicText(9);
-        p.drewUp = s.basicCombo(5);
-        p.drewUpDate = s.basicCombo(8);
-        p.checked = s.basicCombo(6);
-        p.checkedDate = s.basicCombo(7);
+        p.firstCompany = s.basicText(basic::DesignerCompany);
+        p.drewUp = s.basicCombo(basic::DesignerDrewUp);
+        p.drewUpDate = s.basicCombo(basic::DesignerDrewUpDate);
+        p.checked = s.basicCombo(basic::DesignerChecked);
+        p.checkedDate = s.basicCombo(basic::DesignerCheckedDate);
     }
     return p;
 }
@@ -75,9 +76,10 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
             if (!part.trimmed().isEmpty()) filled << part.trimmed();
         return filled.join(separator);
     };
-    const QString identification =
-        join({src.basicText(0), join({src.basicText(1), src.basicCombo(9)}, QStringLiteral("/"))},
-             QStringLiteral("  "));
+    const QString identification = join(
+        {src.basicText(basic::BridgeName),
+         join({src.basicText(basic::RoadSection), src.basicCombo(basic::Municipality)}, QStringLiteral("/"))},
+        QStringLiteral("  "));
     const QString first = run.wrap(identification, 9, 0.6 * m.UsableWidth).value(0).trimmed();
     s.text(m.OriginX, m.OriginY, first);
     const Parties parties = PartiesOf(run, e.document);
@@ -108,15 +110,15 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     s.line(m.OriginX, y, right, y);
 }
 
-void PrintBottomHeader(PrintRun& run, Surface& s, int kind) {
+void PrintBottomHeader(PrintRun& run, Surface& s, Footer kind) {
     const PageModel& m = run.page();
     const double lineY = m.bottom() - 360 * m.ScaleY;
     s.line(m.OriginX, lineY, m.right(), lineY);
     s.setFont(run.font(9));
     const double y = m.bottom() - m.LineHeight11;
-    if (kind == 0) {
+    if (kind == Footer::ProgramName) {
         s.text(m.OriginX, y, kProgramTitle);
-    } else if (kind == 1) {
+    } else {
         s.text(
             m.OriginX, y,
             QStringLiteral("Ty = vaatimustyyppi (1 = siltakohtainen, 2 = KLV:n mukainen, 3 = ohjeellinen)"));

@@ -543,7 +543,7 @@ void PrintQuality(PrintRun& run, Surface& s, int p) {
                 painter.requirement(e.document, item.row, y);
         }
     }
-    PrintBottomHeader(run, s, e.document == doc::QualityReport ? 0 : 1);
+    PrintBottomHeader(run, s, e.document == doc::QualityReport ? Footer::ProgramName : Footer::QualityLegend);
 }
 
 // The summary pages of the bridge's quality report.
@@ -651,7 +651,7 @@ void PrintQualitySummary(PrintRun& run, Surface& s, int p) {
         }
         countRow(QStringLiteral("Yhteensä"), count, checked, true);
     }
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 } // namespace print

@@ -177,7 +177,7 @@ void listPage(PrintRun& run, Surface& s, int p) {
         if (run.costSummaryBlocks() == 1 || e.firstRow <= rows + 1) PrintCostSummary1(run, s, y);
         if (run.costSummaryBlocks() == 1 || e.lastRow >= rows + 2) PrintCostSummary2(run, s, y);
     }
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 QString indexText(const QString& index) {
@@ -195,7 +195,7 @@ void summaryLine(PrintRun& run, Surface& s, double& y, const QString& label, flo
     s.text(descriptionX(run, c.description), y, label);
     const QString money = calc::MoneyS(amount, 2);
     if (!money.isEmpty()) {
-        const QString unit = run.source().basicCombo(4).trimmed();
+        const QString unit = run.source().basicCombo(basic::MoneyUnit).trimmed();
         QString text = unit.isEmpty() ? money : money + QLatin1Char(' ') + unit;
         if (indent) text += QStringLiteral("    ");
         s.textRight(c.sum, y, text);

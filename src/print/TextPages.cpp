@@ -32,7 +32,7 @@ void PrintTextPage(PrintRun& run, Surface& s, int p) {
         s.text(m.OriginX, y, line.toString());
         y += m.LineHeight11;
     }
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 } // namespace print

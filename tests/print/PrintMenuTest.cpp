@@ -46,7 +46,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
         auto* dialog = qobject_cast<print::ui::Form11*>(w->parentWidget());
         ASSERT_TRUE(dialog && dialog->run());
         pages = dialog->run()->TotalPages();
-        bridge = dialog->run()->source().basicText(0);
+        bridge = dialog->run()->source().basicText(basic::BridgeName);
         qobject_cast<QDialog*>(w)->reject();
     });
     closer->start(10);

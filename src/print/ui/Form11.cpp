@@ -232,7 +232,7 @@ void Form11::setAll(int first, int last, bool checked) {
 
 void Form11::warnWithoutCostIndex() {
     // The summaries convert the costs to the cost index of the basic data; warn while it is missing.
-    if (prepareRun() && lists::BlankString(m_project->source.basicCombo(10)))
+    if (prepareRun() && lists::BlankString(m_project->source.basicCombo(basic::CostIndex)))
         platform::MsgBox(QStringLiteral("Kustannusten yhteenveto ei tulostu oikein.\r\n") +
                              QStringLiteral("Kustannusindeksiä ei ole annettu perustietonäkymässä."),
                          platform::MsgIcon::Information);
