@@ -78,6 +78,7 @@ private:
 
     PrintHost& m_host;
     PrintSession& m_session;
+    // The run reads the project's print source: declared after it, so it is destroyed first.
     std::unique_ptr<ProjectPrint> m_project;
     std::unique_ptr<PrintRun> m_run;
     QLabel* m_status = nullptr;
