@@ -405,7 +405,7 @@ void Form5::buildCard() {
         if (f.longText) {
             auto* box = new TextBox(true, card);
             box->setObjectName(QStringLiteral("Text1_%1").arg(f.index));
-            const int lines = f.column == 3 && quality ? 5 : 3;
+            const int lines = quality && f.column == col::kText ? 5 : 3; // the requirement itself is taller
             box->setMinimumHeight(box->fontMetrics().lineSpacing() * lines + 12);
             Text1.push_back(box);
             Label2.push_back(label);
