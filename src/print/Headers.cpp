@@ -112,7 +112,7 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
 
 void PrintBottomHeader(PrintRun& run, Surface& s, Footer kind) {
     const PageModel& m = run.page();
-    const double lineY = m.bottom() - 360 * m.ScaleY;
+    const double lineY = m.bottom() - kFooterRule * m.ScaleY;
     s.line(m.OriginX, lineY, m.right(), lineY);
     s.setFont(run.font(9));
     const double y = m.bottom() - m.LineHeight11;

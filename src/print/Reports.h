@@ -36,6 +36,8 @@ void CellText(PrintRun& run, Surface& s, const Font& font, double sx, double sy,
 double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold);
 
 // Page header and footer.
+// The footer's rule stands this many twips (scaled) above the bottom of the usable area.
+inline constexpr double kFooterRule = 360;
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title);
 // The first page of a document is its front page; any other gets the top header. True when the
 // page goes on with the document's body.

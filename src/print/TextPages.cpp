@@ -28,7 +28,7 @@ void PrintTextPage(PrintRun& run, Surface& s, int p) {
     s.setFont(run.font(11));
     double y = m.OriginY + 700 * m.ScaleY;
     for (const QStringView line : QStringView(lines).split(QStringLiteral("\r\n"))) {
-        if (y + m.LineHeight11 > m.bottom() - 360 * m.ScaleY) break;
+        if (y + m.LineHeight11 > m.bottom() - kFooterRule * m.ScaleY) break;
         s.text(m.OriginX, y, line.toString());
         y += m.LineHeight11;
     }
