@@ -88,6 +88,15 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     setObjectName(QStringLiteral("Form11"));
     setWindowTitle(QStringLiteral("TAMRIK 2006") + QStringLiteral(" - ") +
                    QStringLiteral("Tulostettavien asiakirjojen valinta"));
+    createControls();
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(documentFrames(), 1);
+    layout->addLayout(actionRow());
+    layout->addWidget(StatusBar1);
+    loadSelection();
+}
+
+void Form11::createControls() {
     Check1.resize(kDocumentCount);
     Command1.resize(ButtonCount);
     for (int i = 0; i < kDocumentCount; ++i) {
@@ -119,26 +128,29 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     PdfButton->setAutoDefault(false);
     connect(PdfButton, &QPushButton::clicked, this, &Form11::printToPdf);
 
-    auto frame = [this](const QString& title) {
-        auto* box = new QGroupBox(title, this);
-        return box;
-    };
-    // The designer's documents.
-    QGroupBox* designer = frame(QStringLiteral("Suunnittelijan laatimat asiakirjat"));
+    StatusBar1 = new QStatusBar(this);
+    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
+    StatusBar1->setSizeGripEnabled(false);
+    m_status = new QLabel(StatusBar1);
+    StatusBar1->addWidget(m_status, 1);
+}
+
+// The designer's documents on the left; either party's and the contractor's on the right.
+QLayout* Form11::documentFrames() {
+    QGroupBox* designer = new QGroupBox(QStringLiteral("Suunnittelijan laatimat asiakirjat"), this);
     auto* dl = new QGridLayout(designer);
     for (int i = kDesignerFirst; i <= kDesignerLast; ++i)
         dl->addWidget(Check1[i], i - kDesignerFirst, 0, 1, 2);
     const int designerButtons = kDesignerLast - kDesignerFirst + 1; // the row below the boxes
     dl->addWidget(Command1[SelectDesigner], designerButtons, 0);
     dl->addWidget(Command1[ClearDesigner], designerButtons, 1);
-    // Either party's.
-    QGroupBox* either = frame(QStringLiteral("Suunnittelijan ja/tai urakoitsijan laatimat asiakirjat"));
+    QGroupBox* either =
+        new QGroupBox(QStringLiteral("Suunnittelijan ja/tai urakoitsijan laatimat asiakirjat"), this);
     auto* el = new QGridLayout(either);
     el->addWidget(Check1[doc::AllRequirements], 0, 0);
     el->addWidget(Command1[PhaseAllRequirements], 0, 1);
     el->setColumnStretch(0, 1);
-    // The contractor's.
-    QGroupBox* contractor = frame(QStringLiteral("Urakoitsijan laatimat asiakirjat"));
+    QGroupBox* contractor = new QGroupBox(QStringLiteral("Urakoitsijan laatimat asiakirjat"), this);
     auto* cl = new QGridLayout(contractor);
     for (int i = kContractorFirst; i <= kContractorLast; ++i)
         cl->addWidget(Check1[i], i - kContractorFirst, 0);
@@ -158,26 +170,22 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     auto* frames = new QHBoxLayout;
     frames->addWidget(designer);
     frames->addLayout(right, 1);
+    return frames;
+}
 
+// Print, preview, PDF and printer settings on the left; cancel and help on the right.
+QLayout* Form11::actionRow() {
     auto* actions = new QHBoxLayout;
     for (QPushButton* b : {Command1[Print], Command1[Preview], PdfButton, Command1[PrinterSettings]})
         actions->addWidget(b);
     actions->addStretch(1);
     actions->addWidget(Command1[Cancel]);
     actions->addWidget(Command1[Help]);
+    return actions;
+}
 
-    StatusBar1 = new QStatusBar(this);
-    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
-    StatusBar1->setSizeGripEnabled(false);
-    m_status = new QLabel(StatusBar1);
-    StatusBar1->addWidget(m_status, 1);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(frames, 1);
-    layout->addLayout(actions);
-    layout->addWidget(StatusBar1);
-
-    // Loading: the boxes as they were left, the captions of the chosen work phases.
+// The boxes as they were left, the captions of the chosen work phases.
+void Form11::loadSelection() {
     Selection& sel = m_session.selection;
     for (int i = 0; i < kDocumentCount; ++i) {
         Check1[i]->setChecked(sel.DocumentSelected[i]);

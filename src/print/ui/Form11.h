@@ -12,6 +12,7 @@
 
 class QCheckBox;
 class QLabel;
+class QLayout;
 class QPushButton;
 class QStatusBar;
 
@@ -60,6 +61,12 @@ public:
     static QString workPhasePrefix(int document);
 
 private:
+    // The constructor's parts: the boxes, buttons and status bar; the frames of the documents;
+    // the row of actions; the boxes filled from the session's selection.
+    void createControls();
+    QLayout* documentFrames();
+    QLayout* actionRow();
+    void loadSelection();
     void storeSelection();
     void refreshButtons();
     // Checks or clears the enabled boxes of documents first..last.

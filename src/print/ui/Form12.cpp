@@ -76,6 +76,33 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     setSizeGripEnabled(true);
     LastPage = m_run.TotalPages();
 
+    createMenus();
+    createToolbar();
+
+    m_canvas = new PreviewCanvas(*this);
+    StatusBar1 = new QStatusBar(this);
+    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
+    for (int i = 0; i < 2; ++i) {
+        m_panels[i] = new QLabel(StatusBar1);
+        m_panels[i]->setMinimumWidth(140);
+        StatusBar1->addWidget(m_panels[i]);
+    }
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->setMenuBar(menuBar);
+    layout->addWidget(Toolbar1);
+    layout->addWidget(m_canvas, 1);
+    layout->addWidget(StatusBar1);
+
+    resize(900, 1000);
+    m_host.restorePosition(12, this);
+    fitToScreen();
+}
+
+// "&Peruuta", "&Näytä" with its page moves, shifts and zoom steps, then printing and help.
+void Form12::createMenus() {
     menuBar = new QMenuBar(this);
     QAction* cancel = menuBar->addAction(QStringLiteral("&Peruuta"));
     connect(cancel, &QAction::triggered, this, &QDialog::reject);
@@ -118,7 +145,10 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     connect(pdf, &QAction::triggered, this, [this] { done(Pdf); });
     QAction* help = menuBar->addAction(QStringLiteral("&Ohjeet"));
     connect(help, &QAction::triggered, this, [this] { m_host.showHelp(PrintHost::kHelpTopic, this); });
+}
 
+// The tool buttons: shifts of the page, page moves, zoom, printing and PDF.
+void Form12::createToolbar() {
     Toolbar1 = new QToolBar(this);
     Toolbar1->setObjectName(QStringLiteral("Toolbar1"));
     Toolbar1->setIconSize(QSize(24, 24));
@@ -150,27 +180,6 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     QAction* pdfButton = addToolButton(QStringLiteral("Pdf"), QStringLiteral("Tulosta PDF-tiedostoon..."),
                                        platform::toolIcon(QStringLiteral("Pdf")), nullptr);
     connect(pdfButton, &QAction::triggered, this, [this] { done(Pdf); });
-
-    m_canvas = new PreviewCanvas(*this);
-    StatusBar1 = new QStatusBar(this);
-    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
-    for (int i = 0; i < 2; ++i) {
-        m_panels[i] = new QLabel(StatusBar1);
-        m_panels[i]->setMinimumWidth(140);
-        StatusBar1->addWidget(m_panels[i]);
-    }
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->setMenuBar(menuBar);
-    layout->addWidget(Toolbar1);
-    layout->addWidget(m_canvas, 1);
-    layout->addWidget(StatusBar1);
-
-    resize(900, 1000);
-    m_host.restorePosition(12, this);
-    fitToScreen();
 }
 
 void Form12::fitToScreen() {

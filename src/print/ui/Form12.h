@@ -69,6 +69,9 @@ protected:
     void done(int result) override;
 
 private:
+    // The constructor's parts.
+    void createMenus();
+    void createToolbar();
     void start();
     // Keeps the window within the screen's available area: the size the user left it at when
     // that fits, else as much as fits.
