@@ -220,7 +220,7 @@ void layoutMissing(PrintRun& run, Surface& s, const QString& message, const QStr
     const PageModel& m = run.page();
     s.setFont(run.font(11, true));
     const QStringList lines = run.wrap(message, 11, m.UsableWidth);
-    double y = m.OriginY + 700 * m.ScaleY;
+    double y = m.OriginY + kBodyTop * m.ScaleY;
     for (const QString& line : lines) {
         s.text(m.OriginX, y, line);
         y += m.LineHeight11;

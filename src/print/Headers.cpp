@@ -12,6 +12,12 @@ namespace {
 
 const QString kProgramTitle = QStringLiteral("TAMRIK 2006");
 
+// The header's distances in twips (scaled) and proportions.
+constexpr double kIdentificationShare = 0.6; // of the usable width, for the bridge's first line
+constexpr double kTitleGap = 250;            // around the title, from its neighbours
+constexpr double kLeastTitleRoom = 1000;     // the title's room at the least
+constexpr double kHeaderRule = 560;          // the rule under the header, below the top
+
 bool anyFilled(const PrintSource& s, std::initializer_list<basic::ComboField> combos) {
     return std::any_of(combos.begin(), combos.end(),
                        [&s](basic::ComboField i) { return !lists::BlankString(s.basicCombo(i)); });
@@ -80,7 +86,8 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
         {src.basicText(basic::BridgeName),
          join({src.basicText(basic::RoadSection), src.basicCombo(basic::Municipality)}, QStringLiteral("/"))},
         QStringLiteral("  "));
-    const QString first = run.wrap(identification, 9, 0.6 * m.UsableWidth).value(0).trimmed();
+    const QString first =
+        run.wrap(identification, 9, kIdentificationShare * m.UsableWidth).value(0).trimmed();
     s.text(m.OriginX, m.OriginY, first);
     const Parties parties = PartiesOf(run, e.document);
     s.text(m.OriginX, m.OriginY + m.LineHeight9,
@@ -89,9 +96,9 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     // The title between the identification and the print date, at most two lines. A long
     // identification can leave it less room than one of its words needs: then the title takes
     // a smaller size rather than be split inside a word.
-    const double titleX = m.OriginX + s.textWidth(first) + 250 * m.ScaleX;
-    const double titleEnd = right - s.textWidth(printed) - 250 * m.ScaleX;
-    const double room = std::max(titleEnd - titleX, 1000.0 * m.ScaleX) / m.ScaleX;
+    const double titleX = m.OriginX + s.textWidth(first) + kTitleGap * m.ScaleX;
+    const double titleEnd = right - s.textWidth(printed) - kTitleGap * m.ScaleX;
+    const double room = std::max(titleEnd - titleX, kLeastTitleRoom * m.ScaleX) / m.ScaleX;
     const Font titleFont{run.settings().PrinterFont, 9};
     bool tooLong = false;
     QStringList lines = WrapLines(run.fonts(), titleFont, title, room, &tooLong);
@@ -106,7 +113,7 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
         s.text(titleX, m.OriginY + drop + i * m.LineHeight9, lines[i]);
     s.setFont(run.font(9));
 
-    const double y = m.OriginY + 560 * m.ScaleY;
+    const double y = m.OriginY + kHeaderRule * m.ScaleY;
     s.line(m.OriginX, y, right, y);
 }
 

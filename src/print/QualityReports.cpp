@@ -418,7 +418,7 @@ private:
 
 double qualityBodyTop(const PrintRun& run) {
     const PageModel& m = run.page();
-    return m.OriginY + 700 * m.ScaleY;
+    return m.OriginY + kBodyTop * m.ScaleY;
 }
 
 } // namespace

@@ -73,7 +73,7 @@ RowLines rowLines(PrintRun& run, const Layout& l, int row) {
 
 void headerRow(PrintRun& run, Surface& s, int document) {
     const PageModel& m = run.page();
-    const double y = m.OriginY + 700 * m.ScaleY;
+    const double y = m.OriginY + kBodyTop * m.ScaleY;
     s.setFont(run.font(11, false, true));
     const Layout l = layoutOf(run, s, document);
     s.setFont(run.font(11, false, true));
@@ -243,7 +243,7 @@ CostColumns costColumns(const PageModel& m) {
 
 double ListBodyTop(const PrintRun& run) {
     const PageModel& m = run.page();
-    return m.OriginY + 700 * m.ScaleY + m.LineHeight11 + 40 * m.ScaleY;
+    return m.OriginY + kBodyTop * m.ScaleY + m.LineHeight11 + 40 * m.ScaleY;
 }
 
 double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row) {

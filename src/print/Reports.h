@@ -36,8 +36,10 @@ void CellText(PrintRun& run, Surface& s, const Font& font, double sx, double sy,
 double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold);
 
 // Page header and footer.
-// The footer's rule stands this many twips (scaled) above the bottom of the usable area.
+// The footer's rule stands this many twips (scaled) above the bottom of the usable area; the
+// body of a page after the first starts this many below its top, under the header.
 inline constexpr double kFooterRule = 360;
+inline constexpr double kBodyTop = 700;
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title);
 // The first page of a document is its front page; any other gets the top header. True when the
 // page goes on with the document's body.
