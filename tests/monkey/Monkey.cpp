@@ -490,7 +490,8 @@ bool Monkey::run() {
         m_progress = m_steps;
         QElapsedTimer took;
         took.start();
-        step(nullptr);
+        // A window shown modal without a loop of its own blocks the others as well.
+        step(QApplication::activeModalWidget());
         QApplication::processEvents();
         noteDuration(took.elapsed());
         ok = checkInvariants();
