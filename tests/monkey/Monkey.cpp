@@ -7,7 +7,6 @@
 #include "lists/EditHistory.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
-#include "lists/ui/BaseListWindow.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ui/ListView.h"
 #include "persist/ProjectFile.h"
@@ -15,6 +14,7 @@
 #include "platform/Cp1252.h"
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
+#include "shell/Recovery.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -304,6 +304,8 @@ MsgAnswer RandomDialogs::message(const platform::MessageRequest& request) {
         // Saving and reading must go through: yes to every question.
         return choices.front();
     }
+    // Something the program does by itself while the box waits for the user.
+    if (whileOpen && pick(6) == 0) whileOpen();
     const MsgAnswer a = choices[pick(static_cast<int>(choices.size()))];
     static const char* names[] = {"Ok", "Yes", "No", "Cancel"};
     m_log(QStringLiteral("  message '%1' -> %2").arg(request.text.left(80), QLatin1String(names[int(a)])));
@@ -387,6 +389,10 @@ Monkey::Monkey(shell::MDIForm1& main, const Settings& settings)
         m_random,
         QStringList{filesFolder(m_settings.scratch), m_settings.scratch + QStringLiteral("/tallennetut")},
         m_settings.scratch + QStringLiteral("/tallennetut"), [this](const QString& s) { log(s); });
+    m_dialogs->whileOpen = [this] {
+        log(QStringLiteral("  autosave while the message is open"));
+        m_main.recovery().autosave();
+    };
     for (const QFileInfo& f : QDir(filesFolder(m_settings.scratch)).entryInfoList({QStringLiteral("*.sl")}))
         if (!f.fileName().contains(QStringLiteral("rikki"))) m_projects << f.absoluteFilePath();
 }
@@ -439,12 +445,11 @@ bool Monkey::run() {
 #ifdef MONKEY_SANITIZED
     __sanitizer_set_death_callback(printReportOnDeath);
 #endif
-    // The lists' column counts as the program made them.
+    // The project lists' column counts as the program made them. (A base list window takes
+    // its columns from the file it opens, so it has no fixed count.)
     for (documents::ProjectWindow* w : m_main.projectWindows())
         for (int i = 0; i < w->listCount(); ++i)
             if (w->list(i)) m_columns[{w->kind(), i}] = w->list(i)->cols();
-    if (m_main.Form6 && m_main.Form6->list()) m_baseColumns[0] = m_main.Form6->list()->cols();
-    if (m_main.Form7 && m_main.Form7->list()) m_baseColumns[1] = m_main.Form7->list()->cols();
 
     // A step that does not end is a hang: the report and the end of the process, after a
     // minute without progress (a checked build is slow, a stall of the program is not).
@@ -533,6 +538,10 @@ void Monkey::step(QWidget* within) {
     if (roll < 88) return closeWindow();
     if (roll < 91) return openProject();
     if (roll < 95) return undoRedo();
+    if (roll < 97) {
+        log(QStringLiteral("autosave"));
+        return m_main.recovery().autosave();
+    }
     return scroll(nullptr);
 }
 
@@ -638,9 +647,7 @@ void Monkey::clickHeader(QWidget* within) {
 }
 
 void Monkey::clickButton(QWidget* within) {
-    QList<QAbstractButton*> buttons = reachable<QAbstractButton>(within);
-    // Closing the main window ends the run.
-    buttons.removeIf([this](QAbstractButton* b) { return b->window() == &m_main && b->parent() == nullptr; });
+    const QList<QAbstractButton*> buttons = reachable<QAbstractButton>(within);
     if (buttons.isEmpty()) return;
     QAbstractButton* b = buttons[pick(static_cast<int>(buttons.size()))];
     log(QStringLiteral("button '%1' -> %2").arg(b->text(), describe(b)));
@@ -874,13 +881,6 @@ bool Monkey::checkInvariants() {
             return fail(QStringLiteral("%1: the caption says unchanged but the project has unsaved changes")
                             .arg(w->caption()));
     }
-    const lists::BaseListWindow* base[2] = {m_main.Form6, m_main.Form7};
-    for (int i = 0; i < 2; ++i)
-        if (base[i] && base[i]->list() && m_baseColumns[i] && base[i]->list()->cols() != m_baseColumns[i])
-            return fail(QStringLiteral("%1: %2 columns, not %3")
-                            .arg(base[i]->windowTitle())
-                            .arg(base[i]->list()->cols())
-                            .arg(m_baseColumns[i]));
     return true;
 }
 
@@ -929,9 +929,10 @@ bool Monkey::checkSaveAndReopen() {
         if (!sameRecord(before[i], read.content.windows[i], &diff))
             return fail(QStringLiteral("window %1 saved differs from the window: %2").arg(i + 1).arg(diff));
     }
-    // The estimate from the windows' contents equals the command line's from the file.
+    // The estimate the windows compute (as printing does, on the shown list) equals the
+    // command line's from the file.
     const QString fromWindows =
-        costsOf(before[0], before[1].lists.empty() ? persist::ListRecord() : before[1].lists[0]);
+        calc::FormatCostRecord(calc::CalculateCosts(*pw.f2->list(0), pw.f1->costInputs()));
     const QString fromFile = costsOf(read.content.windows[0], persist::RecordList(read.content, 1, 0));
     if (fromWindows != fromFile)
         return fail(QStringLiteral("the costs differ:\n%1\n/\n%2").arg(fromWindows, fromFile));

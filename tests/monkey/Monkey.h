@@ -46,6 +46,8 @@ public:
     std::optional<QColor> color(const QColor& initial) override;
 
     bool predictable = false;
+    // Now and then run while a message waits for its answer (the autosave timer).
+    std::function<void()> whileOpen;
     QString nextFile;
     // The texts shown while `predictable` was set (what a check saw).
     QStringList shown;
@@ -126,7 +128,6 @@ private:
     bool m_running = false;
     int m_modalDepth = 0;
     std::map<std::pair<int, int>, int> m_columns; // (window kind, list index) -> columns
-    int m_baseColumns[2] = {0, 0};
     int m_checks = 0;
     QStringList m_projects;                      // copies the run opens from
     std::multimap<long long, QString> m_slowest; // the slowest steps, by milliseconds
