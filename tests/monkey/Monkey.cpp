@@ -18,6 +18,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
@@ -26,6 +27,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QImage>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -451,8 +453,8 @@ bool Monkey::run() {
         for (int i = 0; i < w->listCount(); ++i)
             if (w->list(i)) m_columns[{w->kind(), i}] = w->list(i)->cols();
 
-    // A step that does not end is a hang: the report and the end of the process, after a
-    // minute without progress (a checked build is slow, a stall of the program is not).
+    // A step that does not end is a hang: the report and the end of the process, after
+    // `hangSeconds` without progress (a checked build is slow, but not that slow).
     std::mutex doneMutex;
     std::condition_variable doneSignal;
     bool done = false;
@@ -537,8 +539,9 @@ void Monkey::step(QWidget* within) {
     if (roll < 85) return switchWindow();
     if (roll < 88) return closeWindow();
     if (roll < 91) return openProject();
-    if (roll < 95) return undoRedo();
-    if (roll < 97) {
+    if (roll < 94) return undoRedo();
+    if (roll < 96) return pasteClipboard();
+    if (roll < 98) {
         log(QStringLiteral("autosave"));
         return m_main.recovery().autosave();
     }
@@ -783,6 +786,43 @@ void Monkey::openProject() {
     const QString file = m_projects[pick(static_cast<int>(m_projects.size()))];
     log(QStringLiteral("open %1").arg(QFileInfo(file).fileName()));
     m_main.openFromCommandLine(file);
+}
+
+void Monkey::pasteClipboard() {
+    // What another program leaves on the clipboard: rows of cells, a long text, odd line ends,
+    // a picture, or nothing.
+    const int what = pick(7);
+    QClipboard* clipboard = QApplication::clipboard();
+    QString text;
+    switch (what) {
+        case 0:
+            text = QStringLiteral("7131\tBetoni\t310\t12,5\tm3\t185,50\r\n\tjatkuu\r\n");
+            break;
+        case 1:
+            text = QStringLiteral("a;b;c\rd;e\nf\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\tg");
+            break;
+        case 2:
+            text = QString(40000, QChar(u'y'));
+            break;
+        case 3:
+            text = typedTexts()[pick(static_cast<int>(typedTexts().size()))];
+            break;
+        case 4: {
+            QImage image(40 + pick(400), 30 + pick(300), QImage::Format_RGB32);
+            image.fill(QColor::fromRgb(static_cast<QRgb>(m_random())));
+            clipboard->setImage(image);
+            break;
+        }
+        case 5:
+            clipboard->clear();
+            break;
+        default:
+            text = QStringLiteral("\r\n\r\n\r\n");
+    }
+    if (what != 4 && what != 5) clipboard->setText(text);
+    QWidget* target = QApplication::focusWidget();
+    log(QStringLiteral("clipboard %1, Ctrl+V -> %2").arg(what).arg(describe(target)));
+    if (target && target->isVisible()) QTest::keyClick(target, Qt::Key_V, Qt::ControlModifier);
 }
 
 void Monkey::undoRedo() {

@@ -104,6 +104,7 @@ private:
     void switchWindow();
     void closeWindow();
     void openProject();
+    void pasteClipboard();
     void undoRedo();
     void scroll(QWidget* within);
 
