@@ -1,5 +1,6 @@
 #include "documents/Controls.h"
 
+#include <limits>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -103,6 +104,9 @@ TextBox::TextBox(bool multiLine, QWidget* parent)
         setFocusProxy(m_plain);
     } else {
         m_line = new QLineEdit(this);
+        // A field holds any length; Qt's default of 32767 characters would cut a longer value
+        // read from a project file, and saving would then lose the rest.
+        m_line->setMaxLength(std::numeric_limits<int>::max());
         layout->addWidget(m_line);
         connect(m_line, &QLineEdit::textChanged, this, &TextBox::changed);
         connect(m_line, &QLineEdit::returnPressed, this, &TextBox::returnPressed);
@@ -208,6 +212,7 @@ ComboBox::ComboBox(QWidget* parent)
     setMinimumContentsLength(4);
     connect(this, &QComboBox::editTextChanged, this, &ComboBox::changed);
     connect(lineEdit(), &QLineEdit::returnPressed, this, &ComboBox::returnPressed);
+    lineEdit()->setMaxLength(std::numeric_limits<int>::max());
 }
 
 QString ComboBox::text() const {

@@ -6,6 +6,7 @@
 #include "platform/Dialogs.h"
 #include "platform/DroppedFiles.h"
 
+#include <limits>
 #include <QCoreApplication>
 #include <QDrag>
 #include <QDragMoveEvent>
@@ -44,7 +45,11 @@ class CellEditBox : public QLineEdit {
 public:
     CellEditBox(ListEditor* editor, QWidget* parent)
         : QLineEdit(parent)
-        , m_editor(editor) {}
+        , m_editor(editor) {
+        // A cell holds any length; Qt's default of 32767 characters would cut a longer one
+        // when it is edited.
+        setMaxLength(std::numeric_limits<int>::max());
+    }
 
 protected:
     void keyPressEvent(QKeyEvent* event) override {
