@@ -674,6 +674,12 @@ bool Form5::UpdateRow() {
 bool Form5::Browse(int code) {
     lists::ListModel* model = list();
     if (!model || model->rows() == 0) return false;
+    // The card shows the row stepped to: what was typed into it goes first, or is let go, as
+    // when going to a heading. With no row to step to the card keeps it without a question.
+    if (BrowseDistance(*model, model->currentRow(), code) != 0 &&
+        !settleUnwrittenChanges(QString::fromUtf8("siirtymistä")))
+        return false;
+    // Found again: the row written may have changed what qualifies.
     const int distance = BrowseStep(*model, code);
     if (distance == 0) return false;
     BrowseRow(distance);

@@ -56,7 +56,8 @@ public:
     // refused with a message, and so is a contractor's type 1 or 2; nothing is written then.
     bool UpdateRow();
     // Steps with a browse filter code: the row found becomes the current one and is shown.
-    // With none found the end message is shown and the card stays. Returns whether it moved.
+    // With none found the end message is shown and the card stays. Changes not yet written to
+    // the row are asked about before it moves. Returns whether it moved.
     bool Browse(int code);
     // Moves the list's current row by `distance` and shows it.
     void BrowseRow(int distance);
