@@ -720,6 +720,9 @@ void Form5::AddRow(int how) {
     lists::ListModel* model = list();
     if (!model) return;
     const int mode = m_host.appState().ProgramMode;
+    // A blank new row replaces the card: what was typed into it goes to its row first, or is
+    // let go. A copy takes the card as it is.
+    if (how != 1 && !settleUnwrittenChanges(QString::fromUtf8("siirtymistä"))) return;
     if (how != 1) {
         m_loading = true;
         for (TextBox* t : Text1)

@@ -64,7 +64,8 @@ public:
     // "Check and browse next": in the contractor's and the client's mode, marks the shown
     // requirement "Kyllä", writes it back and steps to the next row.
     bool CheckAndBrowseNext();
-    // "New" (0), "Dublicate" (1), "New to end" (2).
+    // "New" (0), "Dublicate" (1), "New to end" (2). A new blank row asks first about changes not
+    // yet written to the shown row; a copy takes the card as it is.
     void AddRow(int how);
     // The contractor's type rule for the type field: false, with the message, the field's text
     // selected and the focus kept in it, while it holds a type 1 or 2 that the contractor gave.

@@ -368,6 +368,41 @@ TEST_F(Form5Test, NewCloneAndNewToEnd) {
     EXPECT_EQ(list.rowNumberText(14), "00014");
 }
 
+TEST_F(Form5Test, ANewRowAsksAboutChangesNotWrittenToTheShownRow) {
+    using platform::MsgAnswer;
+    for (int how : {0, 2}) {
+        for (MsgAnswer answer : {MsgAnswer::Cancel, MsgAnswer::No, MsgAnswer::Yes}) {
+            SCOPED_TRACE(QStringLiteral("how %1 answer %2").arg(how).arg(int(answer)).toStdString());
+            inspectionList(list);
+            open(6);
+            text(22)->setText("Korjataan");
+            dialogs.clear();
+            dialogs.answer(answer);
+            editor.AddRow(how);
+            ASSERT_EQ(dialogs.messages().size(), 1u);
+            EXPECT_TRUE(dialogs.lastText().endsWith("ennen siirtymistä?"));
+            const bool added = answer != MsgAnswer::Cancel;
+            EXPECT_EQ(list.rows(), added ? 12 : 11);
+            // "Lisää uusi" puts the new row above the shown one.
+            const int shown = how == 0 && added ? 7 : 6;
+            EXPECT_EQ(cell(shown, 22), answer == MsgAnswer::Yes ? "Korjataan" : "");
+            if (!added) {
+                EXPECT_EQ(editor.row(), 6);
+                EXPECT_EQ(text(22)->text(), "Korjataan");
+            }
+        }
+    }
+    // "Kloonaa" takes the card as it is into the copy: nothing is asked.
+    inspectionList(list);
+    open(6);
+    text(22)->setText("Korjataan");
+    dialogs.clear();
+    editor.AddRow(1);
+    EXPECT_TRUE(dialogs.messages().empty());
+    EXPECT_EQ(cell(6, 22), "Korjataan");
+    EXPECT_TRUE(dialogs.allAnswersUsed());
+}
+
 TEST_F(Form5Test, ReadOnlyListsAreRefused) {
     host.state.ProgramMode = 2;
     list.setReadOnly(true);
