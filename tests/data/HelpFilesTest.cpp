@@ -89,7 +89,7 @@ TEST(HelpFiles, UserGuideHasTheTopicsTheProgramOpens) {
     const Links links = linksOf(html);
     // 200: the guide itself; 2100 settings; 2200 lists; 2300 e-mail; 2400 printing; 340
     // recovery copies, 350 one program and the project locks, 360 the command line, 370 the
-    // project check, 380 the comparison with another version.
+    // project check and 380 the comparison with another version (their windows' F1).
     for (const char* topic : {"topic200", "topic2100", "topic2200", "topic2300", "topic2400", "topic340",
                               "topic350", "topic360", "topic370", "topic380"})
         EXPECT_TRUE(links.anchors.contains(QLatin1String(topic))) << topic;
