@@ -12,6 +12,7 @@
 #include "print/ui/PrintHost.h"
 #include "print/ui/PrintSession.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -35,6 +36,7 @@ namespace {
 using calc::ChangeKind;
 
 constexpr ChangeKind kKinds[3] = {ChangeKind::Added, ChangeKind::Removed, ChangeKind::Changed};
+constexpr int kHelpTopic = 380;
 
 int kindIndex(ChangeKind kind) {
     return kind == ChangeKind::Added ? 0 : kind == ChangeKind::Removed ? 1 : 2;
@@ -273,6 +275,12 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     connect(PrintButton, &QPushButton::clicked, this, [this] { printOnPrinter(); });
     connect(PdfButton, &QPushButton::clicked, this, [this] { printToPdf(); });
     connect(CloseButton, &QPushButton::clicked, this, &QWidget::close);
+
+    // F1: the help on the comparison.
+    auto* help = new QAction(this);
+    help->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(help, &QAction::triggered, this, [this] { m_host.printHost().showHelp(kHelpTopic, this); });
+    addAction(help);
 
     resize(1100, 720);
     compare();

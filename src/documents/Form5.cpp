@@ -674,6 +674,12 @@ bool Form5::UpdateRow() {
 bool Form5::Browse(int code) {
     lists::ListModel* model = list();
     if (!model || model->rows() == 0) return false;
+    // The card shows the row stepped to: what was typed into it goes first, or is let go, as
+    // when going to a heading. With no row to step to the card keeps it without a question.
+    if (BrowseDistance(*model, model->currentRow(), code) != 0 &&
+        !settleUnwrittenChanges(QString::fromUtf8("siirtymistä")))
+        return false;
+    // Found again: the row written may have changed what qualifies.
     const int distance = BrowseStep(*model, code);
     if (distance == 0) return false;
     BrowseRow(distance);
@@ -714,6 +720,9 @@ void Form5::AddRow(int how) {
     lists::ListModel* model = list();
     if (!model) return;
     const int mode = m_host.appState().ProgramMode;
+    // A blank new row replaces the card: what was typed into it goes to its row first, or is
+    // let go. A copy takes the card as it is.
+    if (how != 1 && !settleUnwrittenChanges(QString::fromUtf8("siirtymistä"))) return;
     if (how != 1) {
         m_loading = true;
         for (TextBox* t : Text1)

@@ -56,14 +56,16 @@ public:
     // refused with a message, and so is a contractor's type 1 or 2; nothing is written then.
     bool UpdateRow();
     // Steps with a browse filter code: the row found becomes the current one and is shown.
-    // With none found the end message is shown and the card stays. Returns whether it moved.
+    // With none found the end message is shown and the card stays. Changes not yet written to
+    // the row are asked about before it moves. Returns whether it moved.
     bool Browse(int code);
     // Moves the list's current row by `distance` and shows it.
     void BrowseRow(int distance);
     // "Check and browse next": in the contractor's and the client's mode, marks the shown
     // requirement "Kyllä", writes it back and steps to the next row.
     bool CheckAndBrowseNext();
-    // "New" (0), "Dublicate" (1), "New to end" (2).
+    // "New" (0), "Dublicate" (1), "New to end" (2). A new blank row asks first about changes not
+    // yet written to the shown row; a copy takes the card as it is.
     void AddRow(int how);
     // The contractor's type rule for the type field: false, with the message, the field's text
     // selected and the focus kept in it, while it holds a type 1 or 2 that the contractor gave.

@@ -206,11 +206,12 @@ struct SummaryColumns {
     double labelW, oldR, newR, changeR, percentR;
 };
 
-SummaryColumns summaryColumns(const PageModel& m) {
+SummaryColumns summaryColumns(PrintRun& run) {
+    const PageModel& m = run.page();
     const double sx = m.ScaleX;
-    // The figures close to their labels: the label takes what is left, but not the whole width
-    // of landscape paper.
-    const double money = 1900 * sx;
+    // The amounts as wide as the largest they show, the figures close to their labels: the
+    // label takes what is left, but not the whole width of landscape paper.
+    const double money = (widest(run, {QStringLiteral("+99 999 999,00")}) + 2 * kGap) * sx;
     const double percent = 1200 * sx;
     SummaryColumns s;
     s.labelW = std::min<double>(m.UsableWidth - 3 * money - percent, 6500 * sx);
@@ -319,23 +320,29 @@ double bodyRow(PrintRun& run, Surface* s, const std::vector<Section>& all, int r
         default:
             break;
     }
-    // The summary's rows: a label and four right-aligned figures.
-    const SummaryColumns sc = summaryColumns(m);
+    // The summary's rows: a label and four right-aligned figures, on one line. A label (a work
+    // phase's name) too long for its column is shrunk, then cut with "…", as values are.
+    const SummaryColumns sc = summaryColumns(run);
     const calc::SummaryRow& line = c.summary[at.index];
     const bool heading = line.type == calc::SummaryRow::Heading;
     const double lh = heading ? m.LineHeight11 : lh9;
-    const QStringList labels = heading ? QStringList{line.label} : cellLines(run, line.label, sc.labelW);
     if (s) {
-        s->setFont(heading ? run.font(11, true) : run.font(9));
-        for (int i = 0; i < labels.size(); ++i)
-            s->text(m.OriginX, y + i * lh, labels[i]);
+        if (heading) {
+            s->setFont(run.font(11, true));
+            s->text(m.OriginX, y, line.label);
+        } else {
+            QString label = line.label;
+            label.replace(QLatin1String("\r\n"), QLatin1String(" "));
+            CellText(run, *s, m.OriginX, m.OriginX + sc.labelW - kGap * m.ScaleX, y, label, 9, false,
+                     CellAlign::Left);
+        }
         s->setFont(heading ? run.font(9, false, true) : run.font(9));
         s->textRight(sc.oldR, y, line.oldText);
         s->textRight(sc.newR, y, line.newText);
         s->textRight(sc.changeR, y, line.change);
         s->textRight(sc.percentR, y, line.percent);
     }
-    return std::max<int>(1, static_cast<int>(labels.size())) * lh;
+    return lh;
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "lists/ui/ListView.h"
 #include "shell/Captions.h"
 #include "shell/MDIForm1.h"
+#include "shell/ShellActions.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -27,6 +28,8 @@
 namespace shell {
 
 namespace {
+
+constexpr int kHelpTopic = 370;
 
 enum Column { SeverityCol, ListCol, RowCol, ColumnCol, TextCol, MessageCol };
 
@@ -125,6 +128,27 @@ ProjectCheckWindow::ProjectCheckWindow(MDIForm1& main)
         if (isVisible()) recheck();
     });
     resize(860, 340);
+}
+
+bool ProjectCheckWindow::event(QEvent* event) {
+    // The main window's F1 would act here as well (this is its tool window): the key is taken
+    // before the shortcuts see it and comes back as a key press.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_F1 && key->modifiers() == Qt::NoModifier) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
+void ProjectCheckWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_F1 && event->modifiers() == Qt::NoModifier) {
+        TamrikHelp(m_main, kHelpTopic);
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void ProjectCheckWindow::checkProject(documents::Form1* basicData, documents::Form2* detailedData) {

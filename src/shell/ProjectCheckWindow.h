@@ -44,6 +44,11 @@ public:
 
     using FindingKey = std::tuple<calc::CheckPlace, int, int, calc::FindingKind>;
 
+protected:
+    // F1 opens the help on the check: the key is this window's, not the main window's.
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void fill(const std::optional<FindingKey>& current);
     void goTo(const calc::Finding& finding);

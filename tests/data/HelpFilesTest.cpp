@@ -88,13 +88,17 @@ TEST(HelpFiles, UserGuideHasTheTopicsTheProgramOpens) {
     ASSERT_TRUE(decodeUtf8(shipped::bytes(QStringLiteral("Tamrik2006.html")), html));
     const Links links = linksOf(html);
     // 200: the guide itself; 2100 settings; 2200 lists; 2300 e-mail; 2400 printing; 340
-    // recovery copies, 350 one program and the project locks, 360 the command line.
-    for (const char* topic :
-         {"topic200", "topic2100", "topic2200", "topic2300", "topic2400", "topic340", "topic350", "topic360"})
+    // recovery copies, 350 one program and the project locks, 360 the command line, 370 the
+    // project check and 380 the comparison with another version (their windows' F1).
+    for (const char* topic : {"topic200", "topic2100", "topic2200", "topic2300", "topic2400", "topic340",
+                              "topic350", "topic360", "topic370", "topic380"})
         EXPECT_TRUE(links.anchors.contains(QLatin1String(topic))) << topic;
     const QString plain = QTextDocumentFragment::fromHtml(html).toPlainText();
-    for (const char* words : {"palautuskopio", "SIGTERM", "lukitustiedosto", "tuntematon komento",
-                              "Palauta ohjelman mukana tullut luettelo", "odottaa avaamista"})
+    for (const char* words :
+         {"palautuskopio", "SIGTERM", "lukitustiedosto", "tuntematon komento",
+          "Palauta ohjelman mukana tullut luettelo", "odottaa avaamista",
+          "Näytä → Tarkista projekti (Ctrl+T)", "tamrik validate", "Tiedosto → Vertaa projektia...",
+          "Muutosvertailu", "tamrik compare VANHA.sl", "kysyy ennen siirtymistä"})
         EXPECT_TRUE(plain.contains(QString::fromUtf8(words), Qt::CaseInsensitive)) << words;
     EXPECT_FALSE(links.internal.isEmpty()) << "the guide opens with a table of contents";
     for (const QString& target : links.internal)

@@ -131,7 +131,7 @@ TEST_F(Form5Test, ARequirementWithoutIdentifierIsNeitherWrittenNorInspected) {
     EXPECT_EQ(cell(3, 3), "Kaivu ja täyttö");
 }
 
-TEST_F(Form5Test, ClosingOrGoingToAHeadingAsksAboutChangesNotWrittenToTheRow) {
+TEST_F(Form5Test, ClosingGoingToAHeadingOrSteppingAsksAboutChangesNotWrittenToTheRow) {
     // Nothing typed: Esc closes at once, and the window keeps its place.
     open(6);
     editor.show();
@@ -142,7 +142,7 @@ TEST_F(Form5Test, ClosingOrGoingToAHeadingAsksAboutChangesNotWrittenToTheRow) {
 
     using platform::MsgAnswer;
     struct Case {
-        const char* key; // "Close", or "Find" that goes to the heading on row 10
+        const char* key; // "Close", "Find" that goes to the heading on row 10, or "PgDn"
         int column;
         QString typed;
         MsgAnswer answer;
@@ -158,7 +158,11 @@ TEST_F(Form5Test, ClosingOrGoingToAHeadingAsksAboutChangesNotWrittenToTheRow) {
         {"Find", 22, "Korjataan", MsgAnswer::Cancel, true, "", 6},
         {"Find", 22, "Korjataan", MsgAnswer::No, true, "", 10},
         {"Find", 22, "Korjataan", MsgAnswer::Yes, true, "Korjataan", 10},
-        {"Find", 2, "", MsgAnswer::Yes, true, "2", 6}};
+        {"Find", 2, "", MsgAnswer::Yes, true, "2", 6},
+        {"PgDn", 22, "Korjataan", MsgAnswer::Cancel, true, "", 6},
+        {"PgDn", 22, "Korjataan", MsgAnswer::No, true, "", 7},
+        {"PgDn", 22, "Korjataan", MsgAnswer::Yes, true, "Korjataan", 7},
+        {"PgDn", 2, "", MsgAnswer::Yes, true, "2", 6}};
     for (const Case& c : cases) {
         SCOPED_TRACE(QStringLiteral("%1 %2 %3").arg(c.key).arg(c.column).arg(int(c.answer)).toStdString());
         inspectionList(list);
@@ -220,18 +224,27 @@ TEST_F(Form5Test, KeysInspectStepAndClose) {
     // Ctrl+Return in a drop-down: met, written, next requirement.
     QTest::keyClick(result, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(editor.row(), 6);
-    // PgDn without writing: the typed text stays out of the row.
+    // PgDn over typed changes asks first; "No" leaves them out of the row.
     combo(21)->setText("Ei");
     combo(2)->setText("2b");
+    dialogs.answer(platform::MsgAnswer::No);
     QTest::keyClick(text(3)->editor(), Qt::Key_PageDown);
     EXPECT_EQ(editor.row(), 7);
     EXPECT_EQ(cell(6, 2), "2");
-    // Shift+PgUp: the previous unchecked requirement; there is none above row 7.
+    EXPECT_TRUE(dialogs.lastText().startsWith("Kortin muutoksia ei ole viety riville."));
+    // Shift+PgUp: the previous unchecked requirement; there is none above row 7, so the card
+    // keeps what was typed into it without a question.
+    combo(2)->setText("7b");
     QTest::keyClick(combo(2), Qt::Key_PageUp, Qt::ShiftModifier);
     EXPECT_EQ(editor.row(), 7);
     EXPECT_EQ(dialogs.lastText(), "Ensimmäinen kenttä.");
-    // Ctrl+Shift+PgDn: the next failed one; Alt+PgUp: the caption above it.
+    EXPECT_EQ(combo(2)->text(), "7b");
+    EXPECT_TRUE(editor.hasUnwrittenChanges());
+    // Ctrl+Shift+PgDn: the next failed one (the typed change written first); Alt+PgUp: the
+    // caption above it.
+    dialogs.answer(platform::MsgAnswer::Yes);
     QTest::keyClick(combo(2)->lineEdit(), Qt::Key_PageDown, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(cell(7, 2), "7b");
     EXPECT_EQ(editor.row(), 11);
     QTest::keyClick(combo(2)->lineEdit(), Qt::Key_PageUp, Qt::AltModifier);
     EXPECT_EQ(editor.row(), 10);
@@ -353,6 +366,41 @@ TEST_F(Form5Test, NewCloneAndNewToEnd) {
     editor.AddRow(2);
     EXPECT_EQ(editor.row(), 14);
     EXPECT_EQ(list.rowNumberText(14), "00014");
+}
+
+TEST_F(Form5Test, ANewRowAsksAboutChangesNotWrittenToTheShownRow) {
+    using platform::MsgAnswer;
+    for (int how : {0, 2}) {
+        for (MsgAnswer answer : {MsgAnswer::Cancel, MsgAnswer::No, MsgAnswer::Yes}) {
+            SCOPED_TRACE(QStringLiteral("how %1 answer %2").arg(how).arg(int(answer)).toStdString());
+            inspectionList(list);
+            open(6);
+            text(22)->setText("Korjataan");
+            dialogs.clear();
+            dialogs.answer(answer);
+            editor.AddRow(how);
+            ASSERT_EQ(dialogs.messages().size(), 1u);
+            EXPECT_TRUE(dialogs.lastText().endsWith("ennen siirtymistä?"));
+            const bool added = answer != MsgAnswer::Cancel;
+            EXPECT_EQ(list.rows(), added ? 12 : 11);
+            // "Lisää uusi" puts the new row above the shown one.
+            const int shown = how == 0 && added ? 7 : 6;
+            EXPECT_EQ(cell(shown, 22), answer == MsgAnswer::Yes ? "Korjataan" : "");
+            if (!added) {
+                EXPECT_EQ(editor.row(), 6);
+                EXPECT_EQ(text(22)->text(), "Korjataan");
+            }
+        }
+    }
+    // "Kloonaa" takes the card as it is into the copy: nothing is asked.
+    inspectionList(list);
+    open(6);
+    text(22)->setText("Korjataan");
+    dialogs.clear();
+    editor.AddRow(1);
+    EXPECT_TRUE(dialogs.messages().empty());
+    EXPECT_EQ(cell(6, 22), "Korjataan");
+    EXPECT_TRUE(dialogs.allAnswersUsed());
 }
 
 TEST_F(Form5Test, ReadOnlyListsAreRefused) {

@@ -113,6 +113,38 @@ TEST(ComparisonPrint, FollowsTheSelectedDocumentsWithAFrontPageHeadersAndFooters
     EXPECT_FALSE(print::ComparisonNeedsLandscape(*run));
 }
 
+TEST(ComparisonPrint, TheSummaryKeepsEachWorkPhaseOnOneLine) {
+    // Work phases with names of usual length, and one longer than any column can hold.
+    const QString longest = QStringLiteral("LAAKERIT, LIIKUNTASAUMAT, KAITEET, VARUSTEET JA LAITTEET SEKÄ "
+                                           "MUUT SILLAN KOKO PITUUDELLE ULOTTUVAT RAKENTEET");
+    std::vector<QStringList> older = {{"7120", "PERUSTUKSET JA PAALUTUKSET"},
+                                      {"", "Paalutus", "T1", "10", "m", "150"},
+                                      {"7185", "VEDENERISTYS JA PINTARAKENTEET"},
+                                      {"", "Eristys", "T1", "10", "m2", "50"},
+                                      {"7190", longest},
+                                      {"", "Laakeri", "T1", "2", "kpl", "900"}};
+    std::vector<QStringList> newer = older;
+    newer[1][3] = QStringLiteral("12");
+    const calc::ProjectComparison c =
+        calc::CompareProjects(version(older, QStringLiteral("/projektit/vanha.sl")),
+                              version(newer, QStringLiteral("/projektit/uusi.sl")));
+    TestProject t;
+    auto run = t.run({}, print::DefaultPageLayout(QPageLayout::Portrait));
+    run->setComparison(&c);
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const QStringList body = trimmedTexts(recordPage(*run, 2));
+    for (const char* whole : {"7120 PERUSTUKSET JA PAALUTUKSET", "7185 VEDENERISTYS JA PINTARAKENTEET",
+                              "Vaatimuksia, joiden arvostelu muuttui"})
+        EXPECT_TRUE(body.contains(QString::fromUtf8(whole))) << whole << "\n" << body.join("|").toStdString();
+    // The longest name is cut where its column ends, as values are in the other documents.
+    const auto cut = std::find_if(body.begin(), body.end(), [](const QString& text) {
+        return text.startsWith(QStringLiteral("7190 LAAKERIT")) && text.endsWith(QStringLiteral("…"));
+    });
+    EXPECT_NE(cut, body.end()) << body.join("|").toStdString();
+    for (const char* rest : {"PAALUTUKSET", "PINTARAKENTEET", "muuttui", "RAKENTEET"})
+        EXPECT_FALSE(body.contains(QString::fromUtf8(rest))) << rest << " on a line of its own";
+}
+
 TEST(ComparisonPrint, ALongTableGoesOnOverPagesWithItsColumnHeadings) {
     TestProject t;
     const calc::ProjectComparison c = comparison(120, true);

@@ -177,3 +177,16 @@ TEST_F(CompareWindowTest, AFileThatIsNoProjectIsNamedAndNothingOpens) {
     EXPECT_EQ(main->findChild<documents::CompareWindow*>(), nullptr);
     EXPECT_TRUE(dialogs.messages().empty());
 }
+
+TEST_F(CompareWindowTest, F1OpensTheHelpOnTheComparison) {
+    documents::CompareWindow* window = openComparison();
+    ASSERT_NE(window, nullptr);
+    showActive(window);
+    window->Changes->setFocus();
+    QTest::keyClick(window->Changes, Qt::Key_F1);
+    QApplication::processEvents();
+    peripherals::HelpViewer* viewer = shownHelp();
+    ASSERT_NE(viewer, nullptr);
+    EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic380"))) << viewer->currentSource().toStdString();
+    viewer->close();
+}

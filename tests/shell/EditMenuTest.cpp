@@ -119,9 +119,7 @@ TEST_F(EditMenuTest, HelpFromAModalDialogCanBeUsedWhileTheDialogIsOpen) {
     bool checked = false;
     QTimer::singleShot(0, &dialog, [&] {
         dialog.Command1[2]->click();
-        peripherals::HelpViewer* viewer = nullptr;
-        for (QWidget* w : QApplication::topLevelWidgets())
-            if (auto* v = qobject_cast<peripherals::HelpViewer*>(w); v && v->isVisible()) viewer = v;
+        peripherals::HelpViewer* viewer = shownHelp();
         EXPECT_TRUE(viewer && viewer->isVisible());
         if (viewer) {
             ASSERT_TRUE(QTest::qWaitForWindowExposed(viewer));

@@ -4,6 +4,7 @@
 #include "common/ScriptedDialogs.h"
 #include "common/TestSupport.h"
 #include "documents/ProjectWindow.h"
+#include "peripherals/TamrikHelp.h"
 #include "platform/SettingsStore.h"
 #include "shell/MDIForm1.h"
 
@@ -51,6 +52,12 @@ protected:
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window));
         QApplication::setActiveWindow(window);
+    }
+    // The help window when it is shown; null otherwise.
+    static peripherals::HelpViewer* shownHelp() {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* v = qobject_cast<peripherals::HelpViewer*>(w); v && v->isVisible()) return v;
+        return nullptr;
     }
     // A copy of the shipped sample project in a folder of the test's own. Opening the shipped
     // file itself would put this program's lock beside it, where tests running at the same

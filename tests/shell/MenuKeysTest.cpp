@@ -99,9 +99,14 @@ TEST_F(MenuKeysTest, FileMenuHasTheUsualKeysAndGivenKeysKeepTheirItems) {
     };
     for (const auto& [key, item] : keys)
         EXPECT_EQ(itemsForKey(main.get(), key), QStringList{item}) << key.toString().toStdString();
-    // The base lists' Ctrl+A still adds.
-    EXPECT_EQ(itemsForKey(main->Form6, QKeySequence(Qt::CTRL | Qt::Key_A)),
-              QStringList{QStringLiteral("Lisää")});
+    // The base lists' Ctrl+A still adds, and Ctrl+F goes to a heading there too.
+    for (lists::BaseListWindow* window : {main->Form6, main->Form7}) {
+        ASSERT_NE(window, nullptr);
+        EXPECT_EQ(itemsForKey(window, QKeySequence(Qt::CTRL | Qt::Key_A)),
+                  QStringList{QStringLiteral("Lisää")});
+        EXPECT_EQ(itemsForKey(window, QKeySequence(Qt::CTRL | Qt::Key_F)),
+                  QStringList{QStringLiteral("Siirry...")});
+    }
 }
 
 TEST_F(MenuKeysTest, NoTwoItemsOfAWindowShareAKey) {

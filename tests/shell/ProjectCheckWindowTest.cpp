@@ -216,3 +216,16 @@ TEST_F(ProjectCheckWindowTest, TheWindowFollowsEditsAndTheProjectClosing) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(window->isVisible());
 }
+
+TEST_F(ProjectCheckWindowTest, F1OpensTheHelpOnTheCheck) {
+    shell::ProjectCheckWindow* window = openCheckWindow();
+    ASSERT_NE(window, nullptr);
+    showActive(window);
+    window->findingList()->setFocus();
+    QTest::keyClick(window->findingList(), Qt::Key_F1);
+    QApplication::processEvents();
+    peripherals::HelpViewer* viewer = shownHelp();
+    ASSERT_NE(viewer, nullptr);
+    EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic370"))) << viewer->currentSource().toStdString();
+    viewer->close();
+}

@@ -190,4 +190,23 @@ TEST_F(ToolWindowsTest, TheHeadingIndexGoesToARequirementCaption) {
         EXPECT_GT(index->ListView1->topLevelItemCount(), 10);
     });
     main->Form6->editMenuClick(14);
+
+    // Ctrl+F is its key in both base list windows, as in the main window.
+    for (int slot : {6, 7}) {
+        SCOPED_TRACE(slot);
+        main->showBaseList(slot);
+        lists::BaseListWindow* window = slot == 6 ? main->Form6 : main->Form7;
+        showActive(window);
+        window->view()->setFocus();
+        QString mode;
+        whenModal([&](QWidget* modal) {
+            auto* index = qobject_cast<documents::Form10*>(modal);
+            ASSERT_NE(index, nullptr);
+            mode = index->mode();
+        });
+        QTest::keyClick(window->view(), Qt::Key_F, Qt::ControlModifier);
+        QApplication::processEvents();
+        EXPECT_EQ(mode, QString::number(slot));
+        window->hide();
+    }
 }

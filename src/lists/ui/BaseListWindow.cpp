@@ -216,6 +216,8 @@ void BaseListWindow::createMenus() {
     SubMenu1[10]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_C));
     SubMenu1[11]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_V));
     SubMenu1[12]->setShortcut(QKeySequence(Qt::Key_Delete));
+    // "Siirry..." has the main window's key here too.
+    SubMenu1[14]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     for (QAction* a : SubMenu1)
         a->setShortcutContext(Qt::WindowShortcut);
     // "Lisää luettelosta" has no base list of its own to offer here.
