@@ -32,6 +32,15 @@ const ListRecord& RecordList(const ProjectContent& content, int window, int j) {
     return j >= 0 && j < static_cast<int>(lists.size()) ? lists[j] : none;
 }
 
+ListRecord TakeRecordList(ProjectContent& content, int window, int j) {
+    if (window < 0 || window >= static_cast<int>(content.windows.size())) return {};
+    std::vector<ListRecord>& lists = content.windows[window].lists;
+    if (j < 0 || j >= static_cast<int>(lists.size())) return {};
+    ListRecord taken = std::move(lists[j]);
+    lists[j] = ListRecord();
+    return taken;
+}
+
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind) {
     return ListFromRecord(ListRecord(record), kind);
 }
