@@ -18,6 +18,8 @@ bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, Q
     } else if (!UnpackContainer(bytes, file.members, error)) {
         return false;
     }
+    // The members are copies: the file's bytes go before the text is read, not after.
+    bytes = QByteArray();
     QString folder = QFileInfo(fileName).absolutePath();
     if (!folder.endsWith(QLatin1Char('/'))) folder += QLatin1Char('/');
     if (!ReadProjectText(file.members[0].data, folder, file.content, error)) return false;

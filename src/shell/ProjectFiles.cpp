@@ -267,6 +267,9 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
                 }
             }
         }
+        // The members are read (and their copies written): they need no memory while the
+        // windows fill.
+        project_.members = {};
         for (int n = 0; n < 3; ++n) {
             documents[n] = std::make_unique<QTextDocument>();
             const QByteArray& rtf = project_.content.documents[n];
