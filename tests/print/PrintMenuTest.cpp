@@ -18,7 +18,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
     EXPECT_EQ(main->SubMenu0[7]->text(), QStringLiteral("Tu&losta"));
     EXPECT_TRUE(main->SubMenu0[7]->isEnabled());
     EXPECT_TRUE(main->toolbarButtons[QStringLiteral("Print")]->isEnabled());
-    main->openFromCommandLine(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"));
+    main->openFromCommandLine(sampleCopy());
 
     print::ui::PrintSession& session = main->printSession();
     session.selection.DocumentSelected[print::doc::Costs] = true;
@@ -60,7 +60,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
 // "Valitse työvaihe..." beside a quality document opens the project's index of requirement
 // headings; the work phase of the chosen heading is what the document prints.
 TEST_F(PrintMenu, AWorkPhaseIsChosenFromTheProjectsRequirementHeadings) {
-    main->openFromCommandLine(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"));
+    main->openFromCommandLine(sampleCopy());
     print::ui::PrintSession& session = main->printSession();
     const int inspections = print::doc::Inspections;
     QString shownLittera, shownText, captionAfterChoice, captionAfterCancel;
