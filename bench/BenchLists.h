@@ -5,11 +5,20 @@
 #include "lists/ListProcedures.h"
 
 #include <QStringList>
+#include <benchmark/benchmark.h>
+#include <initializer_list>
 #include <vector>
 
 namespace bench_lists {
 
 using namespace lists;
+
+// Runs a benchmark at each of these row counts, in milliseconds, with the fit to O(N).
+inline void linearSizes(benchmark::internal::Benchmark* b, std::initializer_list<int> rowCounts) {
+    for (const int n : rowCounts)
+        b->Arg(n);
+    b->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
+}
 
 // A quantity list as the projects hold it, without blank rows: captions, subcaptions,
 // entries with continuation and remark rows, repeated to the wanted length.

@@ -22,10 +22,14 @@ void BM_CalculateCosts(benchmark::State& state) {
     for (auto _ : state)
         benchmark::DoNotOptimize(calc::CalculateCosts(list, inputs));
     state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetComplexityN(state.range(0));
 }
 // 20,000 rows is the target size (at most 5 ms); the others show the time per row staying
 // level, apart from the step where the list outgrows the processor's cache.
-BENCHMARK(BM_CalculateCosts)->Arg(5000)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+void sizes(benchmark::internal::Benchmark* b) {
+    bench_lists::linearSizes(b, {5000, 20000, 80000, 100000});
+}
+BENCHMARK(BM_CalculateCosts)->Apply(sizes);
 
 void BM_CalculateQualityIndex(benchmark::State& state) {
     lists::ListModel list;
@@ -33,8 +37,9 @@ void BM_CalculateQualityIndex(benchmark::State& state) {
     for (auto _ : state)
         benchmark::DoNotOptimize(calc::CalculateQualityIndex(list));
     state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetComplexityN(state.range(0));
 }
-BENCHMARK(BM_CalculateQualityIndex)->Arg(5000)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CalculateQualityIndex)->Apply(sizes);
 
 // The project check over a project of the target size: 20,000 quantity rows and 5,000
 // requirement rows (at most 20 ms). The generated litteras repeat every hundred work phases, so
@@ -55,11 +60,14 @@ void BM_CheckProject(benchmark::State& state) {
     }
     state.counters["findings"] = static_cast<double>(findings);
     state.SetItemsProcessed(state.iterations() * (state.range(0) + state.range(1)));
+    state.SetComplexityN(state.range(0) + state.range(1));
 }
 BENCHMARK(BM_CheckProject)
     ->Args({5000, 1250})
     ->Args({20000, 5000})
     ->Args({80000, 20000})
+    ->Args({100000, 25000})
+    ->Complexity(benchmark::oN)
     ->Unit(benchmark::kMillisecond);
 
 // What a list view checks to mark the cells of one screen: 60 rows of each list.

@@ -57,12 +57,12 @@ void fillLists(documents::Form2& f2, int requirements, int quantities) {
 }
 
 struct Fixture {
-    Fixture() {
+    explicit Fixture(int quantities = 20000, int requirements = 5000) {
         qputenv("XDG_CONFIG_HOME", (dir.path() + QStringLiteral("/config")).toLocal8Bit());
         main.setProgramDirectory(QStringLiteral(TAMRIK_SOURCE_DIR) + QStringLiteral("/data/"));
         main.startUp(false);
         main.appState().settings.SaveSettingsOnExit = false;
-        fillLists(*main.ParseFormIndeces().f2, 20000, 5000);
+        fillLists(*main.ParseFormIndeces().f2, requirements, quantities);
         file = dir.filePath(QStringLiteral("suuri.sl"));
     }
     QTemporaryDir dir;
@@ -80,11 +80,16 @@ void BM_SaveLargeProject(benchmark::State& state) {
 }
 BENCHMARK(BM_SaveLargeProject)->Unit(benchmark::kMillisecond)->Iterations(5);
 
+// 20,000 quantity and 5,000 requirement rows, the target size; 80,000 and 20,000, the largest.
 void BM_OpenLargeProject(benchmark::State& state) {
-    Fixture f;
+    Fixture f(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
     shell::WriteSlFile(f.main, shell::ParseFileName(f.main.ActiveCaption()).project(), f.file, false);
-    // The same project beside the benchmark, for measuring the command line on it.
-    const QString copy = QCoreApplication::applicationDirPath() + QStringLiteral("/large-project.sl");
+    // The same project beside the benchmark, for measuring the command line and the desktop
+    // program on it: large-project.sl at the target size, large-project-100000.sl.
+    const qint64 rows = state.range(0) + state.range(1);
+    const QString copy = QCoreApplication::applicationDirPath() +
+                         (rows == 25000 ? QStringLiteral("/large-project.sl")
+                                        : QStringLiteral("/large-project-%1.sl").arg(rows));
     QFile::remove(copy);
     QFile::copy(f.file, copy);
     for (auto _ : state) {
@@ -92,6 +97,10 @@ void BM_OpenLargeProject(benchmark::State& state) {
         benchmark::DoNotOptimize(ok);
     }
 }
-BENCHMARK(BM_OpenLargeProject)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(BM_OpenLargeProject)
+    ->Args({20000, 5000})
+    ->Args({80000, 20000})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
 
 } // namespace

@@ -30,8 +30,9 @@ int costs(const QString& fileName, bool json) {
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
     const calc::CostInputs inputs = calc::CostInputsOf(project.content.windows[0].combos);
+    // The list is made once, for the estimate and the check alike.
     auto list =
-        persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
+        persist::ListFromRecord(persist::TakeRecordList(project.content, 1, 0), lists::kind::QuantityList);
     const calc::CostRecord record = calc::CalculateCosts(*list, inputs);
     // An overflowed figure is no amount: a script must not take it for one.
     if (record.nonFiniteRow != 0) return fail(calc::NonFiniteMessage(record));
@@ -39,7 +40,7 @@ int costs(const QString& fileName, bool json) {
         printOut(calc::CostRecordAsJson(record));
     else
         printOut(calc::FormatCostRecord(record));
-    reportCheckErrors(project);
+    reportCheckErrors(project, list.get(), nullptr);
     return 0;
 }
 
@@ -48,7 +49,7 @@ int summary(const QString& fileName, bool json) {
     QString error;
     if (!readProject(fileName, project, &error)) return fail(fileName + QStringLiteral(": ") + error);
     auto list =
-        persist::ListFromRecord(persist::RecordList(project.content, 1, 1), lists::kind::Requirements);
+        persist::ListFromRecord(persist::TakeRecordList(project.content, 1, 1), lists::kind::Requirements);
     const calc::QualityRecord record = calc::CalculateQualityIndex(*list);
     const QString path = QFileInfo(fileName).absoluteFilePath();
     if (json) {
@@ -58,7 +59,7 @@ int summary(const QString& fileName, bool json) {
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         printOut(text);
     }
-    reportCheckErrors(project);
+    reportCheckErrors(project, nullptr, list.get());
     return 0;
 }
 

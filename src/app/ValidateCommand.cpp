@@ -14,15 +14,24 @@ namespace app {
 namespace {
 
 // The findings of a project read from a file: its two lists and the basic data fields, as
-// the desktop program checks them in its windows.
-std::vector<calc::Finding> checkProject(const persist::ProjectFile& project) {
-    const auto quantities =
-        persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
-    const auto requirements =
-        persist::ListFromRecord(persist::RecordList(project.content, 1, 1), lists::kind::Requirements);
+// the desktop program checks them in its windows. The lists given are used as they are.
+std::vector<calc::Finding> checkProject(const persist::ProjectFile& project,
+                                        const lists::ListModel* quantities = nullptr,
+                                        const lists::ListModel* requirements = nullptr) {
+    std::unique_ptr<lists::ListModel> madeQuantities, madeRequirements;
+    if (!quantities) {
+        madeQuantities =
+            persist::ListFromRecord(persist::RecordList(project.content, 1, 0), lists::kind::QuantityList);
+        quantities = madeQuantities.get();
+    }
+    if (!requirements) {
+        madeRequirements =
+            persist::ListFromRecord(persist::RecordList(project.content, 1, 1), lists::kind::Requirements);
+        requirements = madeRequirements.get();
+    }
     calc::CheckSource source;
-    source.quantities = quantities.get();
-    source.requirements = requirements.get();
+    source.quantities = quantities;
+    source.requirements = requirements;
     source.inputs = calc::CostInputsOf(project.content.windows[0].combos);
     return calc::CheckProject(source);
 }
@@ -53,8 +62,9 @@ int validateCommand(const QStringList& args) {
     return findings.empty() ? 0 : 2;
 }
 
-void reportCheckErrors(const persist::ProjectFile& project) {
-    const int errors = calc::ErrorCount(checkProject(project));
+void reportCheckErrors(const persist::ProjectFile& project, const lists::ListModel* quantities,
+                       const lists::ListModel* requirements) {
+    const int errors = calc::ErrorCount(checkProject(project, quantities, requirements));
     if (errors == 0) return;
     std::fflush(stdout);
     const QString line = QStringLiteral("tamrik: %1, katso tamrik validate\n")

@@ -3,6 +3,9 @@
 // count that `tamrik costs` and `tamrik summary` add on standard error.
 #include <QStringList>
 
+namespace lists {
+class ListModel;
+}
 namespace persist {
 struct ProjectFile;
 }
@@ -15,7 +18,9 @@ namespace app {
 int validateCommand(const QStringList& args);
 
 // Tells on standard error how many errors the check finds in the project
-// ("tamrik: 3 virhettä, katso tamrik validate"); says nothing when there are none.
-void reportCheckErrors(const persist::ProjectFile& project);
+// ("tamrik: 3 virhettä, katso tamrik validate"); says nothing when there are none. A list the
+// caller has already made of the project is checked as it is, not made again.
+void reportCheckErrors(const persist::ProjectFile& project, const lists::ListModel* quantities = nullptr,
+                       const lists::ListModel* requirements = nullptr);
 
 } // namespace app

@@ -182,7 +182,7 @@ persist::WindowRecord ProjectWindow::toRecord() const {
     return r;
 }
 
-void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
+void ProjectWindow::applyRecord(persist::WindowRecord&& record) {
     // Only the controls the record has values for change: an older or shorter record leaves
     // the others (a new project's defaults) as they are.
     const int texts = std::min(static_cast<int>(Text1.size()), static_cast<int>(record.texts.size()));
@@ -195,7 +195,7 @@ void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
     for (int j = 0; j < lists; ++j) {
         lists::ListModel* m = list(j);
         if (!m) continue;
-        const persist::ListRecord& src = record.lists[j];
+        persist::ListRecord& src = record.lists[j];
         // A list whose template was missing has no columns: it takes the record's, so that
         // no cell is dropped and the next save writes the list back whole.
         std::vector<lists::Column> columns = m->columns();
@@ -210,9 +210,12 @@ void ProjectWindow::applyRecord(const persist::WindowRecord& record) {
         std::vector<lists::Row> rows;
         rows.reserve(src.rows.size());
         long long number = 0;
-        for (const QStringList& cells : src.rows) {
+        // The record's rows move into the list: a copy of each would double the memory that
+        // a large project takes while it opens.
+        for (QStringList& cells : src.rows) {
             lists::Row row;
-            row.cells = cells.mid(0, keep);
+            if (cells.size() > keep) cells.resize(keep);
+            row.cells = std::move(cells);
             while (row.cells.size() < dataCols)
                 row.cells.append(QString());
             row.cells.append(lists::formatRowNumber(++number));

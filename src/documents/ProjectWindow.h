@@ -65,8 +65,8 @@ public:
 
     // Fills the controls from a record. Values for controls the window lacks are dropped;
     // list cells beyond the window's columns are dropped, missing ones stay empty, and the
-    // row numbers are given anew.
-    void applyRecord(const persist::WindowRecord& record);
+    // row numbers are given anew. The record's list rows move into the lists.
+    void applyRecord(persist::WindowRecord&& record);
 
 protected:
     // Creates a text box or drop-down of the control array at index `i`, wired to the change

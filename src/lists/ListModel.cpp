@@ -75,11 +75,8 @@ void ListModel::setColumnWidth(int c, int width) {
     emit headerDataChanged(Qt::Horizontal, c - 1, c - 1);
 }
 
-const QString& ListModel::cell(int r, int c) const {
-    if (r < 1 || r > rows() || c < 1) return kEmpty;
-    const QStringList& cells = m_rows[r - 1].cells;
-    if (c > cells.size()) return kEmpty;
-    return cells[c - 1];
+const QString& ListModel::emptyCell() {
+    return kEmpty;
 }
 
 void ListModel::setCell(int r, int c, const QString& text) {

@@ -57,8 +57,13 @@ public:
     int rows() const { return static_cast<int>(m_rows.size()); }
     const Row& row(int r) const { return m_rows[r - 1]; }
     const std::vector<Row>& allRows() const { return m_rows; }
-    // The cell text; an empty text outside the list.
-    const QString& cell(int r, int c) const;
+    // The cell text; an empty text outside the list. Inline: the calculations call it for
+    // every cell they read.
+    const QString& cell(int r, int c) const {
+        if (r < 1 || r > rows() || c < 1) return emptyCell();
+        const QStringList& cells = m_rows[r - 1].cells;
+        return c > cells.size() ? emptyCell() : cells[c - 1];
+    }
     void setCell(int r, int c, const QString& text);
     const QString& text(int r) const { return cell(r, 1); }
     const QString& rowNumberText(int r) const { return cell(r, cols()); }
@@ -126,6 +131,7 @@ signals:
     void kindChanged();
 
 private:
+    static const QString& emptyCell();
     friend class ListStep;
     friend class ListEdit;
     void normalise(Row& row) const;

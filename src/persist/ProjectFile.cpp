@@ -18,6 +18,8 @@ bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, Q
     } else if (!UnpackContainer(bytes, file.members, error)) {
         return false;
     }
+    // The members are copies: the file's bytes go before the text is read, not after.
+    bytes = QByteArray();
     QString folder = QFileInfo(fileName).absolutePath();
     if (!folder.endsWith(QLatin1Char('/'))) folder += QLatin1Char('/');
     if (!ReadProjectText(file.members[0].data, folder, file.content, error)) return false;
@@ -30,6 +32,15 @@ const ListRecord& RecordList(const ProjectContent& content, int window, int j) {
     if (window < 0 || window >= static_cast<int>(content.windows.size())) return none;
     const std::vector<ListRecord>& lists = content.windows[window].lists;
     return j >= 0 && j < static_cast<int>(lists.size()) ? lists[j] : none;
+}
+
+ListRecord TakeRecordList(ProjectContent& content, int window, int j) {
+    if (window < 0 || window >= static_cast<int>(content.windows.size())) return {};
+    std::vector<ListRecord>& lists = content.windows[window].lists;
+    if (j < 0 || j >= static_cast<int>(lists.size())) return {};
+    ListRecord taken = std::move(lists[j]);
+    lists[j] = ListRecord();
+    return taken;
 }
 
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind) {

@@ -26,6 +26,8 @@ bool ReadProjectFile(const QString& fileName, bool textOnly, ProjectFile& out, Q
 // List j of window record `window` (0 basic data, 1 detailed data, ...); an empty list when an
 // older or shorter record does not have it.
 const ListRecord& RecordList(const ProjectContent& content, int window, int j);
+// The same list taken out of the content (left empty there), for a list made of it once.
+ListRecord TakeRecordList(ProjectContent& content, int window, int j);
 
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind);
 // The same from a record that is no longer needed: its rows move into the list.

@@ -147,10 +147,22 @@ bool RecordReader::pair(int& first, int& second, int maxFirst, int maxSecond) {
     return true;
 }
 
-bool RecordReader::value(QString& out) {
-    int n = 0;
+bool RecordReader::valueCount(int& n) {
     // A value never has more lines than the member has bytes left.
-    if (!count(n, static_cast<int>(std::min<qsizetype>(m_bytes.size() - m_pos, 100000000)))) return false;
+    const qsizetype rest = m_bytes.size() - m_pos;
+    const int maximum = static_cast<int>(std::min<qsizetype>(rest, 100000000));
+    // Nearly every count is one digit ("0" or "1" for a cell): read in place.
+    const char* b = m_bytes.constData() + m_pos;
+    if (rest >= 3 && b[0] >= '0' && b[0] <= '9' && b[1] == '\r' && b[2] == '\n' && b[0] - '0' <= maximum) {
+        n = b[0] - '0';
+        m_pos += 3;
+        ++m_line;
+        return true;
+    }
+    return count(n, maximum);
+}
+
+bool RecordReader::valueLines(int n, QString& out) {
     if (n == 0) {
         out.clear();
         return true;
@@ -162,6 +174,30 @@ bool RecordReader::value(QString& out) {
         out += QLatin1String("\r\n");
         out += more;
     }
+    return true;
+}
+
+bool RecordReader::value(QString& out) {
+    int n = 0;
+    return valueCount(n) && valueLines(n, out);
+}
+
+bool RecordReader::value(QString& out, Repeated& last) {
+    int n = 0;
+    if (!valueCount(n)) return false;
+    if (n != 1) {
+        last.length = -1;
+        return valueLines(n, out);
+    }
+    const char* b = nullptr;
+    qsizetype length = 0;
+    if (!next(b, length)) return fail(QStringLiteral("tiedosto päättyy kesken"));
+    if (length == last.length && std::memcmp(b, last.bytes, static_cast<std::size_t>(length)) == 0) {
+        out = last.text;
+        return true;
+    }
+    out = platform::fromCp1252(b, length);
+    last = {b, length, out};
     return true;
 }
 
@@ -216,13 +252,14 @@ bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& dir
             return in.failAt(QStringLiteral("rivimäärä %1 ei mahdu tiedostoon").arg(rows));
         if (list.columns == 0) rows = 0;
         list.rows.reserve(rows);
+        std::vector<RecordReader::Repeated> above(static_cast<std::size_t>(list.columns));
         for (int k = 0; k < rows; ++k) {
             QStringList row;
             // Room for the row number that a list made of the record adds.
             row.reserve(list.columns + 1);
             for (int c = 1; c <= list.columns; ++c) {
                 QString v;
-                if (!in.value(v)) return false;
+                if (!in.value(v, above[static_cast<std::size_t>(c - 1)])) return false;
                 if (!directory.isEmpty() && j == 1 && (c == 13 || c == 14) && v.startsWith(kPath))
                     v = directory + v.mid(kPath.size());
                 row.append(v);

@@ -47,6 +47,15 @@ public:
     bool count(int& out, int maximum);
     bool pair(int& first, int& second, int maxFirst, int maxSecond); // "12,16"
     bool value(QString& out);
+    // A list cell: a one-line value with the same bytes as `last` (the cell above it) shares
+    // last's text instead of holding a copy of its own. Units, types and weights repeat row
+    // after row, so a large list then takes a fraction of the memory; the texts are the same.
+    struct Repeated {
+        const char* bytes = nullptr;
+        qsizetype length = -1;
+        QString text;
+    };
+    bool value(QString& out, Repeated& last);
     QString error() const { return m_error; }
     int lineNumber() const { return m_line; }
     qsizetype offset() const { return m_pos; }
@@ -56,6 +65,9 @@ public:
 
 private:
     bool fail(const QString& what);
+    // A value's count line, then its `n` lines joined by CR LF.
+    bool valueCount(int& n);
+    bool valueLines(int n, QString& out);
     // The next line without its CR LF; false at the end.
     bool next(const char*& begin, qsizetype& length);
     QByteArray m_bytes;

@@ -267,6 +267,9 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
                 }
             }
         }
+        // The members are read (and their copies written): they need no memory while the
+        // windows fill.
+        project_.members = {};
         for (int n = 0; n < 3; ++n) {
             documents[n] = std::make_unique<QTextDocument>();
             const QByteArray& rtf = project_.content.documents[n];
@@ -281,22 +284,22 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     lists::EditHistory* history = w.f1->history();
     std::optional<lists::EditHistory::Quiet> quiet(std::in_place, history);
     FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
-    const persist::ProjectContent& c = project_.content;
+    persist::ProjectContent& c = project_.content;
     QComboBox* references = w.f2->Combo1[0];
     references->clear();
     // Every line is an item, an empty one too, so the items after it keep their places.
     for (const QString& item : c.referenceItems)
         references->addItem(item);
     main.DisplayProgress(30);
-    w.f1->applyRecord(c.windows[0]);
+    w.f1->applyRecord(std::move(c.windows[0]));
     main.DisplayProgress(40);
-    w.f2->applyRecord(c.windows[1]);
+    w.f2->applyRecord(std::move(c.windows[1]));
     main.DisplayProgress(80);
-    w.f3->applyRecord(c.windows[2]);
+    w.f3->applyRecord(std::move(c.windows[2]));
     // The card's money labels show the project's own unit from the start.
     w.f3->setMoneyUnit(w.f1->Combo1[4]->text());
     main.DisplayProgress(90);
-    w.f4->applyRecord(c.windows[3]);
+    w.f4->applyRecord(std::move(c.windows[3]));
     for (int i = 0; i < static_cast<int>(w.f4->Check1.size()); ++i) {
         const int v = i < c.checks.size() ? c.checks[i].toInt() : 0;
         w.f4->Check1[i]->setCheckState(v == 1 ? Qt::Checked

@@ -194,3 +194,40 @@ TEST(WindowRecordRegression, HugeRowCountsAreDamageNotAnAllocation) {
     ASSERT_TRUE(read("0\r\n0\r\n1\r\n1,2\r\n0\r\n0\r\n", r, error)) << error.toStdString();
     EXPECT_EQ(r.lists[0].rows.size(), 1u);
 }
+
+// A cell that repeats the one above it (units, types, weights) shares its text: a large list
+// then takes a fraction of the memory. The texts read are those written, whatever stands
+// between the repeats.
+TEST(ProjectText, RepeatedCellsShareTheirTextAndReadBackAsWritten) {
+    WindowRecord r;
+    ListRecord list{3, {}};
+    const QStringList rows[] = {
+        {"m3", "1 (siltakohtainen)", "a\r\nb"},
+        {"m3", "1 (siltakohtainen)", "a\r\nb"},
+        {"m3", "", "a"},
+        {"m2", "m3", "a"},
+        {"m3", "m3", ""},
+        {"m3", "m3", "a\r\nb"},
+    };
+    for (const QStringList& row : rows)
+        list.rows.push_back(row);
+    r.lists = {ListRecord{0, {}}, list};
+    RecordWriter out;
+    WriteFormToFile(out, r);
+    QByteArray bytes;
+    for (const QString& line : out.lines())
+        bytes += line.toUtf8() + "\r\n";
+
+    WindowRecord back;
+    RecordReader in(bytes);
+    ASSERT_TRUE(ReadFormFromFile(in, back, QString())) << in.error().toStdString();
+    ASSERT_EQ(back.lists.size(), 2u);
+    EXPECT_EQ(back.lists[1].rows, list.rows);
+    const std::vector<QStringList>& read = back.lists[1].rows;
+    EXPECT_EQ(read[1][0].constData(), read[0][0].constData());
+    EXPECT_EQ(read[1][1].constData(), read[0][1].constData());
+    EXPECT_EQ(read[5][1].constData(), read[4][1].constData());
+    // The same bytes in another column, or after another text, are read anew.
+    EXPECT_NE(read[3][1].constData(), read[3][0].constData());
+    EXPECT_NE(read[4][0].constData(), read[2][0].constData());
+}

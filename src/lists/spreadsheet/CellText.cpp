@@ -82,28 +82,29 @@ void roundTo(Decimal& d, int decimals) {
 
 // The digits written out without an exponent, with minDecimals .. maxDecimals decimals.
 QString plainText(const Decimal& d, int minDecimals) {
-    QString out;
+    // Built in bytes and made a text once: most cells of a sheet are numbers.
+    std::string out;
     const int n = static_cast<int>(d.digits.size());
     if (d.digits.empty()) {
-        out = QStringLiteral("0");
+        out = "0";
     } else {
-        if (d.negative) out += QLatin1Char('-');
+        if (d.negative) out += '-';
         if (d.exponent < 0) {
-            out += QLatin1Char('0');
+            out += '0';
         } else {
             for (int i = 0; i <= d.exponent; ++i)
-                out += QLatin1Char(i < n ? d.digits[static_cast<std::size_t>(i)] : '0');
+                out += i < n ? d.digits[static_cast<std::size_t>(i)] : '0';
         }
     }
-    QString fraction;
+    std::string fraction;
     if (!d.digits.empty()) {
         for (int i = d.exponent + 1; i < n; ++i)
-            fraction += QLatin1Char(i < 0 ? '0' : d.digits[static_cast<std::size_t>(i)]);
+            fraction += i < 0 ? '0' : d.digits[static_cast<std::size_t>(i)];
     }
-    while (fraction.size() < minDecimals)
-        fraction += QLatin1Char('0');
-    if (!fraction.isEmpty()) out += QLatin1Char(',') + fraction;
-    return out;
+    while (static_cast<int>(fraction.size()) < minDecimals)
+        fraction += '0';
+    if (!fraction.empty()) out += ',' + fraction;
+    return QString::fromLatin1(out.data(), static_cast<qsizetype>(out.size()));
 }
 
 CellFormat fixed(int decimals) {

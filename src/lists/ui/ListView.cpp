@@ -4,6 +4,7 @@
 #include "lists/ui/ListEditor.h"
 
 #include <QApplication>
+#include <QHash>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -64,15 +65,24 @@ void ListView::applyColumnWidths() {
     if (!m_list) return;
     // A column is as wide as its header text plus 200 twips; on screen it also widens, up to a
     // limit, to show the texts of the first rows, so that names are readable without dragging.
+    // Measuring a text shapes it, and a column repeats its texts (units, types, weights): each
+    // text is measured once, and an empty one, narrower than any column, not at all.
     const QFontMetrics metrics(font());
     const int sampleRows = std::min(m_list->rows(), 300);
+    QHash<QString, int> measured;
     for (int c = 1; c <= m_list->cols(); ++c) {
         const bool rowNumber = c == m_list->cols();
         setColumnHidden(c - 1, rowNumber);
         if (rowNumber) continue;
         int width = std::max(20, m_list->column(c).width / kTwipsPerPixel);
-        for (int r = 1; r <= sampleRows && width < kMaxAutoWidth; ++r)
-            width = std::max(width, metrics.horizontalAdvance(m_list->cell(r, c).left(80)) + 14);
+        for (int r = 1; r <= sampleRows && width < kMaxAutoWidth; ++r) {
+            const QString& text = m_list->cell(r, c);
+            if (text.isEmpty()) continue;
+            auto it = measured.constFind(text);
+            if (it == measured.cend())
+                it = measured.insert(text, metrics.horizontalAdvance(text.left(80)) + 14);
+            width = std::max(width, *it);
+        }
         setColumnWidth(c - 1,
                        std::min(width, std::max(kMaxAutoWidth, m_list->column(c).width / kTwipsPerPixel)));
     }
