@@ -5,6 +5,7 @@
 #include "print/PdfOutput.h"
 #include "print/WorkPhase.h"
 #include "print/ui/Form12.h"
+#include "platform/ui/TabOrder.h"
 #include "print/ui/PrintSession.h"
 
 #include <QApplication>
@@ -158,6 +159,14 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     actions->addStretch(1);
     actions->addWidget(Command1[8]);
     actions->addWidget(Command1[4]);
+
+    // The Tab key reads the frames as they stand: the designer's documents and their buttons,
+    // then the right column row by row, then the actions from left to right.
+    platform::setTabOrder({Check1[0],   Check1[1],    Check1[2],   Check1[3],    Check1[4],   Check1[5],
+                           Check1[6],   Command1[0],  Command1[1], Check1[7],    Command1[9], Check1[8],
+                           Check1[9],   Command1[10], Check1[10],  Command1[11], Check1[11],  Command1[12],
+                           Check1[12],  Command1[2],  Command1[3], Command1[5],  Command1[7], PdfButton,
+                           Command1[6], Command1[8],  Command1[4]});
 
     StatusBar1 = new QStatusBar(this);
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
