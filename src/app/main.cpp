@@ -2,6 +2,7 @@
 // window or starts the desktop application.
 #include "app/Commands.h"
 #include "app/Help.h"
+#include "platform/Allocator.h"
 #include "platform/RuntimeDir.h"
 #include "platform/TempDir.h"
 #include "platform/ui/Icons.h"
@@ -20,6 +21,8 @@
 #include <cstring>
 
 int main(int argc, char** argv) {
+    // Long print runs, from the command line or the desktop, keep their page buffers in the heap.
+    platform::keepLargeBuffersInHeap();
     platform::providePrivateRuntimeDir();
     if (argc >= 2 && std::strcmp(argv[1], "--version") == 0) {
         std::printf("TAMRIK 2006 %s\n", TAMRIK_VERSION);

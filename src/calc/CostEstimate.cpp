@@ -1,4 +1,5 @@
 #include "calc/CostEstimate.h"
+#include "calc/BasicFields.h"
 
 #include "calc/NumberText.h"
 #include "lists/ListProcedures.h"
@@ -51,11 +52,11 @@ bool opensRoadWorks(const QString& phase) {
 
 CostInputs CostInputsOf(const QStringList& combos) {
     CostInputs in;
-    in.moneyUnit = combos.value(4);
-    in.unitPriceIndex = combos.value(3);
-    in.costIndex = combos.value(10);
-    in.generalPercent = combos.value(11);
-    in.vatPercent = combos.value(12);
+    in.moneyUnit = combos.value(basic::MoneyUnit);
+    in.unitPriceIndex = combos.value(basic::UnitPriceIndex);
+    in.costIndex = combos.value(basic::CostIndex);
+    in.generalPercent = combos.value(basic::GeneralCostPercent);
+    in.vatPercent = combos.value(basic::VatPercent);
     return in;
 }
 

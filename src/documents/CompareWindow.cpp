@@ -445,7 +445,8 @@ bool CompareWindow::printOnPrinter() {
     const QPageLayout::Orientation before = printer.pageLayout().orientation();
     printer.setPageOrientation(pageLayout(*run).orientation());
     bool printed = false;
-    if (print::ui::PrintSession::runPrinterDialog(printer, 0, this)) {
+    if (print::ui::PrintSession::runPrinterDialog(printer, print::ui::PrintSession::PrinterDialogMode::Print,
+                                                  this)) {
         QApplication::setOverrideCursor(Qt::WaitCursor);
         const print::OutputResult result = run->PrintAllDocuments(printer);
         QApplication::restoreOverrideCursor();

@@ -1,5 +1,6 @@
 #include "documents/Form1.h"
 
+#include "calc/BasicFields.h"
 #include "documents/Controls.h"
 #include "documents/DocumentHost.h"
 #include "documents/FormLayout.h"
@@ -93,25 +94,26 @@ QWidget* Form1::buildBasicData() {
 
     // Name, road section and type take the width of two columns; the dimensions below line up
     // in three columns.
-    addPair(grid, 0, 0, QStringLiteral("Sillan nimi"), makeText(0), 3);
-    addPair(grid, 0, 4, QStringLiteral("Kunta"), makeCombo(9));
-    addPair(grid, 1, 0, QStringLiteral("Tieosa"), makeText(1), 3);
-    addPair(grid, 1, 4, QStringLiteral("Tiepiiri"), makeCombo(2));
-    addPair(grid, 2, 0, QStringLiteral("Sillan tyyppi"), makeCombo(0), 3);
-    addPair(grid, 2, 4, QStringLiteral("Suunn. nro"), makeText(2));
-    addPair(grid, 3, 0, QStringLiteral("Jm (m)"), makeText(3));
-    addPair(grid, 3, 2, QStringLiteral("Kok. pituus (m)"), makeText(4));
-    addPair(grid, 3, 4, QStringLiteral("Hl (m)"), makeText(8));
-    addPair(grid, 4, 0, QStringLiteral("Va (m)"), makeText(5));
-    addPair(grid, 4, 2, QStringLiteral("Kannen pit. (m)"), makeText(6));
-    addPair(grid, 4, 4, QStringLiteral("Suun. kuorma"), makeCombo(1));
-    addPair(grid, 5, 0, QStringLiteral("Kohtis. va (m)"), makeText(12));
-    addPair(grid, 5, 2, QStringLiteral("Vinous (gon)"), makeText(7));
-    addPair(grid, 5, 4, QStringLiteral("Alikulkukorkeus (m)"), makeText(13));
-    for (int i : {3, 4, 5, 6, 7, 8, 12, 13})
+    addPair(grid, 0, 0, QStringLiteral("Sillan nimi"), makeText(basic::BridgeName), 3);
+    addPair(grid, 0, 4, QStringLiteral("Kunta"), makeCombo(basic::Municipality));
+    addPair(grid, 1, 0, QStringLiteral("Tieosa"), makeText(basic::RoadSection), 3);
+    addPair(grid, 1, 4, QStringLiteral("Tiepiiri"), makeCombo(basic::RoadDistrict));
+    addPair(grid, 2, 0, QStringLiteral("Sillan tyyppi"), makeCombo(basic::BridgeType), 3);
+    addPair(grid, 2, 4, QStringLiteral("Suunn. nro"), makeText(basic::PlanNumber));
+    addPair(grid, 3, 0, QStringLiteral("Jm (m)"), makeText(basic::Span));
+    addPair(grid, 3, 2, QStringLiteral("Kok. pituus (m)"), makeText(basic::TotalLength));
+    addPair(grid, 3, 4, QStringLiteral("Hl (m)"), makeText(basic::UsefulWidth));
+    addPair(grid, 4, 0, QStringLiteral("Va (m)"), makeText(basic::FreeOpening));
+    addPair(grid, 4, 2, QStringLiteral("Kannen pit. (m)"), makeText(basic::DeckLength));
+    addPair(grid, 4, 4, QStringLiteral("Suun. kuorma"), makeCombo(basic::DesignLoad));
+    addPair(grid, 5, 0, QStringLiteral("Kohtis. va (m)"), makeText(basic::SquareFreeOpening));
+    addPair(grid, 5, 2, QStringLiteral("Vinous (gon)"), makeText(basic::Skew));
+    addPair(grid, 5, 4, QStringLiteral("Alikulkukorkeus (m)"), makeText(basic::UnderpassHeight));
+    for (int i : {basic::Span, basic::TotalLength, basic::FreeOpening, basic::DeckLength, basic::Skew,
+                  basic::UsefulWidth, basic::SquareFreeOpening, basic::UnderpassHeight})
         setWidthInChars(Text1[i], 12);
-    setWidthInChars(Text1[0], 30);
-    for (int i : {9, 2, 1})
+    setWidthInChars(Text1[basic::BridgeName], 30);
+    for (int i : {basic::Municipality, basic::RoadDistrict, basic::DesignLoad})
         setWidthInChars(Combo1[i], 22);
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);
@@ -129,17 +131,18 @@ QWidget* Form1::buildBasicData() {
 
     auto* costs = new QGridLayout;
     costs->setHorizontalSpacing(10);
-    addPair(costs, 0, 0, QStringLiteral("Rahayksikkö"), makeCombo(4));
-    addPair(costs, 0, 2, QStringLiteral("Kustannus i"), makeCombo(10));
-    addPair(costs, 1, 0, QStringLiteral("Vuosi (i = 100)"), makeCombo(13));
-    addPair(costs, 1, 2, QStringLiteral("Yhteiskustannus %"), makeCombo(11));
-    addPair(costs, 2, 0, QStringLiteral("Yksikköhintojen i"), makeCombo(3));
-    addPair(costs, 2, 2, QStringLiteral("ALV %"), makeCombo(12));
-    TextBox* client = makeText(11, true);
+    addPair(costs, 0, 0, QStringLiteral("Rahayksikkö"), makeCombo(basic::MoneyUnit));
+    addPair(costs, 0, 2, QStringLiteral("Kustannus i"), makeCombo(basic::CostIndex));
+    addPair(costs, 1, 0, QStringLiteral("Vuosi (i = 100)"), makeCombo(basic::IndexBaseYear));
+    addPair(costs, 1, 2, QStringLiteral("Yhteiskustannus %"), makeCombo(basic::GeneralCostPercent));
+    addPair(costs, 2, 0, QStringLiteral("Yksikköhintojen i"), makeCombo(basic::UnitPriceIndex));
+    addPair(costs, 2, 2, QStringLiteral("ALV %"), makeCombo(basic::VatPercent));
+    TextBox* client = makeText(basic::Client, true);
     setVisibleLines(client, 3);
     costs->addWidget(fieldLabel(QStringLiteral("Tilaaja"), client), 3, 0, Qt::AlignTop);
     costs->addWidget(client, 3, 1, 1, 3);
-    for (int i : {4, 10, 13, 11, 3, 12})
+    for (int i : {basic::MoneyUnit, basic::CostIndex, basic::IndexBaseYear, basic::GeneralCostPercent,
+                  basic::UnitPriceIndex, basic::VatPercent})
         setWidthInChars(Combo1[i], 9);
     costs->setRowStretch(4, 1);
     lower->addLayout(costs, 1);
@@ -161,7 +164,11 @@ QWidget* Form1::buildParties() {
     };
     // The designer's column on the left, the contractor's on the right. Each column is a box of
     // its own, so that the Tab key and a screen reader go through one party before the other.
-    const Party parties[] = {{"SUUNNITTELIJA", 5, 8, 6, 7, 9, 1}, {"URAKOITSIJA", 17, 15, 16, 14, 10, 2}};
+    const Party parties[] = {{"SUUNNITTELIJA", basic::DesignerDrewUp, basic::DesignerDrewUpDate,
+                              basic::DesignerChecked, basic::DesignerCheckedDate, basic::DesignerCompany, 1},
+                             {"URAKOITSIJA", basic::ContractorDrewUp, basic::ContractorDrewUpDate,
+                              basic::ContractorChecked, basic::ContractorCheckedDate,
+                              basic::ContractorCompany, 2}};
     int col = 0;
     for (const Party& p : parties) {
         auto* column = new QWidget;
@@ -210,31 +217,32 @@ void Form1::prepareNewProject() {
 
     // The cost parameters start from the settings; "Kustannus i" is left for the user.
     const shell::Settings& s = state.settings;
-    Combo1[4]->setText(s.MoneyUnit);
-    Combo1[3]->setText(s.Index);
-    Combo1[11]->setText(s.GeneralCostFraction);
-    Combo1[12]->setText(s.VAT);
-    Combo1[13]->setText(s.IndexBaseYear);
+    Combo1[basic::MoneyUnit]->setText(s.MoneyUnit);
+    Combo1[basic::UnitPriceIndex]->setText(s.Index);
+    Combo1[basic::GeneralCostPercent]->setText(s.GeneralCostFraction);
+    Combo1[basic::VatPercent]->setText(s.VAT);
+    Combo1[basic::IndexBaseYear]->setText(s.IndexBaseYear);
 
     // The texts last saved in these boxes are offered in their drop-down lists.
-    const int defaults[] = {10, 5, 6, 17, 16};
+    const int defaults[] = {basic::CostIndex, basic::DesignerDrewUp, basic::DesignerChecked,
+                            basic::ContractorDrewUp, basic::ContractorChecked};
     for (int k = 0; k < 5; ++k)
         Combo1[defaults[k]]->addUniqueItem(s.DefaultComboData[k]);
     UpdateComboListFromFile(*this, 1);
 
     if (state.ProgramMode == 1)
-        UpdateOfficeText(*Text1[9], state.OfficeRows);
+        UpdateOfficeText(*Text1[basic::DesignerCompany], state.OfficeRows);
     else if (state.ProgramMode == 2)
-        UpdateOfficeText(*Text1[10], state.OfficeRows);
+        UpdateOfficeText(*Text1[basic::ContractorCompany], state.OfficeRows);
 }
 
 calc::CostInputs Form1::costInputs() const {
     calc::CostInputs in;
-    in.moneyUnit = Combo1[4]->text();
-    in.unitPriceIndex = Combo1[3]->text();
-    in.costIndex = Combo1[10]->text();
-    in.generalPercent = Combo1[11]->text();
-    in.vatPercent = Combo1[12]->text();
+    in.moneyUnit = Combo1[basic::MoneyUnit]->text();
+    in.unitPriceIndex = Combo1[basic::UnitPriceIndex]->text();
+    in.costIndex = Combo1[basic::CostIndex]->text();
+    in.generalPercent = Combo1[basic::GeneralCostPercent]->text();
+    in.vatPercent = Combo1[basic::VatPercent]->text();
     return in;
 }
 

@@ -349,6 +349,62 @@ void Form5::focusFirstField() {
     }
 }
 
+namespace {
+
+// The fields of a card in panes: each pane a grid of four slots a row in column order, a label
+// above its field; a long text takes a row of its own.
+class CardGrid {
+public:
+    explicit CardGrid(QWidget* card)
+        : m_card(card)
+        , m_panes(new QHBoxLayout(card)) {
+        m_panes->setContentsMargins(8, 6, 8, 6);
+        m_panes->setSpacing(12);
+    }
+    // A new pane, framed with its title when it has one.
+    void newPane(const QString& title) {
+        QWidget* pane = title.isEmpty() ? new QWidget(m_card) : new QGroupBox(title, m_card);
+        m_grid = new QGridLayout(pane);
+        m_grid->setHorizontalSpacing(8);
+        m_grid->setVerticalSpacing(3);
+        for (int k = 0; k < kSlotsPerRow; ++k)
+            m_grid->setColumnStretch(k, 1);
+        m_panes->addWidget(pane, 1);
+        m_row = 0;
+        m_slot = 0;
+    }
+    // A long text on a row of its own, stretching by its lines.
+    void addLong(QLabel* label, QWidget* box, int lines) {
+        if (m_slot > 0) nextRow();
+        m_grid->addWidget(label, m_row, 0, 1, kSlotsPerRow);
+        m_grid->addWidget(box, m_row + 1, 0, 1, kSlotsPerRow);
+        m_grid->setRowStretch(m_row + 1, lines);
+        nextRow();
+    }
+    // A short field of `span` slots, on the next row when this one has no room for it.
+    void addShort(QLabel* label, QWidget* field, int span) {
+        if (m_slot + span > kSlotsPerRow) nextRow();
+        m_grid->addWidget(label, m_row, m_slot, 1, span);
+        m_grid->addWidget(field, m_row + 1, m_slot, 1, span);
+        m_slot += span;
+        if (m_slot >= kSlotsPerRow) nextRow();
+    }
+
+private:
+    void nextRow() {
+        m_row += 2;
+        m_slot = 0;
+    }
+
+    QWidget* m_card;
+    QHBoxLayout* m_panes;
+    QGridLayout* m_grid = nullptr;
+    int m_row = 0;
+    int m_slot = 0;
+};
+
+} // namespace
+
 void Form5::buildCard() {
     lists::ListModel* model = list();
     QStringList headers{model->kind()};
@@ -367,97 +423,67 @@ void Form5::buildCard() {
     m_fields = CardFields(*model);
 
     auto* card = new QWidget;
-    auto* panes = new QHBoxLayout(card);
-    panes->setContentsMargins(8, 6, 8, 6);
-    panes->setSpacing(12);
     const bool quality = lists::isQualityKind(model->kind());
-
-    // Fields fill a grid of four slots a row in column order; a long text takes a row of its own.
-    QGridLayout* grid = nullptr;
-    int gridRow = 0;
-    int slot = 0;
-    auto newPane = [&](const QString& title) {
-        QWidget* pane = nullptr;
-        if (title.isEmpty()) {
-            pane = new QWidget(card);
-        } else {
-            auto* box = new QGroupBox(title, card);
-            pane = box;
-        }
-        grid = new QGridLayout(pane);
-        grid->setHorizontalSpacing(8);
-        grid->setVerticalSpacing(3);
-        for (int k = 0; k < kSlotsPerRow; ++k)
-            grid->setColumnStretch(k, 1);
-        panes->addWidget(pane, 1);
-        gridRow = 0;
-        slot = 0;
-    };
-    newPane(quality ? QStringLiteral("Laatuvaatimus") : QString());
+    CardGrid grid(card);
+    grid.newPane(quality ? QStringLiteral("Laatuvaatimus") : QString());
     for (const CardField& f : m_fields) {
         // The requirement card's second pane, the inspection, starts at the inspection text.
-        if (quality && f.column == col::kInspection) newPane(QStringLiteral("Tarkastus ja raportointi"));
+        if (quality && f.column == col::kInspection) grid.newPane(QStringLiteral("Tarkastus ja raportointi"));
         auto* label = new QLabel(f.header, card);
         label->setTextFormat(Qt::PlainText);
         // Room above the capitals for the dots of Ä and Ö.
         label->setContentsMargins(0, 3, 0, 0);
         label->setObjectName(QStringLiteral("%1_%2").arg(f.longText ? "Label2" : "Label1").arg(f.index));
         if (f.longText) {
-            auto* box = new TextBox(true, card);
-            box->setObjectName(QStringLiteral("Text1_%1").arg(f.index));
-            const int lines = f.column == 3 && quality ? 5 : 3;
-            box->setMinimumHeight(box->fontMetrics().lineSpacing() * lines + 12);
-            Text1.push_back(box);
+            const int lines = quality && f.column == col::kText ? 5 : 3; // the requirement itself is taller
+            grid.addLong(label, makeLongField(f, card, lines), lines);
             Label2.push_back(label);
-            if (slot > 0) {
-                gridRow += 2;
-                slot = 0;
-            }
-            grid->addWidget(label, gridRow, 0, 1, kSlotsPerRow);
-            grid->addWidget(box, gridRow + 1, 0, 1, kSlotsPerRow);
-            grid->setRowStretch(gridRow + 1, lines);
-            gridRow += 2;
-            connect(box, &TextBox::changed, this, [this] { touch(); });
-            box->editor()->installEventFilter(this);
         } else {
-            auto* combo = new ComboBox(card);
-            combo->setObjectName(QStringLiteral("Combo1_%1").arg(f.index));
-            combo->setMaxVisibleItems(20);
-            Combo1.push_back(combo);
+            grid.addShort(label, makeShortField(f, card, quality), slotsOf(f, quality));
             Label1.push_back(label);
-            const int span = slotsOf(f, quality);
-            if (slot + span > kSlotsPerRow) {
-                gridRow += 2;
-                slot = 0;
-            }
-            grid->addWidget(label, gridRow, slot, 1, span);
-            grid->addWidget(combo, gridRow + 1, slot, 1, span);
-            slot += span;
-            if (slot >= kSlotsPerRow) {
-                gridRow += 2;
-                slot = 0;
-            }
-            connect(combo, &ComboBox::changed, this, [this] { touch(); });
-            connect(combo, &ComboBox::returnPressed, this, [this] { focusNextChild(); });
-            combo->installEventFilter(this);
-            combo->lineEdit()->installEventFilter(this);
-            if (quality && (f.column == col::kWorkDescriptionFile || f.column == col::kReferenceFile)) {
-                connect(combo, &ComboBox::changed, this, [this] {
-                    SubMenu0[0]->setEnabled(comboOfColumn(col::kWorkDescriptionFile) &&
-                                            !comboOfColumn(col::kWorkDescriptionFile)->text().isEmpty());
-                    SubMenu0[1]->setEnabled(comboOfColumn(col::kReferenceFile) &&
-                                            !comboOfColumn(col::kReferenceFile)->text().isEmpty());
-                });
-            }
         }
     }
-    if (slot > 0) gridRow += 2;
+    if (quality) connectRuleFields();
+    m_scroll->setWidget(card);
+    sizeToCard(card, quality);
+}
 
+TextBox* Form5::makeLongField(const CardField& f, QWidget* card, int lines) {
+    auto* box = new TextBox(true, card);
+    box->setObjectName(QStringLiteral("Text1_%1").arg(f.index));
+    box->setMinimumHeight(box->fontMetrics().lineSpacing() * lines + 12);
+    Text1.push_back(box);
+    connect(box, &TextBox::changed, this, [this] { touch(); });
+    box->editor()->installEventFilter(this);
+    return box;
+}
+
+ComboBox* Form5::makeShortField(const CardField& f, QWidget* card, bool quality) {
+    auto* combo = new ComboBox(card);
+    combo->setObjectName(QStringLiteral("Combo1_%1").arg(f.index));
+    combo->setMaxVisibleItems(20);
+    Combo1.push_back(combo);
+    connect(combo, &ComboBox::changed, this, [this] { touch(); });
+    connect(combo, &ComboBox::returnPressed, this, [this] { focusNextChild(); });
+    combo->installEventFilter(this);
+    combo->lineEdit()->installEventFilter(this);
+    if (quality && (f.column == col::kWorkDescriptionFile || f.column == col::kReferenceFile)) {
+        connect(combo, &ComboBox::changed, this, [this] {
+            SubMenu0[0]->setEnabled(comboOfColumn(col::kWorkDescriptionFile) &&
+                                    !comboOfColumn(col::kWorkDescriptionFile)->text().isEmpty());
+            SubMenu0[1]->setEnabled(comboOfColumn(col::kReferenceFile) &&
+                                    !comboOfColumn(col::kReferenceFile)->text().isEmpty());
+        });
+    }
+    return combo;
+}
+
+void Form5::connectRuleFields() {
     // The rules follow what the user picks for the type, the method and the result. The type is
     // checked when the focus leaves it (eventFilter): a click elsewhere changes no text, so
     // editingFinished would not come.
     for (int column : {col::kType, col::kMethod, col::kFulfilled}) {
-        ComboBox* combo = quality ? comboOfColumn(column) : nullptr;
+        ComboBox* combo = comboOfColumn(column);
         if (!combo) continue;
         connect(combo, &QComboBox::activated, this, [this, column] {
             if (column == col::kType && !checkContractorType()) return;
@@ -469,7 +495,9 @@ void Form5::buildCard() {
             EnableControlsForm5();
         });
     }
-    m_scroll->setWidget(card);
+}
+
+void Form5::sizeToCard(QWidget* card, bool quality) {
     // The requirement card fills a large window; a shorter card a window of its own size.
     if (quality) {
         resize(1180, 760);

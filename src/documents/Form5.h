@@ -97,7 +97,14 @@ protected:
 private:
     void createMenus();
     void createToolbar();
+    // The card's fields for the list's columns, built again only when the list's kind or
+    // headers changed; its parts: a long text field, a short field, the rules' signals, the
+    // window's size.
     void buildCard();
+    TextBox* makeLongField(const CardField& f, QWidget* card, int lines);
+    ComboBox* makeShortField(const CardField& f, QWidget* card, bool quality);
+    void connectRuleFields();
+    void sizeToCard(QWidget* card, bool quality);
     void fillComboLists();
     void touch();
     bool handleKey(int key, Qt::KeyboardModifiers modifiers);

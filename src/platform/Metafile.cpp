@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -525,6 +526,39 @@ const std::vector<wmfMapping>& standInFonts() {
     return mappings;
 }
 
+// libwmf's handle, given back with wmf_api_destroy (which also frees what the library
+// allocated; wmf_stream_destroy must not be called, it crashes).
+struct WmfApiDestroy {
+    void operator()(wmfAPI* api) const {
+        if (api) wmf_api_destroy(api);
+    }
+};
+using WmfApi = std::unique_ptr<wmfAPI, WmfApiDestroy>;
+
+// Plays the metafile `input` through the library's SVG device into `stream` (over `capture`);
+// false when the library cannot read it.
+bool playToSvg(wmfAPI* api, QByteArray& input, wmfStream& stream, SvgCapture& capture) {
+    wrapDrawing(api, capture);
+    bool ok = wmf_mem_open(api, reinterpret_cast<unsigned char*>(input.data()),
+                           static_cast<long>(input.size())) == wmf_E_None;
+    wmfD_Rect box{};
+    ok = ok && wmf_scan(api, 0, &box) == wmf_E_None;
+    unsigned int width = 0, height = 0;
+    ok = ok && wmf_display_size(api, &width, &height, 96, 96) == wmf_E_None && width > 0 && height > 0;
+    if (ok) {
+        wmf_svg_t* device = WMF_SVG_GetData(api);
+        device->out = &stream;
+        device->Description = const_cast<char*>("TAMRIK");
+        device->bbox = box;
+        device->width = width;
+        device->height = height;
+        device->flags |= WMF_SVG_INLINE_IMAGES; // embedded bitmaps inline, no files beside
+        ok = wmf_play(api, 0, &box) == wmf_E_None;
+    }
+    wmf_mem_close(api);
+    return ok;
+}
+
 } // namespace
 
 bool looksLikeWmf(const QByteArray& bytes) {
@@ -559,35 +593,24 @@ QByteArray wmfToSvg(const QByteArray& wmf, QString* error) {
         options.font.ps = const_cast<wmfMapping*>(standInFonts().data());
         flags |= WMF_OPT_FONTDIRS | WMF_OPT_FONTMAP;
     }
-    wmfAPI* api = nullptr;
-    if (wmf_api_create(&api, flags, &options) != wmf_E_None) {
-        if (api) wmf_api_destroy(api);
-        if (error) *error = QStringLiteral("Metatiedoston näyttäminen ei onnistu.");
-        return {};
-    }
+    wmfAPI* created = nullptr;
+    const bool made = wmf_api_create(&created, flags, &options) == wmf_E_None;
+    // The capture and its stream outlive the library's handle, given back on every way out.
     SvgCapture capture;
-    wrapDrawing(api, capture);
     wmfStream stream{&capture, captureText, clearCapture};
-    bool ok = wmf_mem_open(api, reinterpret_cast<unsigned char*>(input.data()),
-                           static_cast<long>(input.size())) == wmf_E_None;
-    wmfD_Rect box{};
-    ok = ok && wmf_scan(api, 0, &box) == wmf_E_None;
-    unsigned int width = 0, height = 0;
-    ok = ok && wmf_display_size(api, &width, &height, 96, 96) == wmf_E_None && width > 0 && height > 0;
-    if (ok) {
-        wmf_svg_t* device = WMF_SVG_GetData(api);
-        device->out = &stream;
-        device->Description = const_cast<char*>("TAMRIK");
-        device->bbox = box;
-        device->width = width;
-        device->height = height;
-        device->flags |= WMF_SVG_INLINE_IMAGES; // embedded bitmaps inline, no files beside
-        ok = wmf_play(api, 0, &box) == wmf_E_None;
+    {
+        const WmfApi api(created);
+        if (!made) {
+            if (error) *error = QStringLiteral("Metatiedoston näyttäminen ei onnistu.");
+            return {};
+        }
+        if (!playToSvg(api.get(), input, stream, capture)) {
+            if (error) *error = damaged();
+            return {};
+        }
     }
-    wmf_mem_close(api);
-    wmf_api_destroy(api);
     const std::string& svg = capture.svg;
-    if (!ok || svg.find("</svg>") == std::string::npos) {
+    if (svg.find("</svg>") == std::string::npos) {
         if (error) *error = damaged();
         return {};
     }

@@ -119,7 +119,7 @@ void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStri
                               static_cast<double>(std::min(l.y1, l.y2)),
                               static_cast<double>(std::max(l.y1, l.y2))});
     }
-    const QString unit = run.source().basicCombo(4).trimmed();
+    const QString unit = run.source().basicCombo(basic::MoneyUnit).trimmed();
     QStringList texts;
     const std::size_t firstSlot = around.size();
     for (int i = 0; i < static_cast<int>(layout.fieldSlots.size()); ++i) {
@@ -220,7 +220,7 @@ void layoutMissing(PrintRun& run, Surface& s, const QString& message, const QStr
     const PageModel& m = run.page();
     s.setFont(run.font(11, true));
     const QStringList lines = run.wrap(message, 11, m.UsableWidth);
-    double y = m.OriginY + 700 * m.ScaleY;
+    double y = m.OriginY + kBodyTop * m.ScaleY;
     for (const QString& line : lines) {
         s.text(m.OriginX, y, line);
         y += m.LineHeight11;

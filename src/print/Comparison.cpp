@@ -360,11 +360,11 @@ void PrintComparison(PrintRun& run, Surface& s, int p) {
     // A page that goes on with the table repeats its column headings.
     const ItemAt first = itemAt(all, e.firstRow);
     if (first.item == Item::Change || first.item == Item::CostChangeTotal)
-        tableHeading(run, s, tableColumns(run), m.OriginY + 700 * m.ScaleY);
+        tableHeading(run, s, tableColumns(run), m.OriginY + kBodyTop * m.ScaleY);
     double y = ListBodyTop(run);
     for (int r = e.firstRow; r <= e.lastRow; ++r)
         y += bodyRow(run, &s, all, r, y);
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 bool ComparisonNeedsLandscape(PrintRun& run) {

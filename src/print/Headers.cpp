@@ -12,9 +12,15 @@ namespace {
 
 const QString kProgramTitle = QStringLiteral("TAMRIK 2006");
 
-bool anyFilled(const PrintSource& s, std::initializer_list<int> combos) {
+// The header's distances in twips (scaled) and proportions.
+constexpr double kIdentificationShare = 0.6; // of the usable width, for the bridge's first line
+constexpr double kTitleGap = 250;            // around the title, from its neighbours
+constexpr double kLeastTitleRoom = 1000;     // the title's room at the least
+constexpr double kHeaderRule = 560;          // the rule under the header, below the top
+
+bool anyFilled(const PrintSource& s, std::initializer_list<basic::ComboField> combos) {
     return std::any_of(combos.begin(), combos.end(),
-                       [&s](int i) { return !lists::BlankString(s.basicCombo(i)); });
+                       [&s](basic::ComboField i) { return !lists::BlankString(s.basicCombo(i)); });
 }
 
 } // namespace
@@ -25,24 +31,25 @@ Parties PartiesOf(const PrintRun& run, int document) {
     // The requirements of document 7 are drawn up by either party: the contractor's once any of
     // the contractor's names or dates is filled in. So is a comparison of versions.
     if (document == doc::AllRequirements || document == doc::Comparison)
-        contractor = anyFilled(s, {17, 15, 16, 14});
+        contractor = anyFilled(s, {basic::ContractorDrewUp, basic::ContractorDrewUpDate,
+                                   basic::ContractorChecked, basic::ContractorCheckedDate});
     Parties p;
     if (contractor) {
         p.firstRole = QStringLiteral("URAKOITSIJA");
-        p.firstCompany = s.basicText(10);
+        p.firstCompany = s.basicText(basic::ContractorCompany);
         p.secondRole = QStringLiteral("TILAAJA");
-        p.secondCompany = s.basicText(11);
-        p.drewUp = s.basicCombo(17);
-        p.drewUpDate = s.basicCombo(15);
-        p.checked = s.basicCombo(16);
-        p.checkedDate = s.basicCombo(14);
+        p.secondCompany = s.basicText(basic::Client);
+        p.drewUp = s.basicCombo(basic::ContractorDrewUp);
+        p.drewUpDate = s.basicCombo(basic::ContractorDrewUpDate);
+        p.checked = s.basicCombo(basic::ContractorChecked);
+        p.checkedDate = s.basicCombo(basic::ContractorCheckedDate);
     } else {
         p.firstRole = QStringLiteral("SUUNNITTELIJA");
-        p.firstCompany = s.basicText(9);
-        p.drewUp = s.basicCombo(5);
-        p.drewUpDate = s.basicCombo(8);
-        p.checked = s.basicCombo(6);
-        p.checkedDate = s.basicCombo(7);
+        p.firstCompany = s.basicText(basic::DesignerCompany);
+        p.drewUp = s.basicCombo(basic::DesignerDrewUp);
+        p.drewUpDate = s.basicCombo(basic::DesignerDrewUpDate);
+        p.checked = s.basicCombo(basic::DesignerChecked);
+        p.checkedDate = s.basicCombo(basic::DesignerCheckedDate);
     }
     return p;
 }
@@ -75,10 +82,12 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
             if (!part.trimmed().isEmpty()) filled << part.trimmed();
         return filled.join(separator);
     };
-    const QString identification =
-        join({src.basicText(0), join({src.basicText(1), src.basicCombo(9)}, QStringLiteral("/"))},
-             QStringLiteral("  "));
-    const QString first = run.wrap(identification, 9, 0.6 * m.UsableWidth).value(0).trimmed();
+    const QString identification = join(
+        {src.basicText(basic::BridgeName),
+         join({src.basicText(basic::RoadSection), src.basicCombo(basic::Municipality)}, QStringLiteral("/"))},
+        QStringLiteral("  "));
+    const QString first =
+        run.wrap(identification, 9, kIdentificationShare * m.UsableWidth).value(0).trimmed();
     s.text(m.OriginX, m.OriginY, first);
     const Parties parties = PartiesOf(run, e.document);
     s.text(m.OriginX, m.OriginY + m.LineHeight9,
@@ -87,9 +96,9 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     // The title between the identification and the print date, at most two lines. A long
     // identification can leave it less room than one of its words needs: then the title takes
     // a smaller size rather than be split inside a word.
-    const double titleX = m.OriginX + s.textWidth(first) + 250 * m.ScaleX;
-    const double titleEnd = right - s.textWidth(printed) - 250 * m.ScaleX;
-    const double room = std::max(titleEnd - titleX, 1000.0 * m.ScaleX) / m.ScaleX;
+    const double titleX = m.OriginX + s.textWidth(first) + kTitleGap * m.ScaleX;
+    const double titleEnd = right - s.textWidth(printed) - kTitleGap * m.ScaleX;
+    const double room = std::max(titleEnd - titleX, kLeastTitleRoom * m.ScaleX) / m.ScaleX;
     const Font titleFont{run.settings().PrinterFont, 9};
     bool tooLong = false;
     QStringList lines = WrapLines(run.fonts(), titleFont, title, room, &tooLong);
@@ -104,19 +113,19 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
         s.text(titleX, m.OriginY + drop + i * m.LineHeight9, lines[i]);
     s.setFont(run.font(9));
 
-    const double y = m.OriginY + 560 * m.ScaleY;
+    const double y = m.OriginY + kHeaderRule * m.ScaleY;
     s.line(m.OriginX, y, right, y);
 }
 
-void PrintBottomHeader(PrintRun& run, Surface& s, int kind) {
+void PrintBottomHeader(PrintRun& run, Surface& s, Footer kind) {
     const PageModel& m = run.page();
-    const double lineY = m.bottom() - 360 * m.ScaleY;
+    const double lineY = m.bottom() - kFooterRule * m.ScaleY;
     s.line(m.OriginX, lineY, m.right(), lineY);
     s.setFont(run.font(9));
     const double y = m.bottom() - m.LineHeight11;
-    if (kind == 0) {
+    if (kind == Footer::ProgramName) {
         s.text(m.OriginX, y, kProgramTitle);
-    } else if (kind == 1) {
+    } else {
         s.text(
             m.OriginX, y,
             QStringLiteral("Ty = vaatimustyyppi (1 = siltakohtainen, 2 = KLV:n mukainen, 3 = ohjeellinen)"));

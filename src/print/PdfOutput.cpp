@@ -225,7 +225,7 @@ PdfProperties DocumentProperties(const PrintRun& run, const PdfOptions& options)
         documents << title;
     }
     if (run.comparison()) documents << DocumentTitle(doc::Comparison, QString());
-    const QString bridge = run.source().basicText(0).trimmed();
+    const QString bridge = run.source().basicText(basic::BridgeName).trimmed();
     p.title = documents.join(QStringLiteral(", "));
     if (!bridge.isEmpty()) p.title = bridge + QStringLiteral(" – ") + p.title;
     if (firstDocument >= 0) p.author = PartiesOf(run, firstDocument).drewUp.trimmed();

@@ -10,9 +10,6 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
-#if defined(__GLIBC__)
-#include <malloc.h>
-#endif
 
 namespace print {
 
@@ -25,20 +22,6 @@ bool sameMetrics(const DeviceMetrics& a, const DeviceMetrics& b) {
     return std::abs(a.pageWidth - b.pageWidth) < 0.5 && std::abs(a.pageHeight - b.pageHeight) < 0.5 &&
            std::abs(a.printableWidth - b.printableWidth) < 0.5 &&
            std::abs(a.printableHeight - b.printableHeight) < 0.5 && a.landscape == b.landscape;
-}
-
-// The PDF engine takes a large buffer for every page it compresses and gives it back at once.
-// With glibc's defaults the memory goes back to the system each time and every page pays for
-// fresh pages from the kernel, a millisecond each; keeping it in the heap makes long runs quick.
-void keepPageBuffersInHeap() {
-#if defined(__GLIBC__)
-    static const bool done = [] {
-        mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);
-        mallopt(M_TRIM_THRESHOLD, 256 * 1024 * 1024);
-        return true;
-    }();
-    (void)done;
-#endif
 }
 
 int rowsOf(const lists::ListModel* list) {
@@ -537,7 +520,6 @@ OutputResult PrintRun::PaginateFor(QPagedPaintDevice& device, const Progress& pr
 }
 
 OutputResult PrintRun::PrintPages(QPagedPaintDevice& device, int first, int last, const Progress& progress) {
-    keepPageBuffersInHeap();
     const DeviceMetrics metrics = MetricsOf(device);
     QPainter painter;
     if (!painter.begin(&device)) return OutputResult::DeviceFailed;

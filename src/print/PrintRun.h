@@ -32,6 +32,9 @@ struct ProjectComparison;
 namespace print {
 
 inline constexpr int kDocumentCount = 13;
+// The selection's document slots: room for more documents than the run prints today; only the
+// first kDocumentCount are ever read.
+inline constexpr int kDocumentSlots = 21;
 // The size of the page table.
 inline constexpr int kMaxPages = 10000;
 // The document index of the quality summary pages of document 12.
@@ -62,7 +65,7 @@ inline constexpr int Comparison = 13;
 
 // The choice of documents, kept for the life of the program.
 struct Selection {
-    std::array<bool, 21> DocumentSelected{};
+    std::array<bool, kDocumentSlots> DocumentSelected{};
     // For documents 7, 9, 10 and 11: the work phase the document is limited to (its caption
     // line); empty for all work phases.
     std::array<QString, kDocumentCount> WorkPhaseFilter;

@@ -3,6 +3,7 @@
 // lists, the plain text of the three documents, the field texts of the two cards and the
 // pictures. The desktop program fills it from the project's windows, the command line from a
 // project file; the reports never see a window.
+#include "calc/BasicFields.h"
 #include "calc/CostEstimate.h"
 #include "platform/Picture.h"
 
@@ -43,8 +44,8 @@ struct PrintSource {
     // The charge chamber card's check boxes: 0 unchecked, 1 checked, 2 greyed.
     std::vector<int> chargeChecks;
 
-    QString basicText(int i) const { return i >= 0 && i < basicTexts.size() ? basicTexts[i] : QString(); }
-    QString basicCombo(int i) const { return i >= 0 && i < basicCombos.size() ? basicCombos[i] : QString(); }
+    QString basicText(basic::TextField i) const { return basicTexts.value(i); }
+    QString basicCombo(basic::ComboField i) const { return basicCombos.value(i); }
     // The fields the cost estimate reads.
     calc::CostInputs costInputs() const;
 };

@@ -418,7 +418,7 @@ private:
 
 double qualityBodyTop(const PrintRun& run) {
     const PageModel& m = run.page();
-    return m.OriginY + 700 * m.ScaleY;
+    return m.OriginY + kBodyTop * m.ScaleY;
 }
 
 } // namespace
@@ -543,7 +543,7 @@ void PrintQuality(PrintRun& run, Surface& s, int p) {
                 painter.requirement(e.document, item.row, y);
         }
     }
-    PrintBottomHeader(run, s, e.document == doc::QualityReport ? 0 : 1);
+    PrintBottomHeader(run, s, e.document == doc::QualityReport ? Footer::ProgramName : Footer::QualityLegend);
 }
 
 // The summary pages of the bridge's quality report.
@@ -561,54 +561,53 @@ SummaryLayout QualitySummaryLayout(const PrintRun& run) {
     return l;
 }
 
-void PrintQualitySummary(PrintRun& run, Surface& s, int p) {
-    const PageEntry& e = run.entry(p);
+namespace {
+
+// The summary's numbers end this far (twips, scaled) left of their grid line, as do the texts
+// of the work phases; the rule below a heading has this much room under it.
+constexpr double kSummaryInset = 200;
+constexpr double kSummaryRuleGap = 40;
+
+// A number of the summary, right-aligned in its column: grid line 20 is the page's right edge,
+// any other column ends a little left of its line.
+void summaryCell(PrintRun& run, Surface& s, const Grid& g, int right, double y, const QString& text,
+                 bool bold) {
+    s.setFont(run.font(11, bold));
+    s.textRight(right == 20 ? g[20] : g[right] - kSummaryInset * run.page().ScaleX, y, text);
+}
+
+// The work phases of rows first..last of the quality record with their weights and shares,
+// then the legends below. Returns the line after the legends.
+double printWorkPhaseTable(PrintRun& run, Surface& s, const Grid& g, const PageEntry& e, double y) {
     const PageModel& m = run.page();
     const calc::QualityRecord& q = run.quality();
-    const Grid g = gridOf(m);
     const double lh = m.LineHeight11;
-    PrintTopHeader(run, s, p, DocumentTitle(doc::QualityReport, QString()));
-    double y = qualityBodyTop(run);
-    const bool first = e.number == 2;
-    if (first) {
-        s.setFont(run.font(11, true));
-        s.text(g[1], y,
-               QStringLiteral("SILLAN LAATULUKU ") + calc::DecimalS(q.qualityNumber, 1) +
-                   QStringLiteral(" (100)"));
-        y += 2 * lh;
-    }
-
-    // The work phases.
+    const double inset = kSummaryInset * m.ScaleX;
     s.setFont(run.font(11, false, true));
     s.text(g[1], y, QStringLiteral("Littera"));
     s.text(g[52], y, QStringLiteral("Työvaihe"));
-    s.textRight(g[36] - 200 * m.ScaleX, y, QStringLiteral("Pa%"));
-    s.textRight(g[37] - 200 * m.ScaleX, y, QStringLiteral("TotPa"));
-    s.textRight(g[38] - 200 * m.ScaleX, y, QStringLiteral("MaksPa"));
+    s.textRight(g[36] - inset, y, QStringLiteral("Pa%"));
+    s.textRight(g[37] - inset, y, QStringLiteral("TotPa"));
+    s.textRight(g[38] - inset, y, QStringLiteral("MaksPa"));
     s.textRight(g[20], y, QStringLiteral("Tot%"));
     y += lh;
     s.line(g[1], y, g[20], y);
-    y += 40 * m.ScaleY;
-    auto cell = [&](int right, const QString& text, bool bold) {
-        s.setFont(run.font(11, bold));
-        s.textRight(right == 20 ? g[20] : g[right] - 200 * m.ScaleX, y, text);
-    };
+    y += kSummaryRuleGap * m.ScaleY;
     for (int k = e.firstRow; k <= e.lastRow && k <= q.groupCount; ++k) {
         s.setFont(run.font(11));
         s.text(g[1], y, q.groupLittera[k].trimmed());
-        CellText(run, s, g[52], g[35] - 200 * m.ScaleX, y, q.groupText[k], 11, false, CellAlign::Left);
+        CellText(run, s, g[52], g[35] - inset, y, q.groupText[k], 11, false, CellAlign::Left);
         const float max = q.groupMax[k];
         const float realized = q.groupRealized[k];
         const float share = q.totalMax > 0 ? max / q.totalMax * 100 : 0;
-        cell(36, share == 0 ? QStringLiteral("0") : calc::DecimalS(share, 1), false);
+        summaryCell(run, s, g, 36, y, share == 0 ? QStringLiteral("0") : calc::DecimalS(share, 1), false);
         if (max > 0) {
-            cell(37, calc::DecimalS(realized, 1), false);
-            cell(38, calc::DecimalS(max, 1), false);
-            cell(20, calc::DecimalS(realized / max * 100, 1), false);
+            summaryCell(run, s, g, 37, y, calc::DecimalS(realized, 1), false);
+            summaryCell(run, s, g, 38, y, calc::DecimalS(max, 1), false);
+            summaryCell(run, s, g, 20, y, calc::DecimalS(realized / max * 100, 1), false);
         } else {
-            cell(37, QStringLiteral("-"), true);
-            cell(38, QStringLiteral("-"), true);
-            cell(20, QStringLiteral("-"), true);
+            for (int column : {37, 38, 20})
+                summaryCell(run, s, g, column, y, QStringLiteral("-"), true);
         }
         y += lh;
     }
@@ -620,38 +619,66 @@ void PrintQualitySummary(PrintRun& run, Surface& s, int p) {
         s.text(g[1], y, QString::fromUtf8(legend));
         y += m.LineHeight9;
     }
+    return y;
+}
 
-    if (first) {
+// The requirements counted by type, checked and not, with their total, from `y`.
+void printTypeCounts(PrintRun& run, Surface& s, const Grid& g, double y) {
+    const PageModel& m = run.page();
+    const calc::QualityRecord& q = run.quality();
+    const double lh = m.LineHeight11;
+    const double inset = kSummaryInset * m.ScaleX;
+    s.setFont(run.font(11, false, true));
+    s.text(g[1], y, QStringLiteral("Yhteenveto laatuvaatimuksista"));
+    s.textRight(g[36] - inset, y, QStringLiteral("lkm"));
+    s.textRight(g[37] - inset, y, QStringLiteral("tark."));
+    s.textRight(g[38] - inset, y, QStringLiteral("ei tark."));
+    y += lh;
+    const struct {
+        const char* label;
+        int count, checked;
+    } types[] = {{"1 Siltakohtainen", q.countType1, q.checkedType1},
+                 {"2 KLVn mukainen", q.countType2, q.checkedType2},
+                 {"3 Ohjeellinen", q.countType3, q.checkedType3}};
+    int count = 0, checked = 0;
+    auto countRow = [&](const QString& label, int n, int done, bool bold) {
+        s.setFont(run.font(11, bold));
+        s.text(g[1], y, label);
+        summaryCell(run, s, g, 36, y, QString::number(n), bold);
+        summaryCell(run, s, g, 37, y, QString::number(done), bold);
+        summaryCell(run, s, g, 38, y, QString::number(n - done), bold);
         y += lh;
-        s.setFont(run.font(11, false, true));
-        s.text(g[1], y, QStringLiteral("Yhteenveto laatuvaatimuksista"));
-        s.textRight(g[36] - 200 * m.ScaleX, y, QStringLiteral("lkm"));
-        s.textRight(g[37] - 200 * m.ScaleX, y, QStringLiteral("tark."));
-        s.textRight(g[38] - 200 * m.ScaleX, y, QStringLiteral("ei tark."));
-        y += lh;
-        const struct {
-            const char* label;
-            int count, checked;
-        } types[] = {{"1 Siltakohtainen", q.countType1, q.checkedType1},
-                     {"2 KLVn mukainen", q.countType2, q.checkedType2},
-                     {"3 Ohjeellinen", q.countType3, q.checkedType3}};
-        int count = 0, checked = 0;
-        auto countRow = [&](const QString& label, int n, int done, bool bold) {
-            s.setFont(run.font(11, bold));
-            s.text(g[1], y, label);
-            cell(36, QString::number(n), bold);
-            cell(37, QString::number(done), bold);
-            cell(38, QString::number(n - done), bold);
-            y += lh;
-        };
-        for (const auto& t : types) {
-            countRow(QString::fromUtf8(t.label), t.count, t.checked, false);
-            count += t.count;
-            checked += t.checked;
-        }
-        countRow(QStringLiteral("Yhteensä"), count, checked, true);
+    };
+    for (const auto& t : types) {
+        countRow(QString::fromUtf8(t.label), t.count, t.checked, false);
+        count += t.count;
+        checked += t.checked;
     }
-    PrintBottomHeader(run, s, 0);
+    countRow(QStringLiteral("Yhteensä"), count, checked, true);
+}
+
+} // namespace
+
+// The first summary page opens with the bridge's quality number and ends with the counts by
+// type; every summary page holds its share of the work-phase table.
+void PrintQualitySummary(PrintRun& run, Surface& s, int p) {
+    const PageEntry& e = run.entry(p);
+    const calc::QualityRecord& q = run.quality();
+    const Grid g = gridOf(run.page());
+    const double lh = run.page().LineHeight11;
+    PrintTopHeader(run, s, p, DocumentTitle(doc::QualityReport, QString()));
+    double y = qualityBodyTop(run);
+    const bool first = e.number == 2;
+    if (first) {
+        s.setFont(run.font(11, true));
+        s.text(g[1], y,
+               QStringLiteral("SILLAN LAATULUKU ") + calc::DecimalS(q.qualityNumber, 1) +
+                   QStringLiteral(" (100)"));
+        y += 2 * lh;
+    }
+    y = printWorkPhaseTable(run, s, g, e, y);
+    if (first) printTypeCounts(run, s, g, y + lh);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 } // namespace print

@@ -73,7 +73,7 @@ RowLines rowLines(PrintRun& run, const Layout& l, int row) {
 
 void headerRow(PrintRun& run, Surface& s, int document) {
     const PageModel& m = run.page();
-    const double y = m.OriginY + 700 * m.ScaleY;
+    const double y = m.OriginY + kBodyTop * m.ScaleY;
     s.setFont(run.font(11, false, true));
     const Layout l = layoutOf(run, s, document);
     s.setFont(run.font(11, false, true));
@@ -177,7 +177,7 @@ void listPage(PrintRun& run, Surface& s, int p) {
         if (run.costSummaryBlocks() == 1 || e.firstRow <= rows + 1) PrintCostSummary1(run, s, y);
         if (run.costSummaryBlocks() == 1 || e.lastRow >= rows + 2) PrintCostSummary2(run, s, y);
     }
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 QString indexText(const QString& index) {
@@ -195,7 +195,7 @@ void summaryLine(PrintRun& run, Surface& s, double& y, const QString& label, flo
     s.text(descriptionX(run, c.description), y, label);
     const QString money = calc::MoneyS(amount, 2);
     if (!money.isEmpty()) {
-        const QString unit = run.source().basicCombo(4).trimmed();
+        const QString unit = run.source().basicCombo(basic::MoneyUnit).trimmed();
         QString text = unit.isEmpty() ? money : money + QLatin1Char(' ') + unit;
         if (indent) text += QStringLiteral("    ");
         s.textRight(c.sum, y, text);
@@ -243,7 +243,7 @@ CostColumns costColumns(const PageModel& m) {
 
 double ListBodyTop(const PrintRun& run) {
     const PageModel& m = run.page();
-    return m.OriginY + 700 * m.ScaleY + m.LineHeight11 + 40 * m.ScaleY;
+    return m.OriginY + kBodyTop * m.ScaleY + m.LineHeight11 + 40 * m.ScaleY;
 }
 
 double QuantityRowHeight(PrintRun& run, Surface& s, int document, int row) {

@@ -36,12 +36,18 @@ void CellText(PrintRun& run, Surface& s, const Font& font, double sx, double sy,
 double CellBaselineDrop(PrintRun& run, double size, double fittedSize, bool bold);
 
 // Page header and footer.
+// The footer's rule stands this many twips (scaled) above the bottom of the usable area; the
+// body of a page after the first starts this many below its top, under the header.
+inline constexpr double kFooterRule = 360;
+inline constexpr double kBodyTop = 700;
 void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title);
 // The first page of a document is its front page; any other gets the top header. True when the
 // page goes on with the document's body.
 bool PrintFrontPageOrHeader(PrintRun& run, Surface& s, int p, const QString& title);
-// Footer kinds: 0 the program's name, 1 the legends of the quality documents, other: the line.
-void PrintBottomHeader(PrintRun& run, Surface& s, int kind);
+// What the footer holds under its line: the program's name, or the legends of the quality
+// documents' abbreviations with the program's name on the right.
+enum class Footer { ProgramName, QualityLegend };
+void PrintBottomHeader(PrintRun& run, Surface& s, Footer kind);
 
 // Who drew up and checked a document, and for whom: the parties of the front page and the
 // "Laati" line of the header.

@@ -26,13 +26,13 @@ void PrintTextPage(PrintRun& run, Surface& s, int p) {
     const PageModel& m = run.page();
     const QString lines = ParseTextPage(run.textBuffer(TextBufferOf(e.document)), e.firstRow, e.lastRow);
     s.setFont(run.font(11));
-    double y = m.OriginY + 700 * m.ScaleY;
+    double y = m.OriginY + kBodyTop * m.ScaleY;
     for (const QStringView line : QStringView(lines).split(QStringLiteral("\r\n"))) {
-        if (y + m.LineHeight11 > m.bottom() - 360 * m.ScaleY) break;
+        if (y + m.LineHeight11 > m.bottom() - kFooterRule * m.ScaleY) break;
         s.text(m.OriginX, y, line.toString());
         y += m.LineHeight11;
     }
-    PrintBottomHeader(run, s, 0);
+    PrintBottomHeader(run, s, Footer::ProgramName);
 }
 
 } // namespace print

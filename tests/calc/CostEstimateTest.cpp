@@ -196,6 +196,8 @@ TEST(CalculateCosts, IndexZeroOrMissingKeepsTheTotals) {
     lists::ListModel list;
     fillQuantityList(list, bridgeWithRoadWorks());
     for (const CostInputs& in : {indexInputs("0", "112,5"), indexInputs("", "")}) {
+        SCOPED_TRACE("unit price index \"" + in.unitPriceIndex.toStdString() + "\", cost index \"" +
+                     in.costIndex.toStdString() + "\"");
         const CostRecord r = CalculateCosts(list, in);
         EXPECT_EQ(r.bridgeConverted, r.bridgeTotal);
         EXPECT_EQ(r.bridgeRounded, 35700.0f);

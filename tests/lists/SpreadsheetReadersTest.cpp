@@ -648,6 +648,8 @@ TEST(SpreadsheetReaders, DamagedFilesFailWithWhereAndNeverHang) {
         const QByteArray original = f.readAll();
         const QString ext = name.mid(name.lastIndexOf('.'));
         for (int i = 1; i <= 40; ++i) {
+            SCOPED_TRACE(name.toStdString() + (i % 2 ? " cut short, " : " overwritten, ") +
+                         std::to_string(i));
             QByteArray bytes = original;
             if (i % 2)
                 bytes.truncate(original.size() * i / 41);

@@ -143,6 +143,7 @@ TEST(Picture, FilesThatAreNotPicturesAreRefusedInFinnish) {
     const QString brokenBmp = dir.filePath(QStringLiteral("rikki.bmp"));
     ASSERT_TRUE(writeFileAtomically(brokenBmp, encoded("BMP").left(40)));
     for (const QString& path : {text, brokenBmp, fixture(QStringLiteral("damaged/random.wmf"))}) {
+        SCOPED_TRACE(QFileInfo(path).fileName().toStdString());
         QString error;
         const Picture p = Picture::fromFile(path, &error);
         EXPECT_TRUE(p.isNull());
@@ -238,6 +239,7 @@ TEST(Picture, DamagedMetafilesDrawNothingAndDoNotCrash) {
     // drawing gives a picture or nothing, never a crash.
     for (const auto& [bytes, type] : {std::pair{truncatedWmf, int(Picture::Metafile)},
                                       std::pair{scrambledEmf, int(Picture::EnhancedMetafile)}}) {
+        SCOPED_TRACE(type == Picture::Metafile ? "truncated WMF" : "scrambled EMF");
         const Picture p = Picture::fromBytes(bytes, type, &error);
         ASSERT_FALSE(p.isNull());
         EXPECT_EQ(p.bytes(), bytes);

@@ -261,7 +261,10 @@ TEST(Rtf, DamagedInputFailsWithTheByteOffsetAndLeavesTheDocument) {
         EXPECT_FALSE(error.isEmpty());
         EXPECT_EQ(doc.toPlainText(), QStringLiteral("ennallaan"));
     }
-    // What follows the document's closing brace is not part of it.
+}
+
+TEST(Rtf, WhatFollowsTheClosingBraceIsNotPartOfTheDocument) {
+    QTextDocument doc;
     ASSERT_TRUE(ReadRtf("{\\rtf1 valmis\\par}}} roskaa", doc));
     EXPECT_EQ(doc.toPlainText(), QStringLiteral("valmis"));
 }
@@ -338,7 +341,13 @@ TEST(Rtf, FileNameChoosesRichOrPlainText) {
             EXPECT_EQ(paragraphs(back), (QStringList{"Otsikko", "Ääkkönen ja ?", ""}));
         }
     }
-    // A rich-text name over text that is not RTF is refused, and the box keeps its text.
+}
+
+// A rich-text name over text that is not RTF is refused, and the box keeps its text; so are a
+// missing file and a folder that does not exist.
+TEST(Rtf, AFileThatIsNotRichTextIsRefusedAndTheBoxKeepsItsText) {
+    QTemporaryDir dir;
+    QString error;
     const QString fake = dir.filePath(QStringLiteral("vale.rtf"));
     ASSERT_TRUE(writeFileAtomically(fake, "ei rtf:aa"));
     QTextDocument kept;
@@ -363,18 +372,6 @@ TEST(Rtf, StylesActOnTheSelectionAsTheEditorMenuDoes) {
     EXPECT_EQ(f.fontWeight(), QFont::Normal);
     EXPECT_EQ(f.foreground().color(), QColor(Qt::black));
 
-    // Superscript on 10-point text raises it by its own height, 200 twips; subscript puts it back.
-    QTextCharFormat ten;
-    ten.setFontPointSize(10);
-    c.mergeCharFormat(ten);
-    FormatRichText(c, QStringLiteral("Superscript"));
-    EXPECT_EQ(baselineOffsetHalfPoints(formatOf(doc, QStringLiteral("keski"))) * 10, 200);
-    EXPECT_TRUE(WriteRtf(doc).contains("\\up20 keski"));
-    EXPECT_EQ(baselineOffsetHalfPoints(formatOf(doc, QStringLiteral("alku"))), 0);
-    FormatRichText(c, QStringLiteral("Subscript"));
-    EXPECT_EQ(baselineOffsetHalfPoints(formatOf(doc, QStringLiteral("keski"))), 0);
-    EXPECT_FALSE(WriteRtf(doc).contains("\\up"));
-
     EXPECT_FALSE(FormatRichText(c, QStringLiteral("Custom")));
     QFont chosen(QStringLiteral("Courier New"), 14);
     chosen.setItalic(true);
@@ -386,8 +383,28 @@ TEST(Rtf, StylesActOnTheSelectionAsTheEditorMenuDoes) {
     EXPECT_TRUE(f.fontItalic());
     EXPECT_TRUE(f.fontStrikeOut());
     EXPECT_EQ(f.foreground().color(), QColor(0, 128, 0));
+}
 
-    // Without a selection the style goes to what is typed next.
+// Superscript on 10-point text raises it by its own height, 200 twips; subscript puts it back.
+TEST(Rtf, SuperscriptRaisesTheTextByItsOwnHeightAndSubscriptPutsItBack) {
+    QTextDocument doc;
+    loadPlainTextAsDefault(doc, QStringLiteral("alku keski loppu"));
+    QTextCursor c = select(doc, QStringLiteral("keski"));
+    QTextCharFormat ten;
+    ten.setFontPointSize(10);
+    c.mergeCharFormat(ten);
+    FormatRichText(c, QStringLiteral("Superscript"));
+    EXPECT_EQ(baselineOffsetHalfPoints(formatOf(doc, QStringLiteral("keski"))) * 10, 200);
+    EXPECT_TRUE(WriteRtf(doc).contains("\\up20 keski"));
+    EXPECT_EQ(baselineOffsetHalfPoints(formatOf(doc, QStringLiteral("alku"))), 0);
+    FormatRichText(c, QStringLiteral("Subscript"));
+    EXPECT_EQ(baselineOffsetHalfPoints(formatOf(doc, QStringLiteral("keski"))), 0);
+    EXPECT_FALSE(WriteRtf(doc).contains("\\up"));
+}
+
+TEST(Rtf, WithoutASelectionTheStyleGoesToWhatIsTypedNext) {
+    QTextDocument doc;
+    loadPlainTextAsDefault(doc, QStringLiteral("alku keski loppu"));
     QTextCursor at(&doc);
     at.movePosition(QTextCursor::End);
     FormatRichText(at, QStringLiteral("Bold"));

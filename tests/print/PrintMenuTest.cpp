@@ -18,7 +18,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
     EXPECT_EQ(main->SubMenu0[7]->text(), QStringLiteral("Tu&losta"));
     EXPECT_TRUE(main->SubMenu0[7]->isEnabled());
     EXPECT_TRUE(main->toolbarButtons[QStringLiteral("Print")]->isEnabled());
-    main->openFromCommandLine(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"));
+    main->openFromCommandLine(sampleCopy());
 
     print::ui::PrintSession& session = main->printSession();
     session.selection.DocumentSelected[print::doc::Costs] = true;
@@ -33,7 +33,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
         dialog->Check1[0]->setChecked(true);
         dialog->Check1Click(0);
         // The selection is stored and the run paginated from the project's windows.
-        dialog->Command1Click(7);
+        dialog->Command1Click(print::ui::Form11::Preview);
         dialog->reject();
     });
     timer->start(10);
@@ -46,7 +46,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
         auto* dialog = qobject_cast<print::ui::Form11*>(w->parentWidget());
         ASSERT_TRUE(dialog && dialog->run());
         pages = dialog->run()->TotalPages();
-        bridge = dialog->run()->source().basicText(0);
+        bridge = dialog->run()->source().basicText(basic::BridgeName);
         qobject_cast<QDialog*>(w)->reject();
     });
     closer->start(10);
@@ -60,7 +60,7 @@ TEST_F(PrintMenu, PrintOpensTheSelectionOnTheActiveProject) {
 // "Valitse työvaihe..." beside a quality document opens the project's index of requirement
 // headings; the work phase of the chosen heading is what the document prints.
 TEST_F(PrintMenu, AWorkPhaseIsChosenFromTheProjectsRequirementHeadings) {
-    main->openFromCommandLine(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"));
+    main->openFromCommandLine(sampleCopy());
     print::ui::PrintSession& session = main->printSession();
     const int inspections = print::doc::Inspections;
     QString shownLittera, shownText, captionAfterChoice, captionAfterCancel;

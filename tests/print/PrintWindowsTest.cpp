@@ -99,20 +99,20 @@ TEST(Form11, LoadingAndEnablingFollowTheSelectionAndTheMode) {
         EXPECT_TRUE(dialog.Check1[d]->isEnabled()) << d;
 
     // "Poista kaikki" empties the designer's frame and print and preview go grey.
-    dialog.Command1Click(1);
+    dialog.Command1Click(Form11::ClearDesigner);
     EXPECT_FALSE(dialog.Check1[1]->isChecked());
     EXPECT_FALSE(dialog.Command1[5]->isEnabled());
     EXPECT_FALSE(dialog.Command1[7]->isEnabled());
     EXPECT_FALSE(dialog.PdfButton->isEnabled());
     session.selection.PaginationStale = false;
-    dialog.Command1Click(0);
+    dialog.Command1Click(Form11::SelectDesigner);
     EXPECT_TRUE(dialog.Check1[0]->isChecked());
     EXPECT_TRUE(dialog.Check1[1]->isChecked());
     EXPECT_TRUE(dialog.Check1[6]->isChecked());
     EXPECT_FALSE(dialog.Check1[8]->isChecked()) << "only the designer's frame";
     EXPECT_TRUE(session.selection.PaginationStale);
 
-    dialog.Command1Click(4);
+    dialog.Command1Click(Form11::Help);
     EXPECT_EQ(host.helpContexts, std::vector<int>{2400});
 
     // In contractor mode the charge chamber card cannot be chosen.
@@ -139,12 +139,12 @@ TEST(Form11, TheCostEstimateWithoutACostIndexIsWarnedAbout) {
     EXPECT_EQ(dialogs.messages().size(), 1u);
 
     // "Valitse kaikki" that ticks the box warns too; once ticked, choosing all again does not.
-    dialog.Command1Click(0);
+    dialog.Command1Click(Form11::SelectDesigner);
     EXPECT_TRUE(dialog.Check1[1]->isChecked());
     EXPECT_EQ(dialogs.messages().size(), 2u);
     EXPECT_EQ(dialogs.texts().value(1), dialogs.texts().value(0));
-    dialog.Command1Click(0);
-    dialog.Command1Click(2);
+    dialog.Command1Click(Form11::SelectDesigner);
+    dialog.Command1Click(Form11::SelectContractor);
     EXPECT_EQ(dialogs.messages().size(), 2u);
 }
 
@@ -163,7 +163,7 @@ TEST(Form11, PdfButtonWritesTheRunAndPreviewOpensOnItsPages) {
         EXPECT_EQ(preview->CurrentPage, 1);
         preview->reject();
     });
-    dialog.Command1Click(7);
+    dialog.Command1Click(Form11::Preview);
     EXPECT_EQ(previewPages, 2);
     EXPECT_EQ(dialog.result(), 0);
     EXPECT_TRUE(dialog.statusText().isEmpty());
@@ -229,14 +229,15 @@ TEST(Form11, PrinterSettingsThatChangeThePaperMakeThePaginationStale) {
     print::ui::PrintSession session;
     session.selection.DocumentSelected[print::doc::Quantities] = true;
     int calls = 0;
-    print::ui::PrintSession::setPrinterDialog([&calls](QPrinter& printer, int mode, QWidget*) {
-        ++calls;
-        EXPECT_EQ(mode, 1);
-        printer.setPageOrientation(QPageLayout::Landscape);
-        return true;
-    });
+    print::ui::PrintSession::setPrinterDialog(
+        [&calls](QPrinter& printer, print::ui::PrintSession::PrinterDialogMode mode, QWidget*) {
+            ++calls;
+            EXPECT_EQ(mode, print::ui::PrintSession::PrinterDialogMode::Settings);
+            printer.setPageOrientation(QPageLayout::Landscape);
+            return true;
+        });
     Form11 dialog(host, session);
-    dialog.Command1Click(6);
+    dialog.Command1Click(Form11::PrinterSettings);
     print::ui::PrintSession::setPrinterDialog(nullptr);
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(session.selection.PaginationStale);

@@ -235,8 +235,11 @@ TEST(Reports, FrontPagePartiesFollowTheDocument) {
         EXPECT_EQ(p.firstRole, QString::fromUtf8(c.first)) << c.document;
         EXPECT_EQ(p.secondRole, QString::fromUtf8(c.second)) << c.document;
         EXPECT_EQ(p.drewUp, QString::fromUtf8(c.drewUp)) << c.document;
-        if (p.secondRole == QLatin1String("TILAAJA")) EXPECT_EQ(p.secondCompany, t.source.basicText(11));
-        EXPECT_EQ(p.firstCompany, t.source.basicText(p.firstRole == QLatin1String("URAKOITSIJA") ? 10 : 9));
+        if (p.secondRole == QLatin1String("TILAAJA"))
+            EXPECT_EQ(p.secondCompany, t.source.basicText(basic::Client));
+        EXPECT_EQ(p.firstCompany,
+                  t.source.basicText(p.firstRole == QLatin1String("URAKOITSIJA") ? basic::ContractorCompany
+                                                                                 : basic::DesignerCompany));
     }
     t.source.basicCombos[17].clear();
     t.source.basicCombos[14] = QStringLiteral("5.5.2006");

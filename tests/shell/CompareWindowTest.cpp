@@ -34,7 +34,7 @@ protected:
                              *recordRow(project, 1, 0, 2, QStringLiteral("Kaivu vedestä"))));
         project.content.windows[0].texts[0] = QStringLiteral("Kirkkojoen silta (luonnos)");
         writeProject(project, older);
-        dialogs.chooseFile(dataDir() + QStringLiteral("Esimerkkisilta.sl"));
+        dialogs.chooseFile(sampleCopy());
         main->FileMenuActions(1);
         ASSERT_TRUE(main->ParseFormIndeces().complete());
     }

@@ -52,8 +52,20 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(window));
         QApplication::setActiveWindow(window);
     }
+    // A copy of the shipped sample project in a folder of the test's own. Opening the shipped
+    // file itself would put this program's lock beside it, where tests running at the same
+    // time meet it as "open in another program".
+    QString sampleCopy() {
+        const QString file = m_sampleDir.filePath(QStringLiteral("Esimerkkisilta.sl"));
+        if (!QFile::exists(file))
+            EXPECT_TRUE(QFile::copy(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"), file));
+        return file;
+    }
     testing_support::ScriptedDialogs dialogs;
     std::unique_ptr<shell::MDIForm1> main;
+
+private:
+    QTemporaryDir m_sampleDir;
 };
 
 // The same, with the main window shown and active, for tests that need the focus.

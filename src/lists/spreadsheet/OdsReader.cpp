@@ -217,37 +217,49 @@ struct CellValue {
         if (type.empty() || type == "string")
             return stringValue ? withCrLf(fromUtf8(*stringValue)) : paragraphs;
         if (type == "boolean") return booleanText(booleanValue == "true" || booleanValue == "1");
-        if (type == "date") {
-            const QString v = fromUtf8(dateValue);
-            const QDate date = QDate::fromString(v.left(10), Qt::ISODate);
-            if (!date.isValid()) return paragraphs;
-            double seconds = 0;
-            if (v.size() > 11 && v[10] == QLatin1Char('T')) {
-                const QStringView t = QStringView(v).mid(11);
-                seconds = t.left(2).toInt() * 3600.0 + t.mid(3, 2).toInt() * 60.0 +
-                          (t.size() > 6 ? t.mid(6).toDouble() : 0);
-            }
-            const double serial = nullDate(false).daysTo(date) + seconds / 86400;
-            CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
-            if (!shown.isDateOrTime()) {
-                shown.kind = seconds != 0 ? CellFormat::DateTime : CellFormat::Date;
-                shown.seconds = std::llround(seconds) % 60 != 0;
-            }
-            return serialText(serial, shown, nullDate(false));
+        if (type == "date") return dateText(format, paragraphs);
+        if (type == "time") return timeText(format, paragraphs);
+        return numberValueText(format, paragraphs); // float, percentage, currency
+    }
+
+private:
+    // office:date-value, a date with or without its time of day, shown in the cell's date
+    // format or as a plain date (and time).
+    QString dateText(const CellFormat* format, const QString& paragraphs) const {
+        const QString v = fromUtf8(dateValue);
+        const QDate date = QDate::fromString(v.left(10), Qt::ISODate);
+        if (!date.isValid()) return paragraphs;
+        double seconds = 0;
+        if (v.size() > 11 && v[10] == QLatin1Char('T')) {
+            const QStringView t = QStringView(v).mid(11);
+            seconds = t.left(2).toInt() * 3600.0 + t.mid(3, 2).toInt() * 60.0 +
+                      (t.size() > 6 ? t.mid(6).toDouble() : 0);
         }
-        if (type == "time") {
-            double seconds = 0;
-            if (!durationSeconds(fromUtf8(timeValue), seconds)) return paragraphs;
-            CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
-            if (!shown.isDateOrTime()) {
-                // Without a style: the time of day, or the whole duration when it is a day or more.
-                shown.kind = std::fabs(seconds) >= 86400 ? CellFormat::Elapsed : CellFormat::Time;
-                shown.elapsedUnit = 'h';
-                shown.seconds = std::llround(seconds) % 60 != 0;
-            }
-            return serialText(seconds / 86400, shown, nullDate(false));
+        const double serial = nullDate(false).daysTo(date) + seconds / 86400;
+        CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
+        if (!shown.isDateOrTime()) {
+            shown.kind = seconds != 0 ? CellFormat::DateTime : CellFormat::Date;
+            shown.seconds = std::llround(seconds) % 60 != 0;
         }
-        // float, percentage, currency
+        return serialText(serial, shown, nullDate(false));
+    }
+
+    // office:time-value, an ISO 8601 duration.
+    QString timeText(const CellFormat* format, const QString& paragraphs) const {
+        double seconds = 0;
+        if (!durationSeconds(fromUtf8(timeValue), seconds)) return paragraphs;
+        CellFormat shown = format && format->isDateOrTime() ? *format : CellFormat{};
+        if (!shown.isDateOrTime()) {
+            // Without a style: the time of day, or the whole duration when it is a day or more.
+            shown.kind = std::fabs(seconds) >= 86400 ? CellFormat::Elapsed : CellFormat::Time;
+            shown.elapsedUnit = 'h';
+            shown.seconds = std::llround(seconds) % 60 != 0;
+        }
+        return serialText(seconds / 86400, shown, nullDate(false));
+    }
+
+    // office:value; the paragraphs when it is not a number.
+    QString numberValueText(const CellFormat* format, const QString& paragraphs) const {
         const char* begin = value.data();
         const char* end = begin + value.size();
         while (begin < end && *begin == ' ')
@@ -279,19 +291,9 @@ protected:
         } else if (m_dataStyle) {
             m_dataStyle->child(name, attributes, count);
         } else if (isDataStyle(name)) {
-            m_dataStyle.emplace();
-            m_dataStyle->kind = name;
-            m_dataStyle->name = fromUtf8(saxAttribute(attributes, count, "name"));
-            if (name == "date-style") m_dataStyle->format.kind = CellFormat::Date;
-            if (name == "time-style")
-                m_dataStyle->format.kind = saxAttribute(attributes, count, "truncate-on-overflow") == "false"
-                                               ? CellFormat::Elapsed
-                                               : CellFormat::Time;
+            dataStyleStart(name, attributes, count);
         } else if (name == "style") {
-            if (saxAttribute(attributes, count, "family") == "table-cell")
-                m_styles.cellStyles.insert(fromUtf8(saxAttribute(attributes, count, "name")),
-                                           {fromUtf8(saxAttribute(attributes, count, "data-style-name")),
-                                            fromUtf8(saxAttribute(attributes, count, "parent-style-name"))});
+            styleStart(attributes, count);
         } else if (name == "table" && m_out) {
             m_inTable = true;
         }
@@ -304,9 +306,7 @@ protected:
             cellEnd(name);
         } else if (m_inTable) {
             if (name == "table-row") {
-                m_out->addRows(m_row, m_rowRepeat, m_cells);
-                m_row = static_cast<int>(std::min<qint64>(qint64(m_row) + m_rowRepeat, kMaxSheetRows));
-                if (m_out->full()) stop(SheetBuilder::fullMessage());
+                rowEnd();
             } else if (name == "table") {
                 m_inTable = false;
                 m_tableSeen = true;
@@ -327,14 +327,29 @@ private:
         return QStringLiteral("solun teksti on yli %1 tavua pitkä").arg(kLongestText);
     }
 
+    // number:*-style: a data style, read up to its end.
+    void dataStyleStart(std::string_view name, const xmlChar** attributes, int count) {
+        m_dataStyle.emplace();
+        m_dataStyle->kind = name;
+        m_dataStyle->name = fromUtf8(saxAttribute(attributes, count, "name"));
+        if (name == "date-style") m_dataStyle->format.kind = CellFormat::Date;
+        if (name == "time-style")
+            m_dataStyle->format.kind = saxAttribute(attributes, count, "truncate-on-overflow") == "false"
+                                           ? CellFormat::Elapsed
+                                           : CellFormat::Time;
+    }
+
+    // style:style: a cell style names its data style and the style it inherits from.
+    void styleStart(const xmlChar** attributes, int count) {
+        if (saxAttribute(attributes, count, "family") == "table-cell")
+            m_styles.cellStyles.insert(fromUtf8(saxAttribute(attributes, count, "name")),
+                                       {fromUtf8(saxAttribute(attributes, count, "data-style-name")),
+                                        fromUtf8(saxAttribute(attributes, count, "parent-style-name"))});
+    }
+
     void tableStart(std::string_view name, const xmlChar** attributes, int count) {
-        const int width = m_out->columns();
         if (name == "table-column") {
-            const int repeat = std::clamp(
-                intOf(saxAttribute(attributes, count, "number-columns-repeated"), 1), 1, kMaxSheetColumns);
-            const QString style = fromUtf8(saxAttribute(attributes, count, "default-cell-style-name"));
-            for (int i = 0; i < repeat && static_cast<int>(m_columnStyles.size()) < width; ++i)
-                m_columnStyles.push_back(style);
+            columnStart(attributes, count);
         } else if (name == "table-row") {
             m_rowRepeat = std::clamp(intOf(saxAttribute(attributes, count, "number-rows-repeated"), 1), 1,
                                      kMaxSheetRows);
@@ -350,6 +365,23 @@ private:
         } else if (name == "table") {
             m_skip = 1; // a table inside the table's structure is not its cells
         }
+    }
+
+    // table:table-column: the default cell style of its columns, as far as the list reads.
+    void columnStart(const xmlChar** attributes, int count) {
+        const int width = m_out->columns();
+        const int repeat = std::clamp(intOf(saxAttribute(attributes, count, "number-columns-repeated"), 1), 1,
+                                      kMaxSheetColumns);
+        const QString style = fromUtf8(saxAttribute(attributes, count, "default-cell-style-name"));
+        for (int i = 0; i < repeat && static_cast<int>(m_columnStyles.size()) < width; ++i)
+            m_columnStyles.push_back(style);
+    }
+
+    // The end of a row: its cells, as often as it is repeated.
+    void rowEnd() {
+        m_out->addRows(m_row, m_rowRepeat, m_cells);
+        m_row = static_cast<int>(std::min<qint64>(qint64(m_row) + m_rowRepeat, kMaxSheetRows));
+        if (m_out->full()) stop(SheetBuilder::fullMessage());
     }
 
     // Inside a cell: its paragraphs and their spans count; notes, annotations, drawings and

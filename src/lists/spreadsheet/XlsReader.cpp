@@ -174,8 +174,23 @@ private:
     bool need(const Rec& rec, qsizetype size);
     // Reads a substream from its BOF on: the workbook's globals, or a sheet into the builder.
     bool readSubstream(qsizetype pos, bool sheet);
+    // A record of the workbook's globals, and a record of the sheet's cells: each kind of record
+    // has a function of its own, which checks the record's length before it reads.
     bool globalRecord(const Rec& rec, qsizetype pos);
+    bool codePageRecord(const Rec& rec);
+    bool fontRecord(const Rec& rec);
+    bool dateModeRecord(const Rec& rec);
+    bool formatRecord(const Rec& rec);
+    bool xfRecord(const Rec& rec);
+    bool boundSheetRecord(const Rec& rec);
     bool cellRecord(const Rec& rec, qsizetype pos);
+    bool numberRecord(const Rec& rec);
+    bool mulRkRecord(const Rec& rec);
+    bool labelRecord(const Rec& rec, qsizetype pos);
+    bool labelSstRecord(const Rec& rec);
+    bool boolErrRecord(const Rec& rec);
+    bool formulaRecord(const Rec& rec);
+    bool stringRecord(const Rec& rec, qsizetype pos);
 
     // Where a cell is and how it is shown; `font` is the index of its FONT record.
     struct Cell {
@@ -380,7 +395,6 @@ void BiffReader::putNumber(int row, int col, double value, const CellFormat& for
 }
 
 bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
-    const char* d = rec.data.data();
     // The fonts and formats kept count as the texts do.
     const bool kept = rec.id == kFont || rec.id == kFont3 || rec.id == kFormat23 || rec.id == kFormat ||
                       rec.id == kXf2 || rec.id == kXf3 || rec.id == kXf4 || rec.id == kXf;
@@ -389,39 +403,75 @@ bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
         case kFilePass:
             return m_decrypted || fail(decryptionFailure(Decryption::OtherPassword));
         case kCodePage:
-            if (!need(rec, 2)) return false;
-            m_codePage = u16(d);
-            return true;
+            return codePageRecord(rec);
         case kFont:
         case kFont3:
-            // Only the BIFF5 and BIFF8 layout has a character set (at byte 12).
-            m_fontCharsets.push_back(rec.id == kFont && m_biff >= Biff::V5 && rec.data.size() > 12
-                                         ? static_cast<quint8>(d[12])
-                                         : -1);
-            return true;
+            return fontRecord(rec);
         case kDateMode:
-            if (!need(rec, 2)) return false;
-            m_date1904 = u16(d) != 0;
-            return true;
+            return dateModeRecord(rec);
         case kFormat23:
-        case kFormat: {
-            bool ok = false;
-            QString code;
-            int index = m_formatCount;
-            if (rec.id == kFormat23) {
-                code = recordString(rec, 0, 1, &ok);
-            } else if (m_biff == Biff::V4) {
-                code = recordString(rec, 2, 1, &ok);
-            } else {
-                if (!need(rec, 2)) return false;
-                index = u16(d);
-                code = recordString(rec, 2, m_biff == Biff::V8 ? 2 : 1, &ok);
-            }
-            if (!ok) return fail(QStringLiteral("lukumuodon teksti on vajaa"), rec);
-            m_formats.insert(index, excelFormat(code));
-            ++m_formatCount;
+        case kFormat:
+            return formatRecord(rec);
+        case kXf2:
+        case kXf3:
+        case kXf4:
+        case kXf:
+            return xfRecord(rec);
+        case kSst:
+            readSst(rec, pos);
+            return !m_out.full() || fail(SheetBuilder::fullMessage());
+        case kBoundSheet:
+            return boundSheetRecord(rec);
+        default:
             return true;
-        }
+    }
+}
+
+bool BiffReader::codePageRecord(const Rec& rec) {
+    if (!need(rec, 2)) return false;
+    m_codePage = u16(rec.data.data());
+    return true;
+}
+
+bool BiffReader::fontRecord(const Rec& rec) {
+    // Only the BIFF5 and BIFF8 layout has a character set (at byte 12); any length will do.
+    m_fontCharsets.push_back(rec.id == kFont && m_biff >= Biff::V5 && rec.data.size() > 12
+                                 ? static_cast<quint8>(rec.data[12])
+                                 : -1);
+    return true;
+}
+
+bool BiffReader::dateModeRecord(const Rec& rec) {
+    if (!need(rec, 2)) return false;
+    m_date1904 = u16(rec.data.data()) != 0;
+    return true;
+}
+
+// A number format: numbered by its order before BIFF5 (BIFF4's has two unused bytes first),
+// by its own index field from BIFF5 on.
+bool BiffReader::formatRecord(const Rec& rec) {
+    bool ok = false;
+    QString code;
+    int index = m_formatCount;
+    if (rec.id == kFormat23) {
+        code = recordString(rec, 0, 1, &ok);
+    } else if (m_biff == Biff::V4) {
+        code = recordString(rec, 2, 1, &ok);
+    } else {
+        if (!need(rec, 2)) return false;
+        index = u16(rec.data.data());
+        code = recordString(rec, 2, m_biff == Biff::V8 ? 2 : 1, &ok);
+    }
+    if (!ok) return fail(QStringLiteral("lukumuodon teksti on vajaa"), rec);
+    m_formats.insert(index, excelFormat(code));
+    ++m_formatCount;
+    return true;
+}
+
+// A cell style's font and number format: bytes in BIFF2 to BIFF4, 16-bit indices from BIFF5 on.
+bool BiffReader::xfRecord(const Rec& rec) {
+    const char* d = rec.data.data();
+    switch (rec.id) {
         case kXf2:
             if (!need(rec, 3)) return false;
             m_xfFonts.push_back(static_cast<quint8>(d[0]));
@@ -433,22 +483,20 @@ bool BiffReader::globalRecord(const Rec& rec, qsizetype pos) {
             m_xfFonts.push_back(static_cast<quint8>(d[0]));
             m_xfFormats.push_back(static_cast<quint8>(d[1]));
             return true;
-        case kXf:
+        default:
             if (!need(rec, 4)) return false;
             m_xfFonts.push_back(u16(d));
             m_xfFormats.push_back(u16(d + 2));
             return true;
-        case kSst:
-            readSst(rec, pos);
-            return !m_out.full() || fail(SheetBuilder::fullMessage());
-        case kBoundSheet:
-            if (!need(rec, 6)) return false;
-            // The first sheet that is a worksheet (type 0); charts and macro sheets hold no cells.
-            if (!m_firstSheet && (static_cast<quint8>(d[5]) & 0x0F) == 0) m_firstSheet = u32(d);
-            return true;
-        default:
-            return true;
     }
+}
+
+bool BiffReader::boundSheetRecord(const Rec& rec) {
+    if (!need(rec, 6)) return false;
+    const char* d = rec.data.data();
+    // The first sheet that is a worksheet (type 0); charts and macro sheets hold no cells.
+    if (!m_firstSheet && (static_cast<quint8>(d[5]) & 0x0F) == 0) m_firstSheet = u32(d);
+    return true;
 }
 
 // Records of BIFF2 cells carry three attribute bytes where later ones have an XF index. Files
@@ -478,11 +526,44 @@ bool BiffReader::cellOf(const Rec& rec, qsizetype size, Cell& cell) {
 }
 
 bool BiffReader::cellRecord(const Rec& rec, qsizetype pos) {
-    const char* d = rec.data.data();
-    Cell cell;
+    // A formula's text result is the STRING record right after it; any other cell in between
+    // means there is none.
     if (rec.id != kString && rec.id != kString2 && rec.id != kShrFmla && rec.id != kArray &&
         rec.id != kTable && rec.id != kContinue)
         m_pendingRow = -1;
+    switch (rec.id) {
+        case kNumber2:
+        case kInteger2:
+        case kNumber:
+        case kRk:
+            return numberRecord(rec);
+        case kMulRk:
+            return mulRkRecord(rec);
+        case kLabel2:
+        case kLabel:
+        case kRString:
+            return labelRecord(rec, pos);
+        case kLabelSst:
+            return labelSstRecord(rec);
+        case kBoolErr2:
+        case kBoolErr:
+            return boolErrRecord(rec);
+        case kFormula:
+        case kFormula3:
+        case kFormula4:
+            return formulaRecord(rec);
+        case kString2:
+        case kString:
+            return stringRecord(rec, pos);
+        default:
+            return true;
+    }
+}
+
+// A number cell: a double (NUMBER), a 16-bit integer (BIFF2's INTEGER) or an RK value.
+bool BiffReader::numberRecord(const Rec& rec) {
+    const char* d = rec.data.data();
+    Cell cell;
     switch (rec.id) {
         case kNumber2:
             if (!cellOf(rec, 15, cell)) return false;
@@ -496,92 +577,98 @@ bool BiffReader::cellRecord(const Rec& rec, qsizetype pos) {
             if (!cellOf(rec, 14, cell)) return false;
             putNumber(cell.row, cell.col, f64(d + 6), cell.format);
             return true;
-        case kRk:
+        default: // kRk
             if (!cellOf(rec, 10, cell)) return false;
             putNumber(cell.row, cell.col, rkValue(u32(d + 6)), cell.format);
             return true;
-        case kMulRk: {
-            if (!need(rec, 6)) return false;
-            const int row = u16(d);
-            const int first = u16(d + 2);
-            // The record's length says how many cells it holds; its last-column field is not needed.
-            const qsizetype count = (rec.data.size() - 6) / 6;
-            for (qsizetype i = 0; i < count; ++i) {
-                const char* p = d + 4 + 6 * i;
-                putNumber(row, first + static_cast<int>(i), rkValue(u32(p + 2)), formatOfXf(u16(p)));
-            }
-            return true;
-        }
-        case kLabel2:
-        case kLabel:
-        case kRString: {
-            if (!cellOf(rec, 8, cell)) return false;
-            bool ok = false;
-            // BIFF2's label has a one-byte length before BIFF8, where every label is UTF-16.
-            const QString text =
-                rec.id == kLabel2 && m_biff != Biff::V8
-                    ? recordString(rec, 7, 1, &ok, cell.font)
-                    : continuedString(rec, pos, rec.id == kLabel2 ? 7 : 6, 2, &ok, cell.font);
-            if (!ok) return fail(QStringLiteral("solun teksti on vajaa"), rec);
-            m_out.setCell(cell.row, cell.col, text);
-            return true;
-        }
-        case kLabelSst: {
-            if (!cellOf(rec, 10, cell)) return false;
-            const quint32 index = u32(d + 6);
-            // An index beyond the strings read shows nothing rather than some other text.
-            if (index < m_sst.size()) m_out.setCell(cell.row, cell.col, m_sst[index]);
-            return true;
-        }
-        case kBoolErr2:
-        case kBoolErr: {
-            const qsizetype at = rec.id == kBoolErr2 ? 7 : 6;
-            if (!cellOf(rec, at + 2, cell)) return false;
-            const int value = static_cast<quint8>(d[at]);
-            m_out.setCell(cell.row, cell.col, d[at + 1] ? errorText(value) : booleanText(value != 0));
-            return true;
-        }
-        case kFormula:
-        case kFormula3:
-        case kFormula4: {
-            const qsizetype at = rec.id == kFormula && m_biff == Biff::V2 ? 7 : 6;
-            if (!cellOf(rec, at + 8, cell)) return false;
-            const char* result = d + at;
-            if (u16(result + 6) != 0xFFFF) {
-                putNumber(cell.row, cell.col, f64(result), cell.format);
-                return true;
-            }
-            switch (static_cast<quint8>(result[0])) {
-                case 0: // the text follows in a STRING record
-                    m_pendingRow = cell.row;
-                    m_pendingCol = cell.col;
-                    m_pendingFont = cell.font;
-                    break;
-                case 1:
-                    m_out.setCell(cell.row, cell.col, booleanText(result[2] != 0));
-                    break;
-                case 2:
-                    m_out.setCell(cell.row, cell.col, errorText(static_cast<quint8>(result[2])));
-                    break;
-                default: // an empty text
-                    break;
-            }
-            return true;
-        }
-        case kString2:
-        case kString: {
-            if (m_pendingRow < 0) return true;
-            bool ok = false;
-            const QString text = rec.id == kString2 ? recordString(rec, 0, 1, &ok, m_pendingFont)
-                                                    : continuedString(rec, pos, 0, 2, &ok, m_pendingFont);
-            if (!ok) return fail(QStringLiteral("kaavan tulosteksti on vajaa"), rec);
-            m_out.setCell(m_pendingRow, m_pendingCol, text);
-            m_pendingRow = -1;
-            return true;
-        }
-        default:
-            return true;
     }
+}
+
+bool BiffReader::mulRkRecord(const Rec& rec) {
+    if (!need(rec, 6)) return false;
+    const char* d = rec.data.data();
+    const int row = u16(d);
+    const int first = u16(d + 2);
+    // The record's length says how many cells it holds; its last-column field is not needed.
+    const qsizetype count = (rec.data.size() - 6) / 6;
+    for (qsizetype i = 0; i < count; ++i) {
+        const char* p = d + 4 + 6 * i;
+        putNumber(row, first + static_cast<int>(i), rkValue(u32(p + 2)), formatOfXf(u16(p)));
+    }
+    return true;
+}
+
+bool BiffReader::labelRecord(const Rec& rec, qsizetype pos) {
+    Cell cell;
+    if (!cellOf(rec, 8, cell)) return false;
+    bool ok = false;
+    // BIFF2's label has a one-byte length before BIFF8, where every label is UTF-16.
+    const QString text = rec.id == kLabel2 && m_biff != Biff::V8
+                             ? recordString(rec, 7, 1, &ok, cell.font)
+                             : continuedString(rec, pos, rec.id == kLabel2 ? 7 : 6, 2, &ok, cell.font);
+    if (!ok) return fail(QStringLiteral("solun teksti on vajaa"), rec);
+    m_out.setCell(cell.row, cell.col, text);
+    return true;
+}
+
+bool BiffReader::labelSstRecord(const Rec& rec) {
+    Cell cell;
+    if (!cellOf(rec, 10, cell)) return false;
+    const quint32 index = u32(rec.data.data() + 6);
+    // An index beyond the strings read shows nothing rather than some other text.
+    if (index < m_sst.size()) m_out.setCell(cell.row, cell.col, m_sst[index]);
+    return true;
+}
+
+bool BiffReader::boolErrRecord(const Rec& rec) {
+    const qsizetype at = rec.id == kBoolErr2 ? 7 : 6;
+    Cell cell;
+    if (!cellOf(rec, at + 2, cell)) return false;
+    const char* d = rec.data.data();
+    const int value = static_cast<quint8>(d[at]);
+    m_out.setCell(cell.row, cell.col, d[at + 1] ? errorText(value) : booleanText(value != 0));
+    return true;
+}
+
+// A formula's stored result: a number, or (marked by 0xFFFF in its last two bytes) a text that
+// follows in a STRING record, a truth value, an error or an empty text.
+bool BiffReader::formulaRecord(const Rec& rec) {
+    const qsizetype at = rec.id == kFormula && m_biff == Biff::V2 ? 7 : 6;
+    Cell cell;
+    if (!cellOf(rec, at + 8, cell)) return false;
+    const char* result = rec.data.data() + at;
+    if (u16(result + 6) != 0xFFFF) {
+        putNumber(cell.row, cell.col, f64(result), cell.format);
+        return true;
+    }
+    switch (static_cast<quint8>(result[0])) {
+        case 0: // the text follows in a STRING record
+            m_pendingRow = cell.row;
+            m_pendingCol = cell.col;
+            m_pendingFont = cell.font;
+            break;
+        case 1:
+            m_out.setCell(cell.row, cell.col, booleanText(result[2] != 0));
+            break;
+        case 2:
+            m_out.setCell(cell.row, cell.col, errorText(static_cast<quint8>(result[2])));
+            break;
+        default: // an empty text
+            break;
+    }
+    return true;
+}
+
+// The text result of the formula just before it; a STRING record without one is ignored.
+bool BiffReader::stringRecord(const Rec& rec, qsizetype pos) {
+    if (m_pendingRow < 0) return true;
+    bool ok = false;
+    const QString text = rec.id == kString2 ? recordString(rec, 0, 1, &ok, m_pendingFont)
+                                            : continuedString(rec, pos, 0, 2, &ok, m_pendingFont);
+    if (!ok) return fail(QStringLiteral("kaavan tulosteksti on vajaa"), rec);
+    m_out.setCell(m_pendingRow, m_pendingCol, text);
+    m_pendingRow = -1;
+    return true;
 }
 
 bool BiffReader::readSubstream(qsizetype pos, bool sheet) {

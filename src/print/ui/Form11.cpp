@@ -26,12 +26,18 @@ namespace print::ui {
 
 namespace {
 
-// The boxes whose document can be limited to one work phase, and their buttons.
+// The designer's documents and the contractor's, each a run of box indices.
+constexpr int kDesignerFirst = doc::Quantities;
+constexpr int kDesignerLast = doc::CodingPlan;
+constexpr int kContractorFirst = doc::QualityPlan;
+constexpr int kContractorLast = doc::QualityReport;
+
+// The boxes whose document can be limited to one work phase, in the order of their buttons.
 constexpr int kPhaseBoxes[4] = {doc::AllRequirements, doc::QualityPlans, doc::Inspections, doc::Deviations};
 
 int phaseButton(int document) {
     for (int i = 0; i < 4; ++i)
-        if (kPhaseBoxes[i] == document) return 9 + i;
+        if (kPhaseBoxes[i] == document) return Form11::PhaseAllRequirements + i;
     return -1;
 }
 
@@ -83,27 +89,66 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     setObjectName(QStringLiteral("Form11"));
     setWindowTitle(QStringLiteral("TAMRIK 2006") + QStringLiteral(" - ") +
                    QStringLiteral("Tulostettavien asiakirjojen valinta"));
+    createControls();
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(documentFrames(), 1);
+    layout->addLayout(actionRow());
+    layout->addWidget(StatusBar1);
+    // The Tab key reads the frames as they stand: the designer's documents and their buttons,
+    // then the right column row by row (a box, then its work phase button), then the actions
+    // from left to right.
+    platform::setTabOrder({Check1[0],
+                           Check1[1],
+                           Check1[2],
+                           Check1[3],
+                           Check1[4],
+                           Check1[5],
+                           Check1[6],
+                           Command1[SelectDesigner],
+                           Command1[ClearDesigner],
+                           Check1[doc::AllRequirements],
+                           Command1[PhaseAllRequirements],
+                           Check1[8],
+                           Check1[doc::QualityPlans],
+                           Command1[PhaseQualityPlans],
+                           Check1[doc::Inspections],
+                           Command1[PhaseInspections],
+                           Check1[doc::Deviations],
+                           Command1[PhaseDeviations],
+                           Check1[12],
+                           Command1[SelectContractor],
+                           Command1[ClearContractor],
+                           Command1[Print],
+                           Command1[Preview],
+                           PdfButton,
+                           Command1[PrinterSettings],
+                           Command1[Cancel],
+                           Command1[Help]});
+    loadSelection();
+}
+
+void Form11::createControls() {
     Check1.resize(kDocumentCount);
-    Command1.resize(13);
+    Command1.resize(ButtonCount);
     for (int i = 0; i < kDocumentCount; ++i) {
         Check1[i] = new QCheckBox(designCaption(i), this);
         Check1[i]->setObjectName(QStringLiteral("Check1_%1").arg(i));
         connect(Check1[i], &QCheckBox::clicked, this, [this, i] { Check1Click(i); });
     }
-    const char* const buttons[13] = {"Valitse kaikki",
-                                     "Poista kaikki",
-                                     "Valitse kaikki",
-                                     "Poista kaikki",
-                                     "&Ohjeet",
-                                     "&Tulosta...",
-                                     "K&irjoittimen asetukset...",
-                                     "E&sikatselu",
-                                     "Peruuta",
-                                     "Valitse työvaihe...",
-                                     "Valitse työvaihe...",
-                                     "Valitse työvaihe...",
-                                     "Valitse työvaihe..."};
-    for (int i = 0; i < 13; ++i) {
+    const char* const buttons[ButtonCount] = {"Valitse kaikki",
+                                              "Poista kaikki",
+                                              "Valitse kaikki",
+                                              "Poista kaikki",
+                                              "&Ohjeet",
+                                              "&Tulosta...",
+                                              "K&irjoittimen asetukset...",
+                                              "E&sikatselu",
+                                              "Peruuta",
+                                              "Valitse työvaihe...",
+                                              "Valitse työvaihe...",
+                                              "Valitse työvaihe...",
+                                              "Valitse työvaihe..."};
+    for (int i = 0; i < ButtonCount; ++i) {
         Command1[i] = new QPushButton(QString::fromUtf8(buttons[i]), this);
         Command1[i]->setObjectName(QStringLiteral("Command1_%1").arg(i));
         Command1[i]->setAutoDefault(false);
@@ -114,36 +159,40 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     PdfButton->setAutoDefault(false);
     connect(PdfButton, &QPushButton::clicked, this, &Form11::printToPdf);
 
-    auto frame = [this](const QString& title) {
-        auto* box = new QGroupBox(title, this);
-        return box;
-    };
-    // The designer's documents.
-    QGroupBox* designer = frame(QStringLiteral("Suunnittelijan laatimat asiakirjat"));
+    StatusBar1 = new QStatusBar(this);
+    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
+    StatusBar1->setSizeGripEnabled(false);
+    m_status = new QLabel(StatusBar1);
+    StatusBar1->addWidget(m_status, 1);
+}
+
+// The designer's documents on the left; either party's and the contractor's on the right.
+QLayout* Form11::documentFrames() {
+    QGroupBox* designer = new QGroupBox(QStringLiteral("Suunnittelijan laatimat asiakirjat"), this);
     auto* dl = new QGridLayout(designer);
-    for (int i = 0; i <= 6; ++i)
-        dl->addWidget(Check1[i], i, 0, 1, 2);
-    dl->addWidget(Command1[0], 7, 0);
-    dl->addWidget(Command1[1], 7, 1);
-    // Either party's.
-    QGroupBox* either = frame(QStringLiteral("Suunnittelijan ja/tai urakoitsijan laatimat asiakirjat"));
+    for (int i = kDesignerFirst; i <= kDesignerLast; ++i)
+        dl->addWidget(Check1[i], i - kDesignerFirst, 0, 1, 2);
+    const int designerButtons = kDesignerLast - kDesignerFirst + 1; // the row below the boxes
+    dl->addWidget(Command1[SelectDesigner], designerButtons, 0);
+    dl->addWidget(Command1[ClearDesigner], designerButtons, 1);
+    QGroupBox* either =
+        new QGroupBox(QStringLiteral("Suunnittelijan ja/tai urakoitsijan laatimat asiakirjat"), this);
     auto* el = new QGridLayout(either);
-    el->addWidget(Check1[7], 0, 0);
-    el->addWidget(Command1[9], 0, 1);
+    el->addWidget(Check1[doc::AllRequirements], 0, 0);
+    el->addWidget(Command1[PhaseAllRequirements], 0, 1);
     el->setColumnStretch(0, 1);
-    // The contractor's.
-    QGroupBox* contractor = frame(QStringLiteral("Urakoitsijan laatimat asiakirjat"));
+    QGroupBox* contractor = new QGroupBox(QStringLiteral("Urakoitsijan laatimat asiakirjat"), this);
     auto* cl = new QGridLayout(contractor);
-    for (int i = 8; i <= 12; ++i)
-        cl->addWidget(Check1[i], i - 8, 0);
-    cl->addWidget(Command1[10], 1, 1);
-    cl->addWidget(Command1[11], 2, 1);
-    cl->addWidget(Command1[12], 3, 1);
+    for (int i = kContractorFirst; i <= kContractorLast; ++i)
+        cl->addWidget(Check1[i], i - kContractorFirst, 0);
+    cl->addWidget(Command1[PhaseQualityPlans], doc::QualityPlans - kContractorFirst, 1);
+    cl->addWidget(Command1[PhaseInspections], doc::Inspections - kContractorFirst, 1);
+    cl->addWidget(Command1[PhaseDeviations], doc::Deviations - kContractorFirst, 1);
     auto* all = new QHBoxLayout;
-    all->addWidget(Command1[2]);
-    all->addWidget(Command1[3]);
+    all->addWidget(Command1[SelectContractor]);
+    all->addWidget(Command1[ClearContractor]);
     all->addStretch(1);
-    cl->addLayout(all, 5, 0, 1, 2);
+    cl->addLayout(all, kContractorLast - kContractorFirst + 1, 0, 1, 2);
     cl->setColumnStretch(0, 1);
 
     auto* right = new QVBoxLayout;
@@ -152,34 +201,22 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     auto* frames = new QHBoxLayout;
     frames->addWidget(designer);
     frames->addLayout(right, 1);
+    return frames;
+}
 
+// Print, preview, PDF and printer settings on the left; cancel and help on the right.
+QLayout* Form11::actionRow() {
     auto* actions = new QHBoxLayout;
-    for (QPushButton* b : {Command1[5], Command1[7], PdfButton, Command1[6]})
+    for (QPushButton* b : {Command1[Print], Command1[Preview], PdfButton, Command1[PrinterSettings]})
         actions->addWidget(b);
     actions->addStretch(1);
-    actions->addWidget(Command1[8]);
-    actions->addWidget(Command1[4]);
+    actions->addWidget(Command1[Cancel]);
+    actions->addWidget(Command1[Help]);
+    return actions;
+}
 
-    // The Tab key reads the frames as they stand: the designer's documents and their buttons,
-    // then the right column row by row, then the actions from left to right.
-    platform::setTabOrder({Check1[0],   Check1[1],    Check1[2],   Check1[3],    Check1[4],   Check1[5],
-                           Check1[6],   Command1[0],  Command1[1], Check1[7],    Command1[9], Check1[8],
-                           Check1[9],   Command1[10], Check1[10],  Command1[11], Check1[11],  Command1[12],
-                           Check1[12],  Command1[2],  Command1[3], Command1[5],  Command1[7], PdfButton,
-                           Command1[6], Command1[8],  Command1[4]});
-
-    StatusBar1 = new QStatusBar(this);
-    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
-    StatusBar1->setSizeGripEnabled(false);
-    m_status = new QLabel(StatusBar1);
-    StatusBar1->addWidget(m_status, 1);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(frames, 1);
-    layout->addLayout(actions);
-    layout->addWidget(StatusBar1);
-
-    // Loading: the boxes as they were left, the captions of the chosen work phases.
+// The boxes as they were left, the captions of the chosen work phases.
+void Form11::loadSelection() {
     Selection& sel = m_session.selection;
     for (int i = 0; i < kDocumentCount; ++i) {
         Check1[i]->setChecked(sel.DocumentSelected[i]);
@@ -214,8 +251,8 @@ void Form11::refreshButtons() {
     bool any = false;
     for (QCheckBox* c : Check1)
         any = any || c->isChecked();
-    Command1[5]->setEnabled(any);
-    Command1[7]->setEnabled(any);
+    Command1[Print]->setEnabled(any);
+    Command1[Preview]->setEnabled(any);
     PdfButton->setEnabled(any);
     const bool index = m_host.canChooseWorkPhase();
     for (int document : kPhaseBoxes)
@@ -234,7 +271,7 @@ void Form11::setAll(int first, int last, bool checked) {
 
 void Form11::warnWithoutCostIndex() {
     // The summaries convert the costs to the cost index of the basic data; warn while it is missing.
-    if (prepareRun() && lists::BlankString(m_project->source.basicCombo(10)))
+    if (prepareRun() && lists::BlankString(m_project->source.basicCombo(basic::CostIndex)))
         platform::MsgBox(QStringLiteral("Kustannusten yhteenveto ei tulostu oikein.\r\n") +
                              QStringLiteral("Kustannusindeksiä ei ole annettu perustietonäkymässä."),
                          platform::MsgIcon::Information);
@@ -253,40 +290,40 @@ void Form11::Check1Click(int index) {
 
 void Form11::Command1Click(int index) {
     switch (index) {
-        case 0:
-            setAll(0, 6, true);
+        case SelectDesigner:
+            setAll(kDesignerFirst, kDesignerLast, true);
             break;
-        case 1:
-            setAll(0, 6, false);
+        case ClearDesigner:
+            setAll(kDesignerFirst, kDesignerLast, false);
             break;
-        case 2:
-            setAll(8, 12, true);
+        case SelectContractor:
+            setAll(kContractorFirst, kContractorLast, true);
             break;
-        case 3:
-            setAll(8, 12, false);
+        case ClearContractor:
+            setAll(kContractorFirst, kContractorLast, false);
             break;
-        case 4:
-            m_host.showHelp(2400, this);
+        case Help:
+            m_host.showHelp(PrintHost::kHelpTopic, this);
             break;
-        case 5:
+        case Print:
             storeSelection();
-            if (prepareRun() && ShowPrinter(0)) accept();
+            if (prepareRun() && ShowPrinter(PrintSession::PrinterDialogMode::Print)) accept();
             break;
-        case 6:
+        case PrinterSettings:
             storeSelection();
-            if (prepareRun()) ShowPrinter(1);
+            if (prepareRun()) ShowPrinter(PrintSession::PrinterDialogMode::Settings);
             break;
-        case 7:
+        case Preview:
             preview();
             break;
-        case 8:
+        case Cancel:
             reject();
             break;
-        case 9:
-        case 10:
-        case 11:
-        case 12:
-            chooseWorkPhase(kPhaseBoxes[index - 9]);
+        case PhaseAllRequirements:
+        case PhaseQualityPlans:
+        case PhaseInspections:
+        case PhaseDeviations:
+            chooseWorkPhase(kPhaseBoxes[index - PhaseAllRequirements]);
             break;
         default:
             break;
@@ -337,9 +374,9 @@ bool Form11::paginate() {
     return m_run->TotalPages() > 0;
 }
 
-bool Form11::ShowPrinter(int mode) {
+bool Form11::ShowPrinter(PrintSession::PrinterDialogMode mode) {
     QPrinter& printer = m_session.printer();
-    if (mode == 0 && !m_session.printerInstalled()) {
+    if (mode == PrintSession::PrinterDialogMode::Print && !m_session.printerInstalled()) {
         platform::MsgBox(QStringLiteral("Koneeseen ei ole asennettu tulostinta. Voit tulostaa asiakirjat "
                                         "PDF-tiedostoon painikkeella \"Tulosta PDF-tiedostoon...\"."),
                          platform::MsgIcon::Information);
@@ -356,7 +393,7 @@ bool Form11::ShowPrinter(int mode) {
         std::abs(after.printableHeight - before.printableHeight) > 0.5)
         m_session.selection.PaginationStale = true;
     m_run->setDevice(after);
-    if (mode == 1) return true;
+    if (mode == PrintSession::PrinterDialogMode::Settings) return true;
     if (!paginate()) return false;
     RunProgress progress(this, QStringLiteral("Tulostaa..."));
     const int total = m_run->TotalPages();
@@ -378,7 +415,7 @@ void Form11::preview() {
     Form12 view(m_host, *m_run, this);
     view.exec();
     if (view.result() == Form12::Print) {
-        if (ShowPrinter(0)) accept();
+        if (ShowPrinter(PrintSession::PrinterDialogMode::Print)) accept();
     } else if (view.result() == Form12::Pdf) {
         printToPdf();
     }

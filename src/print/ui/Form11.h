@@ -4,6 +4,7 @@
 // settings, the preview, printing and PDF output.
 #include "print/PrintRun.h"
 #include "print/ui/PrintHost.h"
+#include "print/ui/PrintSession.h"
 
 #include <QDialog>
 #include <memory>
@@ -11,12 +12,11 @@
 
 class QCheckBox;
 class QLabel;
+class QLayout;
 class QPushButton;
 class QStatusBar;
 
 namespace print::ui {
-
-class PrintSession;
 
 class Form11 : public QDialog {
     Q_OBJECT
@@ -26,8 +26,23 @@ public:
 
     // The documents' boxes by document index 0..12.
     std::vector<QCheckBox*> Check1;
-    // 0/1 all or none of the designer's documents, 2/3 of the contractor's, 4 help, 5 print,
-    // 6 printer settings, 7 preview, 8 cancel, 9..12 the work phase of boxes 7, 9, 10 and 11.
+    // The buttons of Command1 by index.
+    enum Button {
+        SelectDesigner,       // all of the designer's documents
+        ClearDesigner,        // none of them
+        SelectContractor,     // all of the contractor's documents
+        ClearContractor,      // none of them
+        Help,                 // "&Ohjeet"
+        Print,                // "&Tulosta..."
+        PrinterSettings,      // "K&irjoittimen asetukset..."
+        Preview,              // "E&sikatselu"
+        Cancel,               // "Peruuta"
+        PhaseAllRequirements, // the work phase of box 7, then of boxes 9, 10 and 11
+        PhaseQualityPlans,
+        PhaseInspections,
+        PhaseDeviations,
+        ButtonCount
+    };
     std::vector<QPushButton*> Command1;
     QPushButton* PdfButton = nullptr; // "Tulosta PDF-tiedostoon..."
     QStatusBar* StatusBar1 = nullptr;
@@ -46,8 +61,15 @@ public:
     static QString workPhasePrefix(int document);
 
 private:
+    // The constructor's parts: the boxes, buttons and status bar; the frames of the documents;
+    // the row of actions; the boxes filled from the session's selection.
+    void createControls();
+    QLayout* documentFrames();
+    QLayout* actionRow();
+    void loadSelection();
     void storeSelection();
     void refreshButtons();
+    // Checks or clears the enabled boxes of documents first..last.
     void setAll(int first, int last, bool checked);
     // The information box about a missing cost index, when the project has none.
     void warnWithoutCostIndex();
@@ -56,13 +78,14 @@ private:
     bool prepareRun();
     // Paginates when stale, with the status bar and a progress window; true when there are pages.
     bool paginate();
-    // The printer dialog (mode 0, then printing) or its settings (mode 1); false when cancelled.
-    bool ShowPrinter(int mode);
+    // The print dialog and printing, or only the printer's settings; false when cancelled.
+    bool ShowPrinter(PrintSession::PrinterDialogMode mode);
     void preview();
     void setStatus(const QString& text);
 
     PrintHost& m_host;
     PrintSession& m_session;
+    // The run reads the project's print source: declared after it, so it is destroyed first.
     std::unique_ptr<ProjectPrint> m_project;
     std::unique_ptr<PrintRun> m_run;
     QLabel* m_status = nullptr;

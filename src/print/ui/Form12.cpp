@@ -76,79 +76,8 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     setSizeGripEnabled(true);
     LastPage = m_run.TotalPages();
 
-    menuBar = new QMenuBar(this);
-    QAction* cancel = menuBar->addAction(QStringLiteral("&Peruuta"));
-    connect(cancel, &QAction::triggered, this, &QDialog::reject);
-    QMenu* view = menuBar->addMenu(QStringLiteral("&Näytä"));
-    auto entry = [&](const char* text, void (Form12::*slot)()) {
-        QAction* a = view->addAction(QString::fromUtf8(text));
-        if (slot) connect(a, &QAction::triggered, this, slot);
-        mnuView.push_back(a);
-    };
-    entry("&Seuraava sivu (PgDn)", nullptr);
-    entry("&Edellinen sivu (PgUp)", nullptr);
-    entry("Vii&meinen sivu (End)", nullptr);
-    entry("E&nsimmäinen sivu (Home)", nullptr);
-    mnuView.push_back(view->addSeparator());
-    entry("Siirrä sivua &oikealle (oikea nuoli)", &Form12::moveRight);
-    entry("Siirrä sivua &vasemmalle (vasen nuoli)", &Form12::moveLeft);
-    entry("Siirrä sivua &ylöspäin (nuoli ylös)", &Form12::moveUp);
-    entry("Siirrä sivua &alaspäin (nuoli alas)", &Form12::moveDown);
-    mnuView.push_back(view->addSeparator());
-    entry("Loi&tonna sivua (-)", &Form12::zoomOut);
-    entry("Lähennä siv&ua (+)", &Form12::zoomIn);
-    for (int i = 0; i < 4; ++i)
-        connect(mnuView[i], &QAction::triggered, this, [this, i] { PrintPreviewPage(i + 1); });
-    QMenu* steps = view->addMenu(QStringLiteral("Suurennos"));
-    mnuView.push_back(steps->menuAction());
-    const struct {
-        const char* text;
-        float scale;
-    } fixed[] = {{"400%", 4.0f}, {"200%", 2.0f}, {"&100%", 1.0f}, {"75%", 0.75f}, {"50%", 0.5f}};
-    for (const auto& f : fixed) {
-        QAction* a = steps->addAction(QString::fromUtf8(f.text));
-        const float s = f.scale;
-        connect(a, &QAction::triggered, this, [this, s] { setZoom(s); });
-        zoomSteps.push_back(a);
-    }
-    QAction* print = menuBar->addAction(QStringLiteral("&Tulosta..."));
-    connect(print, &QAction::triggered, this, [this] { done(Print); });
-    QAction* pdf = menuBar->addAction(QStringLiteral("Tulosta P&DF-tiedostoon..."));
-    connect(pdf, &QAction::triggered, this, [this] { done(Pdf); });
-    QAction* help = menuBar->addAction(QStringLiteral("&Ohjeet"));
-    connect(help, &QAction::triggered, this, [this] { m_host.showHelp(2400, this); });
-
-    Toolbar1 = new QToolBar(this);
-    Toolbar1->setObjectName(QStringLiteral("Toolbar1"));
-    Toolbar1->setIconSize(QSize(24, 24));
-    QStyle* st = style();
-    addToolButton(QStringLiteral("Move right"), QStringLiteral("Siirrä sivua oikealle"),
-                  st->standardIcon(QStyle::SP_ArrowRight), &Form12::moveRight);
-    addToolButton(QStringLiteral("Move left"), QStringLiteral("Siirrä sivua vasemmalle"),
-                  st->standardIcon(QStyle::SP_ArrowLeft), &Form12::moveLeft);
-    addToolButton(QStringLiteral("Move up"), QStringLiteral("Siirrä sivua ylöspäin"),
-                  st->standardIcon(QStyle::SP_ArrowUp), &Form12::moveUp);
-    addToolButton(QStringLiteral("Move down"), QStringLiteral("Siirrä sivua alaspäin"),
-                  st->standardIcon(QStyle::SP_ArrowDown), &Form12::moveDown);
-    Toolbar1->addSeparator();
-    QAction* previous = addToolButton(QStringLiteral("Previous page"), QStringLiteral("Edellinen sivu"),
-                                      platform::toolIcon(QStringLiteral("PreviousPage")), nullptr);
-    connect(previous, &QAction::triggered, this, [this] { PrintPreviewPage(2); });
-    QAction* next = addToolButton(QStringLiteral("Next page"), QStringLiteral("Seuraava sivu"),
-                                  platform::toolIcon(QStringLiteral("NextPage")), nullptr);
-    connect(next, &QAction::triggered, this, [this] { PrintPreviewPage(1); });
-    Toolbar1->addSeparator();
-    addToolButton(QStringLiteral("Zoom out"), QStringLiteral("Loitonna sivua"),
-                  platform::toolIcon(QStringLiteral("ZoomOut")), &Form12::zoomOut);
-    addToolButton(QStringLiteral("Zoom in"), QStringLiteral("Lähennä sivua"),
-                  platform::toolIcon(QStringLiteral("ZoomIn")), &Form12::zoomIn);
-    Toolbar1->addSeparator();
-    QAction* printButton =
-        addToolButton(QStringLiteral("Print"), QStringLiteral("Tulosta..."), printerIcon(), nullptr);
-    connect(printButton, &QAction::triggered, this, [this] { done(Print); });
-    QAction* pdfButton = addToolButton(QStringLiteral("Pdf"), QStringLiteral("Tulosta PDF-tiedostoon..."),
-                                       platform::toolIcon(QStringLiteral("Pdf")), nullptr);
-    connect(pdfButton, &QAction::triggered, this, [this] { done(Pdf); });
+    createMenus();
+    createToolbar();
 
     m_canvas = new PreviewCanvas(*this);
     StatusBar1 = new QStatusBar(this);
@@ -170,6 +99,87 @@ Form12::Form12(PrintHost& host, PrintRun& run, QWidget* parent)
     resize(900, 1000);
     m_host.restorePosition(12, this);
     fitToScreen();
+}
+
+// "&Peruuta", "&Näytä" with its page moves, shifts and zoom steps, then printing and help.
+void Form12::createMenus() {
+    menuBar = new QMenuBar(this);
+    QAction* cancel = menuBar->addAction(QStringLiteral("&Peruuta"));
+    connect(cancel, &QAction::triggered, this, &QDialog::reject);
+    QMenu* view = menuBar->addMenu(QStringLiteral("&Näytä"));
+    auto entry = [&](const char* text, void (Form12::*slot)()) {
+        QAction* a = view->addAction(QString::fromUtf8(text));
+        if (slot) connect(a, &QAction::triggered, this, slot);
+        mnuView.push_back(a);
+    };
+    entry("&Seuraava sivu (PgDn)", nullptr);
+    entry("&Edellinen sivu (PgUp)", nullptr);
+    entry("Vii&meinen sivu (End)", nullptr);
+    entry("E&nsimmäinen sivu (Home)", nullptr);
+    mnuView.push_back(view->addSeparator());
+    entry("Siirrä sivua &oikealle (oikea nuoli)", &Form12::moveRight);
+    entry("Siirrä sivua &vasemmalle (vasen nuoli)", &Form12::moveLeft);
+    entry("Siirrä sivua &ylöspäin (nuoli ylös)", &Form12::moveUp);
+    entry("Siirrä sivua &alaspäin (nuoli alas)", &Form12::moveDown);
+    mnuView.push_back(view->addSeparator());
+    entry("Loi&tonna sivua (-)", &Form12::zoomOut);
+    entry("Lähennä siv&ua (+)", &Form12::zoomIn);
+    const PageMove moves[] = {PageMove::Next, PageMove::Previous, PageMove::Last, PageMove::First};
+    for (int i = 0; i < 4; ++i)
+        connect(mnuView[i], &QAction::triggered, this, [this, move = moves[i]] { PrintPreviewPage(move); });
+    QMenu* steps = view->addMenu(QStringLiteral("Suurennos"));
+    mnuView.push_back(steps->menuAction());
+    const struct {
+        const char* text;
+        float scale;
+    } fixed[] = {{"400%", 4.0f}, {"200%", 2.0f}, {"&100%", 1.0f}, {"75%", 0.75f}, {"50%", 0.5f}};
+    for (const auto& f : fixed) {
+        QAction* a = steps->addAction(QString::fromUtf8(f.text));
+        const float s = f.scale;
+        connect(a, &QAction::triggered, this, [this, s] { setZoom(s); });
+        zoomSteps.push_back(a);
+    }
+    QAction* print = menuBar->addAction(QStringLiteral("&Tulosta..."));
+    connect(print, &QAction::triggered, this, [this] { done(Print); });
+    QAction* pdf = menuBar->addAction(QStringLiteral("Tulosta P&DF-tiedostoon..."));
+    connect(pdf, &QAction::triggered, this, [this] { done(Pdf); });
+    QAction* help = menuBar->addAction(QStringLiteral("&Ohjeet"));
+    connect(help, &QAction::triggered, this, [this] { m_host.showHelp(PrintHost::kHelpTopic, this); });
+}
+
+// The tool buttons: shifts of the page, page moves, zoom, printing and PDF.
+void Form12::createToolbar() {
+    Toolbar1 = new QToolBar(this);
+    Toolbar1->setObjectName(QStringLiteral("Toolbar1"));
+    Toolbar1->setIconSize(QSize(24, 24));
+    QStyle* st = style();
+    addToolButton(QStringLiteral("Move right"), QStringLiteral("Siirrä sivua oikealle"),
+                  st->standardIcon(QStyle::SP_ArrowRight), &Form12::moveRight);
+    addToolButton(QStringLiteral("Move left"), QStringLiteral("Siirrä sivua vasemmalle"),
+                  st->standardIcon(QStyle::SP_ArrowLeft), &Form12::moveLeft);
+    addToolButton(QStringLiteral("Move up"), QStringLiteral("Siirrä sivua ylöspäin"),
+                  st->standardIcon(QStyle::SP_ArrowUp), &Form12::moveUp);
+    addToolButton(QStringLiteral("Move down"), QStringLiteral("Siirrä sivua alaspäin"),
+                  st->standardIcon(QStyle::SP_ArrowDown), &Form12::moveDown);
+    Toolbar1->addSeparator();
+    QAction* previous = addToolButton(QStringLiteral("Previous page"), QStringLiteral("Edellinen sivu"),
+                                      platform::toolIcon(QStringLiteral("PreviousPage")), nullptr);
+    connect(previous, &QAction::triggered, this, [this] { PrintPreviewPage(PageMove::Previous); });
+    QAction* next = addToolButton(QStringLiteral("Next page"), QStringLiteral("Seuraava sivu"),
+                                  platform::toolIcon(QStringLiteral("NextPage")), nullptr);
+    connect(next, &QAction::triggered, this, [this] { PrintPreviewPage(PageMove::Next); });
+    Toolbar1->addSeparator();
+    addToolButton(QStringLiteral("Zoom out"), QStringLiteral("Loitonna sivua"),
+                  platform::toolIcon(QStringLiteral("ZoomOut")), &Form12::zoomOut);
+    addToolButton(QStringLiteral("Zoom in"), QStringLiteral("Lähennä sivua"),
+                  platform::toolIcon(QStringLiteral("ZoomIn")), &Form12::zoomIn);
+    Toolbar1->addSeparator();
+    QAction* printButton =
+        addToolButton(QStringLiteral("Print"), QStringLiteral("Tulosta..."), printerIcon(), nullptr);
+    connect(printButton, &QAction::triggered, this, [this] { done(Print); });
+    QAction* pdfButton = addToolButton(QStringLiteral("Pdf"), QStringLiteral("Tulosta PDF-tiedostoon..."),
+                                       platform::toolIcon(QStringLiteral("Pdf")), nullptr);
+    connect(pdfButton, &QAction::triggered, this, [this] { done(Pdf); });
 }
 
 void Form12::fitToScreen() {
@@ -258,27 +268,27 @@ QString Form12::statusText(int panel) const {
     return QStringLiteral("Suurennos %1%").arg(qRound(m_run.page().ScaleY * 100.0f));
 }
 
-void Form12::PrintPreviewPage(int mode) {
+void Form12::PrintPreviewPage(PageMove mode) {
     if (!m_started) start();
     int page = CurrentPage;
     switch (mode) {
-        case 1:
+        case PageMove::Next:
             if (CurrentPage >= LastPage) return;
             page = CurrentPage + 1;
             break;
-        case 2:
+        case PageMove::Previous:
             if (CurrentPage <= 1) return;
             page = CurrentPage - 1;
             break;
-        case 3:
+        case PageMove::Last:
             if (CurrentPage == LastPage) return;
             page = LastPage;
             break;
-        case 4:
+        case PageMove::First:
             if (CurrentPage == 1) return;
             page = 1;
             break;
-        default:
+        case PageMove::Redraw:
             break;
     }
     CurrentPage = page;
@@ -359,16 +369,16 @@ void Form12::keyPressEvent(QKeyEvent* event) {
             moveDown();
             return;
         case Qt::Key_PageDown:
-            PrintPreviewPage(1);
+            PrintPreviewPage(PageMove::Next);
             return;
         case Qt::Key_PageUp:
-            PrintPreviewPage(2);
+            PrintPreviewPage(PageMove::Previous);
             return;
         case Qt::Key_End:
-            PrintPreviewPage(3);
+            PrintPreviewPage(PageMove::Last);
             return;
         case Qt::Key_Home:
-            PrintPreviewPage(4);
+            PrintPreviewPage(PageMove::First);
             return;
         case Qt::Key_Minus:
             zoomOut();

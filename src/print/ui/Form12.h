@@ -34,8 +34,9 @@ public:
     float scale() const { return m_scale; }
     QPoint origin() const { return m_origin; }
 
-    // 0 redraw, 1 next page, 2 previous, 3 last, 4 first.
-    void PrintPreviewPage(int mode);
+    // The preview's page moves; Next to First are the first four entries of "&Näytä" in order.
+    enum class PageMove { Redraw, Next, Previous, Last, First };
+    void PrintPreviewPage(PageMove mode);
     void zoomOut();
     void zoomIn();
     void setZoom(float scale);
@@ -68,6 +69,9 @@ protected:
     void done(int result) override;
 
 private:
+    // The constructor's parts.
+    void createMenus();
+    void createToolbar();
     void start();
     // Keeps the window within the screen's available area: the size the user left it at when
     // that fits, else as much as fits.

@@ -32,6 +32,8 @@ public:
     virtual void setPreviewScale(float scale) = 0;
     // Help at a context, usable while `from` is open.
     virtual void showHelp(int context, QWidget* from) = 0;
+    // The help topic of printing, shared by the selection dialog and the preview.
+    static constexpr int kHelpTopic = 2400;
     // Window positions of the settings (slot 1..13).
     virtual void restorePosition(int slot, QWidget* window) = 0;
     virtual void savePosition(int slot, QWidget* window) = 0;

@@ -43,9 +43,9 @@ void PrintSession::setPrinterDialog(PrinterDialog dialog) {
     dialogOverride() = std::move(dialog);
 }
 
-bool PrintSession::runPrinterDialog(QPrinter& printer, int mode, QWidget* parent) {
+bool PrintSession::runPrinterDialog(QPrinter& printer, PrinterDialogMode mode, QWidget* parent) {
     if (dialogOverride()) return dialogOverride()(printer, mode, parent);
-    if (mode == 1) {
+    if (mode == PrinterDialogMode::Settings) {
         QPageSetupDialog dialog(&printer, parent);
         return dialog.exec() == QDialog::Accepted;
     }

@@ -28,11 +28,12 @@ public:
     QString pdfFolder;
     bool pdfArchival = false;
 
-    // The printer dialog, replaceable by tests: mode 0 the print dialog, mode 1 the printer's
-    // page settings. Returns false when the user cancelled.
-    using PrinterDialog = std::function<bool(QPrinter& printer, int mode, QWidget* parent)>;
+    // Which printer dialog: the print dialog (printing follows) or the printer's page settings.
+    enum class PrinterDialogMode { Print, Settings };
+    // The printer dialog, replaceable by tests. Returns false when the user cancelled.
+    using PrinterDialog = std::function<bool(QPrinter& printer, PrinterDialogMode mode, QWidget* parent)>;
     static void setPrinterDialog(PrinterDialog dialog);
-    static bool runPrinterDialog(QPrinter& printer, int mode, QWidget* parent);
+    static bool runPrinterDialog(QPrinter& printer, PrinterDialogMode mode, QWidget* parent);
 
 private:
     std::unique_ptr<QPrinter> m_printer;
