@@ -7,6 +7,7 @@
 #include <cstring>
 
 bool WritePrintProject(const QString& file, int rows);
+bool WritePrintRows(const QString& file, int rows);
 
 int main(int argc, char** argv) {
     // As the program does at start-up, so that printing is measured as it runs there.
@@ -18,6 +19,9 @@ int main(int argc, char** argv) {
     // tamrik_bench --print-project FILE: writes the project that bench/print-time prints.
     if (argc == 3 && std::strcmp(argv[1], "--print-project") == 0)
         return WritePrintProject(QString::fromLocal8Bit(argv[2]), 20000) ? 0 : 1;
+    // tamrik_bench --print-rows FILE.csv: the same list's rows, for LibreOffice to print.
+    if (argc == 3 && std::strcmp(argv[1], "--print-rows") == 0)
+        return WritePrintRows(QString::fromLocal8Bit(argv[2]), 20000) ? 0 : 1;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -193,6 +193,8 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     Summary->setEditTriggers(QAbstractItemView::NoEditTriggers);
     Summary->setSelectionMode(QAbstractItemView::NoSelection);
     Summary->setShowGrid(false);
+    // The arrow keys go through the cells; Tab goes on to the next control, as in every dialog.
+    Summary->setTabKeyNavigation(false);
     Summary->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     splitter->addWidget(Summary);
 
@@ -231,6 +233,7 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     Changes->setSelectionMode(QAbstractItemView::SingleSelection);
     Changes->setEditTriggers(QAbstractItemView::NoEditTriggers);
     Changes->setWordWrap(false);
+    Changes->setTabKeyNavigation(false);
     Changes->verticalHeader()->hide();
     Changes->verticalHeader()->setDefaultSectionSize(Changes->fontMetrics().height() + 6);
     // The short columns as wide as the texts they hold, the texts of the rows sharing the rest.

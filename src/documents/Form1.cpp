@@ -162,7 +162,8 @@ QWidget* Form1::buildParties() {
         const char* title;
         int drewUp, drewUpDate, checked, checkedDate, company, changes;
     };
-    // The designer's column on the left, the contractor's on the right.
+    // The designer's column on the left, the contractor's on the right. Each column is a box of
+    // its own, so that the Tab key and a screen reader go through one party before the other.
     const Party parties[] = {{"SUUNNITTELIJA", basic::DesignerDrewUp, basic::DesignerDrewUpDate,
                               basic::DesignerChecked, basic::DesignerCheckedDate, basic::DesignerCompany, 1},
                              {"URAKOITSIJA", basic::ContractorDrewUp, basic::ContractorDrewUpDate,
@@ -170,34 +171,41 @@ QWidget* Form1::buildParties() {
                               basic::ContractorCompany, 2}};
     int col = 0;
     for (const Party& p : parties) {
+        auto* column = new QWidget;
+        auto* party = new QGridLayout(column);
+        party->setContentsMargins(0, 0, 0, 0);
+        party->setHorizontalSpacing(grid->horizontalSpacing());
+        party->setVerticalSpacing(grid->verticalSpacing());
         auto* title = new QLabel(QString::fromUtf8(p.title));
         QFont bold = title->font();
         bold.setBold(true);
         title->setFont(bold);
-        grid->addWidget(title, 0, col, 1, 4);
-        addPair(grid, 1, col, QStringLiteral("Laati"), makeCombo(p.drewUp));
-        addPair(grid, 1, col + 2, QStringLiteral("Pvm"), makeCombo(p.drewUpDate));
-        addPair(grid, 2, col, QStringLiteral("Tarkasti"), makeCombo(p.checked));
-        addPair(grid, 2, col + 2, QStringLiteral("Pvm"), makeCombo(p.checkedDate));
+        party->addWidget(title, 0, 0, 1, 4);
+        addPair(party, 1, 0, QStringLiteral("Laati"), makeCombo(p.drewUp));
+        addPair(party, 1, 2, QStringLiteral("Pvm"), makeCombo(p.drewUpDate));
+        addPair(party, 2, 0, QStringLiteral("Tarkasti"), makeCombo(p.checked));
+        addPair(party, 2, 2, QStringLiteral("Pvm"), makeCombo(p.checkedDate));
         TextBox* company = makeText(p.company, true);
         setVisibleLines(company, 4);
-        grid->addWidget(fieldLabel(QStringLiteral("Yritys"), company), 3, col, Qt::AlignTop);
-        grid->addWidget(company, 3, col + 1, 1, 3);
+        party->addWidget(fieldLabel(QStringLiteral("Yritys"), company), 3, 0, Qt::AlignTop);
+        party->addWidget(company, 3, 1, 1, 3);
         lists::ListView* changes = makeList(p.changes, QStringLiteral("Muutokset"));
         changes->setMinimumHeight(110);
         stretchListColumn(changes, 3); // the change's description
-        grid->addWidget(changes, 4, col, 1, 4);
+        party->addWidget(changes, 4, 0, 1, 4);
         setWidthInChars(Combo1[p.drewUp], 18);
         setWidthInChars(Combo1[p.checked], 18);
         setWidthInChars(Combo1[p.drewUpDate], 10);
         setWidthInChars(Combo1[p.checkedDate], 10);
-        grid->setColumnStretch(col + 1, 2);
-        grid->setColumnStretch(col + 3, 1);
-        col += 5;
+        party->setColumnStretch(1, 2);
+        party->setColumnStretch(3, 1);
+        party->setRowStretch(4, 1);
+        grid->addWidget(column, 0, col);
+        grid->setColumnStretch(col, 1);
+        col += 2;
     }
     // A little air between the two parties.
-    grid->setColumnMinimumWidth(4, 16);
-    grid->setRowStretch(4, 1);
+    grid->setColumnMinimumWidth(1, 16);
     return frame;
 }
 

@@ -6,6 +6,7 @@
 #include "documents/NewWindow.h"
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
+#include "platform/ui/TabOrder.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
@@ -115,6 +116,9 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
     connect(RichTextBox1[0], &QTextEdit::textChanged, this, [this] { m_host.contentChanged(this); });
     m_splitter->addWidget(textArea);
     m_splitter->setSizes({300, 300, 260});
+    // A list's restriction box is on only while its list has the focus, so the Tab key reaches
+    // it from its list: each list, then its box, then the document.
+    platform::setTabOrder({ListView1[0], Check1[0], ListView1[1], Check1[1], RichTextBox1[0]});
 
     // The hidden drop-down and text box of the window's record.
     ComboBox* combo = makeCombo(0);

@@ -158,21 +158,27 @@ QWidget* Form3::buildSupports(const QString& title, int firstColumn) {
     const int concrete1Class[] = {7, 13, 3, 5};
     const int concrete2Class[] = {6, 12, 2, 4};
     const char* const titles[] = {"Perustus", "Pystyrakenne"};
+    // Each of the two columns is a box of its own, so that the Tab key and a screen reader go
+    // down one column before the other.
     for (int k = 0; k < 2; ++k) {
         const int j = firstColumn + k;
-        const int col = k * 5;
-        grid->addWidget(heading(QString::fromUtf8(titles[k])), 0, col, 1, 4);
+        auto* column = new QWidget;
+        auto* cells = new QGridLayout(column);
+        cells->setContentsMargins(0, 0, 0, 0);
+        cells->setHorizontalSpacing(grid->horizontalSpacing());
+        cells->setVerticalSpacing(grid->verticalSpacing());
+        cells->addWidget(heading(QString::fromUtf8(titles[k])), 0, 0, 1, 4);
         auto addAmount = [&](int row, int field, const QString& unit) {
             TextBox* box = makeText(field);
             setWidthInChars(box, 9, true);
-            grid->addWidget(box, row, col);
-            grid->addWidget(fieldLabel(unit, box), row, col + 1);
+            cells->addWidget(box, row, 0);
+            cells->addWidget(fieldLabel(unit, box), row, 1);
         };
         auto addClass = [&](int row, int combo) {
             ComboBox* box = makeCombo(combo);
             setWidthInChars(box, 8);
-            grid->addWidget(fieldLabel(QStringLiteral("K"), box), row, col + 2);
-            grid->addWidget(box, row, col + 3);
+            cells->addWidget(fieldLabel(QStringLiteral("K"), box), row, 2);
+            cells->addWidget(box, row, 3);
         };
         addAmount(1, 17 + j, QStringLiteral("m3"));
         addClass(1, concrete1Class[j]);
@@ -199,14 +205,15 @@ QWidget* Form3::buildSupports(const QString& title, int firstColumn) {
             piles->addWidget(fieldLabel(QStringLiteral("m koko"), size));
             piles->addWidget(size);
             piles->addStretch(1);
-            grid->addLayout(piles, 6, col, 1, 4);
+            cells->addLayout(piles, 6, 0, 1, 4);
         }
+        cells->setRowStretch(7, 1);
+        grid->addWidget(column, 0, 2 * k);
     }
     // Spare width goes between and after the two columns, not into the unit labels.
-    grid->setColumnMinimumWidth(4, 12);
-    grid->setColumnStretch(4, 1);
-    grid->setColumnStretch(9, 1);
-    grid->setRowStretch(7, 1);
+    grid->setColumnMinimumWidth(1, 12);
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(3, 1);
     return frame;
 }
 

@@ -15,7 +15,10 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QScrollArea>
+#include <QTextEdit>
 
 namespace documents {
 
@@ -248,6 +251,43 @@ void ProjectWindow::dropEvent(QDropEvent* event) {
     }
     event->acceptProposedAction();
     m_host.filesDropped(this, childAt(event->position().toPoint()), files);
+}
+
+void ProjectWindow::showEvent(QShowEvent* event) {
+    passFileDropsToWindow();
+    QWidget::showEvent(event);
+}
+
+void ProjectWindow::passFileDropsToWindow() {
+    if (m_fileDropsPassed) return;
+    m_fileDropsPassed = true;
+    for (QWidget* w : findChildren<QWidget*>()) {
+        // Lists take files by their own rules.
+        bool inList = false;
+        for (QWidget* p = w; p && p != this && !inList; p = p->parentWidget())
+            inList = qobject_cast<lists::ListView*>(p) != nullptr;
+        if (inList) continue;
+        QWidget* target = nullptr;
+        if (qobject_cast<QLineEdit*>(w))
+            target = w;
+        else if (auto* plain = qobject_cast<QPlainTextEdit*>(w))
+            target = plain->viewport();
+        else if (auto* rich = qobject_cast<QTextEdit*>(w))
+            target = rich->viewport();
+        if (target) target->installEventFilter(this);
+    }
+}
+
+bool ProjectWindow::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop)
+        return QWidget::eventFilter(watched, event);
+    auto* drag = static_cast<QDropEvent*>(event);
+    const QStringList files = platform::droppedFiles(drag->mimeData());
+    if (files.isEmpty()) return QWidget::eventFilter(watched, event);
+    drag->acceptProposedAction();
+    if (type == QEvent::Drop) m_host.filesDropped(this, qobject_cast<QWidget*>(watched), files);
+    return true;
 }
 
 } // namespace documents

@@ -88,11 +88,17 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     DocumentHost& m_host;
 
 private:
     QWidget* fieldControl(persist::FieldRef field) const;
+    // Files dragged from the file manager over a text field go to the window, not into the
+    // field as their addresses (a file manager offers them as text too).
+    void passFileDropsToWindow();
+    bool m_fileDropsPassed = false;
     QString& lastValue(persist::FieldRef field);
 
     int m_kind;

@@ -1,6 +1,7 @@
 #include "print/PdfOutput.h"
 
 #include "print/Outline.h"
+#include "print/PageCompression.h"
 #include "print/Reports.h"
 
 #include <QBuffer>
@@ -264,6 +265,9 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
     QByteArray tail;
     OutputResult result;
     {
+        // Pages compressed fast: the writers compress each page as it ends, the last one when
+        // they are destroyed, all inside this block.
+        const FastPageCompression fast;
         std::unique_ptr<QPdfWriter> writer = pdfWriter(&head);
         result = run.PaginateFor(*writer, progress);
         const int total = run.TotalPages();
@@ -280,6 +284,7 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
             std::atomic<bool> cancel{false};
             OutputResult tailResult = OutputResult::Cancelled;
             std::thread worker([&] {
+                const FastPageCompression fast;
                 QBuffer buffer;
                 buffer.open(QIODevice::WriteOnly);
                 {

@@ -1,6 +1,7 @@
 // Files dragged from the file manager: each kind dropped where a user would drop it, as the
 // drop events with the file manager's data (file URLs) reach the windows.
 #include "MainWindowFixture.h"
+#include "documents/Controls.h"
 #include "documents/Form1.h"
 #include "documents/Form2.h"
 #include "documents/Form3.h"
@@ -13,6 +14,8 @@
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QFile>
 #include <QImage>
 #include <QMimeData>
@@ -94,6 +97,42 @@ TEST_F(FileDropsTest, ProjectsDroppedOnTheMainWindowOpenOneByOne) {
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(main.get(), &enter);
     EXPECT_FALSE(enter.isAccepted());
+}
+
+TEST_F(FileDropsTest, AProjectDroppedOnATextFieldOpensAndLeavesTheFieldAlone) {
+    // A file manager offers a dragged file as text too; the field under the pointer is the
+    // widget the drag goes to, as in a real drag between programs.
+    const QString file = copyOf("Esimerkkisilta.sl", "Kentta.sl");
+    auto* f1 = main->ParseFormIndeces().f1;
+    ASSERT_NE(f1, nullptr);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file)});
+    data.setText(QUrl::fromLocalFile(file).toString());
+    auto* client = qobject_cast<QPlainTextEdit*>(f1->Text1[11]->editor());
+    ASSERT_NE(client, nullptr);
+    QWidget* target = client->viewport();
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    ASSERT_TRUE(enter.isAccepted());
+    QDropEvent dropped(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &dropped);
+    // The untouched Projekti1 took the project; no address went into its client field.
+    EXPECT_EQ(projects(), QStringList{file});
+    EXPECT_FALSE(f1->Text1[11]->text().contains(QStringLiteral("Kentta.sl")));
+    EXPECT_TRUE(f1->Text1[11]->text().startsWith(QStringLiteral("Tiehallinto")));
+    // The same on a single-line field of another window.
+    const QString other = copyOf("Esimerkkisilta.sl", "Toinen.sl");
+    data.setUrls({QUrl::fromLocalFile(other)});
+    data.setText(QUrl::fromLocalFile(other).toString());
+    auto* name = qobject_cast<QLineEdit*>(main->projectWindowsOf(file).f1->Text1[0]->editor());
+    ASSERT_NE(name, nullptr);
+    const QString bridge = name->text();
+    QDragEnterEvent again(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(name, &again);
+    QDropEvent droppedAgain(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(name, &droppedAgain);
+    EXPECT_EQ(name->text(), bridge);
+    EXPECT_EQ(projects(), (QStringList{file, other}));
 }
 
 TEST_F(FileDropsTest, ListsAndSpreadsheetsOpenInTheirBaseListWindow) {

@@ -5,6 +5,7 @@
 #include "print/PdfOutput.h"
 #include "print/WorkPhase.h"
 #include "print/ui/Form12.h"
+#include "platform/ui/TabOrder.h"
 #include "print/ui/PrintSession.h"
 
 #include <QApplication>
@@ -93,6 +94,36 @@ Form11::Form11(PrintHost& host, PrintSession& session, QWidget* parent)
     layout->addLayout(documentFrames(), 1);
     layout->addLayout(actionRow());
     layout->addWidget(StatusBar1);
+    // The Tab key reads the frames as they stand: the designer's documents and their buttons,
+    // then the right column row by row (a box, then its work phase button), then the actions
+    // from left to right.
+    platform::setTabOrder({Check1[0],
+                           Check1[1],
+                           Check1[2],
+                           Check1[3],
+                           Check1[4],
+                           Check1[5],
+                           Check1[6],
+                           Command1[SelectDesigner],
+                           Command1[ClearDesigner],
+                           Check1[doc::AllRequirements],
+                           Command1[PhaseAllRequirements],
+                           Check1[8],
+                           Check1[doc::QualityPlans],
+                           Command1[PhaseQualityPlans],
+                           Check1[doc::Inspections],
+                           Command1[PhaseInspections],
+                           Check1[doc::Deviations],
+                           Command1[PhaseDeviations],
+                           Check1[12],
+                           Command1[SelectContractor],
+                           Command1[ClearContractor],
+                           Command1[Print],
+                           Command1[Preview],
+                           PdfButton,
+                           Command1[PrinterSettings],
+                           Command1[Cancel],
+                           Command1[Help]});
     loadSelection();
 }
 
