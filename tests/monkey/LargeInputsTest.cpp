@@ -93,7 +93,7 @@ TEST_F(LargeInputs, ACellOf64KiloBytesIsEditedInItsCellWithoutLosingAnything) {
 
 TEST_F(LargeInputs, ADocumentOfAMegabyteIsSavedAndOpenedWhole) {
     const ProjectWindows p = sample();
-    // A megabyte of paragraphs, as a long specification pasted in.
+    // A megabyte of paragraphs, as a long contract text pasted in.
     QString text;
     for (int i = 0; text.size() < 1024 * 1024; ++i)
         text += QStringLiteral("%1. ").arg(i) + longText(200) + QLatin1Char('\n');
