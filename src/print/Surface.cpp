@@ -24,12 +24,59 @@ struct FontBook::Face {
     double descent = 0;
     QHash<QString, FontBook::Shaped> shaped;
     std::map<long long, QRawFont> sized;
+    // The design advance of each glyph met so far, in pixels of the reference size (0: not yet
+    // asked), and the kerned advance of each pair met so far, keyed by the two glyphs. Asking
+    // FreeType once per glyph and once per pair, instead of once per glyph of every new text,
+    // gives the same numbers: a glyph's advance is its own design advance plus the kerning
+    // with the glyph after it, and nothing else.
+    std::vector<double> glyphAdvance;
+    QHash<quint64, double> pairAdvance;
+    double advance(quint32 glyph);
+    double advance(quint32 glyph, quint32 next);
 };
+
+namespace {
+constexpr QRawFont::LayoutFlags kAdvanceFlags = QRawFont::KernedAdvances | QRawFont::UseDesignMetrics;
+} // namespace
+
+double FontBook::Face::advance(quint32 glyph) {
+    if (glyph >= glyphAdvance.size()) glyphAdvance.resize(glyph + 1, 0);
+    double& a = glyphAdvance[glyph];
+    if (a == 0) {
+        QPointF p;
+        a = reference.advancesForGlyphIndexes(&glyph, &p, 1, kAdvanceFlags) ? p.x() : 0;
+        // A glyph without width (a mark) is asked again; it is rare.
+    }
+    return a;
+}
+
+double FontBook::Face::advance(quint32 glyph, quint32 next) {
+    const quint64 key = (quint64(glyph) << 32) | next;
+    auto it = pairAdvance.constFind(key);
+    if (it != pairAdvance.constEnd()) return *it;
+    const quint32 pair[2] = {glyph, next};
+    QPointF p[2];
+    const double a = reference.advancesForGlyphIndexes(pair, p, 2, kAdvanceFlags) ? p[0].x() : 0;
+    pairAdvance.insert(key, a);
+    return a;
+}
 
 FontBook::FontBook() = default;
 FontBook::~FontBook() = default;
 
 FontBook::Face& FontBook::face(const Font& font) {
+    // Runs of texts share a face: the last one is found without making its key.
+    if (m_lastFace && font.bold == m_lastBold && font.italic == m_lastItalic && font.name == m_lastName)
+        return *m_lastFace;
+    Face& found = findFace(font);
+    m_lastFace = &found;
+    m_lastName = font.name;
+    m_lastBold = font.bold;
+    m_lastItalic = font.italic;
+    return found;
+}
+
+FontBook::Face& FontBook::findFace(const Font& font) {
     QString key = font.name;
     key += font.bold ? QLatin1Char('B') : QLatin1Char('-');
     key += font.italic ? QLatin1Char('I') : QLatin1Char('-');
@@ -81,11 +128,12 @@ const FontBook::Shaped& FontBook::shape(Face& face, const QString& text) {
         s.em = 0.5 * text.size();
     } else {
         s.glyphs = face.reference.glyphIndexesForString(text);
-        const QList<QPointF> a = face.reference.advancesForGlyphIndexes(
-            s.glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
-        s.advances.resize(s.glyphs.size());
-        for (qsizetype i = 0; i < s.glyphs.size(); ++i) {
-            s.advances[i] = i < a.size() ? a[i].x() / kReferencePixels : 0;
+        const qsizetype n = s.glyphs.size();
+        s.advances.resize(n);
+        for (qsizetype i = 0; i < n; ++i) {
+            const double a =
+                i + 1 < n ? face.advance(s.glyphs[i], s.glyphs[i + 1]) : face.advance(s.glyphs[i]);
+            s.advances[i] = a / kReferencePixels;
             s.em += s.advances[i];
         }
     }

@@ -66,7 +66,13 @@ public:
     void shareLayouts(const FontBook& other);
 
 private:
+    Face& findFace(const Font& font);
+
     std::map<QString, std::unique_ptr<Face>> m_faces;
+    Face* m_lastFace = nullptr;
+    QString m_lastName;
+    bool m_lastBold = false;
+    bool m_lastItalic = false;
     std::map<QString, QHash<QString, Shaped>> m_sharedLayouts;
 };
 

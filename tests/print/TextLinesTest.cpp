@@ -2,6 +2,8 @@
 #include "print/PageModel.h"
 #include "print/TextLines.h"
 
+#include <QFont>
+#include <QRawFont>
 #include <gtest/gtest.h>
 #include <cmath>
 
@@ -65,6 +67,45 @@ TEST(TextLines, ALongWordStandsAloneOrIsSplitWithTheMessage) {
     EXPECT_TRUE(print::InsertLineFeeds(fonts, empty, kFont, 11, 1000));
     EXPECT_EQ(empty, QString());
     EXPECT_EQ(print::EvaluateNRows(empty), 0);
+}
+
+// The book asks the font once per glyph and once per glyph pair; the advances it gives must be
+// the ones the font gives for the whole text at once, kerning included ("AV", "To", "Ty" are
+// kerned in the printer font), for texts met first and for texts made of glyphs met before.
+TEST(TextLines, LaidOutAdvancesAreTheFontsOwnKernedAdvances) {
+    print::FontBook fonts;
+    for (bool bold : {false, true}) {
+        QFont qfont(kFont);
+        qfont.setBold(bold);
+        qfont.setPixelSize(2048);
+        qfont.setHintingPreference(QFont::PreferNoHinting);
+        qfont.setKerning(true);
+        const QRawFont raw = QRawFont::fromFont(qfont);
+        ASSERT_TRUE(raw.isValid());
+        print::FontBook::Face& face = fonts.face(print::Font{kFont, 11, bold, false});
+        bool kerned = false;
+        for (const QString& text :
+             {QStringLiteral("AVATA Työmaa To Ty LT"), QStringLiteral("7150 BETONITYÖT"),
+              QStringLiteral("TAVATTAVA, Työt; Yy \"AV\" 12,50 €/m³"), QStringLiteral("VATA"),
+              QStringLiteral("oTyA"), QStringLiteral("A")}) {
+            const QList<quint32> glyphs = raw.glyphIndexesForString(text);
+            const QList<QPointF> own =
+                raw.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
+            const QList<QPointF> plain = raw.advancesForGlyphIndexes(glyphs, QRawFont::UseDesignMetrics);
+            const print::FontBook::Shaped& shaped = fonts.shape(face, text);
+            ASSERT_EQ(shaped.glyphs, glyphs) << text.toStdString();
+            ASSERT_EQ(shaped.advances.size(), own.size());
+            double em = 0;
+            for (qsizetype i = 0; i < own.size(); ++i) {
+                EXPECT_EQ(shaped.advances[i] * 2048, own[i].x()) << text.toStdString() << " glyph " << i;
+                em += own[i].x() / 2048;
+                kerned = kerned || own[i].x() != plain[i].x();
+            }
+            EXPECT_DOUBLE_EQ(shaped.em, em);
+        }
+        // The texts above do meet kerned pairs, so the kerning is checked.
+        EXPECT_TRUE(kerned);
+    }
 }
 
 TEST(TextLines, ParseTextPageCutsLinesAndLastSpaceFindsTheSpace) {
