@@ -19,6 +19,7 @@
 #include <atomic>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
 namespace print {
@@ -27,21 +28,38 @@ namespace {
 
 using Object = QPDFObjectHandle;
 
-// qpdf's output straight into the save file.
+// qpdf's output into the save file. qpdf hands over a token or a line at a time; they are
+// gathered into blocks, so the file sees a few hundred writes instead of a few hundred thousand.
 class DevicePipeline final : public Pipeline {
 public:
     explicit DevicePipeline(QIODevice& device)
         : Pipeline("save file", nullptr)
-        , m_device(device) {}
-    void write(unsigned char const* data, size_t length) override {
-        if (m_device.write(reinterpret_cast<const char*>(data), static_cast<qint64>(length)) !=
-            static_cast<qint64>(length))
-            throw std::runtime_error(m_device.errorString().toStdString());
+        , m_device(device) {
+        m_block.reserve(kBlock);
     }
-    void finish() override {}
+    void write(unsigned char const* data, size_t length) override {
+        if (m_block.size() + length > kBlock) flush();
+        if (length >= kBlock)
+            put(reinterpret_cast<const char*>(data), length);
+        else
+            m_block.append(reinterpret_cast<const char*>(data), length);
+    }
+    void finish() override { flush(); }
 
 private:
+    static constexpr size_t kBlock = 256 * 1024;
+    void flush() {
+        put(m_block.data(), m_block.size());
+        m_block.clear();
+    }
+    void put(const char* data, size_t length) {
+        if (length == 0) return;
+        if (m_device.write(data, static_cast<qint64>(length)) != static_cast<qint64>(length))
+            throw std::runtime_error(m_device.errorString().toStdString());
+    }
+
     QIODevice& m_device;
+    std::string m_block;
 };
 
 Object text(const QString& s) {
@@ -190,6 +208,7 @@ void finishPdf(const QByteArray& written, const QByteArray& more, const std::vec
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.setObjectStreamMode(qpdf_o_disable);
     writer.write();
+    pipeline.finish();
 }
 
 // The last page of the first half when a run is drawn in two halves of about the same work. A
