@@ -160,11 +160,13 @@ int addBookmarks(QPDF& pdf, Object parent, const std::vector<Bookmark>& marks,
 // Rewrites the PDF that Qt wrote, the pages of `more` after its own, with the outline, the information
 // dictionary and the XMP metadata, into `out`.
 void finishPdf(const QByteArray& written, const QByteArray& more, const std::vector<Bookmark>& outline,
-               const PdfProperties& properties, bool archival, QIODevice& out) {
+               const PdfProperties& properties, bool archival, bool endsProcess, QIODevice& out) {
     // The pages drawn on another thread follow; their streams are read from `rest` as the file
     // is written.
-    QPDF rest;
-    QPDF pdf;
+    auto restObjects = std::make_unique<QPDF>();
+    auto pdfObjects = std::make_unique<QPDF>();
+    QPDF& rest = *restObjects;
+    QPDF& pdf = *pdfObjects;
     pdf.setSuppressWarnings(true);
     pdf.processMemoryFile("PDF", written.constData(), static_cast<size_t>(written.size()));
     Object root = pdf.getRoot();
@@ -209,6 +211,11 @@ void finishPdf(const QByteArray& written, const QByteArray& more, const std::vec
     writer.setObjectStreamMode(qpdf_o_disable);
     writer.write();
     pipeline.finish();
+    if (endsProcess) {
+        // Left to the end of the process, which follows (see PdfOptions::endsProcess).
+        (void)restObjects.release();
+        (void)pdfObjects.release();
+    }
 }
 
 // The last page of the first half when a run is drawn in two halves of about the same work. A
@@ -337,7 +344,7 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
     }
     try {
         finishPdf(head.data(), tail, RunOutline(run), DocumentProperties(run, options), options.archival,
-                  file);
+                  options.endsProcess, file);
     } catch (const std::exception& e) {
         file.cancelWriting();
         return fail(file.error() != QFileDevice::NoError ? file.errorString()

@@ -17,6 +17,10 @@ struct PdfOptions {
     QDateTime created = QDateTime::currentDateTime();
     // Runs of this many pages or more are drawn half on a second thread (0: never).
     int parallelFrom = 100;
+    // The caller ends the process right after the file is written (the command line): the
+    // rewrite's objects are left to the process's end instead of being freed one by one, which
+    // takes tens of milliseconds for a long run.
+    bool endsProcess = false;
 };
 
 // What a reader shows as the document's properties.
