@@ -17,6 +17,7 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -157,24 +158,28 @@ int addBookmarks(QPDF& pdf, Object parent, const std::vector<Bookmark>& marks,
     return visible;
 }
 
-// Rewrites the PDF that Qt wrote, the pages of `more` after its own, with the outline, the information
-// dictionary and the XMP metadata, into `out`.
-void finishPdf(const QByteArray& written, const QByteArray& more, const std::vector<Bookmark>& outline,
-               const PdfProperties& properties, bool archival, bool endsProcess, QIODevice& out) {
-    // The pages drawn on another thread follow; their streams are read from `rest` as the file
-    // is written.
-    auto restObjects = std::make_unique<QPDF>();
-    auto pdfObjects = std::make_unique<QPDF>();
-    QPDF& rest = *restObjects;
-    QPDF& pdf = *pdfObjects;
-    pdf.setSuppressWarnings(true);
-    pdf.processMemoryFile("PDF", written.constData(), static_cast<size_t>(written.size()));
+// A PDF that Qt wrote in memory, read by qpdf with every object parsed and the pages listed,
+// so that joining and rewriting it only copies. `data` must outlive it. Each half of a run is
+// read on the thread that drew it.
+std::unique_ptr<QPDF> readWritten(const QByteArray& data) {
+    auto pdf = std::make_unique<QPDF>();
+    pdf->setSuppressWarnings(true);
+    pdf->processMemoryFile("PDF", data.constData(), static_cast<size_t>(data.size()));
+    (void)pdf->getAllObjects();
+    QPDFPageDocumentHelper(*pdf).pushInheritedAttributesToPage();
+    return pdf;
+}
+
+// Rewrites the PDF that Qt wrote, the pages of `rest` (when there is one) after its own, with the
+// outline, the information dictionary and the XMP metadata, into `out`.
+void finishPdf(QPDF& pdf, QPDF* rest, const std::vector<Bookmark>& outline, const PdfProperties& properties,
+               bool archival, QIODevice& out) {
     Object root = pdf.getRoot();
-    if (!more.isEmpty()) {
-        rest.setSuppressWarnings(true);
-        rest.processMemoryFile("PDF", more.constData(), static_cast<size_t>(more.size()));
+    if (rest) {
+        // The pages drawn on another thread follow; their streams are read from `rest` as the
+        // file is written.
         QPDFPageDocumentHelper pages(pdf);
-        for (QPDFPageObjectHelper& page : QPDFPageDocumentHelper(rest).getAllPages())
+        for (QPDFPageObjectHelper& page : QPDFPageDocumentHelper(*rest).getAllPages())
             pages.addPage(page, false);
     }
 
@@ -211,11 +216,6 @@ void finishPdf(const QByteArray& written, const QByteArray& more, const std::vec
     writer.setObjectStreamMode(qpdf_o_disable);
     writer.write();
     pipeline.finish();
-    if (endsProcess) {
-        // Left to the end of the process, which follows (see PdfOptions::endsProcess).
-        (void)restObjects.release();
-        (void)pdfObjects.release();
-    }
 }
 
 // The last page of the first half when a run is drawn in two halves of about the same work. A
@@ -289,6 +289,18 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
     QBuffer head;
     head.open(QIODevice::WriteOnly);
     QByteArray tail;
+    // Each half as qpdf reads it, read on the thread that drew it; a failure to read either
+    // is reported with the rewrite's.
+    std::unique_ptr<QPDF> headPdf;
+    std::unique_ptr<QPDF> tailPdf;
+    std::exception_ptr readError;
+    auto readHead = [&] {
+        try {
+            headPdf = readWritten(head.data());
+        } catch (...) {
+            readError = std::current_exception();
+        }
+    };
     OutputResult result;
     {
         // Pages compressed fast: the writers compress each page as it ends, the last one when
@@ -299,7 +311,7 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
         const int total = run.TotalPages();
         // Pages are drawn independently: a long run is drawn half on another thread, into a
         // PDF of its own that qpdf joins to the first. Qt compresses each page as it ends it, so
-        // both halves' drawing and compressing go on at once.
+        // both halves' drawing and compressing go on at once, and so does qpdf's reading of them.
         const int split = result == OutputResult::Printed && options.parallelFrom > 0 &&
                                   total >= options.parallelFrom && QThread::idealThreadCount() > 1
                               ? halfway(run)
@@ -309,6 +321,7 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
             std::atomic<int> tailDrawn{0};
             std::atomic<bool> cancel{false};
             OutputResult tailResult = OutputResult::Cancelled;
+            std::exception_ptr tailError;
             std::thread worker([&] {
                 const FastPageCompression fast;
                 QBuffer buffer;
@@ -321,6 +334,12 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
                     });
                 }
                 tail = buffer.data();
+                if (tailResult != OutputResult::Printed) return;
+                try {
+                    tailPdf = readWritten(tail);
+                } catch (...) {
+                    tailError = std::current_exception();
+                }
             });
             // The caller hears of the pages of both halves from this thread.
             result = run.PrintPages(*writer, 1, split, [&](int p, double) {
@@ -329,12 +348,18 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
                 return !cancel;
             });
             if (result != OutputResult::Printed) cancel = true;
+            // The first half's file is complete when its writer is gone.
+            writer.reset();
+            if (result == OutputResult::Printed) readHead();
             worker.join();
             if (result == OutputResult::Printed) result = tailResult;
+            if (!readError) readError = tailError;
             for (const QString& message : copy->messages())
                 run.inform(message);
         } else if (result == OutputResult::Printed) {
             result = run.PrintPages(*writer, 1, total, progress);
+            writer.reset();
+            if (result == OutputResult::Printed) readHead();
         }
     }
     // An unfinished file is thrown away with the save file.
@@ -343,12 +368,18 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
         return result == OutputResult::DeviceFailed ? fail(file.errorString()) : result;
     }
     try {
-        finishPdf(head.data(), tail, RunOutline(run), DocumentProperties(run, options), options.archival,
-                  options.endsProcess, file);
+        if (readError) std::rethrow_exception(readError);
+        finishPdf(*headPdf, tailPdf.get(), RunOutline(run), DocumentProperties(run, options),
+                  options.archival, file);
     } catch (const std::exception& e) {
         file.cancelWriting();
         return fail(file.error() != QFileDevice::NoError ? file.errorString()
                                                          : QString::fromLocal8Bit(e.what()));
+    }
+    if (options.endsProcess) {
+        // Left to the end of the process, which follows (see PdfOptions::endsProcess).
+        (void)headPdf.release();
+        (void)tailPdf.release();
     }
     if (!file.commit()) return fail(file.errorString());
     return OutputResult::Printed;
