@@ -13,8 +13,14 @@
 #include "shell/MainWindowFixture.h"
 #include "shell/ProjectFiles.h"
 
+#include "print/ui/Form11.h"
+
+#include <QCheckBox>
+#include <QDir>
 #include <QImage>
 #include <QLineEdit>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QTextCursor>
 #include <QTextEdit>
 
@@ -121,6 +127,94 @@ TEST_F(LargeInputs, APictureOf10000By10000PixelsIsReducedToWhatAPageNeeds) {
     const ProjectWindows back = saveAndOpen(projectOf(p));
     ASSERT_TRUE(back.complete());
     EXPECT_EQ(back.f1->Image1[0]->picture().sizeHint(), QSize(3600, 3600));
+}
+
+// The project's quantity list made `n` rows long by repeating its own rows, as a large
+// project of many bridges copied into one would be.
+void repeatRows(lists::ListModel& list, int n) {
+    std::vector<lists::Row> rows;
+    rows.reserve(n);
+    const int own = list.rows();
+    for (int r = 0; r < n; ++r) {
+        lists::Row row = list.row(r % own + 1);
+        row.cells.back() = lists::formatRowNumber(r + 1);
+        row.selected = false;
+        rows.push_back(std::move(row));
+    }
+    list.reset(list.columns(), std::move(rows));
+}
+
+// Cancels the print run's progress window once it shows the pages being printed, as the user
+// would with its button; remembers what it saw.
+struct ProgressCanceller {
+    ProgressCanceller() {
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                auto* progress = qobject_cast<QProgressDialog*>(w);
+                if (!progress || !progress->isVisible() ||
+                    !progress->labelText().startsWith(QStringLiteral("Tulostaa sivua")))
+                    continue;
+                label = progress->labelText();
+                value = progress->value();
+                if (auto* button = progress->findChild<QPushButton*>()) button->click();
+                timer.stop();
+            }
+        });
+        timer.start(20);
+    }
+    QTimer timer;
+    QString label;
+    int value = -1;
+};
+
+TEST_F(LargeInputs, APrintOfALargeProjectShowsItsProgressAndCancelsWithoutAFile) {
+    const ProjectWindows p = sample();
+    main->activateWindow(p.f2);
+    repeatRows(*p.f2->list(0), 100000);
+    const QString folder = dir.filePath(QStringLiteral("pdf"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QString pdf = folder + QStringLiteral("/Esimerkkisilta.pdf");
+    const QString caption = p.f2->windowTitle();
+
+    bool selectionSeen = false;
+    std::unique_ptr<ProgressCanceller> canceller;
+    whenModal([&](QWidget* modal) {
+        auto* selection = qobject_cast<print::ui::Form11*>(modal);
+        ASSERT_NE(selection, nullptr);
+        selectionSeen = true;
+        // Boxes are clicked as the user does, so that the run is paginated again.
+        auto choose = [&](int document) {
+            for (int d = 0; d < static_cast<int>(selection->Check1.size()); ++d)
+                if (selection->Check1[d]->isChecked() != (d == document)) selection->Check1[d]->click();
+        };
+        choose(print::doc::Quantities);
+        dialogs.chooseFile(pdf);
+        canceller = std::make_unique<ProgressCanceller>();
+        selection->PdfButton->click();
+        // Cancelled: no file, not even a half-written one beside it, and the dialog stays open
+        // with the pointer given back.
+        EXPECT_TRUE(canceller->label.startsWith(QStringLiteral("Tulostaa sivua")))
+            << canceller->label.toStdString();
+        EXPECT_LT(canceller->value, 1000);
+        EXPECT_TRUE(QDir(folder).entryList(QDir::Files | QDir::Hidden).isEmpty())
+            << QDir(folder).entryList(QDir::Files | QDir::Hidden).join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(selection->isVisible());
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+
+        // The same dialog prints again: a short document goes through whole.
+        choose(print::doc::PlanDescription);
+        dialogs.chooseFile(pdf);
+        selection->PdfButton->click();
+        EXPECT_TRUE(QFileInfo(pdf).size() > 0);
+    });
+    main->FileMenuActions(7);
+    EXPECT_TRUE(selectionSeen);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    // The windows take input again and the project is as it was: unchanged and whole.
+    EXPECT_TRUE(main->isEnabled());
+    EXPECT_EQ(p.f2->windowTitle(), caption);
+    EXPECT_EQ(p.f2->list(0)->rows(), 100000);
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
 }
 
 } // namespace
