@@ -8,6 +8,7 @@
 #include "documents/Form2.h"
 #include "documents/Form3.h"
 #include "lists/ListModel.h"
+#include "lists/ui/BaseListWindow.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ui/ListView.h"
 #include "platform/TextFile.h"
@@ -221,6 +222,50 @@ TEST_F(LargeInputs, ALargePictureIsReducedShownAndPrintedAndAHugeOneRefused) {
     const ProjectWindows back = saveAndOpen(projectOf(p));
     ASSERT_TRUE(back.complete());
     EXPECT_EQ(back.f1->Image1[0]->picture().sizeHint(), QSize(3600, 3600));
+}
+
+// Spreadsheets beyond what the import reads are refused with the reader's reason, through
+// "&Avaa..." and "T&uo..." of the base list windows alike, and the window keeps its list and
+// its file: nothing is half read into it.
+TEST_F(LargeInputs, ASpreadsheetBeyondTheReadersLimitsIsRefusedAndTheListStaysAsItWas) {
+    const QString data = testing_support::sourceDir() + QStringLiteral("/tests/lists/data/");
+    // A workbook larger than the import reads at all: a compound file's signature, then nothing
+    // (sparse, so it takes no disk).
+    const QString big = dir.filePath(QStringLiteral("suuri.xls"));
+    {
+        QFile file(big);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", 8);
+        ASSERT_TRUE(file.resize((qint64(256) << 20) + 1));
+    }
+    const std::pair<QString, QString> refused[] = {
+        {big, QStringLiteral("tiedosto on liian suuri (yli 256 Mt)")},
+        {data + QStringLiteral("damaged/pitka-teksti.xlsx"),
+         QStringLiteral("solun teksti on yli 1048576 tavua pitkä")},
+        {data + QStringLiteral("damaged/osa-liian-suuri.xlsx"),
+         QStringLiteral("osan _rels/.rels koko on mahdoton")},
+    };
+    for (lists::BaseListWindow* window : {main->Form6, main->Form7}) {
+        const std::vector<lists::Row> rows = window->list()->allRows();
+        const QString caption = window->windowTitle();
+        for (const auto& [file, reason] : refused) {
+            SCOPED_TRACE(file.toStdString());
+            for (const bool open : {true, false}) {
+                dialogs.chooseFile(file);
+                if (open)
+                    window->SubMenu0[0]->trigger(); // "&Avaa..."
+                else
+                    window->ListViewFileMenuActions(4); // "T&uo..."
+                EXPECT_EQ(dialogs.lastText(), QStringLiteral("Taulukkotiedostoa: ") + file +
+                                                  QStringLiteral(" ei voitu lukea: ") + reason +
+                                                  QLatin1Char('.'));
+                ASSERT_EQ(window->list()->rows(), static_cast<int>(rows.size()));
+                for (int r = 1; r <= window->list()->rows(); ++r)
+                    ASSERT_EQ(window->list()->row(r).cells, rows[r - 1].cells) << r;
+                EXPECT_EQ(window->windowTitle(), caption);
+            }
+        }
+    }
 }
 
 // The project's quantity list made `n` rows long by repeating its own rows, as a large
