@@ -93,8 +93,8 @@ int EvaluateNRows(const QString& text);
 // Writes a window record. With `pathOption`, the cells of list 1 in columns 13 and 14 that
 // hold a folder are written as "{PATH}" + the file name alone.
 void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOption = false);
-// About the bytes WriteFormToFile writes for the record (a little more than a value of ten lines
-// or more and a "{PATH}" cell take), for reserving them.
+// About the bytes WriteFormToFile writes for the record, for reserving them: a value of ten
+// lines or more and a "{PATH}" cell may take a few bytes more.
 qsizetype RecordSize(const WindowRecord& record);
 
 // Reads a window record. With a directory, list 1's "{PATH}" cells in columns 13 and 14 get

@@ -44,6 +44,7 @@ QString fromCp1252(const QByteArray& bytes) {
 
 QByteArray toCp1252(const QString& text, QString* unencodable) {
     QByteArray out;
+    out.reserve(text.size());
     appendCp1252(out, text, unencodable);
     return out;
 }
