@@ -178,7 +178,7 @@ persist::WindowRecord ProjectWindow::toRecord() const {
             list.columns = m->lastDataCol();
             list.rows.reserve(m->rows());
             for (const lists::Row& row : m->allRows())
-                list.rows.push_back(row.cells.mid(0, list.columns));
+                list.rows.push_back(row.cells);
         }
         r.lists.push_back(std::move(list));
     }

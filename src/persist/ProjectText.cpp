@@ -1,7 +1,5 @@
 #include "persist/ProjectText.h"
 
-#include "platform/Cp1252.h"
-
 namespace persist {
 
 QString versionLine() {
@@ -12,7 +10,13 @@ QString versionLine() {
 }
 
 QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QString* unencodable) {
-    RecordWriter w;
+    RecordWriter w(unencodable);
+    qsizetype size = 1024;
+    for (const WindowRecord& r : content.windows)
+        size += RecordSize(r);
+    for (const QByteArray& doc : content.documents)
+        size += doc.size() + 16;
+    w.reserve(size);
     w.line(versionLine());
     w.count(18);
     for (int i = 0; i < 18; ++i)
@@ -23,17 +27,7 @@ QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QStr
     for (const QString& c : content.checks)
         w.line(c);
     w.count(3);
-    QByteArray out;
-    QString text;
-    qsizetype size = 0;
-    for (const QString& l : w.lines())
-        size += l.size() + 2;
-    text.reserve(size);
-    for (const QString& l : w.lines()) {
-        text += l;
-        text += QLatin1String("\r\n");
-    }
-    out = platform::toCp1252(text, unencodable);
+    QByteArray out = w.take();
     for (const QByteArray& doc : content.documents) {
         // The length in the number format of the old print statement: a blank before the digits.
         out += ' ';

@@ -2,6 +2,7 @@
 
 #include "platform/Cp1252.h"
 
+#include <charconv>
 #include <cstring>
 
 namespace persist {
@@ -30,16 +31,23 @@ int EvaluateNRows(const QString& text) {
     return 1 + static_cast<int>(text.count(QLatin1String("\r\n")));
 }
 
+void RecordWriter::line(QStringView text) {
+    platform::appendCp1252(m_bytes, text, m_unencodable);
+    m_bytes.append("\r\n", 2);
+}
+
+void RecordWriter::count(long long n) {
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, n).ptr;
+    m_bytes.append(digits, end - digits);
+    m_bytes.append("\r\n", 2);
+}
+
 void RecordWriter::value(const QString& text) {
     const int n = EvaluateNRows(text);
     count(n);
-    if (n == 0) return;
-    if (n == 1) {
-        m_lines.append(text);
-        return;
-    }
-    for (const QString& part : text.split(QLatin1String("\r\n")))
-        m_lines.append(part);
+    // The lines of a value are its parts between CR LF pairs: the text as it is, then CR LF.
+    if (n > 0) line(text);
 }
 
 RecordReader::RecordReader(QByteArray bytes, qsizetype start)
@@ -221,6 +229,23 @@ void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOpt
             }
         }
     }
+}
+
+qsizetype RecordSize(const WindowRecord& record) {
+    // A value is its count line (one digit and CR LF) and, when not empty, its text and CR LF.
+    auto value = [](const QString& text) { return 3 + (text.isEmpty() ? 0 : text.size() + 2); };
+    qsizetype size = 3 * 24;
+    for (const QString& t : record.texts)
+        size += value(t);
+    for (const QString& c : record.combos)
+        size += value(c);
+    for (const ListRecord& list : record.lists) {
+        size += 24;
+        for (const QStringList& row : list.rows)
+            for (int c = 0; c < list.columns; ++c)
+                size += c < row.size() ? value(row[c]) : 3;
+    }
+    return size;
 }
 
 bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& directory) {

@@ -1,7 +1,7 @@
 #pragma once
 // The record in which a project window stores its controls: the Text1 texts, the Combo1 edit
-// texts and the lists, each value preceded by its line count. Line-oriented text; the caller
-// encodes it as Windows-1252 with CR LF.
+// texts and the lists, each value preceded by its line count. Line-oriented text in
+// Windows-1252 with CR LF.
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -10,8 +10,11 @@
 namespace persist {
 
 struct ListRecord {
-    int columns = 0;               // stored columns: the littera and the data columns, not "Rivi"
-    std::vector<QStringList> rows; // each `columns` cells
+    int columns = 0; // stored columns: the littera and the data columns, not "Rivi"
+    // Only the first `columns` cells of a row are stored (missing ones as empty). A row taken
+    // from a list keeps its row number after them, so the record shares the list's cells
+    // instead of copying them.
+    std::vector<QStringList> rows;
 };
 
 struct WindowRecord {
@@ -20,18 +23,26 @@ struct WindowRecord {
     std::vector<ListRecord> lists;
 };
 
-// Collects the lines of a text member.
+// Writes the lines of a text member, each encoded as Windows-1252 and ended by CR LF as it
+// comes, so that a large project is never held as text besides its bytes. Characters outside
+// the code page become "?" and are listed once in `unencodable` when it is given.
 class RecordWriter {
 public:
-    void line(const QString& text) { m_lines.append(text); }
-    void count(long long n) { m_lines.append(QString::number(n)); }
+    explicit RecordWriter(QString* unencodable = nullptr)
+        : m_unencodable(unencodable) {}
+    void line(QStringView text);
+    void count(long long n);
     // A value: its line count (0 for an empty value, else 1 + the CR LF pairs in it), then
     // its lines.
     void value(const QString& text);
-    const QStringList& lines() const { return m_lines; }
+    // Room for this many bytes more, so that a long member is written without moving.
+    void reserve(qsizetype more) { m_bytes.reserve(m_bytes.size() + more); }
+    const QByteArray& bytes() const { return m_bytes; }
+    QByteArray take() { return std::move(m_bytes); }
 
 private:
-    QStringList m_lines;
+    QByteArray m_bytes;
+    QString* m_unencodable;
 };
 
 // Reads the lines of a text member (Windows-1252, lines ended by CR LF), never trusting a
@@ -82,6 +93,9 @@ int EvaluateNRows(const QString& text);
 // Writes a window record. With `pathOption`, the cells of list 1 in columns 13 and 14 that
 // hold a folder are written as "{PATH}" + the file name alone.
 void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOption = false);
+// About the bytes WriteFormToFile writes for the record, for reserving them: a value of ten
+// lines or more and a "{PATH}" cell may take a few bytes more.
+qsizetype RecordSize(const WindowRecord& record);
 
 // Reads a window record. With a directory, list 1's "{PATH}" cells in columns 13 and 14 get
 // that directory. Returns false with the reader's error on a damaged record.

@@ -43,10 +43,18 @@ QString fromCp1252(const QByteArray& bytes) {
 }
 
 QByteArray toCp1252(const QString& text, QString* unencodable) {
-    QByteArray out(text.size(), Qt::Uninitialized);
+    QByteArray out;
+    out.reserve(text.size());
+    appendCp1252(out, text, unencodable);
+    return out;
+}
+
+void appendCp1252(QByteArray& out, QStringView text, QString* unencodable) {
+    const qsizetype start = out.size();
+    out.resize(start + text.size());
     char* dst = out.data();
-    qsizetype n = 0;
-    const QChar* src = text.constData();
+    qsizetype n = start;
+    const QChar* src = text.data();
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t c = src[i].unicode();
         const int b = encodeChar(c);
@@ -64,7 +72,6 @@ QByteArray toCp1252(const QString& text, QString* unencodable) {
         if (unencodable && !unencodable->contains(ch)) unencodable->append(ch);
     }
     out.truncate(n);
-    return out;
 }
 
 bool isCp1252(const QString& text) {

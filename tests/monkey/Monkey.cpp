@@ -254,10 +254,14 @@ persist::WindowRecord asSaved(persist::WindowRecord record) {
         t = asSaved(t);
     for (QString& c : record.combos)
         c = asSaved(c);
+    // Only a list's stored columns are saved: a row taken from the windows still holds its
+    // row number after them.
     for (auto& l : record.lists)
-        for (auto& row : l.rows)
+        for (auto& row : l.rows) {
+            row.resize(l.columns);
             for (QString& cell : row)
                 cell = asSaved(cell);
+        }
     return record;
 }
 

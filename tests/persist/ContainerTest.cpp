@@ -110,16 +110,27 @@ TEST(ProjectText, ValuesOfZeroOneAndThreeLinesAreWrittenByteForByte) {
     w.value(QString());
     w.value(QStringLiteral("yksi"));
     w.value(QStringLiteral("a\r\nb\r\nc"));
-    EXPECT_EQ(w.lines(), (QStringList{"0", "1", "yksi", "3", "a", "b", "c"}));
+    EXPECT_EQ(w.bytes(), QByteArray("0\r\n1\r\nyksi\r\n3\r\na\r\nb\r\nc\r\n"));
+    // A character outside the code page is a "?" wherever it stands, and named once.
+    QString outside;
+    RecordWriter marked(&outside);
+    marked.line(QStringLiteral("Siltapaikka \u0101"));
+    marked.value(QStringLiteral("\u0101\r\n\u20ac"));
+    EXPECT_EQ(marked.bytes(), QByteArray("Siltapaikka ?\r\n2\r\n?\r\n\x80\r\n"));
+    EXPECT_EQ(outside, QStringLiteral("\u0101"));
     EXPECT_EQ(EvaluateNRows(QString()), 0);
     EXPECT_EQ(EvaluateNRows(QStringLiteral("a\nb")), 1); // only CR LF separates lines
 
     WindowRecord r;
     r.texts = {QString(), QStringLiteral("Väli\r\ntuki\r\n3")};
-    r.lists = {ListRecord{3, {}}};
+    // A row taken from a list still holds its row number: only the stored columns are written.
+    r.lists = {ListRecord{2, {QStringList{"7110", "Kaivu", "000001"}}}};
     RecordWriter out;
     WriteFormToFile(out, r);
-    EXPECT_EQ(out.lines(), (QStringList{"2", "0", "3", "Väli", "tuki", "3", "0", "1", "0,3"}));
+    EXPECT_EQ(out.bytes(), QByteArray("2\r\n0\r\n3\r\nV\xe4li\r\ntuki\r\n3\r\n0\r\n1\r\n1,2\r\n"
+                                      "1\r\n7110\r\n1\r\nKaivu\r\n"));
+    // The room reserved for a record holds it.
+    EXPECT_GE(RecordSize(r), out.bytes().size());
 }
 
 TEST(ProjectText, RoundTripIsByteIdenticalAndAppliesThePathRule) {
@@ -214,12 +225,8 @@ TEST(ProjectText, RepeatedCellsShareTheirTextAndReadBackAsWritten) {
     r.lists = {ListRecord{0, {}}, list};
     RecordWriter out;
     WriteFormToFile(out, r);
-    QByteArray bytes;
-    for (const QString& line : out.lines())
-        bytes += line.toUtf8() + "\r\n";
-
     WindowRecord back;
-    RecordReader in(bytes);
+    RecordReader in(out.bytes());
     ASSERT_TRUE(ReadFormFromFile(in, back, QString())) << in.error().toStdString();
     ASSERT_EQ(back.lists.size(), 2u);
     EXPECT_EQ(back.lists[1].rows, list.rows);

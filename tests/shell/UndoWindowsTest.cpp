@@ -31,6 +31,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
@@ -481,4 +482,40 @@ TEST_F(UndoWindowsTest, TheStepLimitIsASetting) {
     main->settingsStore().save(QStringLiteral("General"), QStringLiteral("UndoLimit"), QStringLiteral("-5"));
     ReadSettingsValues(main->settingsStore(), read);
     EXPECT_EQ(read.settings.UndoLimit, 200);
+}
+
+// The status bar names the caption, subcaption and entry of the current row by their row
+// numbers. A sort moves the current row: the status bar and the base list window's own status
+// follow it (they kept the numbers of where the row had been before the sort).
+TEST_F(UndoWindowsTest, TheStatusBarFollowsTheCurrentRowThroughASort) {
+    documents::Form2* f2 = openSample();
+    main->activateWindow(f2);
+    lists::ListView* view = f2->ListView1[0];
+    lists::ListModel& list = *view->list();
+    int entry = list.rows();
+    while (entry > 1 && list.cell(entry, 4).trimmed().isEmpty())
+        --entry;
+    view->setCurrentIndex(list.index(entry - 1, 1));
+    ASSERT_EQ(list.currentRow(), entry);
+    EXPECT_EQ(main->statusText(5), lists::CaptionStatusTexts(list, entry)[2]);
+
+    dialogs.answer(platform::MsgAnswer::Yes);
+    emit view->headerClicked(2);
+    ASSERT_NE(list.currentRow(), entry) << "the sort moved the row";
+    for (int panel = 0; panel < 3; ++panel)
+        EXPECT_EQ(main->statusText(1 + 2 * panel), lists::CaptionStatusTexts(list, list.currentRow())[panel])
+            << panel;
+    emit view->headerClicked(1);
+    EXPECT_EQ(list.currentRow(), entry);
+    EXPECT_EQ(main->statusText(5), lists::CaptionStatusTexts(list, entry)[2]);
+
+    lists::BaseListWindow* f7 = main->Form7;
+    lists::ListModel& base = *f7->list();
+    f7->view()->setCurrentIndex(base.index(base.rows() - 1, 1));
+    dialogs.answer(platform::MsgAnswer::Yes);
+    emit f7->view()->headerClicked(3);
+    QStringList shown;
+    for (const QString& t : lists::CaptionStatusTexts(base, base.currentRow()))
+        if (!t.isEmpty()) shown << t;
+    EXPECT_EQ(f7->statusBar()->currentMessage(), shown.join(QStringLiteral("  |  ")));
 }

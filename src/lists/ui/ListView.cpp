@@ -55,7 +55,12 @@ void ListView::setList(ListModel* list) {
     });
     connect(list, &QAbstractItemModel::rowsInserted, this, [this] { syncFromModel(); });
     connect(list, &QAbstractItemModel::rowsRemoved, this, [this] { syncFromModel(); });
-    connect(list, &QAbstractItemModel::layoutChanged, this, [this] { syncFromModel(); });
+    connect(list, &QAbstractItemModel::layoutChanged, this, [this] {
+        syncFromModel();
+        // Rows put into another order (a sort, or its undo) take the current row elsewhere:
+        // whatever names its place (the status bars) hears of it as of any other move.
+        if (m_list->currentRow() >= 1) emit currentRowMoved(m_list->currentRow());
+    });
     connect(list, &QAbstractItemModel::headerDataChanged, this, [this] { applyColumnWidths(); });
     applyColumnWidths();
     syncFromModel();

@@ -38,7 +38,7 @@ signals:
     void mousePressed(Qt::MouseButton button, Qt::KeyboardModifiers modifiers, QPoint pos);
     void mouseMoved(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers, QPoint pos);
     void focusEntered();
-    // The current row moved through the view (clicks, arrow keys).
+    // The current row moved: through the view (clicks, arrow keys) or with its row (a sort).
     void currentRowMoved(int row);
     void contextMenuWanted(QPoint globalPos);
 
