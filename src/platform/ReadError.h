@@ -11,8 +11,8 @@ struct ReadError {
     QString part;       // the part of a package it lay in ("xl/worksheets/sheet1.bin"); empty: none
     QString record;     // the record as its format numbers it ("0x0004", "517"); empty: none
     qint64 offset = -1; // byte offset of the record, or where the data ran out; -1: none
-    int line = -1;      // line and column of a text part, from 1 (0 when the parser had none); -1: none
-    int column = -1;
+    int line = -1;      // line of a text, from 1 (0 when the parser had none); -1: none
+    int column = -1;    // column on that line; -1: a format read by whole lines
 
     // A failure with nothing to say about where.
     static ReadError reason(const QString& what) { return ReadError{what, {}, {}, -1, -1, -1}; }
@@ -21,6 +21,7 @@ struct ReadError {
     //   "tietue on vajaa (tietue 0x0004 tavussa 27)"
     //   "osa xl/workbook.bin: tietue katkeaa tavussa 12"
     //   "osa content.xml ei ole kelvollista XML:ää (rivi 3, sarake 7)"
+    //   "rivi 12: lukumäärä \"x\" ei kelpaa"
     QString text() const;
 };
 

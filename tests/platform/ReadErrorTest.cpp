@@ -20,6 +20,8 @@ TEST(ReadError, NamesThePlaceAfterWhatFailed) {
          "osa xl/worksheets/sheet1.bin: tietue katkeaa tavussa 4096"},
         {{"ei ole kelvollista XML:ää", "content.xml", {}, -1, 3, 17},
          "osa content.xml ei ole kelvollista XML:ää (rivi 3, sarake 17)"},
+        // A text read by whole lines (a project's window records).
+        {{"lukumäärä \"x\" ei kelpaa", {}, {}, -1, 12}, "rivi 12: lukumäärä \"x\" ei kelpaa"},
         // A parser that could not say where still gives its zeros, as it always did.
         {{"ei ole kelvollista XML:ää", "styles.xml", {}, -1, 0, 0},
          "osa styles.xml ei ole kelvollista XML:ää (rivi 0, sarake 0)"},
