@@ -187,7 +187,29 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     auto* splitter = new QSplitter(Qt::Vertical, this);
     layout->addWidget(splitter, 1);
 
-    Summary = new QTableWidget(0, 5, splitter);
+    splitter->addWidget(buildSummary(splitter));
+    auto* changesArea = new QWidget(splitter);
+    auto* changesLayout = new QVBoxLayout(changesArea);
+    changesLayout->setContentsMargins(0, 0, 0, 0);
+    changesLayout->addLayout(buildFilters(changesArea));
+    changesLayout->addWidget(buildChangesTable(changesArea), 1);
+    splitter->addWidget(changesArea);
+    splitter->setSizes({260, 420});
+
+    layout->addLayout(buildButtons());
+
+    // F1: the help on the comparison.
+    auto* help = new QAction(this);
+    help->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(help, &QAction::triggered, this, [this] { m_host.printHost().showHelp(kHelpTopic, this); });
+    addAction(help);
+
+    resize(1100, 720);
+    compare();
+}
+
+QTableWidget* CompareWindow::buildSummary(QWidget* parent) {
+    Summary = new QTableWidget(0, 5, parent);
     Summary->horizontalHeader()->hide();
     Summary->verticalHeader()->hide();
     Summary->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -196,11 +218,10 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     // The arrow keys go through the cells; Tab goes on to the next control, as in every dialog.
     Summary->setTabKeyNavigation(false);
     Summary->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    splitter->addWidget(Summary);
+    return Summary;
+}
 
-    auto* changesArea = new QWidget(splitter);
-    auto* changesLayout = new QVBoxLayout(changesArea);
-    changesLayout->setContentsMargins(0, 0, 0, 0);
+QHBoxLayout* CompareWindow::buildFilters(QWidget* changesArea) {
     auto* filters = new QHBoxLayout;
     filters->addWidget(new QLabel(QStringLiteral("Näytä:"), changesArea));
     for (int k = 0; k < 3; ++k) {
@@ -224,8 +245,10 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     filters->addStretch(1);
     CountLabel = new QLabel(changesArea);
     filters->addWidget(CountLabel);
-    changesLayout->addLayout(filters);
+    return filters;
+}
 
+QTableView* CompareWindow::buildChangesTable(QWidget* changesArea) {
     ChangesModel = new ChangeTableModel(this);
     Changes = new QTableView(changesArea);
     Changes->setModel(ChangesModel);
@@ -259,12 +282,12 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     Changes->setColumnWidth(ChangeTableModel::New, 28 * chars);
     Changes->setColumnWidth(ChangeTableModel::Cost, widest({QStringLiteral("+9 999 999,00")}));
     Changes->horizontalHeader()->setStretchLastSection(true);
-    changesLayout->addWidget(Changes, 1);
     connect(Changes, &QTableView::doubleClicked, this,
             [this](const QModelIndex& index) { showChange(index.row()); });
-    splitter->addWidget(changesArea);
-    splitter->setSizes({260, 420});
+    return Changes;
+}
 
+QHBoxLayout* CompareWindow::buildButtons() {
     auto* buttons = new QHBoxLayout;
     PreviewButton = new QPushButton(QStringLiteral("E&sikatselu"), this);
     PrintButton = new QPushButton(QStringLiteral("&Tulosta..."), this);
@@ -273,20 +296,11 @@ CompareWindow::CompareWindow(std::unique_ptr<CompareHost> host, persist::Project
     buttons->addStretch(1);
     for (QPushButton* b : {PreviewButton, PrintButton, PdfButton, CloseButton})
         buttons->addWidget(b);
-    layout->addLayout(buttons);
     connect(PreviewButton, &QPushButton::clicked, this, [this] { preview(); });
     connect(PrintButton, &QPushButton::clicked, this, [this] { printOnPrinter(); });
     connect(PdfButton, &QPushButton::clicked, this, [this] { printToPdf(); });
     connect(CloseButton, &QPushButton::clicked, this, &QWidget::close);
-
-    // F1: the help on the comparison.
-    auto* help = new QAction(this);
-    help->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(help, &QAction::triggered, this, [this] { m_host.printHost().showHelp(kHelpTopic, this); });
-    addAction(help);
-
-    resize(1100, 720);
-    compare();
+    return buttons;
 }
 
 CompareWindow::~CompareWindow() = default;

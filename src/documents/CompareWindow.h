@@ -16,6 +16,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QTableView;
@@ -116,6 +117,12 @@ public:
     QPushButton* CloseButton = nullptr;
 
 private:
+    // The constructor's groups: the summary of the totals, the filters above the list of
+    // changes, that list, and the buttons.
+    QTableWidget* buildSummary(QWidget* parent);
+    QHBoxLayout* buildFilters(QWidget* changesArea);
+    QTableView* buildChangesTable(QWidget* changesArea);
+    QHBoxLayout* buildButtons();
     void compare();
     void fillSummary();
     void applyFilter();

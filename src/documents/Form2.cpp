@@ -51,51 +51,60 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
 
     Label1.assign(3, nullptr);
     Check1.assign(2, nullptr);
+    for (int i = 0; i < 2; ++i)
+        m_splitter->addWidget(listArea(i));
+    m_splitter->addWidget(documentArea());
+    m_splitter->setSizes({300, 300, 260});
+    // A list's restriction box is on only while its list has the focus, so the Tab key reaches
+    // it from its list: each list, then its box, then the document.
+    platform::setTabOrder({ListView1[0], Check1[0], ListView1[1], Check1[1], RichTextBox1[0]});
+
+    // The hidden drop-down and text box of the window's record.
+    ComboBox* combo = makeCombo(0);
+    combo->hide();
+    TextBox* text = makeText(0);
+    text->hide();
+    showDocument(host.appState().settings.StartUpDocument);
+}
+
+QWidget* Form2::listArea(int i) {
     const QString listKinds[2] = {QStringLiteral("Määräluettelo ja kustannusarvio"),
                                   QStringLiteral("Laatuvaatimukset")};
     const QString checks[2] = {QStringLiteral("Muokkaa ainoastaan &rak. osa  ja määräsarakkeita"),
                                QStringLiteral("Muokkaa ainoastaan &vaatimuksen numeroarvoja")};
-    for (int i = 0; i < 2; ++i) {
-        auto* area = new QWidget(m_splitter);
-        auto* v = new QVBoxLayout(area);
-        v->setContentsMargins(0, 0, 0, 0);
-        v->setSpacing(2);
-        auto* head = new QHBoxLayout;
-        Label1[i] = new QLabel(listKinds[i], area);
-        Label1[i]->setObjectName(QStringLiteral("Label1_%1").arg(i));
-        QFont bold = Label1[i]->font();
-        bold.setBold(true);
-        Label1[i]->setFont(bold);
-        Check1[i] = new QCheckBox(checks[i], area);
-        Check1[i]->setObjectName(QStringLiteral("Check1_%1").arg(i));
-        Check1[i]->setEnabled(i == 0);
-        head->addWidget(Label1[i]);
-        head->addSpacing(24);
-        head->addWidget(Check1[i]);
-        head->addStretch(1);
-        v->addLayout(head);
-        lists::ListView* view = makeList(i, listKinds[i]);
-        view->setParent(area);
-        new CheckMarks(i == 0 ? calc::CheckPlace::Quantities : calc::CheckPlace::Requirements, view);
-        v->addWidget(view, 1);
-        connect(view, &lists::ListView::focusEntered, this, [this, i] { listFocused(i); });
-        connect(Check1[i], &QCheckBox::clicked, this, [this, i, view] {
-            // The focus goes to the list and its selected row stays selected.
-            m_restrict[i] = Check1[i]->isChecked();
-            view->setFocus(Qt::OtherFocusReason);
-        });
-        m_splitter->addWidget(area);
-    }
+    auto* area = new QWidget(m_splitter);
+    auto* v = new QVBoxLayout(area);
+    v->setContentsMargins(0, 0, 0, 0);
+    v->setSpacing(2);
+    auto* head = new QHBoxLayout;
+    Label1[i] = boldLabel(listKinds[i], area, i);
+    Check1[i] = new QCheckBox(checks[i], area);
+    Check1[i]->setObjectName(QStringLiteral("Check1_%1").arg(i));
+    Check1[i]->setEnabled(i == 0);
+    head->addWidget(Label1[i]);
+    head->addSpacing(24);
+    head->addWidget(Check1[i]);
+    head->addStretch(1);
+    v->addLayout(head);
+    lists::ListView* view = makeList(i, listKinds[i]);
+    view->setParent(area);
+    new CheckMarks(i == 0 ? calc::CheckPlace::Quantities : calc::CheckPlace::Requirements, view);
+    v->addWidget(view, 1);
+    connect(view, &lists::ListView::focusEntered, this, [this, i] { listFocused(i); });
+    connect(Check1[i], &QCheckBox::clicked, this, [this, i, view] {
+        // The focus goes to the list and its selected row stays selected.
+        m_restrict[i] = Check1[i]->isChecked();
+        view->setFocus(Qt::OtherFocusReason);
+    });
+    return area;
+}
 
+QWidget* Form2::documentArea() {
     auto* textArea = new QWidget(m_splitter);
     auto* tv = new QVBoxLayout(textArea);
     tv->setContentsMargins(0, 0, 0, 0);
     tv->setSpacing(2);
-    Label1[2] = new QLabel(textArea);
-    Label1[2]->setObjectName(QStringLiteral("Label1_2"));
-    QFont bold = Label1[2]->font();
-    bold.setBold(true);
-    Label1[2]->setFont(bold);
+    Label1[2] = boldLabel(QString(), textArea, 2);
     tv->addWidget(Label1[2]);
     RichTextBox1.assign(4, nullptr);
     for (int i = 0; i < 4; ++i) {
@@ -114,18 +123,16 @@ Form2::Form2(DocumentHost& host, QWidget* parent)
     connect(RichTextBox1[0], &QWidget::customContextMenuRequested, this,
             [this](const QPoint& pos) { m_host.showContextMenu(1, RichTextBox1[0]->mapToGlobal(pos)); });
     connect(RichTextBox1[0], &QTextEdit::textChanged, this, [this] { m_host.contentChanged(this); });
-    m_splitter->addWidget(textArea);
-    m_splitter->setSizes({300, 300, 260});
-    // A list's restriction box is on only while its list has the focus, so the Tab key reaches
-    // it from its list: each list, then its box, then the document.
-    platform::setTabOrder({ListView1[0], Check1[0], ListView1[1], Check1[1], RichTextBox1[0]});
+    return textArea;
+}
 
-    // The hidden drop-down and text box of the window's record.
-    ComboBox* combo = makeCombo(0);
-    combo->hide();
-    TextBox* text = makeText(0);
-    text->hide();
-    showDocument(host.appState().settings.StartUpDocument);
+QLabel* Form2::boldLabel(const QString& text, QWidget* parent, int index) {
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(QStringLiteral("Label1_%1").arg(index));
+    QFont bold = label->font();
+    bold.setBold(true);
+    label->setFont(bold);
+    return label;
 }
 
 void Form2::prepareNewProject() {

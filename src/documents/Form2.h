@@ -51,6 +51,11 @@ public:
     static QString documentName(int index);
 
 private:
+    // The constructor's areas: the list `i` under its heading and restriction box, and the
+    // shown text document under its heading.
+    QWidget* listArea(int i);
+    QWidget* documentArea();
+    static QLabel* boldLabel(const QString& text, QWidget* parent, int index);
     void listFocused(int index);
     std::array<bool, 2> m_restrict{false, false};
     QSplitter* m_splitter = nullptr;

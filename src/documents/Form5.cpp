@@ -156,7 +156,15 @@ void Form5::createMenus() {
     SubMenu1[7]->setShortcut(QKeySequence::Paste);
     SubMenu1[12]->setShortcut(QKeySequence(Qt::Key_F9));
 
-    QMenu* browse = bar->addMenu(QStringLiteral("&Selaa"));
+    createBrowseMenu(bar->addMenu(QStringLiteral("&Selaa")));
+
+    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
+    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
+}
+
+void Form5::createBrowseMenu(QMenu* browse) {
     auto step = [this](QAction* a, int code) {
         connect(a, &QAction::triggered, this, [this, code] { Browse(code); });
     };
@@ -190,11 +198,6 @@ void Form5::createMenus() {
     SubMenu2.push_back(browse->addAction(QStringLiteral("Siirry...")));
     SubMenu2.back()->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     connect(SubMenu2.back(), &QAction::triggered, this, [this] { ToolbarClick(QStringLiteral("Find")); });
-
-    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
-    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
-    guide->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
 }
 
 void Form5::createToolbar() {

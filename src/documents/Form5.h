@@ -12,6 +12,7 @@
 
 class QAction;
 class QLabel;
+class QMenu;
 class QScrollArea;
 class QStatusBar;
 class QToolBar;
@@ -98,6 +99,8 @@ protected:
 
 private:
     void createMenus();
+    // The "Selaa" menu: steps to the previous and next row of each kind.
+    void createBrowseMenu(QMenu* browse);
     void createToolbar();
     // The card's fields for the list's columns, built again only when the list's kind or
     // headers changed; its parts: a long text field, a short field, the rules' signals, the

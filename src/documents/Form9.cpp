@@ -110,7 +110,15 @@ void Form9::createMenus() {
         connect(a, &QAction::triggered, this, [this, i] { FileMenuClick(i); });
     }
 
-    QMenu* edit = bar->addMenu(QStringLiteral("&Muokkaa"));
+    createEditMenu(bar->addMenu(QStringLiteral("&Muokkaa")));
+
+    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
+    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
+}
+
+void Form9::createEditMenu(QMenu* edit) {
     const QStringList editItems = {QString::fromUtf8("Lisää otsikkorivit..."),
                                    QStringLiteral("-"),
                                    QStringLiteral("Leikkaa"),
@@ -158,11 +166,6 @@ void Form9::createMenus() {
     SubMenu11[4]->setShortcut(QKeySequence::Underline);
     for (QAction* a : SubMenu1)
         a->setShortcutContext(Qt::WindowShortcut);
-
-    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
-    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
-    guide->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
 }
 
 void Form9::createToolbar() {
@@ -205,38 +208,57 @@ void Form9::load() {
         m_locked = m_source.field->locked();
         m_canWriteBack = true;
     } else if (mode == kTemplateMode && document) {
-        // The contract quality plan template: its parts are inserted into the project's plan.
-        setWindowTitle(title + QStringLiteral(" (Tekstieditori)"));
-        SubMenu0[0]->setText(QString::fromUtf8("Lisää asiakirjaan"));
-        QString file = m_host.appState().QualityPlanTemplate;
-        if (file.isEmpty()) file = m_host.appState().AppPath + QStringLiteral("Urakan laatusuunnitelma.txt");
-        QStringList lines;
-        if (platform::readTextLines(file, lines))
-            platform::loadPlainTextAsDefault(*RichTextBox1->document(), lines.join(QStringLiteral("\r\n")));
-        else
-            platform::MsgBox(QStringLiteral("Tiedostoa: ") + file + QString::fromUtf8(" ei löydy."),
-                             platform::MsgIcon::Information);
-        m_locked = document->isReadOnly();
-        m_canWriteBack = true;
+        loadTemplate(*document);
     } else if (mode == kSummaryMode) {
-        setWindowTitle(title + QStringLiteral(" (Laatuvaatimusten yhteenveto)"));
-        SubMenu0[0]->setText(QString::fromUtf8("Päivitä"));
-        const lists::ListModel* requirements = m_source.project ? m_source.project->list(1) : nullptr;
-        if (requirements) {
-            const calc::QualityRecord record = calc::CalculateQualityIndex(*requirements);
-            RichTextBox1->setPlainText(toWidgetText(
-                calc::MakeSummaryText(record, m_source.projectFileName, QDateTime::currentDateTime())));
-        }
-        QFont mono(QStringLiteral("Courier New"), 10);
-        mono.setStyleHint(QFont::TypeWriter);
-        RichTextBox1->document()->setDefaultFont(mono);
-        RichTextBox1->setLineWrapMode(QTextEdit::NoWrap);
-        RichTextBox1->setReadOnly(true);
+        loadSummary();
     } else {
         setWindowTitle(title + QStringLiteral(" (Tekstieditori)"));
     }
 
-    const bool summary = mode == kSummaryMode;
+    enableForContent(mode == kSummaryMode);
+    RichTextBox1->document()->setModified(false);
+    // A field or the template is read from its beginning; a document from where its caret was.
+    if (mode != 1) RichTextBox1->moveCursor(QTextCursor::Start);
+
+    if (m_locked && m_canWriteBack)
+        platform::MsgBox(QString::fromUtf8("Olet muokkaamassa suojattua kenttää tekstieditorissa.\r\n"
+                                           "Tietojen tuonti takaisin tekstieditorista on estetty."),
+                         platform::MsgIcon::Information);
+}
+
+void Form9::loadTemplate(const QTextEdit& document) {
+    // The contract quality plan template: its parts are inserted into the project's plan.
+    setWindowTitle(platform::applicationTitle() + QStringLiteral(" (Tekstieditori)"));
+    SubMenu0[0]->setText(QString::fromUtf8("Lisää asiakirjaan"));
+    QString file = m_host.appState().QualityPlanTemplate;
+    if (file.isEmpty()) file = m_host.appState().AppPath + QStringLiteral("Urakan laatusuunnitelma.txt");
+    QStringList lines;
+    if (platform::readTextLines(file, lines))
+        platform::loadPlainTextAsDefault(*RichTextBox1->document(), lines.join(QStringLiteral("\r\n")));
+    else
+        platform::MsgBox(QStringLiteral("Tiedostoa: ") + file + QString::fromUtf8(" ei löydy."),
+                         platform::MsgIcon::Information);
+    m_locked = document.isReadOnly();
+    m_canWriteBack = true;
+}
+
+void Form9::loadSummary() {
+    setWindowTitle(platform::applicationTitle() + QStringLiteral(" (Laatuvaatimusten yhteenveto)"));
+    SubMenu0[0]->setText(QString::fromUtf8("Päivitä"));
+    const lists::ListModel* requirements = m_source.project ? m_source.project->list(1) : nullptr;
+    if (requirements) {
+        const calc::QualityRecord record = calc::CalculateQualityIndex(*requirements);
+        RichTextBox1->setPlainText(toWidgetText(
+            calc::MakeSummaryText(record, m_source.projectFileName, QDateTime::currentDateTime())));
+    }
+    QFont mono(QStringLiteral("Courier New"), 10);
+    mono.setStyleHint(QFont::TypeWriter);
+    RichTextBox1->document()->setDefaultFont(mono);
+    RichTextBox1->setLineWrapMode(QTextEdit::NoWrap);
+    RichTextBox1->setReadOnly(true);
+}
+
+void Form9::enableForContent(bool summary) {
     const bool editable = !summary && !m_locked;
     RichTextBox1->setReadOnly(!editable);
     const bool headings = m_source.project && m_source.project->list(1);
@@ -256,14 +278,6 @@ void Form9::load() {
     toolbarButtons[QStringLiteral("Copy")]->setEnabled(!summary);
     toolbarButtons[QStringLiteral("Paste")]->setEnabled(editable);
     toolbarButtons[QStringLiteral("Del")]->setEnabled(editable);
-    RichTextBox1->document()->setModified(false);
-    // A field or the template is read from its beginning; a document from where its caret was.
-    if (mode != 1) RichTextBox1->moveCursor(QTextCursor::Start);
-
-    if (m_locked && m_canWriteBack)
-        platform::MsgBox(QString::fromUtf8("Olet muokkaamassa suojattua kenttää tekstieditorissa.\r\n"
-                                           "Tietojen tuonti takaisin tekstieditorista on estetty."),
-                         platform::MsgIcon::Information);
 }
 
 bool Form9::isChanged() const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 class QAction;
+class QMenu;
 class QTextEdit;
 class QToolBar;
 
@@ -60,8 +61,14 @@ public:
 
 private:
     void createMenus();
+    void createEditMenu(QMenu* edit);
     void createToolbar();
     void load();
+    // load()'s kinds that need more than a few lines, and the enabling of the menu items and
+    // buttons for what was loaded.
+    void loadTemplate(const QTextEdit& document);
+    void loadSummary();
+    void enableForContent(bool summary);
     void applyStyle(const QString& style);
     void showIndex(const QString& indexMode);
 

@@ -59,9 +59,10 @@ bool startsLikeBiff(const QByteArray& bytes) {
 // Reads the first worksheet with the reader that fits what the file holds.
 // A workbook packed in a ZIP archive: an OpenDocument spreadsheet, or an Office Open XML workbook
 // with XML or binary parts.
-bool readPackage(const QByteArray& bytes, sheet::SheetBuilder& builder, QString* detail) {
-    const std::unique_ptr<sheet::Archive> zip = sheet::Archive::open(bytes, detail);
-    if (!zip) return false;
+bool readPackage(const QByteArray& bytes, sheet::SheetBuilder& builder, platform::ReadError* detail) {
+    QString reason;
+    const std::unique_ptr<sheet::Archive> zip = sheet::Archive::open(bytes, &reason);
+    if (!zip) return platform::fail(detail, platform::ReadError::reason(reason));
     if (zip->contains(QStringLiteral("content.xml")) && !zip->contains(QStringLiteral("[Content_Types].xml")))
         return sheet::readOds(*zip, builder, detail);
     QString book;
@@ -72,7 +73,8 @@ bool readPackage(const QByteArray& bytes, sheet::SheetBuilder& builder, QString*
                : sheet::readXlsx(*zip, book, builder, detail);
 }
 
-bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data, QString* error) {
+bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data, QString* error,
+                   platform::ReadError* where) {
     auto fail = [&](const QString& message) {
         if (error) *error = message;
         return false;
@@ -92,12 +94,12 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
     if (file.error() != QFileDevice::NoError) return fail(cannotRead(fileName, file.errorString()));
 
     sheet::SheetBuilder builder(columns);
-    QString detail;
+    platform::ReadError detail;
     bool ok = false;
     try {
         if (sheet::looksLikeOle(bytes)) {
             // An .xls workbook, or an Office Open XML one encrypted into the compound file.
-            const std::unique_ptr<sheet::CompoundFile> ole = sheet::CompoundFile::open(bytes, &detail);
+            const std::unique_ptr<sheet::CompoundFile> ole = sheet::CompoundFile::open(bytes, &detail.what);
             if (ole && sheet::isEncryptedPackage(*ole)) {
                 QByteArray package;
                 const sheet::Decryption result =
@@ -105,7 +107,7 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
                 if (result == sheet::Decryption::Done)
                     ok = readPackage(package, builder, &detail);
                 else
-                    detail = sheet::decryptionFailure(result);
+                    detail.what = sheet::decryptionFailure(result);
             } else if (ole) {
                 ok = sheet::readXls(bytes, builder, &detail);
             }
@@ -114,14 +116,17 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
         } else if (sheet::looksLikeZip(bytes)) {
             ok = readPackage(bytes, builder, &detail);
         } else {
-            detail = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
+            detail.what = QStringLiteral("tiedosto ei ole Excel- eikä OpenDocument-taulukko");
         }
     } catch (const std::bad_alloc&) {
         // The readers count what they keep; this is the last line, never a crash.
         ok = false;
-        detail = QStringLiteral("muisti ei riitä sen lukemiseen");
+        detail = platform::ReadError::reason(QStringLiteral("muisti ei riitä sen lukemiseen"));
     }
-    if (!ok) return fail(cannotRead(fileName, detail));
+    if (!ok) {
+        if (where) *where = detail;
+        return fail(cannotRead(fileName, detail.text()));
+    }
     data = builder.take();
     return true;
 }
@@ -252,9 +257,11 @@ QString spreadsheetExtensionsText() {
 
 // ------------------------------------------------------------ import
 
-bool readFirstSheet(const QString& fileName, int colCount, std::vector<QStringList>& rows, QString* error) {
+bool readFirstSheet(const QString& fileName, int colCount, std::vector<QStringList>& rows, QString* error,
+                    platform::ReadError* where) {
     sheet::SheetData data;
-    if (!readSheetData(fileName, colCount > 0 ? colCount : kWidestSheetList, data, error)) return false;
+    if (!readSheetData(fileName, colCount > 0 ? colCount : kWidestSheetList, data, error, where))
+        return false;
     if (colCount <= 0 && data.cellsBeyondColumns) {
         if (error)
             *error = QStringLiteral("Taulukkotiedostossa: ") + fileName +

@@ -8,6 +8,7 @@
 // stored result. The export writes number texts as numbers with a format that shows them as
 // typed, so export and import give the same texts back.
 #include "lists/ListModel.h"
+#include "platform/ReadError.h"
 
 #include <QString>
 #include <QStringList>
@@ -39,9 +40,10 @@ QString spreadsheetExtensionsText();
 // after 100 consecutive blank rows and the trailing blank rows are dropped. Each row has
 // `colCount` cells (columns 1 .. colCount), or, with colCount 0, as many as the widest kept
 // row uses. The reader is chosen by what the file holds (an .xls that is really an .xlsx is
-// read as one). On failure returns false with a Finnish message in `error`.
+// read as one). On failure returns false with a Finnish message in `error`; when a reader
+// stopped inside the file's contents, `where` gets what and where it stopped.
 bool readFirstSheet(const QString& fileName, int colCount, std::vector<QStringList>& rows,
-                    QString* error = nullptr);
+                    QString* error = nullptr, platform::ReadError* where = nullptr);
 
 // A spreadsheet as a list of its own: the first row gives the header texts, the rows below it
 // the list's rows (numbered 1, 2, ...). An empty sheet is an error.

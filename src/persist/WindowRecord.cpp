@@ -62,7 +62,7 @@ bool RecordReader::failAt(const QString& what) {
 }
 
 bool RecordReader::fail(const QString& what) {
-    if (m_error.isEmpty()) m_error = QStringLiteral("rivi %1: %2").arg(m_line).arg(what);
+    if (m_error.what.isEmpty()) m_error = {what, {}, {}, -1, m_line};
     return false;
 }
 

@@ -2,6 +2,8 @@
 // The record in which a project window stores its controls: the Text1 texts, the Combo1 edit
 // texts and the lists, each value preceded by its line count. Line-oriented text in
 // Windows-1252 with CR LF.
+#include "platform/ReadError.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -67,7 +69,9 @@ public:
         QString text;
     };
     bool value(QString& out, Repeated& last);
-    QString error() const { return m_error; }
+    QString error() const { return m_error.text(); }
+    // What failed and on which line.
+    const platform::ReadError& failure() const { return m_error; }
     int lineNumber() const { return m_line; }
     qsizetype offset() const { return m_pos; }
     qsizetype bytesLeft() const { return m_bytes.size() - m_pos; }
@@ -84,7 +88,7 @@ private:
     QByteArray m_bytes;
     qsizetype m_pos = 0;
     int m_line = 1;
-    QString m_error;
+    platform::ReadError m_error;
 };
 
 // The line count of a value: 0 for an empty text, else 1 + the number of CR LF pairs.

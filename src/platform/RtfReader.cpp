@@ -231,7 +231,24 @@ public:
 
 private:
     bool fail(QString* error, const QString& message);
+    // The steps of read(), each at m_pos: false when nothing more is read.
+    void openGroup();
+    bool closeGroup();
+    bool backslash(); // a control symbol, a \'hh byte or a control word
+    bool hexByte();
+    bool controlWordAt();
+    void plainByte(char c);
+    // Symbol fonts' codes as the characters they show, once the font table is known.
+    void resolveSymbolFonts();
     void controlWord(const QByteArray& word, bool hasParam, int param);
+    // controlWord() by where it stands: in the font table, the colour table, or the text, where
+    // a word changes the document's structure, the characters or the paragraph. The text's
+    // kinds return false for a word that is not theirs.
+    void fontTableWord(const QByteArray& w, bool hasParam, int param);
+    void colorTableWord(const QByteArray& w, int param);
+    bool structureWord(const QByteArray& w, int param);
+    bool charWord(const QByteArray& w, bool hasParam, int param);
+    void paragraphWord(const QByteArray& w, int param);
     bool optionalDestination(const QByteArray& word);
     void destinationWord(const QByteArray& word, bool hasParam, int param);
     void controlSymbol(char c);
@@ -308,140 +325,19 @@ bool Reader::read(QString* error) {
     if (!m_in.mid(m_pos, 5).startsWith("{\\rtf"))
         return fail(error, QStringLiteral("Teksti ei ole RTF-muotoista (tavu %1).").arg(m_pos));
 
-    while (m_pos < n) {
+    // Each step reads one brace, control or byte; a step that returns false has reached the end
+    // of what is read (the document's group closed, or the text ends inside a control).
+    bool more = true;
+    while (more && m_pos < n) {
         const char c = m_in[m_pos];
-        if (c == '{') {
-            flushBytes();
-            m_pendingSkip = 0;
-            m_skipLead = false;
-            Group g = m_groups.empty() ? Group{} : top();
-            g.openedAt = m_pos;
-            m_groups.push_back(g);
-            ++m_pos;
-            continue;
-        }
-        if (c == '}') {
-            flushBytes();
-            m_pendingSkip = 0;
-            m_skipLead = false;
-            const Destination closing = top().destination;
-            if (closing == Destination::FontTable) endFontName();
-            if (m_groups.size() == 1) {
-                emitNoteNumber();
-                m_finalChars = top().chars;
-            }
-            m_groups.pop_back();
-            ++m_pos;
-            if (m_groups.empty()) break; // the document's own group closed; what follows is not read
-            // A footnote's reference number is written where it is anchored once the note has
-            // said whether it is a footnote or an endnote.
-            if (closing == Destination::Footnote && top().destination != Destination::Footnote)
-                emitNoteNumber();
-            continue;
-        }
-        if (c == '\\') {
-            if (m_pos + 1 >= n) break; // reported below as a text that ends early
-            const char next = m_in[m_pos + 1];
-            if (!std::isalpha(static_cast<unsigned char>(next))) {
-                if (next == '\'') {
-                    if (m_pos + 3 >= n) break;
-                    bool ok = false;
-                    const int byte = m_in.mid(m_pos + 2, 2).toInt(&ok, 16);
-                    m_pos += 4;
-                    if (!ok) continue;
-                    if (m_pendingSkip > 0) {
-                        skipFallback(byte);
-                        continue;
-                    }
-                    if (top().destination == Destination::FontTable) {
-                        m_fontName.append(static_cast<char>(byte));
-                        continue;
-                    }
-                    textByte(static_cast<char>(byte));
-                    continue;
-                }
-                m_pos += 2;
-                if (m_pendingSkip > 0) {
-                    // An escaped \, { or } stands for its byte, the trail byte of a pair too.
-                    skipFallback(next == '\\' || next == '{' || next == '}' ? static_cast<uchar>(next) : -1);
-                    continue;
-                }
-                if (next != '\\' && next != '{' && next != '}') flushBytes();
-                controlSymbol(next);
-                continue;
-            }
-            // A control word: letters, an optional signed number, and an optional space.
-            flushBytes();
-            m_wordAt = m_pos;
-            qsizetype p = m_pos + 1;
-            while (p < n && p - m_pos <= 32 && std::isalpha(static_cast<unsigned char>(m_in[p])))
-                ++p;
-            const QByteArray word = m_in.mid(m_pos + 1, p - m_pos - 1);
-            bool negative = false;
-            if (p < n && m_in[p] == '-' && p + 1 < n &&
-                std::isdigit(static_cast<unsigned char>(m_in[p + 1]))) {
-                negative = true;
-                ++p;
-            }
-            bool hasParam = false;
-            long long value = 0;
-            while (p < n && std::isdigit(static_cast<unsigned char>(m_in[p]))) {
-                hasParam = true;
-                if (value < 100000000000LL) value = value * 10 + (m_in[p] - '0');
-                ++p;
-            }
-            if (p < n && m_in[p] == ' ') ++p;
-            value = std::clamp(value, 0LL, 2147483647LL);
-            const int param = static_cast<int>(negative ? -value : value);
-            m_pos = p;
-            if (word == "bin") {
-                // Binary data: skip its bytes whatever they are, braces included.
-                if (!hasParam || param < 0 || param > n - m_pos) {
-                    m_pos = n;
-                    break;
-                }
-                m_pos += param;
-                continue;
-            }
-            if (m_pendingSkip > 0 && word != "u") {
-                skipFallback(-1);
-                continue;
-            }
-            m_pendingSkip = 0;
-            m_skipLead = false;
-            controlWord(word, hasParam, param);
-            continue;
-        }
-        ++m_pos;
-        if (c == '\r' || c == '\n' || c == '\0') continue;
-        if (m_pendingSkip > 0) {
-            skipFallback(static_cast<uchar>(c));
-            continue;
-        }
-        const Destination d = top().destination;
-        if (d == Destination::FontTable) {
-            if (c == ';') {
-                endFontName();
-            } else {
-                m_fontName.append(c);
-            }
-            continue;
-        }
-        if (d == Destination::ColorTable) {
-            if (c == ';') {
-                m_colors.push_back(m_color);
-                m_color = ColorEntry{};
-            }
-            continue;
-        }
-        if (d != Destination::Text) continue;
-        if (c == '\t') {
-            flushBytes();
-            text(u'\t');
-            continue;
-        }
-        if (static_cast<unsigned char>(c) < 0x20) continue;
-        textByte(c);
+        if (c == '{')
+            openGroup();
+        else if (c == '}')
+            more = closeGroup();
+        else if (c == '\\')
+            more = backslash();
+        else
+            plainByte(c);
     }
     flushBytes();
     if (!m_groups.empty()) {
@@ -455,6 +351,148 @@ bool Reader::read(QString* error) {
     Paragraph& last = m_paragraphs.back();
     last.endChars = last.runs.empty() ? m_finalChars : last.runs.back().chars;
     resolveLabelSymbols(last);
+    resolveSymbolFonts();
+    return true;
+}
+
+void Reader::openGroup() {
+    flushBytes();
+    m_pendingSkip = 0;
+    m_skipLead = false;
+    Group g = m_groups.empty() ? Group{} : top();
+    g.openedAt = m_pos;
+    m_groups.push_back(g);
+    ++m_pos;
+}
+
+bool Reader::closeGroup() {
+    flushBytes();
+    m_pendingSkip = 0;
+    m_skipLead = false;
+    const Destination closing = top().destination;
+    if (closing == Destination::FontTable) endFontName();
+    if (m_groups.size() == 1) {
+        emitNoteNumber();
+        m_finalChars = top().chars;
+    }
+    m_groups.pop_back();
+    ++m_pos;
+    if (m_groups.empty()) return false; // the document's own group closed; what follows is not read
+    // A footnote's reference number is written where it is anchored once the note has said
+    // whether it is a footnote or an endnote.
+    if (closing == Destination::Footnote && top().destination != Destination::Footnote) emitNoteNumber();
+    return true;
+}
+
+bool Reader::backslash() {
+    const qsizetype n = m_in.size();
+    if (m_pos + 1 >= n) return false; // reported by read() as a text that ends early
+    const char next = m_in[m_pos + 1];
+    if (std::isalpha(static_cast<unsigned char>(next))) return controlWordAt();
+    if (next == '\'') return hexByte();
+    m_pos += 2;
+    if (m_pendingSkip > 0) {
+        // An escaped \, { or } stands for its byte, the trail byte of a pair too.
+        skipFallback(next == '\\' || next == '{' || next == '}' ? static_cast<uchar>(next) : -1);
+        return true;
+    }
+    if (next != '\\' && next != '{' && next != '}') flushBytes();
+    controlSymbol(next);
+    return true;
+}
+
+bool Reader::hexByte() {
+    if (m_pos + 3 >= m_in.size()) return false;
+    bool ok = false;
+    const int byte = m_in.mid(m_pos + 2, 2).toInt(&ok, 16);
+    m_pos += 4;
+    if (!ok) return true;
+    if (m_pendingSkip > 0)
+        skipFallback(byte);
+    else if (top().destination == Destination::FontTable)
+        m_fontName.append(static_cast<char>(byte));
+    else
+        textByte(static_cast<char>(byte));
+    return true;
+}
+
+bool Reader::controlWordAt() {
+    // A control word: letters, an optional signed number, and an optional space.
+    const qsizetype n = m_in.size();
+    flushBytes();
+    m_wordAt = m_pos;
+    qsizetype p = m_pos + 1;
+    while (p < n && p - m_pos <= 32 && std::isalpha(static_cast<unsigned char>(m_in[p])))
+        ++p;
+    const QByteArray word = m_in.mid(m_pos + 1, p - m_pos - 1);
+    bool negative = false;
+    if (p < n && m_in[p] == '-' && p + 1 < n && std::isdigit(static_cast<unsigned char>(m_in[p + 1]))) {
+        negative = true;
+        ++p;
+    }
+    bool hasParam = false;
+    long long value = 0;
+    while (p < n && std::isdigit(static_cast<unsigned char>(m_in[p]))) {
+        hasParam = true;
+        if (value < 100000000000LL) value = value * 10 + (m_in[p] - '0');
+        ++p;
+    }
+    if (p < n && m_in[p] == ' ') ++p;
+    value = std::clamp(value, 0LL, 2147483647LL);
+    const int param = static_cast<int>(negative ? -value : value);
+    m_pos = p;
+    if (word == "bin") {
+        // Binary data: skip its bytes whatever they are, braces included.
+        if (!hasParam || param < 0 || param > n - m_pos) {
+            m_pos = n;
+            return false;
+        }
+        m_pos += param;
+        return true;
+    }
+    if (m_pendingSkip > 0 && word != "u") {
+        skipFallback(-1);
+        return true;
+    }
+    m_pendingSkip = 0;
+    m_skipLead = false;
+    controlWord(word, hasParam, param);
+    return true;
+}
+
+void Reader::plainByte(char c) {
+    ++m_pos;
+    if (c == '\r' || c == '\n' || c == '\0') return;
+    if (m_pendingSkip > 0) {
+        skipFallback(static_cast<uchar>(c));
+        return;
+    }
+    const Destination d = top().destination;
+    if (d == Destination::FontTable) {
+        if (c == ';')
+            endFontName();
+        else
+            m_fontName.append(c);
+        return;
+    }
+    if (d == Destination::ColorTable) {
+        if (c == ';') {
+            m_colors.push_back(m_color);
+            m_color = ColorEntry{};
+        }
+        return;
+    }
+    if (d != Destination::Text) return;
+    if (c == '\t') {
+        flushBytes();
+        text(u'\t');
+        return;
+    }
+    if (static_cast<unsigned char>(c) < 0x20) return;
+    textByte(c);
+}
+
+void Reader::resolveSymbolFonts() {
     // Symbol codes are the characters of the font they show in, which a font table after the text
     // may still have named; read as characters they show in the text font.
     for (Paragraph& p : m_paragraphs) {
@@ -477,7 +515,6 @@ bool Reader::read(QString* error) {
         }
         p.runs = std::move(runs);
     }
-    return true;
 }
 
 void Reader::skipFallback(int byte) {
@@ -626,38 +663,44 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
         m_color = ColorEntry{};
         return;
     }
-    if (g.destination == Destination::FontTable) {
-        if (w == "f") {
-            endFontName();
-            m_fontNumber = param;
-        } else if (w == "fcharset") {
-            // In a Macintosh document the Japanese character set is Apple's.
-            if (int cp = codePageOfCharset(param))
-                m_fontCodePages.insert(m_fontNumber, cp == 932 && m_mac ? 10001 : cp);
-            if (param == 2)
-                m_symbolCharsetFonts.insert(m_fontNumber);
-            else
-                m_symbolCharsetFonts.remove(m_fontNumber);
-        } else if (w == "cpg" && hasParam && param > 0) {
-            m_fontCodePages.insert(m_fontNumber, param);
-        }
-        return;
-    }
-    if (g.destination == Destination::ColorTable) {
-        const int v = std::clamp(param, 0, 255);
-        if (w == "red") m_color.red = v, m_color.given = true;
-        if (w == "green") m_color.green = v, m_color.given = true;
-        if (w == "blue") m_color.blue = v, m_color.given = true;
-        return;
-    }
-    if (g.destination != Destination::Text) {
+    if (g.destination == Destination::FontTable)
+        fontTableWord(w, hasParam, param);
+    else if (g.destination == Destination::ColorTable)
+        colorTableWord(w, param);
+    else if (g.destination != Destination::Text)
         destinationWord(w, hasParam, param);
-        return;
-    }
+    else if (!structureWord(w, param) && !charWord(w, hasParam, param))
+        paragraphWord(w, param);
+}
 
+void Reader::fontTableWord(const QByteArray& w, bool hasParam, int param) {
+    if (w == "f") {
+        endFontName();
+        m_fontNumber = param;
+    } else if (w == "fcharset") {
+        // In a Macintosh document the Japanese character set is Apple's.
+        if (int cp = codePageOfCharset(param))
+            m_fontCodePages.insert(m_fontNumber, cp == 932 && m_mac ? 10001 : cp);
+        if (param == 2)
+            m_symbolCharsetFonts.insert(m_fontNumber);
+        else
+            m_symbolCharsetFonts.remove(m_fontNumber);
+    } else if (w == "cpg" && hasParam && param > 0) {
+        m_fontCodePages.insert(m_fontNumber, param);
+    }
+}
+
+void Reader::colorTableWord(const QByteArray& w, int param) {
+    const int v = std::clamp(param, 0, 255);
+    if (w == "red") m_color.red = v, m_color.given = true;
+    if (w == "green") m_color.green = v, m_color.given = true;
+    if (w == "blue") m_color.blue = v, m_color.given = true;
+}
+
+bool Reader::structureWord(const QByteArray& w, int param) {
+    Group& g = top();
     CharState& ch = g.chars;
     ParaState& para = g.para;
-    const bool on = !hasParam || param != 0;
     if (auto named = namedCharacter(w)) {
         text(*named);
     } else if (w == "par" || w == "page" || w == "sect") {
@@ -693,7 +736,16 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
         m_endnotes.next = std::clamp(param, 1, 32767);
     } else if (const auto numbering = noteNumbering(w.startsWith('a') ? w.mid(1) : w)) {
         (w.startsWith('a') ? m_endnotes : m_footnotes).numbering = *numbering;
-    } else if (w == "b") {
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool Reader::charWord(const QByteArray& w, bool hasParam, int param) {
+    CharState& ch = top().chars;
+    const bool on = !hasParam || param != 0;
+    if (w == "b") {
         ch.bold = on;
     } else if (w == "i") {
         ch.italic = on;
@@ -724,7 +776,15 @@ void Reader::controlWord(const QByteArray& w, bool hasParam, int param) {
         ch.offset = 0;
     } else if (w == "nosupersub") {
         ch.superSub = 0;
-    } else if (w == "ql") {
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void Reader::paragraphWord(const QByteArray& w, int param) {
+    ParaState& para = top().para;
+    if (w == "ql") {
         para.alignment = Qt::AlignLeft;
     } else if (w == "qc") {
         para.alignment = Qt::AlignHCenter;

@@ -40,7 +40,23 @@ Form8::Form8(MDIForm1& main)
     SSTab1 = new QTabWidget(this);
     layout->addWidget(SSTab1);
 
-    // Yleiset
+    SSTab1->addTab(generalTab(), QStringLiteral("Yleiset"));
+    SSTab1->addTab(formatTab(), QStringLiteral("Automaattinen muotoilu"));
+    SSTab1->addTab(officeTab(), QStringLiteral("Yritys"));
+    layout->addLayout(buttonRow());
+
+    connect(Command1[0], &QPushButton::clicked, this, &Form8::saveAndClose);
+    connect(Command1[1], &QPushButton::clicked, this, &QDialog::reject);
+    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100, this); });
+    connect(Command1[3], &QPushButton::clicked, this, &Form8::changeFont);
+    connect(Command1[4], &QPushButton::clicked, this, &Form8::chooseLogo);
+    connect(Command1[5], &QPushButton::clicked, this, &Form8::restoreDefaults);
+
+    loadFields();
+    GetWinPos(m_main.appState().settings.pos, 8, this);
+}
+
+QWidget* Form8::generalTab() {
     auto* general = new QWidget(SSTab1);
     auto* grid = new QGridLayout(general);
     const char* labels[] = {"Rahayksikkö uusille luetteloille",
@@ -76,28 +92,24 @@ Form8::Form8(MDIForm1& main)
     Check1[2] = new QCheckBox(QStringLiteral("Tallenna ohjelman asetukset lopetettaessa"), general);
     grid->addWidget(Check1[1], 7, 0, 1, 3);
     grid->addWidget(Check1[2], 8, 0, 1, 3);
-    Text4 = new documents::TextBox(false, general);
-    grid->addWidget(
-        documents::fieldLabel(QStringLiteral("Palautuskopio muutetuista projekteista (min, 0 = ei kopiota)"),
-                              Text4, general),
-        9, 0);
-    Text4->setMaximumWidth(60);
-    returnMovesOn(this, Text4);
-    grid->addWidget(Text4, 9, 1, Qt::AlignLeft);
-    Text5 = new documents::TextBox(false, general);
-    grid->addWidget(
-        documents::fieldLabel(QStringLiteral("Kumottavien vaiheiden enimmäismäärä projektia kohden"), Text5,
-                              general),
-        10, 0);
-    Text5->setMaximumWidth(60);
-    returnMovesOn(this, Text5);
-    grid->addWidget(Text5, 10, 1, Qt::AlignLeft);
+    // A short number with its label, on a row of its own.
+    auto numberRow = [&](const QString& label, int row) {
+        auto* box = new documents::TextBox(false, general);
+        grid->addWidget(documents::fieldLabel(label, box, general), row, 0);
+        box->setMaximumWidth(60);
+        returnMovesOn(this, box);
+        grid->addWidget(box, row, 1, Qt::AlignLeft);
+        return box;
+    };
+    Text4 = numberRow(QStringLiteral("Palautuskopio muutetuista projekteista (min, 0 = ei kopiota)"), 9);
+    Text5 = numberRow(QStringLiteral("Kumottavien vaiheiden enimmäismäärä projektia kohden"), 10);
     Command1[5] = new QPushButton(QStringLiteral("Palauta ohjelman alkuperäisasetukset"), general);
     grid->addWidget(Command1[5], 11, 0, 1, 2, Qt::AlignLeft);
     grid->setRowStretch(12, 1);
-    SSTab1->addTab(general, QStringLiteral("Yleiset"));
+    return general;
+}
 
-    // Automaattinen muotoilu
+QWidget* Form8::formatTab() {
     auto* format = new QWidget(SSTab1);
     auto* fgrid = new QGridLayout(format);
     Check2.push_back(new QCheckBox(QStringLiteral("Muotoile luettelot automaattisesti"), format));
@@ -118,17 +130,20 @@ Form8::Form8(MDIForm1& main)
     }
     fgrid->setRowStretch(7, 1);
     fgrid->setColumnStretch(1, 1);
-    SSTab1->addTab(format, QStringLiteral("Automaattinen muotoilu"));
+    return format;
+}
 
-    // Yritys
+QWidget* Form8::officeTab() {
     auto* office = new QWidget(SSTab1);
     auto* olayout = new QVBoxLayout(office);
     Text3 = new documents::TextBox(true, office);
     olayout->addWidget(documents::fieldLabel(
         QStringLiteral("Yrityksen nimi ja yhteystiedot (maks. 4  riviä)"), Text3, office));
     olayout->addWidget(Text3, 1);
-    SSTab1->addTab(office, QStringLiteral("Yritys"));
+    return office;
+}
 
+QHBoxLayout* Form8::buttonRow() {
     auto* buttons = new QHBoxLayout;
     Command1[0] = new QPushButton(QStringLiteral("Tallenna ja sulje"), this);
     Command1[1] = new QPushButton(QStringLiteral("Peruuta"), this);
@@ -140,17 +155,7 @@ Form8::Form8(MDIForm1& main)
     buttons->addWidget(Command1[1]);
     buttons->addStretch(1);
     buttons->addWidget(Command1[2]);
-    layout->addLayout(buttons);
-
-    connect(Command1[0], &QPushButton::clicked, this, &Form8::saveAndClose);
-    connect(Command1[1], &QPushButton::clicked, this, &QDialog::reject);
-    connect(Command1[2], &QPushButton::clicked, this, [this] { TamrikHelp(m_main, 2100, this); });
-    connect(Command1[3], &QPushButton::clicked, this, &Form8::changeFont);
-    connect(Command1[4], &QPushButton::clicked, this, &Form8::chooseLogo);
-    connect(Command1[5], &QPushButton::clicked, this, &Form8::restoreDefaults);
-
-    loadFields();
-    GetWinPos(m_main.appState().settings.pos, 8, this);
+    return buttons;
 }
 
 void Form8::loadFields() {

@@ -6,6 +6,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QHBoxLayout;
 class QPushButton;
 class QTabWidget;
 
@@ -46,6 +47,11 @@ protected:
     void done(int result) override;
 
 private:
+    // The constructor's tabs and its row of buttons.
+    QWidget* generalTab();
+    QWidget* formatTab();
+    QWidget* officeTab();
+    QHBoxLayout* buttonRow();
     void loadFields();
     MDIForm1& m_main;
 };

@@ -129,32 +129,45 @@ QAction* MDIForm1::addItem(QMenu* menu, std::vector<QAction*>& array, const QStr
     return a;
 }
 
+void MDIForm1::addItems(QMenu* menu, std::vector<QAction*>& array, std::initializer_list<MenuItem> items) {
+    for (const MenuItem& item : items)
+        addItem(menu, array, item.caption, item.key);
+}
+
 void MDIForm1::createMenus() {
     QMenuBar* bar = menuBar();
-    MainMenu.push_back(bar->addMenu(QStringLiteral("&Tiedosto")));
-    MainMenu.push_back(bar->addMenu(QStringLiteral("&Asetukset")));
-    MainMenu.push_back(bar->addMenu(QStringLiteral("&Muokkaa")));
-    MainMenu.push_back(bar->addMenu(QStringLiteral("&Näytä")));
-    MainMenu.push_back(bar->addMenu(QStringLiteral("&Ohjeet")));
+    for (const QString& c : {QStringLiteral("&Tiedosto"), QStringLiteral("&Asetukset"),
+                             QStringLiteral("&Muokkaa"), QStringLiteral("&Näytä"), QStringLiteral("&Ohjeet")})
+        MainMenu.push_back(bar->addMenu(c));
+    createFileMenu(MainMenu[0]);
+    createSettingsMenu(MainMenu[1]);
+    createEditMenu(MainMenu[2]);
+    createViewMenu(MainMenu[3]);
+    createHelpMenu(MainMenu[4]);
+}
 
-    QMenu* file = MainMenu[0];
-    for (const QString& c :
-         {QStringLiteral("&Uusi"), QStringLiteral("&Avaa..."), QStringLiteral("&Tallenna"),
-          QStringLiteral("Tallenna &nimellä..."), QStringLiteral("-"), QStringLiteral("&Sulje"),
-          QStringLiteral("-"), QStringLiteral("Tu&losta"), QStringLiteral("Läh&etä"), QStringLiteral("-"),
-          QStringLiteral("Tuo ainostataan teksi..."), QStringLiteral("&Vie"), QStringLiteral("-")})
-        addItem(file, SubMenu0, c);
+void MDIForm1::createFileMenu(QMenu* file) {
+    // Ctrl+N, O, S, Shift+S and P: the keys every desktop program has for these items.
+    addItems(file, SubMenu0,
+             {{QStringLiteral("&Uusi"), QKeySequence(Qt::CTRL | Qt::Key_N)},
+              {QStringLiteral("&Avaa..."), QKeySequence(Qt::CTRL | Qt::Key_O)},
+              {QStringLiteral("&Tallenna"), QKeySequence(Qt::CTRL | Qt::Key_S)},
+              {QStringLiteral("Tallenna &nimellä..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)},
+              {QStringLiteral("-")},
+              {QStringLiteral("&Sulje")},
+              {QStringLiteral("-")},
+              {QStringLiteral("Tu&losta"), QKeySequence(Qt::CTRL | Qt::Key_P)},
+              {QStringLiteral("Läh&etä")},
+              {QStringLiteral("-")},
+              {QStringLiteral("Tuo ainostataan teksi...")},
+              {QStringLiteral("&Vie")},
+              {QStringLiteral("-")}});
     SubMenu0[11]->setVisible(false);
-    // The keys every desktop program has for these items.
-    SubMenu0[0]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
-    SubMenu0[1]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
-    SubMenu0[2]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
-    SubMenu0[3]->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
-    SubMenu0[7]->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
     // The comparison of the active project with another version, beside the other imports.
     CompareAction = new QAction(QStringLiteral("&Vertaa projektia..."), this);
     file->insertAction(SubMenu0[11], CompareAction);
     connect(CompareAction, &QAction::triggered, this, [this] { showCompareWindow(*this); });
+    // Items 13 to 18 are the recent files, shown when there are some.
     for (int i = 13; i <= 18; ++i)
         addItem(file, SubMenu0, QString())->setVisible(false);
     // The recent files show their folder as a tooltip; files that are gone leave the list
@@ -173,59 +186,63 @@ void MDIForm1::createMenus() {
                 FileMenuActions(i);
         });
     }
+}
 
-    QMenu* settings = MainMenu[1];
+void MDIForm1::createSettingsMenu(QMenu* settings) {
     addItem(settings, SubMenu1, QStringLiteral("&Asetukset"));
     QMenu* modes = settings->addMenu(QStringLiteral("&Ohjelman moodi"));
     SubMenu1.push_back(modes->menuAction());
     connect(SubMenu1[0], &QAction::triggered, this, [this] { showSettingsDialog(*this); });
-    for (const QString& c : {QStringLiteral("&1 Suunnittelija"), QStringLiteral("&2 Urakoitsija"),
-                             QStringLiteral("&3 Rakennuttaja")}) {
-        QAction* a = addItem(modes, Submenu10, c);
-        a->setCheckable(true);
-    }
-    for (int i = 0; i < 3; ++i)
+    addItems(modes, Submenu10,
+             {{QStringLiteral("&1 Suunnittelija")},
+              {QStringLiteral("&2 Urakoitsija")},
+              {QStringLiteral("&3 Rakennuttaja")}});
+    for (int i = 0; i < 3; ++i) {
+        Submenu10[i]->setCheckable(true);
         connect(Submenu10[i], &QAction::triggered, this, [this, i] { Submenu10Click(i); });
+    }
+}
 
-    QMenu* edit = MainMenu[2];
-    const std::vector<std::pair<QString, QKeySequence>> editItems = {
-        {QStringLiteral("&Muokkaa..."), {}},
-        {QStringLiteral("&Lisää luettelosta"), {}},
-        {QStringLiteral("Lisää &rivi"), QKeySequence(Qt::CTRL | Qt::Key_I)},
-        {QStringLiteral("Lis&ää rivi luettelon loppuun"), QKeySequence(Qt::CTRL | Qt::Key_L)},
-        {QStringLiteral("Poi&sta rivi"), QKeySequence(Qt::SHIFT | Qt::Key_Delete)},
-        {QStringLiteral("-"), {}},
-        {QStringLiteral("Leikkaa"), QKeySequence(Qt::CTRL | Qt::Key_X)},
-        {QStringLiteral("Kopio"), QKeySequence(Qt::CTRL | Qt::Key_C)},
-        {QStringLiteral("Liitä"), QKeySequence(Qt::CTRL | Qt::Key_V)},
-        {QStringLiteral("Poista"), QKeySequence(Qt::Key_Delete)},
-        {QStringLiteral("-"), {}},
-        {QStringLiteral("Siirry..."), QKeySequence(Qt::CTRL | Qt::Key_F)},
-        {QStringLiteral("-"), {}},
-        {QStringLiteral("&Valitse kaikki"), {}},
-        {QStringLiteral("-"), {}},
-        {QStringLiteral("M&uoteile luettelo"), {}},
-    };
-    for (const auto& [caption, key] : editItems)
-        addItem(edit, SubMenu2, caption, key);
+void MDIForm1::createEditMenu(QMenu* edit) {
+    addItems(edit, SubMenu2,
+             {
+                 {QStringLiteral("&Muokkaa...")},
+                 {QStringLiteral("&Lisää luettelosta")},
+                 {QStringLiteral("Lisää &rivi"), QKeySequence(Qt::CTRL | Qt::Key_I)},
+                 {QStringLiteral("Lis&ää rivi luettelon loppuun"), QKeySequence(Qt::CTRL | Qt::Key_L)},
+                 {QStringLiteral("Poi&sta rivi"), QKeySequence(Qt::SHIFT | Qt::Key_Delete)},
+                 {QStringLiteral("-")},
+                 {QStringLiteral("Leikkaa"), QKeySequence(Qt::CTRL | Qt::Key_X)},
+                 {QStringLiteral("Kopio"), QKeySequence(Qt::CTRL | Qt::Key_C)},
+                 {QStringLiteral("Liitä"), QKeySequence(Qt::CTRL | Qt::Key_V)},
+                 {QStringLiteral("Poista"), QKeySequence(Qt::Key_Delete)},
+                 {QStringLiteral("-")},
+                 {QStringLiteral("Siirry..."), QKeySequence(Qt::CTRL | Qt::Key_F)},
+                 {QStringLiteral("-")},
+                 {QStringLiteral("&Valitse kaikki")},
+                 {QStringLiteral("-")},
+                 {QStringLiteral("M&uoteile luettelo")},
+             });
     for (int i = 0; i < static_cast<int>(SubMenu2.size()); ++i)
         connect(SubMenu2[i], &QAction::triggered, this, [this, i] { EditMenuClick(i); });
+}
 
-    QMenu* view = MainMenu[3];
-    addItem(view, Submenu3, QStringLiteral("&Perustiedot"), QKeySequence(Qt::CTRL | Qt::Key_Q));
-    addItem(view, Submenu3, QStringLiteral("&Yksityiskohtaiset tiedot"), QKeySequence(Qt::CTRL | Qt::Key_W));
-    addItem(view, Submenu3, QStringLiteral("&Ominaistietokortti"), QKeySequence(Qt::CTRL | Qt::Key_E));
-    addItem(view, Submenu3, QStringLiteral("P&anostilakortti"), QKeySequence(Qt::CTRL | Qt::Key_R));
-    addItem(view, Submenu3, QStringLiteral("-"));
+void MDIForm1::createViewMenu(QMenu* view) {
+    addItems(view, Submenu3,
+             {{QStringLiteral("&Perustiedot"), QKeySequence(Qt::CTRL | Qt::Key_Q)},
+              {QStringLiteral("&Yksityiskohtaiset tiedot"), QKeySequence(Qt::CTRL | Qt::Key_W)},
+              {QStringLiteral("&Ominaistietokortti"), QKeySequence(Qt::CTRL | Qt::Key_E)},
+              {QStringLiteral("P&anostilakortti"), QKeySequence(Qt::CTRL | Qt::Key_R)},
+              {QStringLiteral("-")}});
     QMenu* docs = view->addMenu(QStringLiteral("&Tekstiasiakirjat..."));
     Submenu3.push_back(docs->menuAction());
-    addItem(view, Submenu3, QStringLiteral("-"));
-    addItem(view, Submenu3, QStringLiteral("&Yksikköhintaluettelo"), QKeySequence(Qt::Key_F7));
-    addItem(view, Submenu3, QStringLiteral("&Laatuvaatimusten perusluettelo"), QKeySequence(Qt::Key_F8));
-    addItem(view, Submenu3, QStringLiteral("Teksti&editori"), QKeySequence(Qt::Key_F9));
-    addItem(view, Submenu3, QStringLiteral("Laatu&vaatimusten yhteenveto"),
-            QKeySequence(Qt::SHIFT | Qt::Key_F8));
-    addItem(view, Submenu3, QStringLiteral("-"));
+    addItems(view, Submenu3,
+             {{QStringLiteral("-")},
+              {QStringLiteral("&Yksikköhintaluettelo"), QKeySequence(Qt::Key_F7)},
+              {QStringLiteral("&Laatuvaatimusten perusluettelo"), QKeySequence(Qt::Key_F8)},
+              {QStringLiteral("Teksti&editori"), QKeySequence(Qt::Key_F9)},
+              {QStringLiteral("Laatu&vaatimusten yhteenveto"), QKeySequence(Qt::SHIFT | Qt::Key_F8)},
+              {QStringLiteral("-")}});
     // The project check stands beside the summary; it is not one of the numbered items.
     QAction* check = new QAction(QStringLiteral("&Tarkista projekti"), view);
     check->setObjectName(QStringLiteral("CheckProject"));
@@ -234,6 +251,34 @@ void MDIForm1::createMenus() {
     connect(check, &QAction::triggered, this, [this] { showProjectCheck(*this); });
     QMenu* windows = view->addMenu(QStringLiteral("&Ikkuna"));
     Submenu3.push_back(windows->menuAction());
+    createWindowMenu(windows);
+
+    const char* keys[] = {"Bridge", "Rulers", "Card", "Dynamite"};
+    for (int i = 0; i < 4; ++i)
+        connect(Submenu3[i], &QAction::triggered, this,
+                [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
+    connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
+    connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
+    // "Teksti&editori" opens the shown document of the detailed data window; the summary needs
+    // only an active project.
+    connect(Submenu3[9], &QAction::triggered, this, [this] {
+        if (qobject_cast<documents::Form2*>(activeWindow())) ShowTextEditor(*this, 1);
+    });
+    connect(Submenu3[10], &QAction::triggered, this, [this] {
+        if (activeWindow()) ShowTextEditor(*this, 100);
+    });
+
+    addItems(docs, Submenu30,
+             {{QStringLiteral("&1 Rakennussuunnitelmaselostus")},
+              {QStringLiteral("&2 Koodaussuunnitelma")},
+              {QStringLiteral("&3 Urakan laatusuunnitelma")}});
+    for (int i = 0; i < 3; ++i) {
+        Submenu30[i]->setCheckable(true);
+        connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
+    }
+}
+
+void MDIForm1::createWindowMenu(QMenu* windows) {
     // Ctrl+Tab and Ctrl+Shift+Tab go round the open windows. The actions belong to the main
     // window, so that their keys act while the menu, which is rebuilt when shown, is closed.
     auto* nextWindow = new QAction(QStringLiteral("&Seuraava ikkuna"), this);
@@ -264,36 +309,13 @@ void MDIForm1::createMenus() {
         connect(windows->addAction(QStringLiteral("&Vierekkäin")), &QAction::triggered, mdiArea,
                 &QMdiArea::tileSubWindows);
     });
-    const char* keys[] = {"Bridge", "Rulers", "Card", "Dynamite"};
-    for (int i = 0; i < 4; ++i)
-        connect(Submenu3[i], &QAction::triggered, this,
-                [this, key = QString::fromLatin1(keys[i])] { ToolbarMenuActions(key); });
-    connect(Submenu3[7], &QAction::triggered, this, [this] { showBaseListWindow(*this, 6); });
-    connect(Submenu3[8], &QAction::triggered, this, [this] { showBaseListWindow(*this, 7); });
-    // "Teksti&editori" opens the shown document of the detailed data window; the summary needs
-    // only an active project.
-    connect(Submenu3[9], &QAction::triggered, this, [this] {
-        if (qobject_cast<documents::Form2*>(activeWindow())) ShowTextEditor(*this, 1);
-    });
-    connect(Submenu3[10], &QAction::triggered, this, [this] {
-        if (activeWindow()) ShowTextEditor(*this, 100);
-    });
+}
 
-    for (const QString& c :
-         {QStringLiteral("&1 Rakennussuunnitelmaselostus"), QStringLiteral("&2 Koodaussuunnitelma"),
-          QStringLiteral("&3 Urakan laatusuunnitelma")}) {
-        QAction* a = addItem(docs, Submenu30, c);
-        a->setCheckable(true);
-    }
-    for (int i = 0; i < 3; ++i)
-        connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
-
-    QMenu* help = MainMenu[4];
+void MDIForm1::createHelpMenu(QMenu* help) {
     addItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"), QKeySequence(Qt::Key_F1));
     QMenu* helpFiles = help->addMenu(QStringLiteral("Erilliset ohjetiedostot"));
     SubMenu4.push_back(helpFiles->menuAction());
-    addItem(help, SubMenu4, QStringLiteral("-"));
-    addItem(help, SubMenu4, QStringLiteral("&Tietoja ohjelmasta..."));
+    addItems(help, SubMenu4, {{QStringLiteral("-")}, {QStringLiteral("&Tietoja ohjelmasta...")}});
     for (int i = 0; i < 20; ++i) {
         QAction* a = addItem(helpFiles, SubMenu41, QString::number(i));
         a->setVisible(i == 0);

@@ -234,10 +234,22 @@ protected:
 
 private:
     void createMenus();
+    // One function per menu of the menu bar; the items of each are a table.
+    void createFileMenu(QMenu* file);
+    void createSettingsMenu(QMenu* settings);
+    void createEditMenu(QMenu* edit);
+    void createViewMenu(QMenu* view);
+    void createWindowMenu(QMenu* windows);
+    void createHelpMenu(QMenu* help);
     void createToolbar();
     void createStatusBar();
     QAction* addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
                      const QKeySequence& shortcut = QKeySequence());
+    struct MenuItem {
+        QString caption; // "-" for a separator
+        QKeySequence key = {};
+    };
+    void addItems(QMenu* menu, std::vector<QAction*>& array, std::initializer_list<MenuItem> items);
     // With `recoveredAs` the file opens as that project (changed); with `readOnlyCopy` as a new
     // unchanged project without the file's name.
     void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString(),

@@ -169,30 +169,25 @@ TEST(ImageViewer, PasteTakesMetafileThenDeviceIndependentBitmapThenBitmap) {
         if (withImage) data->setData(QStringLiteral("image/png"), png);
         clipboard->setMimeData(data);
     };
-    auto paste = [](Viewer& v) {
+    // What is offered (metafile, bitmap, other image) and what the viewer takes of it.
+    const struct {
+        bool wmf, bmp, image;
+        Picture::Type type;
+        QByteArray bytes; // empty: a converted image of 5 x 4
+    } cases[] = {{true, true, true, Picture::Metafile, wmf},
+                 {false, true, true, Picture::Bitmap, bmp},
+                 {false, false, true, Picture::Bitmap, {}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        Viewer v(2);
+        offer(c.wmf, c.bmp, c.image);
         v.form.PastePicture();
-        return v.form.Image1->picture();
-    };
-    {
-        Viewer v(2);
-        offer(true, true, true);
-        const Picture p = paste(v);
-        EXPECT_EQ(p.type(), Picture::Metafile);
-        EXPECT_EQ(p.bytes(), wmf);
-    }
-    {
-        Viewer v(2);
-        offer(false, true, true);
-        const Picture p = paste(v);
-        EXPECT_EQ(p.type(), Picture::Bitmap);
-        EXPECT_EQ(p.bytes(), bmp);
-    }
-    {
-        Viewer v(2);
-        offer(false, false, true);
-        const Picture p = paste(v);
-        EXPECT_EQ(p.type(), Picture::Bitmap);
-        EXPECT_EQ(p.sizeHint(), QSize(5, 4));
+        const Picture p = v.form.Image1->picture();
+        EXPECT_EQ(p.type(), c.type);
+        if (c.bytes.isEmpty())
+            EXPECT_EQ(p.sizeHint(), QSize(5, 4));
+        else
+            EXPECT_EQ(p.bytes(), c.bytes);
     }
     {
         // Nothing to paste: the picture stays, but the slot counts as changed and goes back

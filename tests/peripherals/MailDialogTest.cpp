@@ -31,12 +31,12 @@ using testing_support::FakeMail;
 
 TEST(MailMessage, ProjectNameRuleAttachmentPositionsAndBody) {
     // Only an unsaved project's name gets the extension, and never twice.
-    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Projekti1")), QStringLiteral("Projekti1.sl"));
-    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Projekti12.SL")), QStringLiteral("Projekti12.SL"));
-    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Projekti3.sL")), QStringLiteral("Projekti3.sL"));
-    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("Esimerkkisilta.sl")),
-              QStringLiteral("Esimerkkisilta.sl"));
-    EXPECT_EQ(ProjectAttachmentName(QStringLiteral("silta")), QStringLiteral("silta"));
+    for (const auto& [caption, name] : {std::pair{"Projekti1", "Projekti1.sl"},
+                                        {"Projekti12.SL", "Projekti12.SL"},
+                                        {"Projekti3.sL", "Projekti3.sL"},
+                                        {"Esimerkkisilta.sl", "Esimerkkisilta.sl"},
+                                        {"silta", "silta"}})
+        EXPECT_EQ(ProjectAttachmentName(QString::fromUtf8(caption)), QString::fromUtf8(name)) << caption;
 
     // The project first, then the list's files; blank entries are counted in the body only.
     const QStringList files{QStringLiteral("/home/a/selostus.pdf"), QStringLiteral("   "),
@@ -67,23 +67,23 @@ TEST(MailMessage, ProjectNameRuleAttachmentPositionsAndBody) {
 }
 
 TEST(MailMessage, EvaluateNFilesOnOneAndOnSeveralFiles) {
-    QString files;
-    EXPECT_EQ(platform::EvaluateNFiles(files), 0);
-    files = QStringLiteral("/home/a/yksi tiedosto.pdf");
-    EXPECT_EQ(platform::EvaluateNFiles(files), 1);
-    EXPECT_EQ(files, QStringLiteral("/home/a/yksi tiedosto.pdf"));
-    files =
-        QStringLiteral("/home/a") + QChar(0) + QStringLiteral("b.pdf") + QChar(0) + QStringLiteral("c d.xls");
-    EXPECT_EQ(platform::EvaluateNFiles(files), 2);
-    EXPECT_EQ(files, QStringLiteral("/home/a/b.pdf") + QChar(0) + QStringLiteral("/home/a/c d.xls"));
-    // A folder that already ends in a separator gets no second one.
-    files = QStringLiteral("/") + QChar(0) + QStringLiteral("x") + QChar(0) + QStringLiteral("y");
-    EXPECT_EQ(platform::EvaluateNFiles(files), 2);
-    EXPECT_EQ(files, QStringLiteral("/x") + QChar(0) + QStringLiteral("/y"));
-    files = QStringLiteral("C:\\Työt\\") + QChar(0) + QStringLiteral("a.doc") + QChar(0) +
-            QStringLiteral("b.doc");
-    EXPECT_EQ(platform::EvaluateNFiles(files), 2);
-    EXPECT_EQ(files, QStringLiteral("C:\\Työt\\a.doc") + QChar(0) + QStringLiteral("C:\\Työt\\b.doc"));
+    // The dialog's answer ("|" for its NUL separators), the count, and the full paths. A folder
+    // that already ends in a separator gets no second one.
+    const struct {
+        const char* chosen;
+        int count;
+        const char* paths;
+    } cases[] = {{"", 0, ""},
+                 {"/home/a/yksi tiedosto.pdf", 1, "/home/a/yksi tiedosto.pdf"},
+                 {"/home/a|b.pdf|c d.xls", 2, "/home/a/b.pdf|/home/a/c d.xls"},
+                 {"/|x|y", 2, "/x|/y"},
+                 {"C:\\Työt\\|a.doc|b.doc", 2, "C:\\Työt\\a.doc|C:\\Työt\\b.doc"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.chosen);
+        QString files = QString::fromUtf8(c.chosen).replace(QLatin1Char('|'), QChar(0));
+        EXPECT_EQ(platform::EvaluateNFiles(files), c.count);
+        EXPECT_EQ(files, QString::fromUtf8(c.paths).replace(QLatin1Char('|'), QChar(0)));
+    }
 }
 
 namespace {

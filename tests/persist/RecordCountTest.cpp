@@ -34,8 +34,9 @@ TEST(RecordCount, CountsAreDigitsWithBlanksAroundThem) {
             EXPECT_TRUE(in.line(after));
             EXPECT_EQ(after, QStringLiteral("loppu"));
         } else {
-            // The message names the line of the count and what stood there.
-            EXPECT_TRUE(in.error().startsWith(QStringLiteral("rivi 2: lukumäärä \"")))
+            // The failure names the line of the count and what stood there.
+            EXPECT_EQ(in.failure().line, 2);
+            EXPECT_TRUE(in.failure().what.startsWith(QStringLiteral("lukumäärä \"")))
                 << in.error().toStdString();
         }
     }

@@ -51,15 +51,32 @@ calc::ProjectComparison comparison(int changes, bool longTexts) {
                                  version(newer, QStringLiteral("/projektit/uusi.sl")));
 }
 
+// The sample project, and a run that prints the comparison after the selected documents.
+class ComparisonPrint : public ::testing::Test {
+protected:
+    // The run of `documents` and then `c`, paginated for `layout`.
+    std::unique_ptr<print::PrintRun> comparedRun(const calc::ProjectComparison& c,
+                                                 std::initializer_list<int> documents,
+                                                 QPageLayout layout = print::DefaultPageLayout()) {
+        auto run = t.run(documents, std::move(layout));
+        run->setComparison(&c);
+        EXPECT_EQ(run->PageCount(), print::PageCountResult::Done);
+        return run;
+    }
+    // Three changed quantities after the quantity list of one row.
+    std::unique_ptr<print::PrintRun> quantitiesAndThreeChanges() {
+        t.setQuantities({entry(QStringLiteral("Kaivu"))});
+        return comparedRun(threeChanges, {print::doc::Quantities});
+    }
+
+    TestProject t;
+    const calc::ProjectComparison threeChanges = comparison(3, false);
+};
+
 } // namespace
 
-TEST(ComparisonPrint, FollowsTheSelectedDocumentsWithAFrontPageHeadersAndFooters) {
-    TestProject t;
-    t.setQuantities({entry(QStringLiteral("Kaivu"))});
-    const calc::ProjectComparison c = comparison(3, false);
-    auto run = t.run({print::doc::Quantities});
-    run->setComparison(&c);
-    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+TEST_F(ComparisonPrint, FollowsTheSelectedDocumentsWithAFrontPageHeadersAndFooters) {
+    auto run = quantitiesAndThreeChanges();
     // The quantity list's two pages, then the comparison's front page and its body.
     ASSERT_EQ(run->TotalPages(), 4);
     EXPECT_EQ(run->entry(2).document, print::doc::Quantities);
@@ -98,9 +115,8 @@ TEST(ComparisonPrint, FollowsTheSelectedDocumentsWithAFrontPageHeadersAndFooters
     // Upright paper wraps the names of the rows: the table wants the width of landscape paper,
     // and there the names stand on one line.
     EXPECT_TRUE(print::ComparisonNeedsLandscape(*run));
-    auto wide = t.run({print::doc::Quantities}, print::DefaultPageLayout(QPageLayout::Landscape));
-    wide->setComparison(&c);
-    ASSERT_EQ(wide->PageCount(), print::PageCountResult::Done);
+    auto wide =
+        comparedRun(threeChanges, {print::doc::Quantities}, print::DefaultPageLayout(QPageLayout::Landscape));
     EXPECT_TRUE(trimmedTexts(recordPage(*wide, 4)).contains(QStringLiteral("7150 / Betonointi 2")));
     // Changes of short fields alone fit upright.
     calc::ProjectComparison fields;
@@ -113,7 +129,7 @@ TEST(ComparisonPrint, FollowsTheSelectedDocumentsWithAFrontPageHeadersAndFooters
     EXPECT_FALSE(print::ComparisonNeedsLandscape(*run));
 }
 
-TEST(ComparisonPrint, TheSummaryKeepsEachWorkPhaseOnOneLine) {
+TEST_F(ComparisonPrint, TheSummaryKeepsEachWorkPhaseOnOneLine) {
     // Work phases with names of usual length, and one longer than any column can hold.
     const QString longest = QStringLiteral("LAAKERIT, LIIKUNTASAUMAT, KAITEET, VARUSTEET JA LAITTEET SEKÄ "
                                            "MUUT SILLAN KOKO PITUUDELLE ULOTTUVAT RAKENTEET");
@@ -128,10 +144,7 @@ TEST(ComparisonPrint, TheSummaryKeepsEachWorkPhaseOnOneLine) {
     const calc::ProjectComparison c =
         calc::CompareProjects(version(older, QStringLiteral("/projektit/vanha.sl")),
                               version(newer, QStringLiteral("/projektit/uusi.sl")));
-    TestProject t;
-    auto run = t.run({}, print::DefaultPageLayout(QPageLayout::Portrait));
-    run->setComparison(&c);
-    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    auto run = comparedRun(c, {}, print::DefaultPageLayout(QPageLayout::Portrait));
     const QStringList body = trimmedTexts(recordPage(*run, 2));
     for (const char* whole : {"7120 PERUSTUKSET JA PAALUTUKSET", "7185 VEDENERISTYS JA PINTARAKENTEET",
                               "Vaatimuksia, joiden arvostelu muuttui"})
@@ -145,12 +158,9 @@ TEST(ComparisonPrint, TheSummaryKeepsEachWorkPhaseOnOneLine) {
         EXPECT_FALSE(body.contains(QString::fromUtf8(rest))) << rest << " on a line of its own";
 }
 
-TEST(ComparisonPrint, ALongTableGoesOnOverPagesWithItsColumnHeadings) {
-    TestProject t;
+TEST_F(ComparisonPrint, ALongTableGoesOnOverPagesWithItsColumnHeadings) {
     const calc::ProjectComparison c = comparison(120, true);
-    auto run = t.run({}, print::DefaultPageLayout(QPageLayout::Landscape));
-    run->setComparison(&c);
-    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    auto run = comparedRun(c, {}, print::DefaultPageLayout(QPageLayout::Landscape));
     ASSERT_GE(run->TotalPages(), 4);
     EXPECT_EQ(run->entry(1).document, print::doc::Comparison);
     // Every change is on exactly one page, and pages after the first of the table repeat its
@@ -170,18 +180,16 @@ TEST(ComparisonPrint, ALongTableGoesOnOverPagesWithItsColumnHeadings) {
     EXPECT_EQ(shown, 120);
 }
 
-TEST(ComparisonPrint, TheComparisonIsDrawnUpByEitherPartyAsAllRequirementsAre) {
-    TestProject t;
+TEST_F(ComparisonPrint, TheComparisonIsDrawnUpByEitherPartyAsAllRequirementsAre) {
     auto run = t.run({});
     EXPECT_EQ(print::PartiesOf(*run, print::doc::Comparison).firstRole, QStringLiteral("SUUNNITTELIJA"));
     t.source.basicCombos[17] = QStringLiteral("Pekka Nieminen");
     EXPECT_EQ(print::PartiesOf(*run, print::doc::Comparison).firstRole, QStringLiteral("URAKOITSIJA"));
 }
 
-TEST(ComparisonPrint, ALandscapeFrontPageKeepsThePartiesAboveTheSignatures) {
+TEST_F(ComparisonPrint, ALandscapeFrontPageKeepsThePartiesAboveTheSignatures) {
     // Regression: on landscape paper the second party's heading was printed over the
     // signature lines.
-    TestProject t;
     t.source.basicCombos[17] = QStringLiteral("Pekka Nieminen");
     auto run = t.run({print::doc::AllRequirements}, print::DefaultPageLayout(QPageLayout::Landscape));
     ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
@@ -198,13 +206,8 @@ TEST(ComparisonPrint, ALandscapeFrontPageKeepsThePartiesAboveTheSignatures) {
         EXPECT_LE(client->y + lh, signatures->y - 1.5 * lh + 1);
 }
 
-TEST(ComparisonPrint, ThePdfHasABookmarkAndATitleForTheComparison) {
-    TestProject t;
-    t.setQuantities({entry(QStringLiteral("Kaivu"))});
-    const calc::ProjectComparison c = comparison(3, false);
-    auto run = t.run({print::doc::Quantities});
-    run->setComparison(&c);
-    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+TEST_F(ComparisonPrint, ThePdfHasABookmarkAndATitleForTheComparison) {
+    auto run = quantitiesAndThreeChanges();
     const std::vector<print::Bookmark> outline = print::RunOutline(*run);
     ASSERT_EQ(outline.size(), 2u);
     EXPECT_EQ(outline[0].title, QStringLiteral("1 Määräluettelo"));

@@ -463,18 +463,15 @@ private:
 
 } // namespace
 
-bool readOds(const Archive& archive, SheetBuilder& out, QString* error) {
+bool readOds(const Archive& archive, SheetBuilder& out, platform::ReadError* error) {
     Styles styles;
     if (archive.contains(QStringLiteral("styles.xml")) &&
         !OdsPart(styles, nullptr).parse(archive, QStringLiteral("styles.xml"), error))
         return false;
     OdsPart content(styles, &out);
     if (!content.parse(archive, QStringLiteral("content.xml"), error)) return false;
-    if (!content.tableSeen()) {
-        if (error) *error = QStringLiteral("tiedostossa ei ole taulukkoa");
-        return false;
-    }
-    return true;
+    return content.tableSeen() ||
+           platform::fail(error, platform::ReadError::reason(QStringLiteral("tiedostossa ei ole taulukkoa")));
 }
 
 } // namespace lists::sheet

@@ -8,9 +8,10 @@
 
 namespace lists::sheet {
 
-bool SaxPart::parse(const Archive& archive, const QString& part, QString* error) {
-    const std::unique_ptr<Archive::Member> member = archive.openMember(part, error);
-    if (!member) return false;
+bool SaxPart::parse(const Archive& archive, const QString& part, platform::ReadError* error) {
+    QString reason;
+    const std::unique_ptr<Archive::Member> member = archive.openMember(part, &reason);
+    if (!member) return platform::fail(error, platform::ReadError::reason(reason));
     xmlSAXHandler handler{};
     handler.initialized = XML_SAX2_MAGIC;
     handler.startElementNs = [](void* self, const xmlChar* name, const xmlChar*, const xmlChar*, int,
@@ -36,10 +37,9 @@ bool SaxPart::parse(const Archive& archive, const QString& part, QString* error)
     handler.ignorableWhitespace = handler.characters;
     handler.serror = [](void*, xmlErrorPtr) {}; // reported below, not printed
     m_ctxt = xmlCreatePushParserCtxt(&handler, this, nullptr, 0, nullptr);
-    if (!m_ctxt) {
-        if (error) *error = QStringLiteral("osaa ") + part + QStringLiteral(" ei voi lukea");
-        return false;
-    }
+    if (!m_ctxt)
+        return platform::fail(error, platform::ReadError::reason(QStringLiteral("osaa ") + part +
+                                                                 QStringLiteral(" ei voi lukea")));
     xmlCtxtUseOptions(m_ctxt, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
     m_stopped.clear();
     m_finished = false;
@@ -47,12 +47,12 @@ bool SaxPart::parse(const Archive& archive, const QString& part, QString* error)
     m_part = part;
     std::vector<char> piece(std::size_t(1) << 16);
     bool ok = true;
-    QString failure;
+    platform::ReadError failure;
     for (;;) {
         const qsizetype n = member->read(piece.data(), static_cast<qsizetype>(piece.size()));
         if (n < 0) {
             ok = false;
-            failure = member->error();
+            failure.what = member->error();
             break;
         }
         const int status = xmlParseChunk(m_ctxt, piece.data(), static_cast<int>(n), n == 0);
@@ -64,21 +64,19 @@ bool SaxPart::parse(const Archive& archive, const QString& part, QString* error)
         if (n == 0) break;
     }
     if (ok && !m_finished && !m_ctxt->wellFormed) ok = false;
-    if (!ok && failure.isEmpty()) {
+    if (!ok && failure.what.isEmpty()) {
         if (!m_stopped.isEmpty()) {
-            failure = m_stopped;
+            failure.what = m_stopped;
         } else {
             // Where, not the parser's English words for what.
             const xmlErrorPtr e = xmlCtxtGetLastError(m_ctxt);
-            failure = QStringLiteral("osa %1 ei ole kelvollista XML:ää (rivi %2, sarake %3)")
-                          .arg(part)
-                          .arg(e ? e->line : 0)
-                          .arg(e ? e->int2 : 0);
+            failure = {
+                QStringLiteral("ei ole kelvollista XML:ää"), part, {}, -1, e ? e->line : 0, e ? e->int2 : 0};
         }
     }
     xmlFreeParserCtxt(m_ctxt);
     m_ctxt = nullptr;
-    if (!ok && error) *error = failure;
+    if (!ok) platform::fail(error, std::move(failure));
     return ok;
 }
 

@@ -3,6 +3,7 @@
 // a pull parser is several times slower on a sheet of thousands of rows, and a part is never
 // held whole, so a sheet that unpacks to hundreds of megabytes of blanks costs no memory.
 #include "lists/spreadsheet/Archive.h"
+#include "platform/ReadError.h"
 
 #include <QString>
 
@@ -25,7 +26,7 @@ public:
 
     // Parses the part. On failure returns false with what failed and where in `error`: the
     // part and the line and column of bad XML, or the reason a callback stopped it.
-    bool parse(const Archive& archive, const QString& part, QString* error);
+    bool parse(const Archive& archive, const QString& part, platform::ReadError* error);
 
 protected:
     // `attributes` holds `count` entries of five pointers: local name, prefix, URI, value, end.

@@ -66,7 +66,8 @@ private:
 
 } // namespace
 
-bool readRelationships(const Archive& archive, const QString& part, Relationships& out, QString* error) {
+bool readRelationships(const Archive& archive, const QString& part, Relationships& out,
+                       platform::ReadError* error) {
     const QString folder = folderOf(part);
     const QString relsPath =
         folder + QStringLiteral("_rels/") + part.mid(folder.size()) + QStringLiteral(".rels");
@@ -74,7 +75,7 @@ bool readRelationships(const Archive& archive, const QString& part, Relationship
     return RelationshipsPart(relsPath, folder, out).parse(archive, relsPath, error);
 }
 
-bool workbookPartOf(const Archive& archive, QString& part, QString* error) {
+bool workbookPartOf(const Archive& archive, QString& part, platform::ReadError* error) {
     Relationships rels;
     if (!readRelationships(archive, QString(), rels, error)) return false;
     part = QStringLiteral("xl/workbook.xml");

@@ -1,7 +1,7 @@
 #pragma once
 // One reader per spreadsheet format. Each reads the first worksheet into a SheetBuilder and
 // trusts no count or length in the file; on failure it returns false with what failed and where
-// in `error` (Finnish, without a full stop), and the caller throws the builder away.
+// in `error`, and the caller throws the builder away.
 //
 // The cell texts are what the spreadsheet shows, written as a user would type them (see
 // CellText.h); formula cells give the result the file stores with them; true and false are
@@ -9,6 +9,7 @@
 #include "lists/spreadsheet/Archive.h"
 #include "lists/spreadsheet/CellText.h"
 #include "lists/spreadsheet/SheetData.h"
+#include "platform/ReadError.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -17,14 +18,16 @@
 namespace lists::sheet {
 
 // .xls: BIFF2 to BIFF8, in an OLE compound file or (BIFF2 to BIFF4) as a plain record stream.
-bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error);
+bool readXls(const QByteArray& bytes, SheetBuilder& out, platform::ReadError* error);
 // .xlsx (and .xlsm, .xltx, .xltm): Office Open XML workbooks, transitional or strict, whose
 // workbook part (workbookPartOf) is `workbookPart`.
-bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error);
+bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out,
+              platform::ReadError* error);
 // .xlsb: the same package with binary parts ("xl/workbook.bin").
-bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error);
+bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out,
+              platform::ReadError* error);
 // .ods: OpenDocument spreadsheets.
-bool readOds(const Archive& archive, SheetBuilder& out, QString* error);
+bool readOds(const Archive& archive, SheetBuilder& out, platform::ReadError* error);
 
 // ---- shared by the readers (the binary formats share BinaryValues.h)
 
@@ -41,8 +44,9 @@ using Relationships = QHash<QString, Relationship>; // by id
 
 // The relationships of a part (of the package itself for an empty part). A missing
 // relationships part is no relationship.
-bool readRelationships(const Archive& archive, const QString& part, Relationships& out, QString* error);
+bool readRelationships(const Archive& archive, const QString& part, Relationships& out,
+                       platform::ReadError* error);
 // The workbook part the package points at ("xl/workbook.xml" when it names none).
-bool workbookPartOf(const Archive& archive, QString& part, QString* error);
+bool workbookPartOf(const Archive& archive, QString& part, platform::ReadError* error);
 
 } // namespace lists::sheet

@@ -160,7 +160,7 @@ public:
         , m_out(out)
         , m_decrypted(decrypted) {}
 
-    bool read(QString* error);
+    bool read(platform::ReadError* error);
 
 private:
     struct Rec {
@@ -229,18 +229,16 @@ private:
     std::vector<QString> m_sst;
     std::optional<quint32> m_firstSheet;                         // stream offset of the first worksheet's BOF
     int m_pendingRow = -1, m_pendingCol = -1, m_pendingFont = 0; // a formula whose text result follows
-    QString m_error;
+    platform::ReadError m_error;
 };
 
 bool BiffReader::fail(const QString& what, const Rec& rec) {
-    m_error =
-        what +
-        QStringLiteral(" (tietue 0x%1 tavussa %2)").arg(rec.id, 4, 16, QLatin1Char('0')).arg(rec.offset);
+    m_error = {what, {}, QStringLiteral("0x%1").arg(rec.id, 4, 16, QLatin1Char('0')), rec.offset};
     return false;
 }
 
 bool BiffReader::fail(const QString& what) {
-    m_error = what;
+    m_error = platform::ReadError::reason(what);
     return false;
 }
 
@@ -250,7 +248,7 @@ bool BiffReader::need(const Rec& rec, qsizetype size) {
 
 bool BiffReader::next(qsizetype& pos, Rec& rec) {
     if (pos + 4 > m_stream.size()) {
-        m_error = QStringLiteral("tietovirta päättyy kesken tavussa %1").arg(pos);
+        m_error = {QStringLiteral("tietovirta päättyy kesken"), {}, {}, pos};
         return false;
     }
     rec.id = u16(m_stream.data() + pos);
@@ -699,7 +697,7 @@ bool BiffReader::readSubstream(qsizetype pos, bool sheet) {
     return true;
 }
 
-bool BiffReader::read(QString* error) {
+bool BiffReader::read(platform::ReadError* error) {
     auto done = [&](bool ok) {
         if (!ok && error) *error = m_error;
         return ok;
@@ -766,7 +764,7 @@ namespace {
 // encrypted, nor are the records the file format names (BOF, FILEPASS, ...) and a BOUNDSHEET's
 // stream offset; the key stream runs on over all of them. False with the reason when the
 // password does not open the workbook.
-bool decryptStream(QByteArray& stream, bool& decrypted, QString* error) {
+bool decryptStream(QByteArray& stream, bool& decrypted, platform::ReadError* error) {
     decrypted = false;
     qsizetype pos = 0, after = -1;
     QByteArrayView filePass;
@@ -783,10 +781,7 @@ bool decryptStream(QByteArray& stream, bool& decrypted, QString* error) {
     if (after < 0) return true;
     Decryption status = Decryption::Unknown;
     const std::unique_ptr<BiffCipher> cipher = BiffCipher::fromFilePass(filePass, defaultPassword(), status);
-    if (!cipher) {
-        if (error) *error = decryptionFailure(status);
-        return false;
-    }
+    if (!cipher) return platform::fail(error, platform::ReadError::reason(decryptionFailure(status)));
     char* data = stream.data();
     for (pos = after; pos + 4 <= stream.size();) {
         const quint16 id = u16(data + pos), length = u16(data + pos + 2);
@@ -805,19 +800,20 @@ bool decryptStream(QByteArray& stream, bool& decrypted, QString* error) {
 
 } // namespace
 
-bool readXls(const QByteArray& bytes, SheetBuilder& out, QString* error) {
+bool readXls(const QByteArray& bytes, SheetBuilder& out, platform::ReadError* error) {
     QByteArray stream = bytes; // shared until a decryption writes to it
     if (looksLikeOle(bytes)) {
-        const std::unique_ptr<CompoundFile> ole = CompoundFile::open(bytes, error);
-        if (!ole) return false;
+        QString reason;
+        const std::unique_ptr<CompoundFile> ole = CompoundFile::open(bytes, &reason);
+        if (!ole) return platform::fail(error, platform::ReadError::reason(reason));
         const QString name = ole->contains(QStringLiteral("Workbook")) ? QStringLiteral("Workbook")
                              : ole->contains(QStringLiteral("Book"))   ? QStringLiteral("Book")
                                                                        : QString();
-        if (name.isEmpty()) {
-            if (error) *error = QStringLiteral("tiedostossa ei ole Excel-työkirjaa");
-            return false;
-        }
-        if (!ole->read(name, stream, error)) return false;
+        if (name.isEmpty())
+            return platform::fail(
+                error, platform::ReadError::reason(QStringLiteral("tiedostossa ei ole Excel-työkirjaa")));
+        if (!ole->read(name, stream, &reason))
+            return platform::fail(error, platform::ReadError::reason(reason));
     }
     bool decrypted = false;
     if (!decryptStream(stream, decrypted, error)) return false;

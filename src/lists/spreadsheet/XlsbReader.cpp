@@ -78,17 +78,17 @@ public:
         }
     }
 
-    // Where the last record failed, or why reading stopped.
-    const QString& error() const { return m_error; }
-    // "osa NAME: WHAT (tietue T tavussa N)" for a record that holds less than it must.
+    // Where the last record failed, or why reading stopped; `what` is empty at the end of the part.
+    const platform::ReadError& error() const { return m_error; }
+    // A record that holds less than it must: the part, the record's type and its offset.
     bool failRecord(const QString& what, quint32 type) {
-        m_error = QStringLiteral("osa %1: %2 (tietue %3 tavussa %4)").arg(m_part, what).arg(type).arg(m_at);
+        m_error = {what, m_part, QString::number(type), m_at};
         return false;
     }
 
 private:
     bool fail(const QString& what) {
-        m_error = QStringLiteral("osa %1: %2 tavussa %3").arg(m_part, what).arg(m_at);
+        m_error = {what, m_part, {}, m_at};
         return false;
     }
     // At least n bytes from m_pos on; false when the part ends before them.
@@ -104,7 +104,7 @@ private:
             const qsizetype got =
                 m_member.read(m_buffer.data() + m_end, static_cast<qsizetype>(m_buffer.size()) - m_end);
             if (got < 0) {
-                m_error = m_member.error();
+                m_error = platform::ReadError::reason(m_member.error());
                 return false;
             }
             if (got == 0) return false;
@@ -138,31 +138,26 @@ private:
     qsizetype m_pos = 0, m_end = 0;
     qint64 m_offset = 0; // of the buffer's first byte in the part
     qint64 m_at = 0;     // of the record being read
-    QString m_error;
+    platform::ReadError m_error;
 };
 
 // Reads the records of a part that `wanted` accepts into `take(type, data)`, which returns false
 // to fail (after setting the error through Records::failRecord) and may end the reading early
 // by setting `done`.
 template <typename Wanted, typename Take>
-bool readRecords(const Archive& archive, const QString& part, QString* error, Wanted wanted, Take take) {
-    const std::unique_ptr<Archive::Member> member = archive.openMember(part, error);
-    if (!member) return false;
+bool readRecords(const Archive& archive, const QString& part, platform::ReadError* error, Wanted wanted,
+                 Take take) {
+    QString reason;
+    const std::unique_ptr<Archive::Member> member = archive.openMember(part, &reason);
+    if (!member) return platform::fail(error, platform::ReadError::reason(reason));
     Records records(*member, part);
     quint32 type = 0;
     QByteArrayView data;
     bool done = false;
     while (!done && records.next(type, data, wanted)) {
-        if (!take(records, type, data, done)) {
-            if (error) *error = records.error();
-            return false;
-        }
+        if (!take(records, type, data, done)) return platform::fail(error, records.error());
     }
-    if (!done && !records.error().isEmpty()) {
-        if (error) *error = records.error();
-        return false;
-    }
-    return true;
+    return done || records.error().what.isEmpty() || platform::fail(error, records.error());
 }
 
 // An XLWideString at `at`: a count of characters and as many of UTF-16; `at` moves past it.
@@ -190,7 +185,7 @@ struct Workbook {
 };
 
 bool readWorkbook(const Archive& archive, const QString& part, Workbook& book, SheetBuilder& out,
-                  QString* error) {
+                  platform::ReadError* error) {
     return readRecords(
         archive, part, error, [](quint32 type) { return type == kWbProp || type == kBundleSh; },
         [&](Records& records, quint32 type, QByteArrayView data, bool&) {
@@ -208,7 +203,7 @@ bool readWorkbook(const Archive& archive, const QString& part, Workbook& book, S
 }
 
 bool readStyles(const Archive& archive, const QString& part, Workbook& book, SheetBuilder& out,
-                QString* error) {
+                platform::ReadError* error) {
     QHash<int, CellFormat> custom;
     bool inCellXfs = false;
     return readRecords(
@@ -247,7 +242,7 @@ bool readStyles(const Archive& archive, const QString& part, Workbook& book, She
 }
 
 bool readSharedStrings(const Archive& archive, const QString& part, Workbook& book, SheetBuilder& out,
-                       QString* error) {
+                       platform::ReadError* error) {
     return readRecords(
         archive, part, error, [](quint32 type) { return type == kSstItem; },
         [&](Records& records, quint32 type, QByteArrayView data, bool&) {
@@ -268,7 +263,7 @@ bool isCell(quint32 type) {
 }
 
 bool readSheet(const Archive& archive, const QString& part, const Workbook& book, SheetBuilder& out,
-               QString* error) {
+               platform::ReadError* error) {
     qint64 row = -1, col = -1;
     return readRecords(
         archive, part, error, [](quint32 type) { return isCell(type) || type == kEndSheetData; },
@@ -354,7 +349,8 @@ bool readSheet(const Archive& archive, const QString& part, const Workbook& book
 
 } // namespace
 
-bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error) {
+bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder& out,
+              platform::ReadError* error) {
     Workbook book;
     if (!readWorkbook(archive, workbookPart, book, out, error)) return false;
     Relationships rels;
@@ -368,12 +364,10 @@ bool readXlsb(const Archive& archive, const QString& workbookPart, SheetBuilder&
             break;
         }
     }
-    if (sheetPart.isEmpty()) {
-        if (error)
-            *error =
-                QStringLiteral("työkirjassa ") + workbookPart + QStringLiteral(" ei ole laskentataulukkoa");
-        return false;
-    }
+    if (sheetPart.isEmpty())
+        return platform::fail(error,
+                              platform::ReadError::reason(QStringLiteral("työkirjassa ") + workbookPart +
+                                                          QStringLiteral(" ei ole laskentataulukkoa")));
     for (const Relationship& r : std::as_const(rels)) {
         if (r.type == QLatin1String("sharedStrings") &&
             !readSharedStrings(archive, r.target, book, out, error))

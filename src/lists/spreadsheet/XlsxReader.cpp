@@ -326,14 +326,14 @@ private:
 
 } // namespace
 
-bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out, QString* error) {
+bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder& out,
+              platform::ReadError* error) {
     WorkbookPart workbook;
     if (!workbook.parse(archive, workbookPart, error)) return false;
-    if (workbook.firstSheetId.isNull()) {
-        if (error)
-            *error = QStringLiteral("työkirjassa ") + workbookPart + QStringLiteral(" ei ole taulukoita");
-        return false;
-    }
+    if (workbook.firstSheetId.isNull())
+        return platform::fail(error,
+                              platform::ReadError::reason(QStringLiteral("työkirjassa ") + workbookPart +
+                                                          QStringLiteral(" ei ole taulukoita")));
     Workbook book;
     book.date1904 = workbook.date1904;
 
@@ -341,10 +341,9 @@ bool readXlsx(const Archive& archive, const QString& workbookPart, SheetBuilder&
     if (!readRelationships(archive, workbookPart, rels, error)) return false;
     QString sheetPart;
     if (const auto it = rels.constFind(workbook.firstSheetId); it != rels.cend()) sheetPart = it->target;
-    if (sheetPart.isEmpty()) {
-        if (error) *error = QStringLiteral("työkirjan ensimmäisen taulukon osaa ei löydy");
-        return false;
-    }
+    if (sheetPart.isEmpty())
+        return platform::fail(error, platform::ReadError::reason(
+                                         QStringLiteral("työkirjan ensimmäisen taulukon osaa ei löydy")));
     for (const Relationship& r : std::as_const(rels)) {
         if (r.type == "sharedStrings"_L1 && !SharedStrings(book.strings, out).parse(archive, r.target, error))
             return false;

@@ -116,6 +116,15 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
 }
 
 void BaseListWindow::createMenus() {
+    createFileMenu();
+    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Muokkaa"));
+    edit->setObjectName(QStringLiteral("editMenu"));
+    createUndoItems(edit);
+    edit->addSeparator();
+    createEditItems(edit);
+}
+
+void BaseListWindow::createFileMenu() {
     const bool prices = m_slot == 6;
     QMenu* file = menuBar()->addMenu(prices ? QStringLiteral("&Yksikköhintatiedosto")
                                             : QStringLiteral("&Laatuvaatimustiedosto"));
@@ -137,9 +146,9 @@ void BaseListWindow::createMenus() {
     file->insertAction(SubMenu0[6], restore);
     SubMenu0.push_back(restore);
     connect(restore, &QAction::triggered, this, [this] { ListViewFileMenuActions(8); });
+}
 
-    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Muokkaa"));
-    edit->setObjectName(QStringLiteral("editMenu"));
+void BaseListWindow::createUndoItems(QMenu* edit) {
     // Undo and redo stand above the menu's numbered items.
     undoAction = edit->addAction(QStringLiteral("&Kumoa"));
     undoAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
@@ -151,7 +160,10 @@ void BaseListWindow::createMenus() {
     connect(undoAction, &QAction::triggered, this, [this] { undoOrRedo(false); });
     connect(redoAction, &QAction::triggered, this, [this] { undoOrRedo(true); });
     connect(edit, &QMenu::aboutToShow, this, &BaseListWindow::updateUndoActions);
-    edit->addSeparator();
+}
+
+void BaseListWindow::createEditItems(QMenu* edit) {
+    const bool prices = m_slot == 6;
     const QStringList editItems = {
         QStringLiteral("Lisää"),
         QStringLiteral("Lisää &määräten..."),
@@ -180,26 +192,7 @@ void BaseListWindow::createMenus() {
         } else if (i == 1) {
             QMenu* modes = edit->addMenu(editItems[i]);
             a = modes->menuAction();
-            const QStringList modeItems =
-                prices ? QStringList{QStringLiteral("Lisää ilman huom. saraketta"),
-                                     QStringLiteral("Lisää valitun rivin kohdalle"),
-                                     QStringLiteral("Lisää valitun rivin kohdalle ilman huom. saraketta"),
-                                     QStringLiteral("Lisää loppuun"),
-                                     QStringLiteral("Lisää loppuun ilman huom. saraketta")}
-                       : QStringList{QStringLiteral("Lisää ilman huom. saraketta"),
-                                     QStringLiteral("Lisää valinnan kohdelle"),
-                                     QStringLiteral("Lisää valinnan kohdelle ilman huom. saraketta"),
-                                     QStringLiteral("Lisää loppuun"),
-                                     QStringLiteral("Lisää loppuun ilman huom. saraketta")};
-            for (int m = 0; m < modeItems.size(); ++m) {
-                QAction* ma = modes->addAction(modeItems[m]);
-                SubMenu12.push_back(ma);
-                connect(ma, &QAction::triggered, this, [this, m] {
-                    BusyPointer busy;
-                    m_host.baseListExport(this, m + 1);
-                    ListView1->setFocus();
-                });
-            }
+            addInsertModes(modes);
         } else {
             a = edit->addAction(editItems[i]);
             connect(a, &QAction::triggered, this, [this, i] { editMenuClick(i); });
@@ -222,6 +215,29 @@ void BaseListWindow::createMenus() {
         a->setShortcutContext(Qt::WindowShortcut);
     // "Lisää luettelosta" has no base list of its own to offer here.
     SubMenu1[4]->setEnabled(false);
+}
+
+void BaseListWindow::addInsertModes(QMenu* modes) {
+    const bool prices = m_slot == 6;
+    const QStringList modeItems =
+        prices ? QStringList{QStringLiteral("Lisää ilman huom. saraketta"),
+                             QStringLiteral("Lisää valitun rivin kohdalle"),
+                             QStringLiteral("Lisää valitun rivin kohdalle ilman huom. saraketta"),
+                             QStringLiteral("Lisää loppuun"),
+                             QStringLiteral("Lisää loppuun ilman huom. saraketta")}
+               : QStringList{
+                     QStringLiteral("Lisää ilman huom. saraketta"), QStringLiteral("Lisää valinnan kohdelle"),
+                     QStringLiteral("Lisää valinnan kohdelle ilman huom. saraketta"),
+                     QStringLiteral("Lisää loppuun"), QStringLiteral("Lisää loppuun ilman huom. saraketta")};
+    for (int m = 0; m < modeItems.size(); ++m) {
+        QAction* ma = modes->addAction(modeItems[m]);
+        SubMenu12.push_back(ma);
+        connect(ma, &QAction::triggered, this, [this, m] {
+            BusyPointer busy;
+            m_host.baseListExport(this, m + 1);
+            ListView1->setFocus();
+        });
+    }
 }
 
 QString BaseListWindow::extension() const {

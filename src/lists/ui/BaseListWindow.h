@@ -102,6 +102,12 @@ private:
     // Header widths in twips with the list's own font.
     TextMeasure headerMeasure() const;
     void createMenus();
+    // createMenus()'s parts: the file menu, undo and redo, the edit menu's numbered items and
+    // the insert submenu's modes.
+    void createFileMenu();
+    void createUndoItems(QMenu* edit);
+    void createEditItems(QMenu* edit);
+    void addInsertModes(QMenu* modes);
     BaseListHost& m_host;
     EditHistory* m_history = nullptr;
     int m_slot;
