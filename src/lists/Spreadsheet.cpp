@@ -152,7 +152,10 @@ bool sheetRows(const sheet::SheetData& data, int width, std::vector<QStringList>
     int next = 0; // the next sheet row to add
     for (const sheet::SheetRow& row : data.rows) {
         if (!blanks(row.index - next)) break;
-        QStringList cells = row.cells;
+        // Room for the row number the list adds, so that no row is copied again for it.
+        QStringList cells;
+        cells.reserve(width + 1);
+        cells.append(row.cells.size() > width ? row.cells.first(width) : row.cells);
         cells.resize(width);
         const bool blank =
             std::all_of(cells.cbegin(), cells.cend(), [](const QString& c) { return BlankString(c); });

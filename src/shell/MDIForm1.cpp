@@ -34,6 +34,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
@@ -558,11 +559,20 @@ void MDIForm1::DisplayProgress(int percent, const QString& text) {
         statusBar()->hide();
         ProgressBar1->show();
         m_progressStrip->show();
+        // Only the strip is laid out and drawn: painting the whole window here would draw the
+        // windows once more before the operation changes them.
+        if (QLayout* l = layout()) l->activate();
+        if (m_progressStrip->isVisible()) m_progressStrip->repaint();
+        return;
     } else if (percent == 100) {
         statusBar()->show();
         m_progressStrip->hide();
     } else {
+        // Between the first and the last step only the bar is drawn again (setValue repaints
+        // it): running the event loop here would also lay out and paint the windows being
+        // filled, several times over for a large project, when they show once it ends anyway.
         ProgressBar1->setValue(percent);
+        return;
     }
     pendingEvents();
 }

@@ -244,8 +244,10 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     std::array<bool, 6> pictureGiven{};
     QStringList damagedPictures;
     std::array<std::unique_ptr<QTextDocument>, 3> documents;
+    // One progress strip for reading and for filling the windows: ending it in between would
+    // lay out and paint the whole main window twice more.
+    FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
     {
-        FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
         QString error;
         if (!persist::ReadProjectFile(file, textOnly, project_, &error)) return fail(error);
         main.DisplayProgress(20);
@@ -283,7 +285,6 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     // What is read is no step: the project starts a new history once it stands.
     lists::EditHistory* history = w.f1->history();
     std::optional<lists::EditHistory::Quiet> quiet(std::in_place, history);
-    FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
     persist::ProjectContent& c = project_.content;
     QComboBox* references = w.f2->Combo1[0];
     references->clear();
