@@ -722,7 +722,7 @@ void MDIForm1::openFromCommandLine(const QString& file) {
 
 void MDIForm1::openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs,
                                bool readOnlyCopy) {
-    if (recoveredAs.isEmpty() && FileNameInUse()) return;
+    if (recoveredAs.isEmpty() && FileNameInUse(m_state.CurrentFileName)) return;
     if (recoveredAs.isEmpty()) {
         // A project that another running program has open.
         switch (ProjectLocks::askBeforeOpening(file)) {
@@ -1023,12 +1023,12 @@ bool MDIForm1::UnloadActiveProject() {
     return false;
 }
 
-bool MDIForm1::FileNameInUse() {
+bool MDIForm1::FileNameInUse(const QString& file, const QString& except) {
     for (documents::ProjectWindow* w : projectWindows()) {
         const QString project = ParseFileName(w->caption()).project();
-        if (sameFile(project, m_state.CurrentFileName)) {
-            platform::MsgBox(QStringLiteral("Tiedosto:") + m_state.CurrentFileName +
-                                 QStringLiteral("\non jo avoinna."),
+        if (project == except) continue;
+        if (sameFile(project, file)) {
+            platform::MsgBox(QStringLiteral("Tiedosto:") + file + QStringLiteral("\non jo avoinna."),
                              MsgIcon::Information);
             return true;
         }

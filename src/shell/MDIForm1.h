@@ -184,7 +184,9 @@ public:
     bool FormUnload(QWidget* window);
     // Closes the active project; true when the user cancelled.
     bool UnloadActiveProject();
-    bool FileNameInUse();
+    // True, after saying so, when `file` is the file of a project open here other than
+    // `except` (the project that is about to be saved under that name).
+    bool FileNameInUse(const QString& file, const QString& except = QString());
     void UpdateRecentFiles(const QString& file);
     std::vector<documents::ProjectWindow*> projectWindows() const;
     void ShowWindowByCaption(const QString& caption);

@@ -168,9 +168,13 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     AppState& state = main.appState();
     const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
     if (!w.complete()) return false;
-    // Saved under a new name: a file that another running program has open is written over
-    // only when the user says so. The project's own file is this program's to write.
-    if (!keepNames && !sameFile(ParseFileName(project).project(), file) && !ProjectLocks::mayWriteOver(file))
+    // Saved under a new name: a file that another project here has open is refused (two
+    // projects under one name would save over each other), and a file that another running
+    // program has open is written over only when the user says so. The project's own file is
+    // this program's to write.
+    const QString own = ParseFileName(project).project();
+    if (!keepNames && !sameFile(own, file) &&
+        (main.FileNameInUse(file, own) || !ProjectLocks::mayWriteOver(file)))
         return false;
 
     // The office text of the current party is brought up to date.

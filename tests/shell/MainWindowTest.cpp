@@ -201,12 +201,10 @@ TEST_F(MainWindowTest, FileNameInUseIgnoresLetterCase) {
     main->activateWindow(p1.f1);
     main->ChangeFormCaptions(QStringLiteral("Projekti1"), QStringLiteral("/tmp/Sillat/Silta12.sl"), true);
     EXPECT_EQ(p1.f4->caption(), QStringLiteral("/tmp/Sillat/Silta12.sl (Panostilakortti) Ei muutettu"));
-    main->appState().CurrentFileName = QStringLiteral("/tmp/SILLAT/silta12.SL");
-    EXPECT_TRUE(main->FileNameInUse());
+    EXPECT_TRUE(main->FileNameInUse(QStringLiteral("/tmp/SILLAT/silta12.SL")));
     EXPECT_EQ(dialogs.lastText(), QStringLiteral("Tiedosto:/tmp/SILLAT/silta12.SL\non jo avoinna."));
-    main->appState().CurrentFileName = QStringLiteral("/tmp/Sillat/Silta13.sl");
     dialogs.clear();
-    EXPECT_FALSE(main->FileNameInUse());
+    EXPECT_FALSE(main->FileNameInUse(QStringLiteral("/tmp/Sillat/Silta13.sl")));
     EXPECT_TRUE(dialogs.messages().empty());
 }
 

@@ -227,6 +227,37 @@ TEST_F(ProjectFilesTest, AFailedSaveKeepsTheCaptionsAndTheOldFile) {
     EXPECT_FALSE(main->fileOperationRunning());
 }
 
+TEST_F(ProjectFilesTest, SavingUnderTheNameOfAnotherOpenProjectIsRefusedAndLeavesBothAsTheyWere) {
+    // The other project is open from its file and has changes not saved yet.
+    fill(project(QStringLiteral("Projekti1")));
+    const QString file = dir.filePath(QStringLiteral("auki.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, QStringLiteral("Projekti1"), file, false));
+    const QByteArray onDisk = bytesOf(file);
+    const ProjectWindows open = project(file);
+    ASSERT_TRUE(open.complete());
+    main->contentChanged(open.f1);
+    const QString openCaption = open.f1->caption();
+
+    main->NewProject();
+    const ProjectWindows other = project(QStringLiteral("Projekti2"));
+    ASSERT_TRUE(other.complete());
+    other.f1->Text1[0]->setText(QStringLiteral("Toinen silta"));
+    main->contentChanged(other.f1);
+    main->activateWindow(other.f1);
+    EXPECT_FALSE(WriteSlFile(*main, QStringLiteral("Projekti2"), file, false));
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Tiedosto:") + file + QStringLiteral("\non jo avoinna."));
+    EXPECT_EQ(bytesOf(file), onDisk);
+    EXPECT_EQ(open.f1->caption(), openCaption);
+    EXPECT_EQ(other.f1->caption(), QStringLiteral("Projekti2 (Perustiedot)"));
+    // The same name written the other way round, and in another spelling of the path.
+    const QString same = dir.path() + QStringLiteral("/./auki.sl");
+    EXPECT_FALSE(WriteSlFile(*main, QStringLiteral("Projekti2"), same, false));
+    EXPECT_EQ(bytesOf(file), onDisk);
+    // The project's own file is still its own to save.
+    main->activateWindow(open.f1);
+    EXPECT_TRUE(WriteSlFile(*main, file, file, false));
+}
+
 TEST_F(ProjectFilesTest, CharactersOutsideTheCodePageAreNamedBeforeSaving) {
     const ProjectWindows p1 = project(QStringLiteral("Projekti1"));
     p1.f1->Text1[0]->setText(QStringLiteral("Silta \u0101"));
