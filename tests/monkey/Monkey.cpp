@@ -441,6 +441,42 @@ QString Monkey::report() const {
     return out;
 }
 
+long long HangClock::runQueueWaitNs() {
+    // Each line: time on a processor, time waiting in the run queue, time slices (ns, ns, n).
+    long long sum = 0;
+    QDirIterator it(QStringLiteral("/proc/self/task"), QDir::Dirs | QDir::NoDotAndDotDot);
+    while (it.hasNext()) {
+        QFile f(it.next() + QStringLiteral("/schedstat"));
+        if (!f.open(QIODevice::ReadOnly)) continue; // the thread has just ended
+        const QList<QByteArray> fields = f.readAll().simplified().split(' ');
+        if (fields.size() >= 2) sum += fields[1].toLongLong();
+    }
+    return sum;
+}
+
+double HangClock::tick(bool progressed) {
+    const long long wall = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                               std::chrono::steady_clock::now().time_since_epoch())
+                               .count();
+    const long long wait = runQueueWaitNs();
+    if (m_lastWall < 0) {
+        m_lastWall = wall;
+        m_lastWait = wait;
+        return 0;
+    }
+    // Threads that ended take their wait with them: the sum may go down.
+    const double seconds = advance(wall - m_lastWall, std::max(0LL, wait - m_lastWait), progressed);
+    m_lastWall = wall;
+    m_lastWait = wait;
+    return seconds;
+}
+
+double HangClock::advance(long long wallNs, long long waitNs, bool progressed) {
+    if (progressed) return m_seconds = 0;
+    m_seconds += static_cast<double>(wallNs - std::min(wallNs, waitNs)) / 1e9;
+    return m_seconds;
+}
+
 bool Monkey::fail(const QString& what) {
     if (m_failure.isEmpty()) m_failure = what;
     return false;
@@ -458,22 +494,23 @@ bool Monkey::run() {
             if (w->list(i)) m_columns[{w->kind(), i}] = w->list(i)->cols();
 
     // A step that does not end is a hang: the report and the end of the process, after
-    // `hangSeconds` without progress (a checked build is slow, but not that slow).
+    // `hangSeconds` without progress (a checked build is slow, but not that slow). Time the
+    // program's threads spent waiting for a processor does not count: on a loaded machine a
+    // run at low priority may wait minutes for its turn without hanging.
     std::mutex doneMutex;
     std::condition_variable doneSignal;
     bool done = false;
     std::thread watchdog([&] {
         long long seen = -1;
+        HangClock hang;
         std::unique_lock<std::mutex> lock(doneMutex);
-        while (
-            !doneSignal.wait_for(lock, std::chrono::seconds(m_settings.hangSeconds), [&] { return done; })) {
-            if (m_progress == seen) {
-                m_failure =
-                    QStringLiteral("no progress for %1 s: the program hangs").arg(m_settings.hangSeconds);
-                std::fprintf(stderr, "%s\n", qPrintable(report()));
-                std::abort();
-            }
+        while (!doneSignal.wait_for(lock, std::chrono::seconds(1), [&] { return done; })) {
+            const bool progressed = m_progress != seen;
             seen = m_progress;
+            if (hang.tick(progressed) < m_settings.hangSeconds) continue;
+            m_failure = QStringLiteral("no progress for %1 s: the program hangs").arg(m_settings.hangSeconds);
+            std::fprintf(stderr, "%s\n", qPrintable(report()));
+            std::abort();
         }
     });
     struct Join {

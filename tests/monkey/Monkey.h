@@ -62,6 +62,23 @@ private:
     int m_saved = 0;
 };
 
+// Seconds without progress, not counting the time the process's threads waited for a
+// processor (the run-queue wait the kernel keeps in /proc/self/task/*/schedstat).
+class HangClock {
+public:
+    // Called about once a second: progress starts the count again; returns the count.
+    double tick(bool progressed);
+    // The same with the readings given: `wallNs` since the last call, `waitNs` the run-queue
+    // wait of all threads since the last call.
+    double advance(long long wallNs, long long waitNs, bool progressed);
+
+private:
+    static long long runQueueWaitNs();
+    long long m_lastWall = -1;
+    long long m_lastWait = 0;
+    double m_seconds = 0;
+};
+
 struct Settings {
     unsigned long long seed = 1;
     long long maxSteps = 2000; // 0: no limit

@@ -92,6 +92,19 @@ TEST_F(Monkey, FixedSeedRun) {
     runSeed(20261126, 400);
 }
 
+// The watchdog's clock: a step stuck without a processor (a loaded machine, a run at low
+// priority) is not a hang; a step that sleeps or spins is, and progress starts the count again.
+TEST(MonkeyHangClock, CountsTimeWithoutProgressButNotTimeWaitingForAProcessor) {
+    monkey::HangClock clock;
+    const long long second = 1000000000LL;
+    EXPECT_DOUBLE_EQ(clock.advance(second, 0, false), 1.0);              // asleep or spinning
+    EXPECT_DOUBLE_EQ(clock.advance(second, second, false), 1.0);         // all of it waiting
+    EXPECT_DOUBLE_EQ(clock.advance(second, 3 * second, false), 1.0);     // several threads waiting
+    EXPECT_DOUBLE_EQ(clock.advance(2 * second, second / 2, false), 2.5); // partly waiting
+    EXPECT_DOUBLE_EQ(clock.advance(second, 0, true), 0.0);               // progress
+    EXPECT_DOUBLE_EQ(clock.advance(second, 0, false), 1.0);
+}
+
 // `./tamrik monkey SECONDS [SEED]`: MONKEY_SECONDS and MONKEY_SEED (a random one when unset).
 TEST_F(Monkey, DISABLED_Timed) {
     const double seconds = qEnvironmentVariable("MONKEY_SECONDS", QStringLiteral("60")).toDouble();
