@@ -105,14 +105,15 @@ TEST(MonkeyHangClock, CountsTimeWithoutProgressButNotTimeWaitingForAProcessor) {
     EXPECT_DOUBLE_EQ(clock.advance(second, 0, false), 1.0);
 }
 
-// `./tamrik monkey SECONDS [SEED]`: MONKEY_SECONDS and MONKEY_SEED (a random one when unset).
+// `./tamrik monkey SECONDS [SEED]`: MONKEY_SECONDS and MONKEY_SEED (a random one when unset);
+// MONKEY_STEPS stops a replay after that many steps.
 TEST_F(Monkey, DISABLED_Timed) {
     const double seconds = qEnvironmentVariable("MONKEY_SECONDS", QStringLiteral("60")).toDouble();
     bool given = false;
     unsigned long long seed = qEnvironmentVariable("MONKEY_SEED").toULongLong(&given);
     if (!given) seed = std::random_device()();
     std::fprintf(stderr, "monkey: seed %llu for %g s\n", seed, seconds);
-    runSeed(seed, 0, seconds);
+    runSeed(seed, qEnvironmentVariable("MONKEY_STEPS").toLongLong(), seconds);
 }
 
 } // namespace
