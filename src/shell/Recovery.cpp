@@ -102,8 +102,9 @@ Recovery::Recovery(MDIForm1& main)
 Recovery::~Recovery() {
     if (m_folder.isEmpty()) return;
     m_lock.reset();
-    // After an end without questions the copies wait for the next start.
-    if (!m_keep) QDir(m_folder).removeRecursively();
+    // After an end without questions the copies wait for the next start; a session with
+    // nothing changed leaves no folder behind.
+    if (!m_keep || recoveryCopies(m_folder).empty()) QDir(m_folder).removeRecursively();
 }
 
 void Recovery::keepForNextStart() {

@@ -7,6 +7,7 @@
 #include "lists/ListModel.h"
 #include "persist/ProjectFile.h"
 #include "platform/ProjectLock.h"
+#include "platform/TempDir.h"
 #include "platform/TextFile.h"
 #include "shell/Captions.h"
 #include "shell/Form8.h"
@@ -333,6 +334,32 @@ TEST_F(RecoveryTest, SigtermWritesTheSettingsAndKeepsACopyOfEveryChangedProject)
             found = found || f1->Text1[0]->text() == QStringLiteral("Lopetettiin signaalilla");
     EXPECT_TRUE(found);
     closeQuietly(*next);
+}
+
+// A program ended by a signal with nothing changed left an empty session folder behind.
+TEST_F(RecoveryTest, SigtermWithNothingChangedLeavesNoSessionFolder) {
+    const pid_t child = fork();
+    if (child == 0) {
+        int status = 3;
+        {
+            shell::MDIForm1 other;
+            other.setProgramDirectory(testing_support::dataDir());
+            other.startUp(false);
+            if (other.recovery().sessionFolder().isEmpty()) _exit(5);
+            new Termination(other);
+            QTimer::singleShot(0, [] { kill(getpid(), SIGTERM); });
+            status = QApplication::exec();
+        }
+        _exit(status == 0 ? 0 : 4);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    ASSERT_EQ(WEXITSTATUS(status), 0);
+    const QStringList left =
+        QDir(platform::recoveryPath())
+            .entryList({QStringLiteral("palautus-%1-*").arg(child)}, QDir::Dirs | QDir::NoDotAndDotDot);
+    EXPECT_TRUE(left.isEmpty()) << left.join(QLatin1Char(',')).toStdString();
 }
 
 // Two programs killed with the same project open came back as two windows with the same
