@@ -24,6 +24,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -103,6 +104,30 @@ protected:
             ASSERT_EQ(::read(ready[0], &byte, 1), 1) << "the program took its copy";
             ::close(ready[0]);
         }
+    }
+
+    // A program prepared by `prepare` and ended by SIGTERM; the child's pid once it exited.
+    pid_t endBySignal(const std::function<void(MDIForm1&)>& prepare) {
+        const pid_t child = fork();
+        if (child == 0) {
+            int status = 3;
+            {
+                shell::MDIForm1 other;
+                other.setProgramDirectory(testing_support::dataDir());
+                other.startUp(false);
+                prepare(other);
+                new Termination(other);
+                QTimer::singleShot(0, [] { kill(getpid(), SIGTERM); });
+                // Without its own handling the signal ends the process right here.
+                status = QApplication::exec();
+            }
+            _exit(status == 0 ? 0 : 4);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status)) << "ended by the signal without writing anything";
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+        return child;
     }
 
     // The next start of the program.
@@ -298,29 +323,13 @@ TEST_F(RecoveryTest, CopiesLieInThePrivateDataFolderThatSurvivesAReboot) {
 // files were not written, and changed projects had no last copy. It ends like a normal end
 // that cannot ask questions now.
 TEST_F(RecoveryTest, SigtermWritesTheSettingsAndKeepsACopyOfEveryChangedProject) {
-    const pid_t child = fork();
-    if (child == 0) {
-        int status = 3;
-        {
-            shell::MDIForm1 other;
-            other.setProgramDirectory(testing_support::dataDir());
-            other.startUp(false);
-            other.appState().settings.AutosaveMinutes = 0; // no copy before the end
-            other.Submenu10Click(0);                       // designer mode, kept only at the end
-            const ProjectWindows w = other.projectWindowsOf(QStringLiteral("Projekti1"));
-            w.f1->Text1[0]->setText(QStringLiteral("Lopetettiin signaalilla"));
-            other.contentChanged(w.f1);
-            new Termination(other);
-            QTimer::singleShot(0, [] { kill(getpid(), SIGTERM); });
-            // Without its own handling the signal ends the process right here.
-            status = QApplication::exec();
-        }
-        _exit(status == 0 ? 0 : 4);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status)) << "ended by the signal without writing anything";
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    endBySignal([](MDIForm1& other) {
+        other.appState().settings.AutosaveMinutes = 0; // no copy before the end
+        other.Submenu10Click(0);                       // designer mode, kept only at the end
+        const ProjectWindows w = other.projectWindowsOf(QStringLiteral("Projekti1"));
+        w.f1->Text1[0]->setText(QStringLiteral("Lopetettiin signaalilla"));
+        other.contentChanged(w.f1);
+    });
     EXPECT_EQ(platform::SettingsStore().get(QStringLiteral("General"), QStringLiteral("ProgramMode")),
               QStringLiteral("1"));
 
@@ -338,24 +347,9 @@ TEST_F(RecoveryTest, SigtermWritesTheSettingsAndKeepsACopyOfEveryChangedProject)
 
 // A program ended by a signal with nothing changed left an empty session folder behind.
 TEST_F(RecoveryTest, SigtermWithNothingChangedLeavesNoSessionFolder) {
-    const pid_t child = fork();
-    if (child == 0) {
-        int status = 3;
-        {
-            shell::MDIForm1 other;
-            other.setProgramDirectory(testing_support::dataDir());
-            other.startUp(false);
-            if (other.recovery().sessionFolder().isEmpty()) _exit(5);
-            new Termination(other);
-            QTimer::singleShot(0, [] { kill(getpid(), SIGTERM); });
-            status = QApplication::exec();
-        }
-        _exit(status == 0 ? 0 : 4);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    ASSERT_EQ(WEXITSTATUS(status), 0);
+    const pid_t child = endBySignal([](MDIForm1& other) {
+        if (other.recovery().sessionFolder().isEmpty()) _exit(5);
+    });
     const QStringList left =
         QDir(platform::recoveryPath())
             .entryList({QStringLiteral("palautus-%1-*").arg(child)}, QDir::Dirs | QDir::NoDotAndDotDot);
