@@ -4,7 +4,9 @@
 #include "common/ScriptedDialogs.h"
 #include "documents/Controls.h"
 #include "documents/Form2.h"
+#include "documents/Form5.h"
 #include "documents/Form9.h"
+#include "lists/ui/ListView.h"
 #include "platform/Cp1252.h"
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
@@ -260,4 +262,17 @@ TEST_F(Form9Test, FilesAreImportedExportedAndInserted) {
     editor.FileMenuClick(1);
     EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Täyttö\nrivieksti");
     EXPECT_TRUE(dialogs.allAnswersUsed());
+}
+
+TEST_F(Form9Test, BothEditorsHaveTheUserGuideOnF1AtTheirOwnTopic) {
+    Form5 rowEditor(host);
+    for (QWidget* window : {static_cast<QWidget*>(&rowEditor), static_cast<QWidget*>(&onField(7))}) {
+        QAction* guide = nullptr;
+        for (QAction* a : window->findChildren<QAction*>())
+            if (a->text() == "Käyttäjän opas") guide = a;
+        ASSERT_NE(guide, nullptr);
+        EXPECT_EQ(guide->shortcut(), QKeySequence(Qt::Key_F1));
+        guide->trigger();
+    }
+    EXPECT_EQ(host.helpTopics, (std::vector<int>{250, 300}));
 }
