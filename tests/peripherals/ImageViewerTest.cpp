@@ -139,28 +139,22 @@ TEST(ImageViewer, PasteTakesMetafileThenDeviceIndependentBitmapThenBitmap) {
     const QByteArray bmp = encoded(filled(QSize(6, 3), Qt::green), "BMP");
     const QByteArray png = encoded(filled(QSize(5, 4), Qt::red), "PNG");
 
-    auto offer = [&](bool withWmf, bool withBmp, bool withImage) {
-        auto* data = new QMimeData;
-        // Another program's names for the same content.
-        if (withWmf)
-            data->setData(QStringLiteral("application/x-openoffice-wmf;windows_formatname=\"Image WMF\""),
-                          wmf);
-        if (withBmp) data->setData("image/bmp", bmp);
-        if (withImage) data->setData("image/png", png);
-        clipboard->setMimeData(data);
-    };
-    // What is offered (metafile, bitmap, other image) and what the viewer takes of it.
+    // What another program offers, by its own names for the formats, and what the viewer takes.
+    const QString wmfMime = "application/x-openoffice-wmf;windows_formatname=\"Image WMF\"";
     const struct {
-        bool wmf, bmp, image;
+        std::vector<std::pair<QString, QByteArray>> offered;
         Picture::Type type;
         QByteArray bytes; // empty: a converted image of 5 x 4
-    } cases[] = {{true, true, true, Picture::Metafile, wmf},
-                 {false, true, true, Picture::Bitmap, bmp},
-                 {false, false, true, Picture::Bitmap, {}}};
+    } cases[] = {{{{wmfMime, wmf}, {"image/bmp", bmp}, {"image/png", png}}, Picture::Metafile, wmf},
+                 {{{"image/bmp", bmp}, {"image/png", png}}, Picture::Bitmap, bmp},
+                 {{{"image/png", png}}, Picture::Bitmap, {}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
+        auto* data = new QMimeData;
+        for (const auto& [format, bytes] : c.offered)
+            data->setData(format, bytes);
+        clipboard->setMimeData(data);
         Viewer v(2);
-        offer(c.wmf, c.bmp, c.image);
         v.form.PastePicture();
         const Picture p = v.form.Image1->picture();
         EXPECT_EQ(p.type(), c.type);
