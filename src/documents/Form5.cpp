@@ -16,6 +16,7 @@
 #include "lists/ui/ListView.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
+#include "platform/ui/Menus.h"
 
 #include <QAction>
 #include <QApplication>
@@ -121,8 +122,7 @@ void Form5::createMenus() {
     auto addItems = [this](QMenu* menu, const QStringList& texts, const char* const* keys,
                            std::vector<QAction*>& array) {
         for (int i = 0; i < texts.size(); ++i) {
-            QAction* a = texts[i] == QLatin1String("-") ? menu->addSeparator() : menu->addAction(texts[i]);
-            array.push_back(a);
+            QAction* a = platform::addMenuItem(menu, array, texts[i]);
             if (keys && keys[i]) {
                 const QString key = QString::fromLatin1(keys[i]);
                 connect(a, &QAction::triggered, this, [this, key] { ToolbarClick(key); });
@@ -158,10 +158,7 @@ void Form5::createMenus() {
 
     createBrowseMenu(bar->addMenu(QStringLiteral("&Selaa")));
 
-    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
-    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
-    guide->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
+    platform::addGuideMenu(bar, this, [this] { m_host.showHelp(kHelpTopic, this); });
 }
 
 void Form5::createBrowseMenu(QMenu* browse) {
@@ -182,8 +179,7 @@ void Form5::createBrowseMenu(QMenu* browse) {
         std::vector<QAction*>& array = direction < 0 ? SubMenu20 : SubMenu21;
         const QStringList texts = BrowseMenuTexts(direction);
         for (int i = 0; i < texts.size(); ++i) {
-            QAction* a = texts[i] == QLatin1String("-") ? menu->addSeparator() : menu->addAction(texts[i]);
-            array.push_back(a);
+            QAction* a = platform::addMenuItem(menu, array, texts[i]);
             if (texts[i] != QLatin1String("-")) step(a, direction * (i + 2));
         }
     }

@@ -10,6 +10,7 @@
 #include "platform/Dialogs.h"
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
+#include "platform/ui/Menus.h"
 
 #include <QAction>
 #include <QDateTime>
@@ -104,18 +105,13 @@ void Form9::createMenus() {
                                    QStringLiteral("-"),
                                    QStringLiteral("&Sulje")};
     for (int i = 0; i < fileItems.size(); ++i) {
-        QAction* a =
-            fileItems[i] == QLatin1String("-") ? file->addSeparator() : file->addAction(fileItems[i]);
-        SubMenu0.push_back(a);
+        QAction* a = platform::addMenuItem(file, SubMenu0, fileItems[i]);
         connect(a, &QAction::triggered, this, [this, i] { FileMenuClick(i); });
     }
 
     createEditMenu(bar->addMenu(QStringLiteral("&Muokkaa")));
 
-    QMenu* help = bar->addMenu(QStringLiteral("&Ohjeet"));
-    QAction* guide = help->addAction(QString::fromUtf8("Käyttäjän opas"));
-    guide->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(guide, &QAction::triggered, this, [this] { m_host.showHelp(kHelpTopic, this); });
+    platform::addGuideMenu(bar, this, [this] { m_host.showHelp(kHelpTopic, this); });
 }
 
 void Form9::createEditMenu(QMenu* edit) {

@@ -1,5 +1,6 @@
 #include "print/CardLayout.h"
 
+#include "platform/ReadError.h"
 #include "platform/TextFile.h"
 
 #include <QFileInfo>
@@ -152,7 +153,7 @@ struct Reader {
 } // namespace
 
 bool ReadCardLayout(const QByteArray& bytes, const QString& name, bool withTable, CardLayout& layout,
-                    QString* error) {
+                    QString* error, platform::ReadError* where) {
     Reader r;
     r.lines = platform::splitLines(platform::decodeText(bytes));
     CardLayout out;
@@ -181,11 +182,11 @@ bool ReadCardLayout(const QByteArray& bytes, const QString& name, bool withTable
         return true;
     };
     if (!parse()) {
+        // A layout is read by whole lines: the place is the line.
+        const platform::ReadError failure{r.problem, {}, {}, -1, r.lineNumber, -1};
         if (error)
-            *error = QStringLiteral("Korttitiedosto %1 on virheellinen (rivi %2: %3).")
-                         .arg(name)
-                         .arg(r.lineNumber)
-                         .arg(r.problem);
+            *error = QStringLiteral("Korttitiedosto %1 on virheellinen (%2).").arg(name, failure.text());
+        platform::fail(where, failure);
         return false;
     }
     layout = std::move(out);

@@ -19,6 +19,10 @@
 #include <QString>
 #include <vector>
 
+namespace platform {
+struct ReadError;
+}
+
 namespace print {
 
 struct CardText {
@@ -53,9 +57,10 @@ struct CardLayout {
 
 // Reads a layout from the bytes of its file (Windows-1252). `withTable` reads the charge chamber
 // card's table blocks too. On failure returns false with a message naming the file (`name`) and
-// the line, and leaves `layout` as it was.
+// the line, `where` (when given) holds the line and what was wrong with it, and `layout` is left
+// as it was.
 bool ReadCardLayout(const QByteArray& bytes, const QString& name, bool withTable, CardLayout& layout,
-                    QString* error);
+                    QString* error, platform::ReadError* where = nullptr);
 // Reads the layout file `name` from the folder `appPath` (ending in "/"). On failure `error`
 // says what failed in Finnish, naming the file only (it can stand on the card's page);
 // `detail`, when given, adds where the file was looked for and why it could not be read.

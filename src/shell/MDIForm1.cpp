@@ -11,6 +11,7 @@
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
+#include "platform/ui/Menus.h"
 #include "platform/SettingsStore.h"
 #include "print/ui/PrintSession.h"
 #include "shell/Captions.h"
@@ -122,19 +123,6 @@ MDIForm1::~MDIForm1() {
     undoAction = redoAction = nullptr;
 }
 
-QAction* MDIForm1::addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
-                           const QKeySequence& shortcut) {
-    QAction* a = caption == QLatin1String("-") ? menu->addSeparator() : menu->addAction(caption);
-    if (!shortcut.isEmpty()) a->setShortcut(shortcut);
-    array.push_back(a);
-    return a;
-}
-
-void MDIForm1::addItems(QMenu* menu, std::vector<QAction*>& array, std::initializer_list<MenuItem> items) {
-    for (const MenuItem& item : items)
-        addItem(menu, array, item.caption, item.key);
-}
-
 void MDIForm1::createMenus() {
     QMenuBar* bar = menuBar();
     for (const QString& c : {QStringLiteral("&Tiedosto"), QStringLiteral("&Asetukset"),
@@ -149,20 +137,21 @@ void MDIForm1::createMenus() {
 
 void MDIForm1::createFileMenu(QMenu* file) {
     // Ctrl+N, O, S, Shift+S and P: the keys every desktop program has for these items.
-    addItems(file, SubMenu0,
-             {{QStringLiteral("&Uusi"), QKeySequence(Qt::CTRL | Qt::Key_N)},
-              {QStringLiteral("&Avaa..."), QKeySequence(Qt::CTRL | Qt::Key_O)},
-              {QStringLiteral("&Tallenna"), QKeySequence(Qt::CTRL | Qt::Key_S)},
-              {QStringLiteral("Tallenna &nimellä..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)},
-              {QStringLiteral("-")},
-              {QStringLiteral("&Sulje")},
-              {QStringLiteral("-")},
-              {QStringLiteral("Tu&losta"), QKeySequence(Qt::CTRL | Qt::Key_P)},
-              {QStringLiteral("Läh&etä")},
-              {QStringLiteral("-")},
-              {QStringLiteral("Tuo ainostataan teksi...")},
-              {QStringLiteral("&Vie")},
-              {QStringLiteral("-")}});
+    platform::addMenuItems(
+        file, SubMenu0,
+        {{QStringLiteral("&Uusi"), QKeySequence(Qt::CTRL | Qt::Key_N)},
+         {QStringLiteral("&Avaa..."), QKeySequence(Qt::CTRL | Qt::Key_O)},
+         {QStringLiteral("&Tallenna"), QKeySequence(Qt::CTRL | Qt::Key_S)},
+         {QStringLiteral("Tallenna &nimellä..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)},
+         {QStringLiteral("-")},
+         {QStringLiteral("&Sulje")},
+         {QStringLiteral("-")},
+         {QStringLiteral("Tu&losta"), QKeySequence(Qt::CTRL | Qt::Key_P)},
+         {QStringLiteral("Läh&etä")},
+         {QStringLiteral("-")},
+         {QStringLiteral("Tuo ainostataan teksi...")},
+         {QStringLiteral("&Vie")},
+         {QStringLiteral("-")}});
     SubMenu0[11]->setVisible(false);
     // The comparison of the active project with another version, beside the other imports.
     CompareAction = new QAction(QStringLiteral("&Vertaa projektia..."), this);
@@ -170,15 +159,15 @@ void MDIForm1::createFileMenu(QMenu* file) {
     connect(CompareAction, &QAction::triggered, this, [this] { showCompareWindow(*this); });
     // Items 13 to 18 are the recent files, shown when there are some.
     for (int i = 13; i <= 18; ++i)
-        addItem(file, SubMenu0, QString())->setVisible(false);
+        platform::addMenuItem(file, SubMenu0, QString())->setVisible(false);
     // The recent files show their folder as a tooltip; files that are gone leave the list
     // before it is shown.
     file->setToolTipsVisible(true);
     connect(file, &QMenu::aboutToShow, this, [this] {
         if (DropMissingRecentFiles(m_state.RecentFiles)) UpdateRecentFiles(QString());
     });
-    addItem(file, SubMenu0, QStringLiteral("-"))->setVisible(false);
-    addItem(file, SubMenu0, QStringLiteral("L&opeta"));
+    platform::addMenuItem(file, SubMenu0, QStringLiteral("-"))->setVisible(false);
+    platform::addMenuItem(file, SubMenu0, QStringLiteral("L&opeta"));
     for (int i = 0; i < static_cast<int>(SubMenu0.size()); ++i) {
         connect(SubMenu0[i], &QAction::triggered, this, [this, i] {
             if (i == 20)
@@ -190,60 +179,58 @@ void MDIForm1::createFileMenu(QMenu* file) {
 }
 
 void MDIForm1::createSettingsMenu(QMenu* settings) {
-    addItem(settings, SubMenu1, QStringLiteral("&Asetukset"));
+    platform::addMenuItem(settings, SubMenu1, QStringLiteral("&Asetukset"));
     QMenu* modes = settings->addMenu(QStringLiteral("&Ohjelman moodi"));
     SubMenu1.push_back(modes->menuAction());
     connect(SubMenu1[0], &QAction::triggered, this, [this] { showSettingsDialog(*this); });
-    addItems(modes, Submenu10,
-             {{QStringLiteral("&1 Suunnittelija")},
-              {QStringLiteral("&2 Urakoitsija")},
-              {QStringLiteral("&3 Rakennuttaja")}});
-    for (int i = 0; i < 3; ++i) {
-        Submenu10[i]->setCheckable(true);
-        connect(Submenu10[i], &QAction::triggered, this, [this, i] { Submenu10Click(i); });
-    }
+    platform::addCheckableItems(modes, Submenu10,
+                                {QStringLiteral("&1 Suunnittelija"), QStringLiteral("&2 Urakoitsija"),
+                                 QStringLiteral("&3 Rakennuttaja")},
+                                this, [this](int i) { Submenu10Click(i); });
 }
 
 void MDIForm1::createEditMenu(QMenu* edit) {
-    addItems(edit, SubMenu2,
-             {
-                 {QStringLiteral("&Muokkaa...")},
-                 {QStringLiteral("&Lisää luettelosta")},
-                 {QStringLiteral("Lisää &rivi"), QKeySequence(Qt::CTRL | Qt::Key_I)},
-                 {QStringLiteral("Lis&ää rivi luettelon loppuun"), QKeySequence(Qt::CTRL | Qt::Key_L)},
-                 {QStringLiteral("Poi&sta rivi"), QKeySequence(Qt::SHIFT | Qt::Key_Delete)},
-                 {QStringLiteral("-")},
-                 {QStringLiteral("Leikkaa"), QKeySequence(Qt::CTRL | Qt::Key_X)},
-                 {QStringLiteral("Kopio"), QKeySequence(Qt::CTRL | Qt::Key_C)},
-                 {QStringLiteral("Liitä"), QKeySequence(Qt::CTRL | Qt::Key_V)},
-                 {QStringLiteral("Poista"), QKeySequence(Qt::Key_Delete)},
-                 {QStringLiteral("-")},
-                 {QStringLiteral("Siirry..."), QKeySequence(Qt::CTRL | Qt::Key_F)},
-                 {QStringLiteral("-")},
-                 {QStringLiteral("&Valitse kaikki")},
-                 {QStringLiteral("-")},
-                 {QStringLiteral("M&uoteile luettelo")},
-             });
+    platform::addMenuItems(
+        edit, SubMenu2,
+        {
+            {QStringLiteral("&Muokkaa...")},
+            {QStringLiteral("&Lisää luettelosta")},
+            {QStringLiteral("Lisää &rivi"), QKeySequence(Qt::CTRL | Qt::Key_I)},
+            {QStringLiteral("Lis&ää rivi luettelon loppuun"), QKeySequence(Qt::CTRL | Qt::Key_L)},
+            {QStringLiteral("Poi&sta rivi"), QKeySequence(Qt::SHIFT | Qt::Key_Delete)},
+            {QStringLiteral("-")},
+            {QStringLiteral("Leikkaa"), QKeySequence(Qt::CTRL | Qt::Key_X)},
+            {QStringLiteral("Kopio"), QKeySequence(Qt::CTRL | Qt::Key_C)},
+            {QStringLiteral("Liitä"), QKeySequence(Qt::CTRL | Qt::Key_V)},
+            {QStringLiteral("Poista"), QKeySequence(Qt::Key_Delete)},
+            {QStringLiteral("-")},
+            {QStringLiteral("Siirry..."), QKeySequence(Qt::CTRL | Qt::Key_F)},
+            {QStringLiteral("-")},
+            {QStringLiteral("&Valitse kaikki")},
+            {QStringLiteral("-")},
+            {QStringLiteral("M&uoteile luettelo")},
+        });
     for (int i = 0; i < static_cast<int>(SubMenu2.size()); ++i)
         connect(SubMenu2[i], &QAction::triggered, this, [this, i] { EditMenuClick(i); });
 }
 
 void MDIForm1::createViewMenu(QMenu* view) {
-    addItems(view, Submenu3,
-             {{QStringLiteral("&Perustiedot"), QKeySequence(Qt::CTRL | Qt::Key_Q)},
-              {QStringLiteral("&Yksityiskohtaiset tiedot"), QKeySequence(Qt::CTRL | Qt::Key_W)},
-              {QStringLiteral("&Ominaistietokortti"), QKeySequence(Qt::CTRL | Qt::Key_E)},
-              {QStringLiteral("P&anostilakortti"), QKeySequence(Qt::CTRL | Qt::Key_R)},
-              {QStringLiteral("-")}});
+    platform::addMenuItems(view, Submenu3,
+                           {{QStringLiteral("&Perustiedot"), QKeySequence(Qt::CTRL | Qt::Key_Q)},
+                            {QStringLiteral("&Yksityiskohtaiset tiedot"), QKeySequence(Qt::CTRL | Qt::Key_W)},
+                            {QStringLiteral("&Ominaistietokortti"), QKeySequence(Qt::CTRL | Qt::Key_E)},
+                            {QStringLiteral("P&anostilakortti"), QKeySequence(Qt::CTRL | Qt::Key_R)},
+                            {QStringLiteral("-")}});
     QMenu* docs = view->addMenu(QStringLiteral("&Tekstiasiakirjat..."));
     Submenu3.push_back(docs->menuAction());
-    addItems(view, Submenu3,
-             {{QStringLiteral("-")},
-              {QStringLiteral("&Yksikköhintaluettelo"), QKeySequence(Qt::Key_F7)},
-              {QStringLiteral("&Laatuvaatimusten perusluettelo"), QKeySequence(Qt::Key_F8)},
-              {QStringLiteral("Teksti&editori"), QKeySequence(Qt::Key_F9)},
-              {QStringLiteral("Laatu&vaatimusten yhteenveto"), QKeySequence(Qt::SHIFT | Qt::Key_F8)},
-              {QStringLiteral("-")}});
+    platform::addMenuItems(
+        view, Submenu3,
+        {{QStringLiteral("-")},
+         {QStringLiteral("&Yksikköhintaluettelo"), QKeySequence(Qt::Key_F7)},
+         {QStringLiteral("&Laatuvaatimusten perusluettelo"), QKeySequence(Qt::Key_F8)},
+         {QStringLiteral("Teksti&editori"), QKeySequence(Qt::Key_F9)},
+         {QStringLiteral("Laatu&vaatimusten yhteenveto"), QKeySequence(Qt::SHIFT | Qt::Key_F8)},
+         {QStringLiteral("-")}});
     // The project check stands beside the summary; it is not one of the numbered items.
     QAction* check = new QAction(QStringLiteral("&Tarkista projekti"), view);
     check->setObjectName(QStringLiteral("CheckProject"));
@@ -269,14 +256,11 @@ void MDIForm1::createViewMenu(QMenu* view) {
         if (activeWindow()) ShowTextEditor(*this, 100);
     });
 
-    addItems(docs, Submenu30,
-             {{QStringLiteral("&1 Rakennussuunnitelmaselostus")},
-              {QStringLiteral("&2 Koodaussuunnitelma")},
-              {QStringLiteral("&3 Urakan laatusuunnitelma")}});
-    for (int i = 0; i < 3; ++i) {
-        Submenu30[i]->setCheckable(true);
-        connect(Submenu30[i], &QAction::triggered, this, [this, i] { Submenu30Click(i); });
-    }
+    platform::addCheckableItems(docs, Submenu30,
+                                {QStringLiteral("&1 Rakennussuunnitelmaselostus"),
+                                 QStringLiteral("&2 Koodaussuunnitelma"),
+                                 QStringLiteral("&3 Urakan laatusuunnitelma")},
+                                this, [this](int i) { Submenu30Click(i); });
 }
 
 void MDIForm1::createWindowMenu(QMenu* windows) {
@@ -313,12 +297,13 @@ void MDIForm1::createWindowMenu(QMenu* windows) {
 }
 
 void MDIForm1::createHelpMenu(QMenu* help) {
-    addItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"), QKeySequence(Qt::Key_F1));
+    platform::addMenuItem(help, SubMenu4, QStringLiteral("Käyttäjän opas"), QKeySequence(Qt::Key_F1));
     QMenu* helpFiles = help->addMenu(QStringLiteral("Erilliset ohjetiedostot"));
     SubMenu4.push_back(helpFiles->menuAction());
-    addItems(help, SubMenu4, {{QStringLiteral("-")}, {QStringLiteral("&Tietoja ohjelmasta...")}});
+    platform::addMenuItems(help, SubMenu4,
+                           {{QStringLiteral("-")}, {QStringLiteral("&Tietoja ohjelmasta...")}});
     for (int i = 0; i < 20; ++i) {
-        QAction* a = addItem(helpFiles, SubMenu41, QString::number(i));
+        QAction* a = platform::addMenuItem(helpFiles, SubMenu41, QString::number(i));
         a->setVisible(i == 0);
         connect(a, &QAction::triggered, this, [this, i] { openHelpFile(*this, i); });
     }

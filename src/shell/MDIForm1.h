@@ -245,13 +245,6 @@ private:
     void createHelpMenu(QMenu* help);
     void createToolbar();
     void createStatusBar();
-    QAction* addItem(QMenu* menu, std::vector<QAction*>& array, const QString& caption,
-                     const QKeySequence& shortcut = QKeySequence());
-    struct MenuItem {
-        QString caption; // "-" for a separator
-        QKeySequence key = {};
-    };
-    void addItems(QMenu* menu, std::vector<QAction*>& array, std::initializer_list<MenuItem> items);
     // With `recoveredAs` the file opens as that project (changed); with `readOnlyCopy` as a new
     // unchanged project without the file's name.
     void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString(),

@@ -4,7 +4,9 @@
 #include "common/ScriptedDialogs.h"
 #include "documents/Controls.h"
 #include "documents/Form2.h"
+#include "documents/Form5.h"
 #include "documents/Form9.h"
+#include "lists/ui/ListView.h"
 #include "platform/Cp1252.h"
 #include "platform/Rtf.h"
 #include "platform/TextFile.h"
@@ -16,6 +18,7 @@
 #include <QTextCursor>
 #include <QTextEdit>
 #include <QToolBar>
+#include <memory>
 #include <optional>
 #include <gtest/gtest.h>
 
@@ -26,7 +29,7 @@ namespace {
 const QString kLockedMessage = QStringLiteral("Olet muokkaamassa suojattua kenttää tekstieditorissa.\r\n"
                                               "Tietojen tuonti takaisin tekstieditorista on estetty.");
 
-// Selects characters [from, to) of the editor.
+// Selects characters [from, to) of the editor; from == to puts the caret there.
 void select(QTextEdit* box, int from, int to) {
     QTextCursor c(box->document());
     c.setPosition(from);
@@ -47,15 +50,22 @@ QTextCharFormat formatAt(QTextEdit* box, int position) {
 
 class Form9Test : public ::testing::Test {
 protected:
+    // An editor in `mode` on a long field of the row editor holding `text`.
+    Form9& onField(int mode, const QString& text = {}) {
+        field.setText(text);
+        fieldEditor = std::make_unique<Form9>(host, EditorSource{mode, nullptr, &field, {}});
+        return *fieldEditor;
+    }
     testing_support::ScriptedDialogs dialogs;
     testing_support::FormsTestHost host;
+    TextBox field{true};
+    std::unique_ptr<Form9> fieldEditor;
 };
 
 } // namespace
 
 TEST_F(Form9Test, EachStyleMenuItemAppliesItsStyleToTheSelection) {
-    TextBox field(true);
-    Form9 editor(host, {4, nullptr, &field, {}});
+    Form9& editor = onField(4);
     QTextEdit* box = editor.RichTextBox1;
     const char* styles[] = {"Header1",   "Header2", "Bold",        "Italic",
                             "Underline", "Normal",  "Superscript", "Subscript"};
@@ -77,8 +87,7 @@ TEST_F(Form9Test, EachStyleMenuItemAppliesItsStyleToTheSelection) {
 }
 
 TEST_F(Form9Test, TheCustomStyleTakesTheFontAndColourOrNothing) {
-    TextBox field(true);
-    Form9 editor(host, {4, nullptr, &field, {}});
+    Form9& editor = onField(4);
     QTextEdit* box = editor.RichTextBox1;
     QFont serif("Liberation Serif", 14);
     serif.setStrikeOut(true);
@@ -110,13 +119,9 @@ TEST_F(Form9Test, TheShownDocumentIsWrittenBackAsRichText) {
     QTextEdit* shown = detailed.RichTextBox1[0];
     shown->setPlainText("Yleistä\nSilta on laattasilta.");
     host.changed.clear();
-    QTextCursor at(shown->document());
-    at.setPosition(8);
-    shown->setTextCursor(at);
+    select(shown, 8, 8);
 
     Form9 editor(host, {1, &detailed, nullptr, {}});
-    EXPECT_EQ(editor.windowTitle(), "TAMRIK 2006 (Rakennussuunnitelmaselostus)");
-    EXPECT_EQ(editor.SubMenu0[0]->text(), "Päivitä rakennussuunnitelmaselostus");
     EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Yleistä\nSilta on laattasilta.");
     EXPECT_EQ(editor.RichTextBox1->textCursor().position(), 8);
     EXPECT_FALSE(editor.isChanged());
@@ -137,25 +142,19 @@ TEST_F(Form9Test, ALockedDocumentOpensForReadingOnly) {
     detailed.RichTextBox1[0]->setReadOnly(true);
     Form9 editor(host, {1, &detailed, nullptr, {}});
     EXPECT_EQ(dialogs.lastText(), kLockedMessage);
-    EXPECT_FALSE(editor.SubMenu0[0]->isEnabled());
     EXPECT_FALSE(editor.toolbarButtons.at("Update")->isEnabled());
     EXPECT_TRUE(editor.RichTextBox1->isReadOnly());
     EXPECT_TRUE(editor.toolbarButtons.at("Copy")->isEnabled());
     EXPECT_FALSE(editor.WriteBack());
 
     // A locked field of the row editor: the same.
-    TextBox field(true);
     field.setReadOnlyLook(true);
-    EXPECT_FALSE(Form9(host, {3, nullptr, &field, {}}).WriteBack());
+    EXPECT_FALSE(onField(3).WriteBack());
     EXPECT_EQ(dialogs.texts(), QStringList(2, kLockedMessage));
 }
 
 TEST_F(Form9Test, ARowEditorFieldGetsPlainTextBack) {
-    TextBox field(true);
-    field.setText("Rivi 1\r\nRivi 2");
-    Form9 editor(host, {7, nullptr, &field, {}});
-    EXPECT_EQ(editor.windowTitle(), "TAMRIK 2006 (Tekstieditori)");
-    EXPECT_EQ(editor.SubMenu0[0]->text(), "Päivitä teksti");
+    Form9& editor = onField(7, "Rivi 1\r\nRivi 2");
     EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Rivi 1\nRivi 2");
     // Without a project the headings cannot be listed.
     EXPECT_FALSE(editor.SubMenu1[7]->isEnabled());
@@ -187,12 +186,9 @@ TEST_F(Form9Test, TheQualityPlanTemplateIsInsertedAtTheCaret) {
     detailed.showDocument(2);
     QTextEdit* plan = detailed.RichTextBox1[0];
     plan->setPlainText("Alku. Loppu.");
-    QTextCursor at(plan->document());
-    at.setPosition(6);
-    plan->setTextCursor(at);
+    select(plan, 6, 6);
 
     Form9 editor(host, {8, &detailed, nullptr, {}});
-    EXPECT_EQ(editor.SubMenu0[0]->text(), "Lisää asiakirjaan");
     EXPECT_EQ(editor.RichTextBox1->toPlainText(), "1 Urakan tiedot\n2 Työmaa");
     select(editor.RichTextBox1, 16, 24);
     EXPECT_TRUE(editor.WriteBack());
@@ -214,15 +210,12 @@ TEST_F(Form9Test, TheRequirementSummaryIsShownReadOnly) {
     Form2 detailed(host);
     row_card_test::inspectionList(*detailed.list(1));
     Form9 editor(host, {100, &detailed, nullptr, "/projektit/Kirkkojoen silta.sl"});
-    EXPECT_EQ(editor.windowTitle(), "TAMRIK 2006 (Laatuvaatimusten yhteenveto)");
     const QString text = editor.RichTextBox1->toPlainText();
+    EXPECT_TRUE(text.contains("TAMRIK 2006 - /projektit/Kirkkojoen silta.sl"));
     EXPECT_TRUE(text.contains("LAATUVAATIMUSTEN YHTEENVETO"));
-    EXPECT_TRUE(text.contains("/projektit/Kirkkojoen silta.sl"));
-    EXPECT_TRUE(text.contains("SILLAN LAATULUKU"));
     EXPECT_TRUE(editor.RichTextBox1->isReadOnly());
-    EXPECT_EQ(editor.RichTextBox1->document()->defaultFont().family(), "Courier New");
-    EXPECT_FALSE(editor.SubMenu1[11]->isEnabled()); // no styles
-    EXPECT_FALSE(editor.toolbarButtons.at("Paste")->isEnabled());
+    EXPECT_EQ(editor.RichTextBox1->document()->defaultFont().family(), "Courier New"); // columns line up
+    EXPECT_FALSE(editor.SubMenu1[11]->isEnabled());                                    // no styles
     EXPECT_FALSE(editor.SubMenu0[0]->isEnabled());
     EXPECT_TRUE(editor.SubMenu0[2]->isEnabled()); // it can still be saved as a file
     EXPECT_FALSE(editor.isChanged());
@@ -230,9 +223,7 @@ TEST_F(Form9Test, TheRequirementSummaryIsShownReadOnly) {
 
 TEST_F(Form9Test, FilesAreImportedExportedAndInserted) {
     QTemporaryDir dir;
-    TextBox field(true);
-    field.setText("Teksti");
-    Form9 editor(host, {2, nullptr, &field, {}});
+    Form9& editor = onField(2, "Teksti");
     select(editor.RichTextBox1, 0, 6);
     editor.StyleMenuClick(2);
 
@@ -266,4 +257,17 @@ TEST_F(Form9Test, FilesAreImportedExportedAndInserted) {
     editor.FileMenuClick(1);
     EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Täyttö\nrivieksti");
     EXPECT_TRUE(dialogs.allAnswersUsed());
+}
+
+TEST_F(Form9Test, BothEditorsHaveTheUserGuideOnF1AtTheirOwnTopic) {
+    Form5 rowEditor(host);
+    for (QWidget* window : {static_cast<QWidget*>(&rowEditor), static_cast<QWidget*>(&onField(7))}) {
+        QAction* guide = nullptr;
+        for (QAction* a : window->findChildren<QAction*>())
+            if (a->text() == "Käyttäjän opas") guide = a;
+        ASSERT_NE(guide, nullptr);
+        EXPECT_EQ(guide->shortcut(), QKeySequence(Qt::Key_F1));
+        guide->trigger();
+    }
+    EXPECT_EQ(host.helpTopics, (std::vector<int>{250, 300}));
 }

@@ -22,10 +22,12 @@ public:
     }
     void listFocused(lists::ListView*) override {}
     void computeCardFigures(QWidget* card) override { computed.push_back(card); }
+    void showHelp(int context, QWidget*) override { helpTopics.push_back(context); }
 
     shell::AppState state;
     std::vector<QWidget*> changed;
     std::vector<QWidget*> computed;
+    std::vector<int> helpTopics;
 };
 
 // The fields that labels with this text name (their buddies), in the window's child order.

@@ -2,7 +2,6 @@
 #include "platform/MailSession.h"
 #include "platform/TextFile.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -131,54 +130,40 @@ TEST(MailSession, ComposeCallCarriesEveryAttachmentInOrder) {
 
 TEST(MailSession, WithoutAMailClientTheDraftIsWrittenAndOpened) {
     Attachments a;
-    QTemporaryDir drafts;
-    {
-        // xdg-email is there but no mail client answers it ("no method available").
-        FakeMail mail(3);
+    // xdg-email's exit status (-1: not installed), the mail client and the draft program the
+    // desktop names, and whether opening the draft works.
+    const struct {
+        const char* what;
+        int exitStatus;
+        QByteArray client, reader;
+        bool opens;
+        bool sent;              // the draft was written and opened
+        int composeAttachments; // the attachments of a compose call that was tried first
+    } cases[] = {
+        {"no mail client answers xdg-email", 3, "thunderbird.desktop", "fakereader.desktop", true, true, 5},
+        {"the desktop names no mail client", 0, "", "fakereader.desktop", true, true, 0},
+        // The desktop would start its opener and never tell that it failed: no program
+        // for drafts, no attempt to open one.
+        {"nor a program for drafts", 0, "", "", true, false, 0},
+        {"no xdg-email, and nothing opens the draft", -1, "thunderbird.desktop", "fakereader.desktop", false,
+         false, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        QTemporaryDir drafts;
+        FakeMail mail(c.exitStatus, 0, c.client, c.reader);
+        mail.openSucceeds = c.opens;
         MailSession session;
         ASSERT_TRUE(session.SignOn(drafts.path()));
-        ASSERT_TRUE(session.Send(a.message));
-        EXPECT_EQ(mail.arguments().count(QStringLiteral("--attach")), 5);
-        EXPECT_EQ(session.route(), MailSession::Route::Draft);
+        EXPECT_EQ(session.Send(a.message), c.sent);
+        EXPECT_EQ(session.route(), c.sent ? MailSession::Route::Draft : MailSession::Route::DraftUnopened);
+        EXPECT_EQ(mail.arguments().count(QStringLiteral("--attach")), c.composeAttachments);
+        // The draft is named after the first attachment, and is written in every case.
         EXPECT_EQ(session.draftPath(), drafts.filePath(QStringLiteral("Esimerkkisilta.eml")));
-        ASSERT_EQ(mail.opened.size(), 1u);
-        EXPECT_EQ(mail.opened[0], session.draftPath());
-    }
-    {
-        // xdg-email is there, but the desktop names no mail client: straight to the draft.
-        FakeMail mail(0, 0, "");
-        MailSession session;
-        ASSERT_TRUE(session.SignOn(drafts.path()));
-        EXPECT_TRUE(session.mailClient().isEmpty());
-        ASSERT_TRUE(session.Send(a.message));
-        EXPECT_TRUE(mail.arguments().isEmpty());
-        EXPECT_EQ(session.route(), MailSession::Route::Draft);
-        EXPECT_EQ(mail.opened.size(), 1u);
-    }
-    {
-        // Nor a program for drafts: the draft is written, and nothing is asked to open it (the
-        // desktop would start its opener and never tell that it failed).
-        FakeMail mail(0, 0, "", "");
-        MailSession session;
-        ASSERT_TRUE(session.SignOn(drafts.path()));
-        EXPECT_FALSE(session.Send(a.message));
-        EXPECT_EQ(session.route(), MailSession::Route::DraftUnopened);
-        EXPECT_TRUE(QFileInfo::exists(session.draftPath()));
-        EXPECT_TRUE(mail.opened.empty());
-    }
-    {
-        // No xdg-email at all; and nothing opens the draft either: it is still written.
-        FakeMail mail(-1);
-        mail.openSucceeds = false;
-        a.message.attachments.erase(a.message.attachments.begin());
-        MailSession session;
-        ASSERT_TRUE(session.SignOn(drafts.path()));
-        EXPECT_FALSE(session.Send(a.message));
-        EXPECT_EQ(session.route(), MailSession::Route::DraftUnopened);
-        EXPECT_EQ(QFileInfo(session.draftPath()).fileName(), QStringLiteral("Yksikköhinnat 2002.eml"));
         QByteArray draft;
         ASSERT_TRUE(readFileBytes(session.draftPath(), draft));
         EXPECT_TRUE(draft.contains("X-Unsent: 1"));
+        EXPECT_EQ(mail.opened,
+                  c.reader.isEmpty() ? std::vector<QString>{} : std::vector<QString>{session.draftPath()});
     }
     // Nowhere to send and nowhere to write: the session cannot sign on.
     FakeMail none(-1);

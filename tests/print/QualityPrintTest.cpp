@@ -1,6 +1,7 @@
 // The quality requirement documents, the text documents and the cards: which rows each
 // document shows, how pages split, what a page puts down.
 #include "calc/NumberText.h"
+#include "platform/ReadError.h"
 #include "print/CardLayout.h"
 #include "print/PrintFixtures.h"
 #include "print/Reports.h"
@@ -598,16 +599,23 @@ TEST(CardLayouts, DamagedOrMissingFilesAreNamedWithTheLineAndTheRunGoesOn) {
         {"\"\"\r\n10000,14000\r\n0\r\n1\r\n0,0,x,0,1\r\n", 5},
     };
     for (const auto& d : damaged) {
+        SCOPED_TRACE(d.bytes.toStdString());
         print::CardLayout layout;
         layout.width = 77;
         QString error;
-        EXPECT_FALSE(print::ReadCardLayout(d.bytes, print::kCardLayoutFile, false, layout, &error));
-        EXPECT_TRUE(error.contains(print::kCardLayoutFile)) << error.toStdString();
-        EXPECT_TRUE(error.contains(QStringLiteral("rivi %1").arg(d.line))) << error.toStdString();
+        platform::ReadError where;
+        EXPECT_FALSE(print::ReadCardLayout(d.bytes, print::kCardLayoutFile, false, layout, &error, &where));
+        EXPECT_TRUE(error.startsWith("Korttitiedosto " + print::kCardLayoutFile)) << error.toStdString();
+        EXPECT_EQ(where.line, d.line);
         EXPECT_EQ(layout.width, 77);
     }
-    // The charge chamber card's table blocks are read only for it.
+    // The message puts the line and what was wrong with it after the file's name.
+    QString error;
     print::CardLayout layout;
+    print::ReadCardLayout(damaged[0].bytes, print::kCardLayoutFile, false, layout, &error);
+    EXPECT_EQ(error, "Korttitiedosto Tamrik30Card.dat on virheellinen (rivi 2: rivillä pitäisi olla 2 arvoa, "
+                     "siinä on 1).");
+    // The charge chamber card's table blocks are read only for it.
     EXPECT_TRUE(print::ReadCardLayout(kGoodLayout, print::kCardLayoutFile, false, layout, nullptr));
     EXPECT_EQ(layout.fieldSlots.size(), 3u);
     EXPECT_FALSE(print::ReadCardLayout(kGoodLayout, print::kChargeLayoutFile, true, layout, nullptr));

@@ -100,16 +100,16 @@ TEST(Settings, RoundTripKeepsValuesAndWritesTheSectionsAndKeys) {
     EXPECT_EQ(back.settings.pos.top[1], 150);
     EXPECT_EQ(back.settings.pos.width[6], 7000);
 
-    const auto sections = sectionsOf(store.fileName());
-    EXPECT_TRUE(sections.count(QStringLiteral("General")));
-    EXPECT_TRUE(sections.at(QStringLiteral("General")).contains(QStringLiteral("MoneyUnit")));
-    EXPECT_TRUE(sections.at(QStringLiteral("General")).contains(QStringLiteral("ProgramMode")));
-    EXPECT_TRUE(sections.at(QStringLiteral("Format")).contains(QStringLiteral("BlankLines_5")));
-    EXPECT_TRUE(sections.at(QStringLiteral("Printer")).contains(QStringLiteral("PLogoFile")));
-    EXPECT_TRUE(sections.at(QStringLiteral("RecentFiles")).contains(QStringLiteral("File5")));
-    EXPECT_TRUE(sections.at(QStringLiteral("Office")).contains(QStringLiteral("Row_3")));
-    EXPECT_TRUE(sections.at(QStringLiteral("GUI")).contains(QStringLiteral("StartUpDocument")));
-    EXPECT_FALSE(sections.at(QStringLiteral("WindowsPosition")).contains(QStringLiteral("Height_6")));
+    auto sections = sectionsOf(store.fileName());
+    for (const auto& [section, key] : {std::pair{"General", "MoneyUnit"},
+                                       {"General", "ProgramMode"},
+                                       {"Format", "BlankLines_5"},
+                                       {"Printer", "PLogoFile"},
+                                       {"RecentFiles", "File5"},
+                                       {"Office", "Row_3"},
+                                       {"GUI", "StartUpDocument"}})
+        EXPECT_TRUE(sections[section].contains(key)) << section << "/" << key;
+    EXPECT_FALSE(sections["WindowsPosition"].contains("Height_6"));
     EXPECT_EQ(store.get(QStringLiteral("Format"), QStringLiteral("AutoFormat")), QStringLiteral("False"));
     EXPECT_EQ(store.get(QStringLiteral("Printer"), QStringLiteral("PrintLogo")), QStringLiteral("0"));
 }

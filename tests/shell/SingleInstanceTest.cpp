@@ -37,6 +37,14 @@ bool waitFor(const std::function<bool()>& condition, int ms = 30000) {
     return true;
 }
 
+// Lets this program's events run for about `ms` milliseconds.
+void runEvents(int ms) {
+    for (int waited = 0; waited < ms; waited += 20) {
+        QCoreApplication::processEvents();
+        QThread::msleep(20);
+    }
+}
+
 using SingleInstanceServer = MainWindowFixture;
 
 } // namespace
@@ -154,6 +162,18 @@ protected:
         server = new shell::InstanceServer(*main);
         ASSERT_TRUE(server->listen(socket));
     }
+    bool isOpen(const QString& file) const {
+        return main->projectWindowsOf(shell::ParseFileName(file).project()).complete();
+    }
+    // Runs this program's events until `file` is open, for at most 10 seconds.
+    bool opens(const QString& file) {
+        return waitFor(
+            [&] {
+                QCoreApplication::processEvents();
+                return isOpen(file);
+            },
+            10000);
+    }
     QString sample(const QString& name) {
         const QString file = dir.filePath(name);
         EXPECT_TRUE(QFile::copy(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"), file));
@@ -178,13 +198,10 @@ TEST_F(HandOver, AHandedOverFileWaitsWhileADialogIsOpen) {
         LaterStart later(socket, file, 5000);
         EXPECT_TRUE(later.finish()) << "the program takes the file";
     }
-    for (int i = 0; i < 20; ++i) {
-        QCoreApplication::processEvents();
-        QThread::msleep(40);
-    }
+    runEvents(800);
     EXPECT_TRUE(busy.isVisible());
     EXPECT_EQ(server->waitingFiles(), (QStringList{project, other}));
-    EXPECT_FALSE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+    EXPECT_FALSE(isOpen(project));
     EXPECT_TRUE(main->statusBar()->currentMessage().contains(QStringLiteral("odottaa.sl")))
         << main->statusBar()->currentMessage().toStdString();
     // However often it looks again, one retry waits at a time.
@@ -194,13 +211,8 @@ TEST_F(HandOver, AHandedOverFileWaitsWhileADialogIsOpen) {
     EXPECT_EQ(active, 1);
 
     busy.hide();
-    ASSERT_TRUE(waitFor(
-        [&] {
-            QCoreApplication::processEvents();
-            return main->projectWindowsOf(shell::ParseFileName(other).project()).complete();
-        },
-        10000));
-    EXPECT_TRUE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+    ASSERT_TRUE(opens(other));
+    EXPECT_TRUE(isOpen(project));
     EXPECT_TRUE(server->waitingFiles().isEmpty());
     EXPECT_TRUE(main->statusBar()->currentMessage().isEmpty());
 }
@@ -215,12 +227,9 @@ TEST_F(HandOver, ARequestTheLaterStartGaveUpOnIsNeverCarriedOut) {
         later.thread->wait();
         EXPECT_FALSE(later.taken);
     }
-    for (int i = 0; i < 20; ++i) {
-        QCoreApplication::processEvents();
-        QThread::msleep(20);
-    }
+    runEvents(400);
     EXPECT_TRUE(server->waitingFiles().isEmpty());
-    EXPECT_FALSE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+    EXPECT_FALSE(isOpen(project));
 
     // A sender that left after the answer without confirming is not followed either, nor is a
     // line of another form.
@@ -238,21 +247,13 @@ TEST_F(HandOver, ARequestTheLaterStartGaveUpOnIsNeverCarriedOut) {
             client.waitForReadyRead(20);
         }
         client.abort();
-        for (int i = 0; i < 10; ++i) {
-            QCoreApplication::processEvents();
-            QThread::msleep(20);
-        }
+        runEvents(200);
     }
     EXPECT_TRUE(server->waitingFiles().isEmpty());
-    EXPECT_FALSE(main->projectWindowsOf(shell::ParseFileName(project).project()).complete());
+    EXPECT_FALSE(isOpen(project));
 
     // The same start in time is taken.
     LaterStart later(socket, project, 5000);
     EXPECT_TRUE(later.finish());
-    EXPECT_TRUE(waitFor(
-        [&] {
-            QCoreApplication::processEvents();
-            return main->projectWindowsOf(shell::ParseFileName(project).project()).complete();
-        },
-        10000));
+    EXPECT_TRUE(opens(project));
 }
