@@ -1,8 +1,8 @@
-// The `tamrik` command: a front end that links nothing but the C and C++ run-time libraries. The text-only
-// commands go to the command program, everything else (the desktop start, printing, comparing
-// with a PDF) to the desktop program; both lie beside this one and take over this process, so
-// the exit status, the signals and the standard streams are theirs. A command that writes a
-// few lines of text so loads none of the libraries of the windows.
+// The `tamrik` command: a front end that links nothing but the C and C++ run-time libraries.
+// The text-only commands go to the command program, everything else (the desktop start, print,
+// compare) to the desktop program; both lie beside this one and take over this process, so the
+// exit status, the signals and the standard streams are theirs. A command that writes a few
+// lines of text so loads none of the libraries of the windows.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
