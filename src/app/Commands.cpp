@@ -1,8 +1,6 @@
 #include "app/Commands.h"
 
-#include "app/CompareCommand.h"
 #include "app/Help.h"
-#include "app/PrintCommand.h"
 #include "app/ValidateCommand.h"
 #include "calc/CostEstimate.h"
 #include "calc/QualityIndex.h"
@@ -75,14 +73,14 @@ bool isCommand(const char* name) {
     return findCommand(QString::fromLocal8Bit(name)) != nullptr;
 }
 
-int runCommand(int argc, char** argv) {
+int runCommand(int argc, char** argv, const PageCommands& pages) {
     const QString command = QString::fromLocal8Bit(argv[1]);
     // "tamrik COMMAND --help" is the command's help, wherever the option stands.
     for (int i = 2; i < argc; ++i)
         if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
             return helpCommand({command});
-    if (command == QLatin1String("print")) return printCommand(argc, argv);
-    if (command == QLatin1String("compare")) return compareCommand(argc, argv);
+    if (command == QLatin1String("print") && pages.print) return pages.print(argc, argv);
+    if (command == QLatin1String("compare") && pages.compare) return pages.compare(argc, argv);
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments().mid(2);
     if (command == QLatin1String("help")) return helpCommand(args);

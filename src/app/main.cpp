@@ -1,7 +1,10 @@
-// Start of the program: parses the command line, then either runs a command without any
-// window or starts the desktop application.
+// The desktop program: parses the command line, then either runs a command without any window
+// or starts the desktop application. The `tamrik` front end starts it for everything that is not
+// a text-only command; run directly it does all of them.
 #include "app/Commands.h"
+#include "app/CompareCommand.h"
 #include "app/Help.h"
+#include "app/PrintCommand.h"
 #include "platform/Allocator.h"
 #include "platform/RuntimeDir.h"
 #include "platform/TempDir.h"
@@ -28,7 +31,8 @@ int main(int argc, char** argv) {
         std::printf("TAMRIK 2006 %s\n", TAMRIK_VERSION);
         return 0;
     }
-    if (argc >= 2 && app::isCommand(argv[1])) return app::runCommand(argc, argv);
+    if (argc >= 2 && app::isCommand(argv[1]))
+        return app::runCommand(argc, argv, {app::printCommand, app::compareCommand});
 
     bool smoke = false;
     QString file;

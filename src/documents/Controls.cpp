@@ -1,11 +1,14 @@
 #include "documents/Controls.h"
 
 #include <limits>
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -206,7 +209,19 @@ bool TextBox::eventFilter(QObject* watched, QEvent* event) {
 
 ComboBox::ComboBox(QWidget* parent)
     : QComboBox(parent) {
-    setEditable(true);
+    // Editable through a line edit of its own rather than setEditable(true), which would also
+    // make a completer for every box of a form at once, a fifth of a form's start-up time
+    // though a user types in few of the boxes. The completer is made on the first focus, set up
+    // as Qt sets up an editable box's (prepareCompletion).
+    auto* edit = new QLineEdit(this);
+    edit->setPalette(palette());
+    // With no completer of its own the line edit would get Qt's default one here and now.
+    edit->setCompleter(new QCompleter(edit));
+    setLineEdit(edit);
+    // The rest of what setEditable(true) does: an editable box's list scrolls with a scroll bar
+    // rather than the menu's arrows.
+    view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    if (!testAttribute(Qt::WA_Resized)) adjustSize();
     setInsertPolicy(QComboBox::NoInsert);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(4);
@@ -246,6 +261,19 @@ void ComboBox::showPopup() {
     if (!m_locked) QComboBox::showPopup();
 }
 
+void ComboBox::prepareCompletion() {
+    if (m_completionReady) return;
+    m_completionReady = true;
+    // Typing completes inline to the first item that starts with the text, ignoring case.
+    const QPointer<QCompleter> standIn = lineEdit()->completer();
+    auto* completer = new QCompleter(model(), lineEdit());
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->setCompletionMode(QCompleter::InlineCompletion);
+    completer->setCompletionColumn(modelColumn());
+    setCompleter(completer);
+    delete standIn; // when the box did not already take it down with its own
+}
+
 void ComboBox::wheelEvent(QWheelEvent* e) {
     if (m_locked) {
         e->ignore();
@@ -274,6 +302,8 @@ void ComboBox::keyPressEvent(QKeyEvent* e) {
 }
 
 void ComboBox::focusInEvent(QFocusEvent* e) {
+    // Completion works only in the box that has the focus: it is made before the first key.
+    prepareCompletion();
     QComboBox::focusInEvent(e);
     QTimer::singleShot(0, this, [this] {
         if (lineEdit()) lineEdit()->selectAll();

@@ -68,7 +68,11 @@ protected:
     void focusInEvent(QFocusEvent* e) override;
 
 private:
+    // Typing's completion, made on the first focus.
+    void prepareCompletion();
+
     bool m_locked = false;
+    bool m_completionReady = false;
 };
 
 // Enter in a single-line box or a drop-down moves the focus on to the next control, as Tab.
