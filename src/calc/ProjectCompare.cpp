@@ -61,30 +61,34 @@ QString basicDataField(bool combo, int i) {
     return i < static_cast<int>(std::size(texts)) ? QString::fromUtf8(texts[i]) : QString();
 }
 
+// The characteristics card's drop-down lists by number.
+QString cardComboField(int i) {
+    static const char* const combos[] = {"Perustamistapa, maatuet",
+                                         "Perustamistapa, välituet",
+                                         "Välituet, perustus: K (2. rivi)",
+                                         "Välituet, perustus: K (1. rivi)",
+                                         "Välituet, pystyrakenne: K (2. rivi)",
+                                         "Välituet, pystyrakenne: K (1. rivi)",
+                                         "Maatuet, perustus: K (2. rivi)",
+                                         "Maatuet, perustus: K (1. rivi)",
+                                         "Siltalaji",
+                                         "Toimenpide",
+                                         "Betonielem.: K",
+                                         "Tukien betoniteräs: Lk",
+                                         "Maatuet, pystyrakenne: K (2. rivi)",
+                                         "Maatuet, pystyrakenne: K (1. rivi)",
+                                         "Betonia: K",
+                                         "Sahatavaraa: T",
+                                         "Liimapuuta: L",
+                                         "Betoniterästä: Lk",
+                                         "Jänneterästä: Lk",
+                                         "Rakenneterästä: Lk"};
+    return i < static_cast<int>(std::size(combos)) ? QString::fromUtf8(combos[i]) : QString();
+}
+
+// The characteristics card's fields by number: the text boxes by their place on the card.
 QString cardField(bool combo, int i) {
-    if (combo) {
-        static const char* const combos[] = {"Perustamistapa, maatuet",
-                                             "Perustamistapa, välituet",
-                                             "Välituet, perustus: K (2. rivi)",
-                                             "Välituet, perustus: K (1. rivi)",
-                                             "Välituet, pystyrakenne: K (2. rivi)",
-                                             "Välituet, pystyrakenne: K (1. rivi)",
-                                             "Maatuet, perustus: K (2. rivi)",
-                                             "Maatuet, perustus: K (1. rivi)",
-                                             "Siltalaji",
-                                             "Toimenpide",
-                                             "Betonielem.: K",
-                                             "Tukien betoniteräs: Lk",
-                                             "Maatuet, pystyrakenne: K (2. rivi)",
-                                             "Maatuet, pystyrakenne: K (1. rivi)",
-                                             "Betonia: K",
-                                             "Sahatavaraa: T",
-                                             "Liimapuuta: L",
-                                             "Betoniterästä: Lk",
-                                             "Jänneterästä: Lk",
-                                             "Rakenneterästä: Lk"};
-        return i < static_cast<int>(std::size(combos)) ? QString::fromUtf8(combos[i]) : QString();
-    }
+    if (combo) return cardComboField(i);
     static const char* const top[] = {"Vapaa korkeus (m)", "Päällysrak. rak. korkeus, aukossa (m)",
                                       "Päällysrak. rak. korkeus, tuella (m)", "Kokonaispinta-ala HlxL (m2)",
                                       "Pinta-ala A (m2)"};
