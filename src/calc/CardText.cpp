@@ -72,6 +72,37 @@ const char* const kChargeSlots = "BC7 BC2 BT0 PT0 BC9 PC0 PC1 PT2 PC3 PT3 PT6 BC
 
 } // namespace
 
+namespace {
+
+// 7.-8. The key ratios: reinforcement per concrete of the supports; the superstructure per
+// deck area, per concrete and per tonne of structural steel.
+void writeRatios(QStringList& card, double deckArea) {
+    // 7. Reinforcement per concrete of the supports.
+    for (int j = 0; j < 4; ++j) {
+        const double concrete = CustomVal(card[21 + j]);
+        card[29 + j] =
+            concrete != 0 ? DecimalS(static_cast<float>(CustomVal(card[25 + j]) / concrete), 1) : QString();
+    }
+
+    // 8. Superstructure ratios: per deck area, per concrete, per tonne of structural steel.
+    const double concrete = CustomVal(card[47]);
+    const double steelTonnes = CustomVal(card[57]) / 1000;
+    struct Ratio {
+        int result, amount;
+        double divisor;
+        int decimals;
+    };
+    const Ratio ratios[] = {{44, 43, deckArea, 2}, {48, 47, deckArea, 2}, {58, 57, deckArea, 1},
+                            {60, 59, deckArea, 2}, {46, 45, deckArea, 2}, {52, 51, concrete, 1},
+                            {56, 55, concrete, 1}, {54, 53, concrete, 2}, {50, 49, steelTonnes, 1}};
+    for (const Ratio& r : ratios)
+        card[r.result] = r.divisor != 0
+                             ? DecimalS(static_cast<float>(CustomVal(card[r.amount]) / r.divisor), r.decimals)
+                             : QString();
+}
+
+} // namespace
+
 CardLabels UpdateCardText(const CardBasicData& basic, const CostRecord& costs, QStringList& card) {
     while (card.size() < kCardTexts)
         card.append(QString());
@@ -111,27 +142,7 @@ CardLabels UpdateCardText(const CardBasicData& basic, const CostRecord& costs, Q
         card[12] = totalArea != 0 ? MoneyS(static_cast<float>(value(11) / totalArea), 0) : QString();
     }
 
-    // 7. Reinforcement per concrete of the supports.
-    for (int j = 0; j < 4; ++j) {
-        const double concrete = value(21 + j);
-        card[29 + j] = concrete != 0 ? DecimalS(static_cast<float>(value(25 + j) / concrete), 1) : QString();
-    }
-
-    // 8. Superstructure ratios: per deck area, per concrete, per tonne of structural steel.
-    const double concrete = value(47);
-    const double steelTonnes = value(57) / 1000;
-    struct Ratio {
-        int result, amount;
-        double divisor;
-        int decimals;
-    };
-    const Ratio ratios[] = {{44, 43, deckArea, 2}, {48, 47, deckArea, 2}, {58, 57, deckArea, 1},
-                            {60, 59, deckArea, 2}, {46, 45, deckArea, 2}, {52, 51, concrete, 1},
-                            {56, 55, concrete, 1}, {54, 53, concrete, 2}, {50, 49, steelTonnes, 1}};
-    for (const Ratio& r : ratios)
-        card[r.result] = r.divisor != 0
-                             ? DecimalS(static_cast<float>(value(r.amount) / r.divisor), r.decimals)
-                             : QString();
+    writeRatios(card, deckArea);
 
     // 9. The money-unit labels.
     return {basic.moneyUnit, basic.moneyUnit + QStringLiteral("/m2")};

@@ -61,30 +61,34 @@ QString basicDataField(bool combo, int i) {
     return i < static_cast<int>(std::size(texts)) ? QString::fromUtf8(texts[i]) : QString();
 }
 
+// The characteristics card's drop-down lists by number.
+QString cardComboField(int i) {
+    static const char* const combos[] = {"Perustamistapa, maatuet",
+                                         "Perustamistapa, välituet",
+                                         "Välituet, perustus: K (2. rivi)",
+                                         "Välituet, perustus: K (1. rivi)",
+                                         "Välituet, pystyrakenne: K (2. rivi)",
+                                         "Välituet, pystyrakenne: K (1. rivi)",
+                                         "Maatuet, perustus: K (2. rivi)",
+                                         "Maatuet, perustus: K (1. rivi)",
+                                         "Siltalaji",
+                                         "Toimenpide",
+                                         "Betonielem.: K",
+                                         "Tukien betoniteräs: Lk",
+                                         "Maatuet, pystyrakenne: K (2. rivi)",
+                                         "Maatuet, pystyrakenne: K (1. rivi)",
+                                         "Betonia: K",
+                                         "Sahatavaraa: T",
+                                         "Liimapuuta: L",
+                                         "Betoniterästä: Lk",
+                                         "Jänneterästä: Lk",
+                                         "Rakenneterästä: Lk"};
+    return i < static_cast<int>(std::size(combos)) ? QString::fromUtf8(combos[i]) : QString();
+}
+
+// The characteristics card's fields by number: the text boxes by their place on the card.
 QString cardField(bool combo, int i) {
-    if (combo) {
-        static const char* const combos[] = {"Perustamistapa, maatuet",
-                                             "Perustamistapa, välituet",
-                                             "Välituet, perustus: K (2. rivi)",
-                                             "Välituet, perustus: K (1. rivi)",
-                                             "Välituet, pystyrakenne: K (2. rivi)",
-                                             "Välituet, pystyrakenne: K (1. rivi)",
-                                             "Maatuet, perustus: K (2. rivi)",
-                                             "Maatuet, perustus: K (1. rivi)",
-                                             "Siltalaji",
-                                             "Toimenpide",
-                                             "Betonielem.: K",
-                                             "Tukien betoniteräs: Lk",
-                                             "Maatuet, pystyrakenne: K (2. rivi)",
-                                             "Maatuet, pystyrakenne: K (1. rivi)",
-                                             "Betonia: K",
-                                             "Sahatavaraa: T",
-                                             "Liimapuuta: L",
-                                             "Betoniterästä: Lk",
-                                             "Jänneterästä: Lk",
-                                             "Rakenneterästä: Lk"};
-        return i < static_cast<int>(std::size(combos)) ? QString::fromUtf8(combos[i]) : QString();
-    }
+    if (combo) return cardComboField(i);
     static const char* const top[] = {"Vapaa korkeus (m)", "Päällysrak. rak. korkeus, aukossa (m)",
                                       "Päällysrak. rak. korkeus, tuella (m)", "Kokonaispinta-ala HlxL (m2)",
                                       "Pinta-ala A (m2)"};
@@ -669,31 +673,35 @@ void makeLines(ProjectComparison& out) {
     }
 }
 
-std::vector<SummaryRow> makeSummary(const ProjectComparison& c) {
-    std::vector<SummaryRow> out;
+const QString kOld = QStringLiteral("Vanha"), kNew = QStringLiteral("Uusi"),
+              kChange = QStringLiteral("Muutos");
+
+// The estimate's totals, and the building costs of each work phase.
+void addCostSummary(const ProjectComparison& c, std::vector<SummaryRow>& out) {
     const QString unit = c.newInputs.moneyUnit.trimmed();
-    const QString old = QStringLiteral("Vanha"), now = QStringLiteral("Uusi"),
-                  change = QStringLiteral("Muutos");
     const QString percent = QStringLiteral("Muutos %");
     out.push_back(
         {SummaryRow::Heading,
          QStringLiteral("KUSTANNUSARVIO") + (unit.isEmpty() ? QString() : QStringLiteral(" (") + unit + ")"),
-         old, now, change, percent});
+         kOld, kNew, kChange, percent});
     for (const CostTotal& t : CostTotals(c))
         out.push_back({SummaryRow::Line, t.label, MoneyText(t.oldValue), MoneyText(t.newValue),
                        MoneyChangeText(t.newValue - t.oldValue), PercentChangeText(t.oldValue, t.newValue)});
     out.push_back({SummaryRow::Blank, {}, {}, {}, {}, {}});
-    if (!c.phases.empty()) {
-        out.push_back({SummaryRow::Heading, QStringLiteral("Rakennuskustannukset työvaiheittain"), old, now,
-                       change, percent});
-        const QString none = QStringLiteral("-");
-        for (const PhaseCost& p : c.phases)
-            out.push_back({SummaryRow::Line, p.label, p.inOld ? MoneyText(p.oldSum) : none,
-                           p.inNew ? MoneyText(p.newSum) : none, MoneyChangeText(p.newSum - p.oldSum),
-                           PercentChangeText(p.oldSum, p.newSum)});
-        out.push_back({SummaryRow::Blank, {}, {}, {}, {}, {}});
-    }
-    out.push_back({SummaryRow::Heading, QStringLiteral("LAATU"), old, now, change, {}});
+    if (c.phases.empty()) return;
+    out.push_back({SummaryRow::Heading, QStringLiteral("Rakennuskustannukset työvaiheittain"), kOld, kNew,
+                   kChange, percent});
+    const QString none = QStringLiteral("-");
+    for (const PhaseCost& p : c.phases)
+        out.push_back({SummaryRow::Line, p.label, p.inOld ? MoneyText(p.oldSum) : none,
+                       p.inNew ? MoneyText(p.newSum) : none, MoneyChangeText(p.newSum - p.oldSum),
+                       PercentChangeText(p.oldSum, p.newSum)});
+    out.push_back({SummaryRow::Blank, {}, {}, {}, {}, {}});
+}
+
+// The bridge's quality number and the count of requirements whose mark changed.
+void addQualitySummary(const ProjectComparison& c, std::vector<SummaryRow>& out) {
+    out.push_back({SummaryRow::Heading, QStringLiteral("LAATU"), kOld, kNew, kChange, {}});
     QString qualityChange = QStringLiteral("-");
     if (c.oldHasRequirements && c.newHasRequirements) {
         // Both numbers have one decimal, as the summary shows them.
@@ -713,29 +721,58 @@ std::vector<SummaryRow> makeSummary(const ProjectComparison& c) {
                    QString::number(c.markChanges),
                    {},
                    {}});
-    if (!c.qualityGroups.empty()) {
-        out.push_back({SummaryRow::Blank, {}, {}, {}, {}, {}});
-        out.push_back(
-            {SummaryRow::Heading, QStringLiteral("Toteutuma työvaiheittain (Tot%)"), old, now, change, {}});
-        const QString none = QStringLiteral("-");
-        for (const QualityGroup& g : c.qualityGroups) {
-            const QString a = g.inOld ? GroupPercentText(g.oldMax, g.oldRealized) : none;
-            const QString b = g.inNew ? GroupPercentText(g.newMax, g.newRealized) : none;
-            QString d;
-            if (a != none && b != none) {
-                const double points = RoundHalfEven(g.newRealized / g.newMax * 100) -
-                                      RoundHalfEven(g.oldRealized / g.oldMax * 100);
-                d = (points > 0 ? QStringLiteral("+") : QString()) + QString::number(points);
-            }
-            out.push_back({SummaryRow::Line,
-                           g.littera.isEmpty() ? g.text : g.littera + QLatin1Char(' ') + g.text,
-                           a,
-                           b,
-                           d,
-                           {}});
+}
+
+// The realized share (Tot%) of each work phase of the requirements.
+void addQualityGroups(const ProjectComparison& c, std::vector<SummaryRow>& out) {
+    if (c.qualityGroups.empty()) return;
+    out.push_back({SummaryRow::Blank, {}, {}, {}, {}, {}});
+    out.push_back(
+        {SummaryRow::Heading, QStringLiteral("Toteutuma työvaiheittain (Tot%)"), kOld, kNew, kChange, {}});
+    const QString none = QStringLiteral("-");
+    for (const QualityGroup& g : c.qualityGroups) {
+        const QString a = g.inOld ? GroupPercentText(g.oldMax, g.oldRealized) : none;
+        const QString b = g.inNew ? GroupPercentText(g.newMax, g.newRealized) : none;
+        QString d;
+        if (a != none && b != none) {
+            const double points =
+                RoundHalfEven(g.newRealized / g.newMax * 100) - RoundHalfEven(g.oldRealized / g.oldMax * 100);
+            d = (points > 0 ? QStringLiteral("+") : QString()) + QString::number(points);
         }
+        out.push_back({SummaryRow::Line,
+                       g.littera.isEmpty() ? g.text : g.littera + QLatin1Char(' ') + g.text,
+                       a,
+                       b,
+                       d,
+                       {}});
     }
+}
+
+std::vector<SummaryRow> makeSummary(const ProjectComparison& c) {
+    std::vector<SummaryRow> out;
+    addCostSummary(c, out);
+    addQualitySummary(c, out);
+    addQualityGroups(c, out);
     return out;
+}
+
+// The two checks of the charge chamber card that take the characteristics card's pictures.
+void compareChecks(const QStringList& older, const QStringList& newer, ProjectComparison& out) {
+    static const char* const checkNames[] = {"Käytä ominaistietokortin sivukuvaa",
+                                             "Käytä ominaistietokortin poikkileikkauskuvaa"};
+    auto checkText = [](const QString& v) {
+        return v == QLatin1String("1")   ? QStringLiteral("Kyllä")
+               : v == QLatin1String("2") ? QStringLiteral("Harmaa")
+                                         : QStringLiteral("Ei");
+    };
+    for (int i = 0; i < std::max(older.size(), newer.size()); ++i) {
+        const QString a = checkText(older.value(i));
+        const QString b = checkText(newer.value(i));
+        if (a != b)
+            out.fields.push_back(
+                {ChangeKind::Changed, 3,
+                 i < 2 ? QString::fromUtf8(checkNames[i]) : QStringLiteral("Check1(%1)").arg(i), a, b});
+    }
 }
 
 } // namespace
@@ -816,21 +853,7 @@ ProjectComparison CompareProjects(const ProjectVersion& older, const ProjectVers
         out.fields.push_back({ChangeKind::Changed, 1, QStringLiteral("Viiteluettelo"),
                               older.referenceItems.join(QStringLiteral("; ")),
                               newer.referenceItems.join(QStringLiteral("; "))});
-    static const char* const checkNames[] = {"Käytä ominaistietokortin sivukuvaa",
-                                             "Käytä ominaistietokortin poikkileikkauskuvaa"};
-    auto checkText = [](const QString& v) {
-        return v == QLatin1String("1")   ? QStringLiteral("Kyllä")
-               : v == QLatin1String("2") ? QStringLiteral("Harmaa")
-                                         : QStringLiteral("Ei");
-    };
-    for (int i = 0; i < std::max(older.checks.size(), newer.checks.size()); ++i) {
-        const QString a = checkText(older.checks.value(i));
-        const QString b = checkText(newer.checks.value(i));
-        if (a != b)
-            out.fields.push_back(
-                {ChangeKind::Changed, 3,
-                 i < 2 ? QString::fromUtf8(checkNames[i]) : QStringLiteral("Check1(%1)").arg(i), a, b});
-    }
+    compareChecks(older.checks, newer.checks, out);
     for (int n = 0; n < 3; ++n)
         compareDocument(older.documents[n], newer.documents[n], n, out);
     for (int k = 0; k < 6; ++k)

@@ -119,6 +119,12 @@ QWidget* Form1::buildBasicData() {
     grid->setColumnStretch(3, 1);
     grid->setColumnStretch(5, 2);
 
+    grid->addLayout(buildPartsAndCosts(), 6, 0, 1, 6);
+    grid->setRowStretch(6, 1);
+    return frame;
+}
+
+QLayout* Form1::buildPartsAndCosts() {
     // Lower area: the part numbering on the left, the cost parameters and the client beside it.
     auto* lower = new QHBoxLayout;
     auto* partsColumn = new QVBoxLayout;
@@ -146,10 +152,7 @@ QWidget* Form1::buildBasicData() {
         setWidthInChars(Combo1[i], 9);
     costs->setRowStretch(4, 1);
     lower->addLayout(costs, 1);
-
-    grid->addLayout(lower, 6, 0, 1, 6);
-    grid->setRowStretch(6, 1);
-    return frame;
+    return lower;
 }
 
 QWidget* Form1::buildParties() {

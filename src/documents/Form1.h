@@ -11,6 +11,8 @@
 
 #include <array>
 
+class QLayout;
+
 namespace platform {
 class PictureBox;
 }
@@ -46,6 +48,8 @@ private:
     void pictureChanged(int slot);
     std::vector<platform::Picture> m_lastPictures;
     QWidget* buildBasicData();
+    // Below the bridge's data: the part numbering, the cost parameters and the client.
+    QLayout* buildPartsAndCosts();
     QWidget* buildParties();
 };
 

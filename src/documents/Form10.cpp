@@ -44,30 +44,12 @@ Form10::Form10(const QString& mode, const Source& source, DocumentHost* host, QW
     ListView1->setColumnCount(3);
     layout->addWidget(ListView1, 1);
 
-    auto* buttons = new QHBoxLayout;
-    Command1.push_back(new QPushButton(
-        mode == index_mode::Choose ? QStringLiteral("&Valitse") : QStringLiteral("&Siirry kohtaan"), this));
-    Command1.push_back(new QPushButton(QString::fromUtf8("&Lisää rakennussuunnitelmaselostukseen"), this));
-    Command1.push_back(new QPushButton(QStringLiteral("Peruuta"), this));
-    for (int i = 0; i < 3; ++i)
-        Command1[i]->setObjectName(QStringLiteral("Command1_%1").arg(i));
-    buttons->addWidget(Command1[0]);
-    buttons->addWidget(Command1[1]);
-    buttons->addStretch(1);
-    buttons->addWidget(Command1[2]);
-    layout->addLayout(buttons);
+    layout->addLayout(buildButtons(mode));
     StatusBar1 = new QStatusBar(this);
     StatusBar1->setSizeGripEnabled(true);
     layout->addWidget(StatusBar1);
 
     const bool textMode = IsTextIndexMode(mode);
-    const bool writable = m_source.text && !m_source.text->isReadOnly();
-    Command1[0]->setEnabled(!IsInsertIndexMode(mode));
-    Command1[1]->setEnabled(IsInsertIndexMode(mode) && writable);
-    (IsInsertIndexMode(mode) ? Command1[1] : Command1[0])->setDefault(true);
-    connect(Command1[0], &QPushButton::clicked, this, &Form10::goTo);
-    connect(Command1[1], &QPushButton::clicked, this, &Form10::insert);
-    connect(Command1[2], &QPushButton::clicked, this, &QDialog::reject);
     connect(ListView1, &QTreeWidget::itemActivated, this, [this] {
         if (Command1[0]->isEnabled())
             goTo();
@@ -82,6 +64,28 @@ Form10::Form10(const QString& mode, const Source& source, DocumentHost* host, QW
     }
     if (m_host) m_host->restoreWindowPosition(kWindowSlot, this);
     ListView1->setFocus();
+}
+
+QLayout* Form10::buildButtons(const QString& mode) {
+    auto* buttons = new QHBoxLayout;
+    Command1.push_back(new QPushButton(
+        mode == index_mode::Choose ? QStringLiteral("&Valitse") : QStringLiteral("&Siirry kohtaan"), this));
+    Command1.push_back(new QPushButton(QString::fromUtf8("&Lisää rakennussuunnitelmaselostukseen"), this));
+    Command1.push_back(new QPushButton(QStringLiteral("Peruuta"), this));
+    for (int i = 0; i < 3; ++i)
+        Command1[i]->setObjectName(QStringLiteral("Command1_%1").arg(i));
+    buttons->addWidget(Command1[0]);
+    buttons->addWidget(Command1[1]);
+    buttons->addStretch(1);
+    buttons->addWidget(Command1[2]);
+    const bool writable = m_source.text && !m_source.text->isReadOnly();
+    Command1[0]->setEnabled(!IsInsertIndexMode(mode));
+    Command1[1]->setEnabled(IsInsertIndexMode(mode) && writable);
+    (IsInsertIndexMode(mode) ? Command1[1] : Command1[0])->setDefault(true);
+    connect(Command1[0], &QPushButton::clicked, this, &Form10::goTo);
+    connect(Command1[1], &QPushButton::clicked, this, &Form10::insert);
+    connect(Command1[2], &QPushButton::clicked, this, &QDialog::reject);
+    return buttons;
 }
 
 void Form10::PopulateIndexWithListView(const lists::ListModel& list) {

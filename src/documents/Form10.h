@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+class QLayout;
 class QPushButton;
 class QStatusBar;
 class QTextEdit;
@@ -76,6 +77,9 @@ protected:
 private:
     void goTo();
     void insert();
+    // "Valitse" or "Siirry kohtaan", "Lisää rakennussuunnitelmaselostukseen" and "Peruuta", enabled
+    // as the mode allows.
+    QLayout* buildButtons(const QString& mode);
 
     QString m_mode;
     Source m_source;

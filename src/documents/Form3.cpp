@@ -187,26 +187,8 @@ QWidget* Form3::buildSupports(const QString& title, int firstColumn) {
         addAmount(3, 25 + j, QStringLiteral("kg"));
         addAmount(4, 29 + j, QStringLiteral("kg/m3"));
         addAmount(5, 33 + j, QStringLiteral("m2"));
-        if (k == 0) {
-            // Piles under the foundation: number, length and size.
-            const int first = j == 0 ? 37 : 40;
-            auto* piles = new QHBoxLayout;
-            piles->setSpacing(4);
-            TextBox* count = makeText(first);
-            TextBox* length = makeText(first + 1);
-            TextBox* size = makeText(first + 2);
-            for (TextBox* t : {count, length, size})
-                setWidthInChars(t, 5, true);
-            length->setToolTip(QStringLiteral("Paalujen pituus (m)"));
-            nameControl(length, length->toolTip());
-            piles->addWidget(count);
-            piles->addWidget(fieldLabel(QStringLiteral("kpl"), count));
-            piles->addWidget(length);
-            piles->addWidget(fieldLabel(QStringLiteral("m koko"), size));
-            piles->addWidget(size);
-            piles->addStretch(1);
-            cells->addLayout(piles, 6, 0, 1, 4);
-        }
+        // Piles under the foundation.
+        if (k == 0) cells->addLayout(buildPiles(j == 0 ? 37 : 40), 6, 0, 1, 4);
         cells->setRowStretch(7, 1);
         grid->addWidget(column, 0, 2 * k);
     }
@@ -215,6 +197,25 @@ QWidget* Form3::buildSupports(const QString& title, int firstColumn) {
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);
     return frame;
+}
+
+QLayout* Form3::buildPiles(int first) {
+    auto* piles = new QHBoxLayout;
+    piles->setSpacing(4);
+    TextBox* count = makeText(first);
+    TextBox* length = makeText(first + 1);
+    TextBox* size = makeText(first + 2);
+    for (TextBox* t : {count, length, size})
+        setWidthInChars(t, 5, true);
+    length->setToolTip(QStringLiteral("Paalujen pituus (m)"));
+    nameControl(length, length->toolTip());
+    piles->addWidget(count);
+    piles->addWidget(fieldLabel(QStringLiteral("kpl"), count));
+    piles->addWidget(length);
+    piles->addWidget(fieldLabel(QStringLiteral("m koko"), size));
+    piles->addWidget(size);
+    piles->addStretch(1);
+    return piles;
 }
 
 QWidget* Form3::buildSuperstructure() {

@@ -5,6 +5,7 @@
 #include "documents/ProjectWindow.h"
 
 class QLabel;
+class QLayout;
 class QPushButton;
 
 namespace documents {
@@ -37,6 +38,8 @@ private:
     QWidget* buildTopArea();
     QWidget* buildCosts();
     QWidget* buildSupports(const QString& title, int firstColumn);
+    // The piles under a foundation: number, length and size, fields first … first + 2.
+    QLayout* buildPiles(int first);
     QWidget* buildSuperstructure();
     QWidget* buildButtons();
 

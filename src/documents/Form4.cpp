@@ -19,7 +19,19 @@ Form4::Form4(DocumentHost& host, QWidget* parent)
     : ProjectWindow(host, 4, parent) {
     auto* body = new QWidget;
     auto* layout = new QVBoxLayout(body);
+    layout->addLayout(buildCardFields());
+    // The municipality comes from the basic data window; the structure type is not typed here.
+    Text1[1]->setReadOnlyLook(true);
+    Text1[4]->setReadOnlyLook(true);
+    addSupportList(layout);
+    layout->addLayout(buildNotes());
+    layout->addLayout(buildPictures());
+    installScrollingBody(this, body);
+    connectReturnKeys(this);
+}
 
+// The bridge's identification and structure fields, in pairs of label and field.
+QLayout* Form4::buildCardFields() {
     auto* grid = new QGridLayout;
     auto addPair = [grid](int row, int col, const QString& text, QWidget* field, int span = 1) {
         grid->addWidget(fieldLabel(text, field), row, col);
@@ -47,12 +59,10 @@ Form4::Form4(DocumentHost& host, QWidget* parent)
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);
     grid->setColumnStretch(5, 1);
-    layout->addLayout(grid);
+    return grid;
+}
 
-    // The municipality comes from the basic data window; the structure type is not typed here.
-    Text1[1]->setReadOnlyLook(true);
-    Text1[4]->setReadOnlyLook(true);
-
+void Form4::addSupportList(QVBoxLayout* layout) {
     lists::ListView* supports = makeList(0, QStringLiteral("Panostilat"));
     supports->setMinimumHeight(140);
     auto* listLabel = fieldLabel(
@@ -62,14 +72,20 @@ Form4::Form4(DocumentHost& host, QWidget* parent)
     listLabel->setWordWrap(true);
     layout->addWidget(listLabel);
     layout->addWidget(supports, 1);
+}
 
+QLayout* Form4::buildNotes() {
     auto* notesRow = new QHBoxLayout;
     TextBox* notes = makeText(8, true);
     setVisibleLines(notes, 4);
     notesRow->addWidget(fieldLabel(QStringLiteral("Huom."), notes), 0, Qt::AlignTop);
     notesRow->addWidget(notes, 1);
-    layout->addLayout(notesRow);
 
+    return notesRow;
+}
+
+// The two checks that take the characteristics card's pictures, and the card's own picture buttons.
+QLayout* Form4::buildPictures() {
     auto* pictures = new QHBoxLayout;
     auto* checks = new QVBoxLayout;
     const char* const checkTexts[] = {"Käytä &ominaistietokortin &sivukuvaa",
@@ -89,10 +105,8 @@ Form4::Form4(DocumentHost& host, QWidget* parent)
     Command1 =
         pictureButtons({"Sivukuva...", "Poikkileikkaus...", "M&erkkikilpi..."}, QStringLiteral("Command1"), 5,
                        pictures, [this](int n) { emit pictureRequested(n); });
-    layout->addLayout(pictures);
 
-    installScrollingBody(this, body);
-    connectReturnKeys(this);
+    return pictures;
 }
 
 void Form4::prepareNewProject() {

@@ -4,6 +4,8 @@
 #include "documents/ProjectWindow.h"
 
 class QCheckBox;
+class QLayout;
+class QVBoxLayout;
 class QPushButton;
 
 namespace documents {
@@ -27,6 +29,12 @@ protected:
     QCheckBox* recordCheck(int i) const override {
         return i >= 0 && i < static_cast<int>(Check1.size()) ? Check1[i] : nullptr;
     }
+
+private:
+    QLayout* buildCardFields();
+    void addSupportList(QVBoxLayout* layout);
+    QLayout* buildNotes();
+    QLayout* buildPictures();
 
 signals:
     // A picture button: 5 side view, 6 cross-section, 7 name plate.

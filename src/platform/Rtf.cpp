@@ -232,9 +232,12 @@ void setBaselineOffsetHalfPoints(QTextCharFormat& format, int halfPoints, qreal 
     format.setBaselineOffset(halfPoints / 2.0 / pointSizeOf(format, fallbackPointSize) * 100.0);
 }
 
-QByteArray WriteRtf(const QTextDocument& document) {
+namespace {
+
+// The document's paragraphs as runs of text of one effective format, the fonts and colours
+// they use gathered into `tables`.
+std::vector<Block> documentBlocks(const QTextDocument& document, Tables& tables) {
     const QFont base = document.defaultFont();
-    Tables tables;
     std::vector<Block> blocks;
     for (QTextBlock b = document.begin(); b.isValid(); b = b.next()) {
         Block block;
@@ -254,8 +257,11 @@ QByteArray WriteRtf(const QTextDocument& document) {
         if (block.pieces.empty()) block.empty = effective(b.charFormat(), base, tables);
         blocks.push_back(std::move(block));
     }
+    return blocks;
+}
 
-    Writer w;
+// The file's header: the font table and the colour table.
+void writeHeader(Writer& w, const Tables& tables) {
     w.raw("{\\rtf1\\ansi\\ansicpg1252\\deff0\\deflang1035{\\fonttbl");
     for (int i = 0; i < tables.fonts().size(); ++i) {
         w.raw("{");
@@ -273,26 +279,39 @@ QByteArray WriteRtf(const QTextDocument& document) {
     w.raw("}\r\n");
     w.word("\\viewkind4");
     w.word("\\uc1");
-    for (const Block& block : blocks) {
-        w.word("\\pard");
-        const Qt::Alignment a = block.format.alignment() & Qt::AlignHorizontal_Mask;
-        if (a & Qt::AlignHCenter)
-            w.word("\\qc");
-        else if (a & Qt::AlignJustify)
-            w.word("\\qj");
-        else if (a & Qt::AlignRight)
-            w.word("\\qr");
-        if (const int li = qRound(block.format.leftMargin() * 15)) w.word("\\li", li);
-        if (const int ri = qRound(block.format.rightMargin() * 15)) w.word("\\ri", ri);
-        if (const int fi = qRound(block.format.textIndent() * 15)) w.word("\\fi", fi);
-        if (block.pieces.empty()) w.change(block.empty, tables);
-        for (const Piece& p : block.pieces) {
-            w.change(p.format, tables);
-            w.text(p.text);
-        }
-        w.word("\\par");
-        w.raw("\r\n");
+}
+
+// A paragraph: its alignment and indents, then its runs, each after the switches it needs.
+void writeBlock(Writer& w, const Block& block, Tables& tables) {
+    w.word("\\pard");
+    const Qt::Alignment a = block.format.alignment() & Qt::AlignHorizontal_Mask;
+    if (a & Qt::AlignHCenter)
+        w.word("\\qc");
+    else if (a & Qt::AlignJustify)
+        w.word("\\qj");
+    else if (a & Qt::AlignRight)
+        w.word("\\qr");
+    if (const int li = qRound(block.format.leftMargin() * 15)) w.word("\\li", li);
+    if (const int ri = qRound(block.format.rightMargin() * 15)) w.word("\\ri", ri);
+    if (const int fi = qRound(block.format.textIndent() * 15)) w.word("\\fi", fi);
+    if (block.pieces.empty()) w.change(block.empty, tables);
+    for (const Piece& p : block.pieces) {
+        w.change(p.format, tables);
+        w.text(p.text);
     }
+    w.word("\\par");
+    w.raw("\r\n");
+}
+
+} // namespace
+
+QByteArray WriteRtf(const QTextDocument& document) {
+    Tables tables;
+    const std::vector<Block> blocks = documentBlocks(document, tables);
+    Writer w;
+    writeHeader(w, tables);
+    for (const Block& block : blocks)
+        writeBlock(w, block, tables);
     w.raw("}\r\n");
     return w.out();
 }

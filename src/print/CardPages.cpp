@@ -97,12 +97,10 @@ std::pair<double, double> slotCell(const CardSlot& slot, double height, double c
     }
 }
 
-void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStringList& fields, bool money,
-                const CardPlacement& p) {
-    const PageModel& m = run.page();
-    const QString fontName = layout.font.trimmed().isEmpty() ? run.settings().PrinterFont : layout.font;
-    FontBook& fonts = run.fonts();
-    // The extents in card twips: fixed texts, fields at their natural width, vertical lines.
+// Draws the card's fixed texts and lines; returns their extents in card twips: the texts, and
+// the vertical lines.
+std::vector<Extent> drawTextsAndLines(Surface& s, FontBook& fonts, const CardLayout& layout,
+                                      const QString& fontName, const CardPlacement& p) {
     std::vector<Extent> around;
     for (const CardText& t : layout.texts) {
         s.setFont(Font{fontName, std::abs(t.size) * p.sy, t.size < 0, false});
@@ -119,9 +117,16 @@ void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStri
                               static_cast<double>(std::min(l.y1, l.y2)),
                               static_cast<double>(std::max(l.y1, l.y2))});
     }
+    return around;
+}
+
+// The text of each field slot (money with the project's unit), its extent at its natural width
+// added to `around`.
+QStringList fieldTexts(PrintRun& run, const CardLayout& layout, const QStringList& fields, bool money,
+                       const QString& fontName, std::vector<Extent>& around) {
+    FontBook& fonts = run.fonts();
     const QString unit = run.source().basicCombo(basic::MoneyUnit).trimmed();
     QStringList texts;
-    const std::size_t firstSlot = around.size();
     for (int i = 0; i < static_cast<int>(layout.fieldSlots.size()); ++i) {
         const CardSlot& slot = layout.fieldSlots[i];
         const int number = i + 1;
@@ -138,6 +143,18 @@ void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStri
                                                       : slot.x;
         around.push_back({left, left + w, static_cast<double>(slot.y), slot.y + fonts.height(f)});
     }
+    return texts;
+}
+
+void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStringList& fields, bool money,
+                const CardPlacement& p) {
+    const PageModel& m = run.page();
+    const QString fontName = layout.font.trimmed().isEmpty() ? run.settings().PrinterFont : layout.font;
+    FontBook& fonts = run.fonts();
+    // The extents in card twips: fixed texts, fields at their natural width, vertical lines.
+    std::vector<Extent> around = drawTextsAndLines(s, fonts, layout, fontName, p);
+    const std::size_t firstSlot = around.size();
+    const QStringList texts = fieldTexts(run, layout, fields, money, fontName, around);
     // The lines of a multi-line field follow at the line height of the card's scale.
     const double lh = m.ScaleY > 0 ? m.LineHeight11 * p.sy / m.ScaleY : m.LineHeight11;
     const double cardRight = p.x0 + p.sx * layout.width;

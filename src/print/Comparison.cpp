@@ -247,85 +247,69 @@ void tableHeading(PrintRun& run, Surface& s, const TableColumns& t, double y) {
     s.textRight(t.cost, y, QStringLiteral("Kust. muutos"));
 }
 
-// The height of a body row, drawn when `draw` is set.
-double bodyRow(PrintRun& run, Surface* s, const std::vector<Section>& all, int row, double y) {
+// "Vanha versio: …" or "Uusi versio: …", wrapped over the page's width.
+double versionNameRow(PrintRun& run, Surface* s, bool old, double y) {
     const PageModel& m = run.page();
     const ProjectComparison& c = comparisonOf(run);
-    const ItemAt at = itemAt(all, row);
-    const double lh9 = m.LineHeight9;
-    switch (at.item) {
-        case Item::OldName:
-        case Item::NewName: {
-            const bool old = at.item == Item::OldName;
-            const QString text = (old ? QStringLiteral("Vanha versio: ") : QStringLiteral("Uusi versio: ")) +
-                                 (old ? c.oldName : c.newName);
-            const QStringList lines = cellLines(run, text, m.UsableWidth);
-            if (s) {
-                s->setFont(run.font(9, true));
-                for (int i = 0; i < lines.size(); ++i)
-                    s->text(m.OriginX, y + i * lh9, lines[i]);
-            }
-            return lines.size() * lh9;
-        }
-        case Item::Blank:
-            return lh9;
-        case Item::ChangesHeading:
-            if (s) {
-                s->setFont(run.font(11, true));
-                s->text(m.OriginX, y, changesHeading(c));
-            }
-            return m.LineHeight11;
-        case Item::NoChanges:
-            if (s) {
-                s->setFont(run.font(9));
-                s->text(m.OriginX, y, QStringLiteral("Versioissa ei ole eroja."));
-            }
-            return lh9;
-        case Item::TableHeading:
-            if (s) tableHeading(run, *s, tableColumns(run), y);
-            return lh9 + 40 * m.ScaleY;
-        case Item::Change: {
-            const TableColumns t = tableColumns(run);
-            const ChangeCells cells = changeCells(run, t, at.index);
-            const double h = cells.count() * lh9;
-            if (s) {
-                s->setFont(run.font(9));
-                const double limit = m.bodyLimit();
-                auto column = [&](double x, const QStringList& lines) {
-                    for (int i = 0; i < lines.size(); ++i) {
-                        if (i > 0 && y + (i + 1) * lh9 > limit) break;
-                        s->text(x, y + i * lh9, lines[i]);
-                    }
-                };
-                column(t.kind, cells.kind);
-                column(t.place, cells.place);
-                column(t.key, cells.key);
-                column(t.column, cells.column);
-                column(t.oldText, cells.oldText);
-                column(t.newText, cells.newText);
-                s->textRight(t.cost, y, cells.cost);
-            }
-            return h;
-        }
-        case Item::CostChangeTotal:
-            if (s) {
-                const TableColumns t = tableColumns(run);
-                s->line(t.cost - 1500 * m.ScaleX, y + 20 * m.ScaleY, t.cost, y + 20 * m.ScaleY);
-                s->setFont(run.font(9, true));
-                s->textRight(t.cost - 1700 * m.ScaleX, y + 40 * m.ScaleY,
-                             QStringLiteral("Rivien kustannusmuutos yhteensä"));
-                s->textRight(t.cost, y + 40 * m.ScaleY, calc::MoneyChangeText(totalCostChange(c)));
-            }
-            return lh9 + 40 * m.ScaleY;
-        default:
-            break;
+    const QString text = (old ? QStringLiteral("Vanha versio: ") : QStringLiteral("Uusi versio: ")) +
+                         (old ? c.oldName : c.newName);
+    const QStringList lines = cellLines(run, text, m.UsableWidth);
+    if (s) {
+        s->setFont(run.font(9, true));
+        for (int i = 0; i < lines.size(); ++i)
+            s->text(m.OriginX, y + i * m.LineHeight9, lines[i]);
     }
-    // The summary's rows: a label and four right-aligned figures, on one line. A label (a work
-    // phase's name) too long for its column is shrunk, then cut with "…", as values are.
+    return lines.size() * m.LineHeight9;
+}
+
+// One change in the table: each column's lines, none below the page's body.
+double changeRow(PrintRun& run, Surface* s, int index, double y) {
+    const PageModel& m = run.page();
+    const double lh9 = m.LineHeight9;
+    const TableColumns t = tableColumns(run);
+    const ChangeCells cells = changeCells(run, t, index);
+    if (s) {
+        s->setFont(run.font(9));
+        const double limit = m.bodyLimit();
+        auto column = [&](double x, const QStringList& lines) {
+            for (int i = 0; i < lines.size(); ++i) {
+                if (i > 0 && y + (i + 1) * lh9 > limit) break;
+                s->text(x, y + i * lh9, lines[i]);
+            }
+        };
+        column(t.kind, cells.kind);
+        column(t.place, cells.place);
+        column(t.key, cells.key);
+        column(t.column, cells.column);
+        column(t.oldText, cells.oldText);
+        column(t.newText, cells.newText);
+        s->textRight(t.cost, y, cells.cost);
+    }
+    return cells.count() * lh9;
+}
+
+// The sum of the rows' cost changes under the table's cost column.
+double costChangeTotalRow(PrintRun& run, Surface* s, double y) {
+    const PageModel& m = run.page();
+    if (s) {
+        const TableColumns t = tableColumns(run);
+        s->line(t.cost - 1500 * m.ScaleX, y + 20 * m.ScaleY, t.cost, y + 20 * m.ScaleY);
+        s->setFont(run.font(9, true));
+        s->textRight(t.cost - 1700 * m.ScaleX, y + 40 * m.ScaleY,
+                     QStringLiteral("Rivien kustannusmuutos yhteensä"));
+        s->textRight(t.cost, y + 40 * m.ScaleY, calc::MoneyChangeText(totalCostChange(comparisonOf(run))));
+    }
+    return m.LineHeight9 + 40 * m.ScaleY;
+}
+
+// The summary's rows: a label and four right-aligned figures, on one line. A label (a work
+// phase's name) too long for its column is shrunk, then cut with "…", as values are.
+double summaryRow(PrintRun& run, Surface* s, int index, double y) {
+    const PageModel& m = run.page();
     const SummaryColumns sc = summaryColumns(run);
-    const calc::SummaryRow& line = c.summary[at.index];
+    const calc::SummaryRow& line = comparisonOf(run).summary[index];
     const bool heading = line.type == calc::SummaryRow::Heading;
-    const double lh = heading ? m.LineHeight11 : lh9;
+    const double lh = heading ? m.LineHeight11 : m.LineHeight9;
     if (s) {
         if (heading) {
             s->setFont(run.font(11, true));
@@ -343,6 +327,42 @@ double bodyRow(PrintRun& run, Surface* s, const std::vector<Section>& all, int r
         s->textRight(sc.percentR, y, line.percent);
     }
     return lh;
+}
+
+// The height of a body row, drawn when `draw` is set.
+double bodyRow(PrintRun& run, Surface* s, const std::vector<Section>& all, int row, double y) {
+    const PageModel& m = run.page();
+    const ItemAt at = itemAt(all, row);
+    const double lh9 = m.LineHeight9;
+    switch (at.item) {
+        case Item::OldName:
+        case Item::NewName:
+            return versionNameRow(run, s, at.item == Item::OldName, y);
+        case Item::Blank:
+            return lh9;
+        case Item::ChangesHeading:
+            if (s) {
+                s->setFont(run.font(11, true));
+                s->text(m.OriginX, y, changesHeading(comparisonOf(run)));
+            }
+            return m.LineHeight11;
+        case Item::NoChanges:
+            if (s) {
+                s->setFont(run.font(9));
+                s->text(m.OriginX, y, QStringLiteral("Versioissa ei ole eroja."));
+            }
+            return lh9;
+        case Item::TableHeading:
+            if (s) tableHeading(run, *s, tableColumns(run), y);
+            return lh9 + 40 * m.ScaleY;
+        case Item::Change:
+            return changeRow(run, s, at.index, y);
+        case Item::CostChangeTotal:
+            return costChangeTotalRow(run, s, y);
+        case Item::Summary:
+        default:
+            return summaryRow(run, s, at.index, y);
+    }
 }
 
 } // namespace

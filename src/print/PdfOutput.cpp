@@ -235,6 +235,116 @@ int halfway(const PrintRun& run) {
     return total;
 }
 
+// How Qt writes each half of a run's pages into memory.
+struct PdfWriterSettings {
+    QString title;
+    QPageLayout layout;
+    int resolution;
+    bool archival;
+
+    std::unique_ptr<QPdfWriter> make(QIODevice* out) const {
+        auto writer = std::make_unique<QPdfWriter>(out);
+        writer->setCreator(QStringLiteral("TAMRIK 2006"));
+        writer->setTitle(title);
+        if (archival) writer->setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
+        writer->setResolution(resolution);
+        writer->setPageLayout(layout);
+        return writer;
+    }
+};
+
+// The pages of a run as Qt wrote them into memory, and each half as qpdf reads it, read on the
+// thread that drew it. The bytes are declared first, so that they outlive the documents read
+// from them.
+struct DrawnPdf {
+    QBuffer head;
+    QByteArray tail;
+    std::unique_ptr<QPDF> headPdf;
+    std::unique_ptr<QPDF> tailPdf;
+    // A failure to read either half, reported with the rewrite's.
+    std::exception_ptr readError;
+
+    void readHead() {
+        try {
+            headPdf = readWritten(head.data());
+        } catch (...) {
+            readError = std::current_exception();
+        }
+    }
+};
+
+// Draws pages split + 1 … total into a PDF of their own on another thread while this thread
+// draws pages 1 … split with `writer`, which it then closes. The caller hears of the pages of
+// both halves from this thread.
+OutputResult drawInTwoHalves(PrintRun& run, std::unique_ptr<QPdfWriter>& writer,
+                             const PdfWriterSettings& settings, int split, const Progress& progress,
+                             DrawnPdf& drawn) {
+    const int total = run.TotalPages();
+    std::unique_ptr<PrintRun> copy = run.drawingCopy();
+    std::atomic<int> tailDrawn{0};
+    std::atomic<bool> cancel{false};
+    OutputResult tailResult = OutputResult::Cancelled;
+    std::exception_ptr tailError;
+    std::thread worker([&] {
+        const FastPageCompression fast;
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        {
+            std::unique_ptr<QPdfWriter> tailWriter = settings.make(&buffer);
+            tailResult = copy->PrintPages(*tailWriter, split + 1, total, [&](int, double) {
+                ++tailDrawn;
+                return !cancel;
+            });
+        }
+        drawn.tail = buffer.data();
+        if (tailResult != OutputResult::Printed) return;
+        try {
+            drawn.tailPdf = readWritten(drawn.tail);
+        } catch (...) {
+            tailError = std::current_exception();
+        }
+    });
+    OutputResult result = run.PrintPages(*writer, 1, split, [&](int p, double) {
+        const int drawn = p + tailDrawn;
+        if (progress && !progress(drawn, static_cast<double>(drawn) / total)) cancel = true;
+        return !cancel;
+    });
+    if (result != OutputResult::Printed) cancel = true;
+    // The first half's file is complete when its writer is gone.
+    writer.reset();
+    if (result == OutputResult::Printed) drawn.readHead();
+    worker.join();
+    if (result == OutputResult::Printed) result = tailResult;
+    if (!drawn.readError) drawn.readError = tailError;
+    for (const QString& message : copy->messages())
+        run.inform(message);
+    return result;
+}
+
+// Paginates the run and draws all its pages into `drawn`, a long run in two halves at once.
+OutputResult drawPages(PrintRun& run, const PdfWriterSettings& settings, const Progress& progress,
+                       const PdfOptions& options, DrawnPdf& drawn) {
+    // Pages compressed fast: the writers compress each page as it ends, the last one when
+    // they are destroyed, all inside this function.
+    const FastPageCompression fast;
+    std::unique_ptr<QPdfWriter> writer = settings.make(&drawn.head);
+    OutputResult result = run.PaginateFor(*writer, progress);
+    if (result != OutputResult::Printed) return result;
+    const int total = run.TotalPages();
+    // Pages are drawn independently: a long run is drawn half on another thread, into a
+    // PDF of its own that qpdf joins to the first. Qt compresses each page as it ends it, so
+    // both halves' drawing and compressing go on at once, and so does qpdf's reading of them.
+    const int split =
+        options.parallelFrom > 0 && total >= options.parallelFrom && QThread::idealThreadCount() > 1
+            ? halfway(run)
+            : total;
+    if (split < total) return drawInTwoHalves(run, writer, settings, split, progress, drawn);
+    result = run.PrintPages(*writer, 1, total, progress);
+    writer.reset();
+    if (result == OutputResult::Printed) drawn.readHead();
+    return result;
+}
+
 } // namespace
 
 PdfProperties DocumentProperties(const PrintRun& run, const PdfOptions& options) {
@@ -277,99 +387,19 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
     };
     if (!file.open(QIODevice::WriteOnly)) return fail(file.errorString());
     // Qt writes the pages into memory; the file gets them with their outline.
-    auto pdfWriter = [&](QIODevice* out) {
-        auto writer = std::make_unique<QPdfWriter>(out);
-        writer->setCreator(QStringLiteral("TAMRIK 2006"));
-        writer->setTitle(QFileInfo(fileName).completeBaseName());
-        if (options.archival) writer->setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
-        writer->setResolution(resolution);
-        writer->setPageLayout(layout);
-        return writer;
-    };
-    QBuffer head;
-    head.open(QIODevice::WriteOnly);
-    QByteArray tail;
-    // Each half as qpdf reads it, read on the thread that drew it; a failure to read either
-    // is reported with the rewrite's.
-    std::unique_ptr<QPDF> headPdf;
-    std::unique_ptr<QPDF> tailPdf;
-    std::exception_ptr readError;
-    auto readHead = [&] {
-        try {
-            headPdf = readWritten(head.data());
-        } catch (...) {
-            readError = std::current_exception();
-        }
-    };
-    OutputResult result;
-    {
-        // Pages compressed fast: the writers compress each page as it ends, the last one when
-        // they are destroyed, all inside this block.
-        const FastPageCompression fast;
-        std::unique_ptr<QPdfWriter> writer = pdfWriter(&head);
-        result = run.PaginateFor(*writer, progress);
-        const int total = run.TotalPages();
-        // Pages are drawn independently: a long run is drawn half on another thread, into a
-        // PDF of its own that qpdf joins to the first. Qt compresses each page as it ends it, so
-        // both halves' drawing and compressing go on at once, and so does qpdf's reading of them.
-        const int split = result == OutputResult::Printed && options.parallelFrom > 0 &&
-                                  total >= options.parallelFrom && QThread::idealThreadCount() > 1
-                              ? halfway(run)
-                              : total;
-        if (result == OutputResult::Printed && split < total) {
-            std::unique_ptr<PrintRun> copy = run.drawingCopy();
-            std::atomic<int> tailDrawn{0};
-            std::atomic<bool> cancel{false};
-            OutputResult tailResult = OutputResult::Cancelled;
-            std::exception_ptr tailError;
-            std::thread worker([&] {
-                const FastPageCompression fast;
-                QBuffer buffer;
-                buffer.open(QIODevice::WriteOnly);
-                {
-                    std::unique_ptr<QPdfWriter> tailWriter = pdfWriter(&buffer);
-                    tailResult = copy->PrintPages(*tailWriter, split + 1, total, [&](int, double) {
-                        ++tailDrawn;
-                        return !cancel;
-                    });
-                }
-                tail = buffer.data();
-                if (tailResult != OutputResult::Printed) return;
-                try {
-                    tailPdf = readWritten(tail);
-                } catch (...) {
-                    tailError = std::current_exception();
-                }
-            });
-            // The caller hears of the pages of both halves from this thread.
-            result = run.PrintPages(*writer, 1, split, [&](int p, double) {
-                const int drawn = p + tailDrawn;
-                if (progress && !progress(drawn, static_cast<double>(drawn) / total)) cancel = true;
-                return !cancel;
-            });
-            if (result != OutputResult::Printed) cancel = true;
-            // The first half's file is complete when its writer is gone.
-            writer.reset();
-            if (result == OutputResult::Printed) readHead();
-            worker.join();
-            if (result == OutputResult::Printed) result = tailResult;
-            if (!readError) readError = tailError;
-            for (const QString& message : copy->messages())
-                run.inform(message);
-        } else if (result == OutputResult::Printed) {
-            result = run.PrintPages(*writer, 1, total, progress);
-            writer.reset();
-            if (result == OutputResult::Printed) readHead();
-        }
-    }
+    const PdfWriterSettings settings{QFileInfo(fileName).completeBaseName(), layout, resolution,
+                                     options.archival};
+    DrawnPdf drawn;
+    drawn.head.open(QIODevice::WriteOnly);
+    const OutputResult result = drawPages(run, settings, progress, options, drawn);
     // An unfinished file is thrown away with the save file.
     if (result != OutputResult::Printed) {
         file.cancelWriting();
         return result == OutputResult::DeviceFailed ? fail(file.errorString()) : result;
     }
     try {
-        if (readError) std::rethrow_exception(readError);
-        finishPdf(*headPdf, tailPdf.get(), RunOutline(run), DocumentProperties(run, options),
+        if (drawn.readError) std::rethrow_exception(drawn.readError);
+        finishPdf(*drawn.headPdf, drawn.tailPdf.get(), RunOutline(run), DocumentProperties(run, options),
                   options.archival, file);
     } catch (const std::exception& e) {
         file.cancelWriting();
@@ -378,8 +408,8 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
     }
     if (options.endsProcess) {
         // Left to the end of the process, which follows (see PdfOptions::endsProcess).
-        (void)headPdf.release();
-        (void)tailPdf.release();
+        (void)drawn.headPdf.release();
+        (void)drawn.tailPdf.release();
     }
     if (!file.commit()) return fail(file.errorString());
     return OutputResult::Printed;

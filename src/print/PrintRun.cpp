@@ -384,15 +384,7 @@ bool PrintRun::CalculateNormalPages(int& page, int document, int count) {
     return true;
 }
 
-PageCountResult PrintRun::PageCount(const Progress& progress) {
-    if (!PrintArea(1.0f)) return PageCountResult::AreaDoesNotFit;
-    const bool costs = m_selection.DocumentSelected[doc::Costs];
-    if (costs && m_source.quantities)
-        m_costs = calc::CalculateCosts(*m_source.quantities, m_source.costInputs());
-    if (m_selection.DocumentSelected[doc::QualityReport] && m_source.requirements)
-        m_quality = calc::CalculateQualityIndex(*m_source.requirements);
-    if (!m_selection.PaginationStale) return PageCountResult::Done;
-
+void PrintRun::startCounting(const Progress& progress) {
     m_pages.clear();
     m_progress = progress;
     m_cancelled = false;
@@ -404,7 +396,42 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
         m_rowsTotal += (d == doc::Quantities || d == doc::Costs) ? rowsOf(m_source.quantities) : 1;
     }
     if (m_comparison) m_rowsTotal += ComparisonRowCount(*m_comparison);
+}
 
+bool PrintRun::CalculateQuantityPages(int& page, int document, Surface& measure) {
+    auto height = [&](int r) { return QuantityRowHeight(*this, measure, document, r); };
+    auto kind = [this](int r) { return QuantityRowKind(*m_source.quantities, r); };
+    int extra = 0;
+    std::function<double(int)> extraHeight;
+    if (document == doc::Costs) {
+        // The summaries follow the last row; they go on a page of their own when they
+        // do not fit below it, and each on its own when a page cannot hold both.
+        const double lh = m_page.LineHeight11;
+        const double both = (CostSummaryLines(*this, 1) + CostSummaryLines(*this, 2)) * lh;
+        const double room = m_page.bodyLimit() - ListBodyTop(*this);
+        m_costSummaryBlocks = both <= room ? 1 : 2;
+        if (both <= room) {
+            extra = 1;
+            extraHeight = [both](int) { return both; };
+        } else {
+            extra = 2;
+            extraHeight = [this, lh](int k) { return CostSummaryLines(*this, k) * lh; };
+        }
+    }
+    return CalculateListViewPages(page, document, rowsOf(m_source.quantities), height, kind, extra,
+                                  extraHeight);
+}
+
+PageCountResult PrintRun::PageCount(const Progress& progress) {
+    if (!PrintArea(1.0f)) return PageCountResult::AreaDoesNotFit;
+    const bool costs = m_selection.DocumentSelected[doc::Costs];
+    if (costs && m_source.quantities)
+        m_costs = calc::CalculateCosts(*m_source.quantities, m_source.costInputs());
+    if (m_selection.DocumentSelected[doc::QualityReport] && m_source.requirements)
+        m_quality = calc::CalculateQualityIndex(*m_source.requirements);
+    if (!m_selection.PaginationStale) return PageCountResult::Done;
+
+    startCounting(progress);
     Surface measure(m_fonts);
     int page = 0;
     bool ok = true;
@@ -412,30 +439,9 @@ PageCountResult PrintRun::PageCount(const Progress& progress) {
         if (!m_selection.DocumentSelected[d]) continue;
         switch (d) {
             case doc::Quantities:
-            case doc::Costs: {
-                auto height = [&](int r) { return QuantityRowHeight(*this, measure, d, r); };
-                auto kind = [this](int r) { return QuantityRowKind(*m_source.quantities, r); };
-                int extra = 0;
-                std::function<double(int)> extraHeight;
-                if (d == doc::Costs) {
-                    // The summaries follow the last row; they go on a page of their own when they
-                    // do not fit below it, and each on its own when a page cannot hold both.
-                    const double lh = m_page.LineHeight11;
-                    const double both = (CostSummaryLines(*this, 1) + CostSummaryLines(*this, 2)) * lh;
-                    const double room = m_page.bodyLimit() - ListBodyTop(*this);
-                    m_costSummaryBlocks = both <= room ? 1 : 2;
-                    if (both <= room) {
-                        extra = 1;
-                        extraHeight = [both](int) { return both; };
-                    } else {
-                        extra = 2;
-                        extraHeight = [this, lh](int k) { return CostSummaryLines(*this, k) * lh; };
-                    }
-                }
-                ok = CalculateListViewPages(page, d, rowsOf(m_source.quantities), height, kind, extra,
-                                            extraHeight);
+            case doc::Costs:
+                ok = CalculateQuantityPages(page, d, measure);
                 break;
-            }
             case doc::Card:
             case doc::ChargeCard:
                 ok = CalculateNormalPages(page, d, 1);

@@ -208,6 +208,10 @@ private:
     bool CalculateNormalPages(int& page, int document, int count);
     bool CalculateTextPages(int& page, int document, int rowsPerPage);
     bool CalculateActivePages(int& page, int document);
+    // The quantity list or the cost estimate, whose summaries follow its last row.
+    bool CalculateQuantityPages(int& page, int document, Surface& measure);
+    // Empties the page table and counts the rows that the progress goes through.
+    void startCounting(const Progress& progress);
     bool progressed(int page);
 
     const PrintSource& m_source;

@@ -37,71 +37,82 @@ lists::ListView* focusedList(QWidget* focus) {
 
 } // namespace
 
+namespace {
+
+// While a cell is being edited, the text items act on the edit box, not on whole rows: true
+// when `index` was one of them.
+bool editBoxAction(lists::ListEditor& editor, int index) {
+    if (!editor.isEditing()) return false;
+    if (index >= 6 && index <= 9) {
+        documents::CutCopyPasteDelSelection(editor.editBox(), index - 6);
+        return true;
+    }
+    if (index == 13) {
+        documents::SelectAllText(editor.editBox());
+        return true;
+    }
+    return false;
+}
+
+// Formats the list again as one step that undo takes back whole.
+void formatList(MDIForm1& main, lists::ListView* view, lists::ListModel& list, lists::ListEditor& editor) {
+    if (list.readOnly()) return;
+    editor.closeEditor();
+    lists::ListStep recorded(list, lists::step::Format);
+    lists::FormatListView(list, 1, 0, main.appState().settings.BlankLines);
+    main.listEdited(view);
+}
+
+} // namespace
+
 void listMenuAction(MDIForm1& main, lists::ListView* view, int index) {
     lists::ListModel* list = view->list();
     lists::ListEditor* editor = lists::ListEditor::of(view);
     if (!list || !editor) return;
-    // While a cell is being edited, the text items act on the edit box, not on whole rows.
-    if (editor->isEditing()) {
-        if (index >= 6 && index <= 9) {
-            documents::CutCopyPasteDelSelection(editor->editBox(), index - 6);
+    if (editBoxAction(*editor, index)) return;
+    switch (index) {
+        case 0:
+            ShowListViewEditor(main, view);
+            return;
+        case 1: {
+            // Only the two lists of the detailed data window have base lists of their own.
+            if (!ancestor<documents::Form2>(view)) return;
+            if (view->index() == 0) showBaseListWindow(main, 6);
+            if (view->index() == 1) showBaseListWindow(main, 7);
             return;
         }
-        if (index == 13) {
-            documents::SelectAllText(editor->editBox());
+        case 2:
+            editor->rowEdit(1);
             return;
-        }
-    }
-    {
-        switch (index) {
-            case 0:
-                ShowListViewEditor(main, view);
-                return;
-            case 1: {
-                // Only the two lists of the detailed data window have base lists of their own.
-                if (!ancestor<documents::Form2>(view)) return;
-                if (view->index() == 0) showBaseListWindow(main, 6);
-                if (view->index() == 1) showBaseListWindow(main, 7);
-                return;
-            }
-            case 2:
-                editor->rowEdit(1);
-                return;
-            case 3:
-                editor->rowEdit(2);
-                return;
-            case 4:
-                editor->rowEdit(3);
-                return;
-            case 6:
-                editor->cutCopyDelete(0);
-                return;
-            case 7:
-                editor->cutCopyDelete(1);
-                return;
-            case 9:
-                editor->cutCopyDelete(3);
-                return;
-            case 8:
-                editor->paste();
-                return;
-            case 11:
-                ShowIndex(main, 0);
-                return;
-            case 13:
-                list->selectAll();
-                return;
-            case 15: {
-                if (list->readOnly()) return;
-                editor->closeEditor();
-                lists::ListStep recorded(*list, lists::step::Format);
-                lists::FormatListView(*list, 1, 0, main.appState().settings.BlankLines);
-                main.listEdited(view);
-                return;
-            }
-            default:
-                return;
-        }
+        case 3:
+            editor->rowEdit(2);
+            return;
+        case 4:
+            editor->rowEdit(3);
+            return;
+        case 6:
+            editor->cutCopyDelete(0);
+            return;
+        case 7:
+            editor->cutCopyDelete(1);
+            return;
+        case 9:
+            editor->cutCopyDelete(3);
+            return;
+        case 8:
+            editor->paste();
+            return;
+        case 11:
+            ShowIndex(main, 0);
+            return;
+        case 13:
+            list->selectAll();
+            return;
+        case 15:
+            formatList(main, view, *list, *editor);
+            return;
+        default:
+            return;
     }
 }
 

@@ -628,30 +628,10 @@ void MDIForm1::FileMenuActions(int index) {
             if (m_state.CurrentFileName.isEmpty()) return;
             openProjectFile(m_state.CurrentFileName, index == 10);
             break;
-        case 2: {
-            const ParsedCaption c = ParseFileName(ActiveCaption());
-            if (c.name.isEmpty()) return;
-            QString target = c.project();
-            if (c.directory.isEmpty()) {
-                m_state.CurrentFileName =
-                    platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
-                if (m_state.CurrentFileName.isEmpty()) return;
-                target = m_state.CurrentFileName;
-            }
-            WriteSlFile(*this, c.project(), target, false);
+        case 2:
+        case 3:
+            saveActiveProject(index == 3);
             break;
-        }
-        case 3: {
-            // A saved project's dialog starts at its own file, named as it is.
-            const ParsedCaption c = ParseFileName(ActiveCaption());
-            if (c.name.isEmpty()) return;
-            m_state.CurrentFileName =
-                platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog,
-                                           c.directory.isEmpty() ? QString() : c.project());
-            if (m_state.CurrentFileName.isEmpty()) return;
-            WriteSlFile(*this, c.project(), m_state.CurrentFileName, false);
-            break;
-        }
         case 5:
             UnloadActiveProject();
             break;
@@ -666,23 +646,46 @@ void MDIForm1::FileMenuActions(int index) {
         case 15:
         case 16:
         case 17:
-        case 18: {
-            m_state.CurrentFileName = m_state.RecentFiles[index - 13];
-            if (m_state.CurrentFileName.isEmpty()) return;
-            if (!QFileInfo::exists(m_state.CurrentFileName)) {
-                platform::MsgBox(QStringLiteral("Tiedostoa: ") + m_state.CurrentFileName +
-                                     QStringLiteral(" ei löydy."),
-                                 MsgIcon::Information);
-                // A file that is gone leaves the list.
-                if (DropMissingRecentFiles(m_state.RecentFiles)) UpdateRecentFiles(QString());
-                return;
-            }
-            openProjectFile(m_state.CurrentFileName, false);
+        case 18:
+            openRecentFile(index - 13);
             break;
-        }
         default:
             break;
     }
+}
+
+void MDIForm1::saveActiveProject(bool newName) {
+    const ParsedCaption c = ParseFileName(ActiveCaption());
+    if (c.name.isEmpty()) return;
+    if (newName) {
+        // A saved project's dialog starts at its own file, named as it is.
+        m_state.CurrentFileName = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog,
+                                                             c.directory.isEmpty() ? QString() : c.project());
+        if (m_state.CurrentFileName.isEmpty()) return;
+        WriteSlFile(*this, c.project(), m_state.CurrentFileName, false);
+        return;
+    }
+    QString target = c.project();
+    if (c.directory.isEmpty()) {
+        m_state.CurrentFileName = platform::ShowCommonDialog(2, QStringLiteral(".sl"), false, m_state.dialog);
+        if (m_state.CurrentFileName.isEmpty()) return;
+        target = m_state.CurrentFileName;
+    }
+    WriteSlFile(*this, c.project(), target, false);
+}
+
+void MDIForm1::openRecentFile(int n) {
+    m_state.CurrentFileName = m_state.RecentFiles[n];
+    if (m_state.CurrentFileName.isEmpty()) return;
+    if (!QFileInfo::exists(m_state.CurrentFileName)) {
+        platform::MsgBox(QStringLiteral("Tiedostoa: ") + m_state.CurrentFileName +
+                             QStringLiteral(" ei löydy."),
+                         MsgIcon::Information);
+        // A file that is gone leaves the list.
+        if (DropMissingRecentFiles(m_state.RecentFiles)) UpdateRecentFiles(QString());
+        return;
+    }
+    openProjectFile(m_state.CurrentFileName, false);
 }
 
 void MDIForm1::openFromCommandLine(const QString& file) {

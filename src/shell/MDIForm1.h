@@ -250,6 +250,10 @@ private:
     void openProjectFile(const QString& file, bool textOnly, const QString& recoveredAs = QString(),
                          bool readOnlyCopy = false);
     void openDroppedFile(const QString& file);
+    // The file menu's "Tallenna" (a project without a file asks for one) and "Tallenna nimellä",
+    // and its recent files 0…5.
+    void saveActiveProject(bool newName);
+    void openRecentFile(int n);
     void pendingEvents();
     void unloadWindow(documents::ProjectWindow* window);
 

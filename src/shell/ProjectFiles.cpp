@@ -117,6 +117,29 @@ void writeTemp(const QString& tempPath, const QString& name, const QByteArray& b
     if (!tempPath.isEmpty()) platform::writeFileAtomically(tempPath + name, bytes);
 }
 
+// Says which fields hold characters that the file cannot store; saving goes on with them
+// stored as question marks.
+void warnOutsideCp1252(const ProjectWindows& w) {
+    const QStringList outside = fieldsOutsideCp1252(w);
+    if (outside.isEmpty()) return;
+    QStringList shown = outside.mid(0, 12);
+    if (outside.size() > 12) shown << QStringLiteral("...");
+    platform::MsgBox(QStringLiteral("Seuraavissa kentissä on merkkejä, joita tiedostoon ei voi tallentaa. Ne "
+                                    "tallentuvat kysymysmerkkeinä (?):\r\n\r\n") +
+                         shown.join(QStringLiteral("\r\n")),
+                     MsgIcon::Exclamation);
+}
+
+// The combo texts of a saved project feed the drop-down lists of new projects.
+void rememberComboDefaults(MDIForm1& main, const ProjectWindows& w) {
+    std::array<QString, 5> defaults;
+    const int comboIndex[5] = {10, 5, 6, 17, 16};
+    for (int i = 0; i < 5; ++i)
+        defaults[i] = w.f1->Combo1[comboIndex[i]]->text();
+    main.appState().settings.DefaultComboData = defaults;
+    WriteDefaultComboData(main.settingsStore(), defaults);
+}
+
 } // namespace
 
 QByteArray ProjectContainer(MDIForm1& main, const ProjectWindows& w, bool keepNames, bool progress) {
@@ -181,16 +204,7 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     if (state.ProgramMode == 1) documents::UpdateOfficeText(*w.f1->Text1[9], state.OfficeRows);
     if (state.ProgramMode == 2) documents::UpdateOfficeText(*w.f1->Text1[10], state.OfficeRows);
 
-    const QStringList outside = fieldsOutsideCp1252(w);
-    if (!outside.isEmpty()) {
-        QStringList shown = outside.mid(0, 12);
-        if (outside.size() > 12) shown << QStringLiteral("...");
-        platform::MsgBox(
-            QStringLiteral("Seuraavissa kentissä on merkkejä, joita tiedostoon ei voi tallentaa. Ne "
-                           "tallentuvat kysymysmerkkeinä (?):\r\n\r\n") +
-                shown.join(QStringLiteral("\r\n")),
-            MsgIcon::Exclamation);
-    }
+    warnOutsideCp1252(w);
 
     TempLock lock(state.TempPath);
     if (!lock.locked()) {
@@ -216,80 +230,63 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
         // The saved state is where undo makes the project unchanged again; the steps stay.
         if (lists::EditHistory* history = w.f1->history()) history->markSaved();
     }
-    // The combo texts of this project feed the drop-down lists of new projects.
-    std::array<QString, 5> defaults;
-    const int comboIndex[5] = {10, 5, 6, 17, 16};
-    for (int i = 0; i < 5; ++i)
-        defaults[i] = w.f1->Combo1[comboIndex[i]]->text();
-    state.settings.DefaultComboData = defaults;
-    WriteDefaultComboData(main.settingsStore(), defaults);
+    rememberComboDefaults(main, w);
     return true;
 }
 
-bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, bool textOnly,
-                const QString& openAs) {
-    AppState& state = main.appState();
-    const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
-    if (!w.complete()) return false;
+namespace {
 
-    auto fail = [&](const QString& what) {
-        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi avata:\r\n") + what,
-                         MsgIcon::Critical);
-        return false;
-    };
-
-    TempLock lock(state.TempPath);
-    if (!lock.locked())
-        return fail(QStringLiteral("toinen TAMRIK-ohjelma käsittelee parhaillaan tiedostoja."));
-
-    // Everything is read and checked before any window changes.
-    persist::ProjectFile project_;
+// A project file read and checked before any window changes.
+struct ReadProject {
+    persist::ProjectFile file;
     std::array<platform::Picture, 6> pictures;
     std::array<bool, 6> pictureGiven{};
     QStringList damagedPictures;
     std::array<std::unique_ptr<QTextDocument>, 3> documents;
-    // One progress strip for reading and for filling the windows: ending it in between would
-    // lay out and paint the whole main window twice more.
-    FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
-    {
-        QString error;
-        if (!persist::ReadProjectFile(file, textOnly, project_, &error)) return fail(error);
-        main.DisplayProgress(20);
-        if (!textOnly) {
-            for (int m = 1; m <= 7; ++m) {
-                const persist::Member& member = project_.members[m - 1];
-                writeTemp(state.TempPath,
-                          QStringLiteral("~Tamrik30_%1_tmp").arg(m) + persist::FileExtension(member.type),
-                          member.data);
-                // A member of no known picture type leaves its picture box as it is.
-                if (m == 1 || persist::FileExtension(member.type) == QLatin1String(".tmp")) continue;
-                pictureGiven[m - 2] = true;
-                pictures[m - 2] = platform::Picture::fromBytes(member.data, member.type, &error);
-                // A damaged picture costs only itself: the rest of the project opens, and its
-                // bytes are kept so that saving does not throw them away.
-                if (pictures[m - 2].isNull() && !member.data.isEmpty()) {
-                    damagedPictures << QStringLiteral("kuva %1: ").arg(m - 1) + error;
-                    pictures[m - 2] = platform::Picture::keptAsStored(member.data, member.type);
-                }
-            }
-        }
-        // The members are read (and their copies written): they need no memory while the
-        // windows fill.
-        project_.members = {};
-        for (int n = 0; n < 3; ++n) {
-            documents[n] = std::make_unique<QTextDocument>();
-            const QByteArray& rtf = project_.content.documents[n];
-            if (!rtf.isEmpty() && !platform::ReadRtf(rtf, *documents[n], &error))
-                return fail(documents::Form2::documentName(n) + QStringLiteral(": ") + error);
+};
+
+// Writes the copies of the file's members to the temporary folder and reads its pictures.
+void readMembers(const QString& tempPath, ReadProject& read) {
+    QString error;
+    for (int m = 1; m <= 7; ++m) {
+        const persist::Member& member = read.file.members[m - 1];
+        writeTemp(tempPath, QStringLiteral("~Tamrik30_%1_tmp").arg(m) + persist::FileExtension(member.type),
+                  member.data);
+        // A member of no known picture type leaves its picture box as it is.
+        if (m == 1 || persist::FileExtension(member.type) == QLatin1String(".tmp")) continue;
+        read.pictureGiven[m - 2] = true;
+        read.pictures[m - 2] = platform::Picture::fromBytes(member.data, member.type, &error);
+        // A damaged picture costs only itself: the rest of the project opens, and its
+        // bytes are kept so that saving does not throw them away.
+        if (read.pictures[m - 2].isNull() && !member.data.isEmpty()) {
+            read.damagedPictures << QStringLiteral("kuva %1: ").arg(m - 1) + error;
+            read.pictures[m - 2] = platform::Picture::keptAsStored(member.data, member.type);
         }
     }
+}
 
-    const bool wasLoading = state.Loading;
-    state.Loading = true;
-    // What is read is no step: the project starts a new history once it stands.
-    lists::EditHistory* history = w.f1->history();
-    std::optional<lists::EditHistory::Quiet> quiet(std::in_place, history);
-    persist::ProjectContent& c = project_.content;
+// Reads the file, its members and its three documents; false with what failed in `error`.
+bool readProject(MDIForm1& main, const QString& file, bool textOnly, ReadProject& read, QString& error) {
+    if (!persist::ReadProjectFile(file, textOnly, read.file, &error)) return false;
+    main.DisplayProgress(20);
+    if (!textOnly) readMembers(main.appState().TempPath, read);
+    // The members are read (and their copies written): they need no memory while the
+    // windows fill.
+    read.file.members = {};
+    for (int n = 0; n < 3; ++n) {
+        read.documents[n] = std::make_unique<QTextDocument>();
+        const QByteArray& rtf = read.file.content.documents[n];
+        if (!rtf.isEmpty() && !platform::ReadRtf(rtf, *read.documents[n], &error)) {
+            error = documents::Form2::documentName(n) + QStringLiteral(": ") + error;
+            return false;
+        }
+    }
+    return true;
+}
+
+// Fills the project's windows with what was read.
+void fillWindows(MDIForm1& main, const ProjectWindows& w, ReadProject& read, bool textOnly) {
+    persist::ProjectContent& c = read.file.content;
     QComboBox* references = w.f2->Combo1[0];
     references->clear();
     // Every line is an item, an empty one too, so the items after it keep their places.
@@ -311,12 +308,46 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
                                               : (v == 2 ? Qt::PartiallyChecked : Qt::Unchecked));
     }
     for (int n = 0; n < 3; ++n)
-        w.f2->setStoredDocument(n, *documents[n]);
+        w.f2->setStoredDocument(n, *read.documents[n]);
     // The shown document comes from its holder; nothing is stored back first.
-    w.f2->showDocument(state.settings.StartUpDocument);
+    w.f2->showDocument(main.appState().settings.StartUpDocument);
     if (!textOnly)
         for (int k = 0; k < 6; ++k)
-            if (pictureGiven[k]) w.f1->Image1[k]->setPicture(pictures[k]);
+            if (read.pictureGiven[k]) w.f1->Image1[k]->setPicture(read.pictures[k]);
+}
+
+} // namespace
+
+bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, bool textOnly,
+                const QString& openAs) {
+    AppState& state = main.appState();
+    const ProjectWindows w = main.projectWindowsOf(ParseFileName(project).project());
+    if (!w.complete()) return false;
+
+    auto fail = [&](const QString& what) {
+        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi avata:\r\n") + what,
+                         MsgIcon::Critical);
+        return false;
+    };
+
+    TempLock lock(state.TempPath);
+    if (!lock.locked())
+        return fail(QStringLiteral("toinen TAMRIK-ohjelma käsittelee parhaillaan tiedostoja."));
+
+    // Everything is read and checked before any window changes.
+    ReadProject read;
+    // One progress strip for reading and for filling the windows: ending it in between would
+    // lay out and paint the whole main window twice more.
+    FileOperation operation(main, QStringLiteral("Lataa tiedostoa..."));
+    QString error;
+    if (!readProject(main, file, textOnly, read, error)) return fail(error);
+
+    const bool wasLoading = state.Loading;
+    state.Loading = true;
+    // What is read is no step: the project starts a new history once it stands.
+    lists::EditHistory* history = w.f1->history();
+    std::optional<lists::EditHistory::Quiet> quiet(std::in_place, history);
+    fillWindows(main, w, read, textOnly);
     if (openAs.isEmpty()) {
         main.UpdateRecentFiles(file);
         main.ChangeFormCaptions(project, file, true);
@@ -329,11 +360,11 @@ bool ReadSlFile(MDIForm1& main, const QString& project, const QString& file, boo
     if (history) history->restart(!openAs.isEmpty());
     EnableControlsPage1(main, w.f1);
     EnableControlsPage(main, w.f2, true);
-    if (!damagedPictures.isEmpty())
+    if (!read.damagedPictures.isEmpty())
         platform::MsgBox(
             QStringLiteral("Tiedoston ") + file +
                 QStringLiteral(" kaikkia kuvia ei voi näyttää. Ne säilyvät tiedostossa sellaisinaan:\r\n") +
-                damagedPictures.join(QStringLiteral("\r\n")),
+                read.damagedPictures.join(QStringLiteral("\r\n")),
             MsgIcon::Exclamation);
     return true;
 }

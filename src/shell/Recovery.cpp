@@ -184,28 +184,62 @@ void Recovery::autosave() {
     }
 }
 
-void Recovery::offerRecovery() {
-    if (m_folder.isEmpty()) return;
-    m_keep = false;
-    const QDir base(m_basePath);
-    // A lock held by a running program keeps its copies out of reach; a free one is ours now,
-    // so that two programs starting at once do not both offer the same copies.
+namespace {
+
+// The sessions in `basePath` that no running program holds, other than `ownFolder`: their
+// locks (this program's now), their folders, and their copies oldest first. A lock held by a
+// running program keeps its copies out of reach; a free one is taken, so that two programs
+// starting at once do not both offer the same copies.
+struct FreeSessions {
     std::vector<std::unique_ptr<QLockFile>> locks;
     QStringList folders;
     std::vector<RecoveredProject> found;
+};
+
+FreeSessions takeFreeSessions(const QString& basePath, const QString& ownFolder) {
+    FreeSessions sessions;
+    const QDir base(basePath);
     for (const QString& name :
          base.entryList({kSessionPrefix + QStringLiteral("*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QString folder = base.filePath(name) + QLatin1Char('/');
-        if (folder == m_folder) continue;
+        if (folder == ownFolder) continue;
         auto lock = sessionLock(folder);
         if (!lock->tryLock(0)) continue;
-        locks.push_back(std::move(lock));
-        folders << folder;
+        sessions.locks.push_back(std::move(lock));
+        sessions.folders << folder;
         for (const RecoveredProject& r : recoveryCopies(folder))
-            found.push_back(r);
+            sessions.found.push_back(r);
     }
-    std::stable_sort(found.begin(), found.end(),
+    std::stable_sort(sessions.found.begin(), sessions.found.end(),
                      [](const auto& a, const auto& b) { return a.time < b.time; });
+    return sessions;
+}
+
+// Asks whether to restore copy `version` of `count` of one project; `openAs` gets the name it
+// comes back under.
+platform::MsgAnswer askToRecover(const RecoveredProject& r, int version, int count, QString& openAs) {
+    // A project that another running program has open now never comes back under its
+    // file's name: that would take the other program's lock and make two editors of it.
+    const std::optional<platform::LockOwner> owner =
+        ParseFileName(r.project).directory.isEmpty() ? std::nullopt : ProjectLocks::openElsewhere(r.project);
+    openAs = count > 1 || owner ? recoveredVersionName(r.project, version) : r.project;
+    platform::MessageRequest question;
+    question.text =
+        recoveryQuestion(r, version, count, openAs, owner ? platform::describeLockOwner(*owner) : QString());
+    question.buttons = platform::MsgButtons::YesNo;
+    question.icon = platform::MsgIcon::Question;
+    question.defaultButton = platform::MsgAnswer::Yes;
+    question.toFront = true;
+    return platform::Ask(question);
+}
+
+} // namespace
+
+void Recovery::offerRecovery() {
+    if (m_folder.isEmpty()) return;
+    m_keep = false;
+    FreeSessions sessions = takeFreeSessions(m_basePath, m_folder);
+    const std::vector<RecoveredProject>& found = sessions.found;
     // Versions of one saved project from programs killed with it open come back under names
     // of their own, so that saving one never leaves the other looking like the same file.
     std::map<QString, int> versions;
@@ -222,20 +256,8 @@ void Recovery::offerRecovery() {
         if (m_main.terminating()) break;
         const int count = versions.count(r.project) ? versions[r.project] : 1;
         const int version = ++seen[r.project];
-        // A project that another running program has open now never comes back under its
-        // file's name: that would take the other program's lock and make two editors of it.
-        const std::optional<platform::LockOwner> owner = ParseFileName(r.project).directory.isEmpty()
-                                                             ? std::nullopt
-                                                             : ProjectLocks::openElsewhere(r.project);
-        const QString openAs = count > 1 || owner ? recoveredVersionName(r.project, version) : r.project;
-        platform::MessageRequest question;
-        question.text = recoveryQuestion(r, version, count, openAs,
-                                         owner ? platform::describeLockOwner(*owner) : QString());
-        question.buttons = platform::MsgButtons::YesNo;
-        question.icon = platform::MsgIcon::Question;
-        question.defaultButton = platform::MsgAnswer::Yes;
-        question.toFront = true;
-        const platform::MsgAnswer answer = platform::Ask(question);
+        QString openAs;
+        const platform::MsgAnswer answer = askToRecover(r, version, count, openAs);
         // The session ended while the question was open (logout, shutdown): no answer was
         // given, so the copies not yet answered wait for the next start.
         if (m_main.terminating()) break;
@@ -248,8 +270,8 @@ void Recovery::offerRecovery() {
             removeCopy(copy);
         return;
     }
-    locks.clear();
-    for (const QString& folder : folders)
+    sessions.locks.clear();
+    for (const QString& folder : sessions.folders)
         QDir(folder).removeRecursively();
     // The restored projects are changed: their copies belong to this session from now on.
     autosave();

@@ -234,131 +234,175 @@ bool isBooleanFormat(QStringView code) {
            (no == QLatin1String("FALSE") || no == QStringLiteral("EPÄTOSI"));
 }
 
+namespace {
+
+// What the first section of a format code asks for, gathered one character at a time:
+// whether it shows a date, a clock or a number, and how many decimals.
+class FormatScan {
+public:
+    explicit FormatScan(QStringView code)
+        : code_(code)
+        , n_(code.size()) {}
+
+    CellFormat run() {
+        for (qsizetype i = 0; i < n_; ++i) {
+            const char16_t c = lower(i);
+            if (c == ';') break;
+            if (c == '[') {
+                const qsizetype end = code_.indexOf(QLatin1Char(']'), i);
+                bracket(code_.mid(i + 1, (end < 0 ? n_ : end) - i - 1));
+                if (end < 0) break;
+                i = end;
+                continue;
+            }
+            if (skipLiteral(i, c)) continue;
+            if (!clockLetter(i, c)) numberCharacter(i, c);
+        }
+        return result();
+    }
+
+private:
+    char16_t lower(qsizetype i) const { return i < n_ ? code_[i].toLower().unicode() : 0; }
+
+    bool startsWith(qsizetype i, QLatin1StringView word) const {
+        return code_.mid(i, word.size()).compare(word, Qt::CaseInsensitive) == 0;
+    }
+
+    // Quoted text, an escaped or padding character and the words "General", "AM/PM" and
+    // "A/P" show nothing about the kind of value: steps i to their last character.
+    bool skipLiteral(qsizetype& i, char16_t c) const {
+        if (c == '"') {
+            while (++i < n_ && code_[i] != QLatin1Char('"')) {
+            }
+            return true;
+        }
+        if (c == '\\' || c == '_' || c == '*') { // the next character is shown as it is
+            ++i;
+            return true;
+        }
+        for (const QLatin1StringView word :
+             {QLatin1StringView("general"), QLatin1StringView("am/pm"), QLatin1StringView("a/p")}) {
+            if (startsWith(i, word)) {
+                i += word.size() - 1;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // [h], [mm] or [ss]: elapsed time; any other bracket (colour, condition, locale) is skipped.
+    void bracket(QStringView inner) {
+        if (inner.isEmpty() || !std::all_of(inner.begin(), inner.end(),
+                                            [&](QChar ch) { return ch.toLower() == inner[0].toLower(); }))
+            return;
+        const char16_t unit = inner[0].toLower().unicode();
+        if (unit == 'h' || unit == 'm' || unit == 's') {
+            time_ = true;
+            if (!elapsed_) elapsed_ = static_cast<char>(unit);
+            if (unit == 's') seconds_ = true;
+            lastClock_ = static_cast<char>(unit);
+        }
+    }
+
+    // The date and clock letters; m means minutes after an hour or before seconds, else months.
+    bool clockLetter(qsizetype& i, char16_t c) {
+        switch (c) {
+            case 'd':
+            case 'y':
+                date_ = true;
+                lastClock_ = static_cast<char>(c);
+                return true;
+            case 'h':
+                time_ = true;
+                lastClock_ = 'h';
+                return true;
+            case 's':
+                time_ = seconds_ = true;
+                lastClock_ = 's';
+                return true;
+            case 'm': {
+                qsizetype j = i;
+                while (lower(j) == 'm')
+                    ++j;
+                qsizetype next = j;
+                while (next < n_ && !code_[next].isLetter() && code_[next] != QLatin1Char(';'))
+                    ++next;
+                const bool minutes = lastClock_ == 'h' || lower(next) == 's';
+                (minutes ? time_ : date_) = true;
+                lastClock_ = 'm';
+                i = j - 1;
+                return true;
+            }
+            default:
+                return false;
+        }
+    }
+
+    // Digit placeholders, the decimal point, percent, exponent and fraction.
+    void numberCharacter(qsizetype i, char16_t c) {
+        switch (c) {
+            case '0':
+            case '#':
+            case '?':
+                placeholders_ = true;
+                if (point_) {
+                    if (c == '0') ++minDecimals_;
+                    ++maxDecimals_;
+                }
+                break;
+            case '.':
+                if (placeholders_ || lower(i + 1) == '0' || lower(i + 1) == '#' || lower(i + 1) == '?')
+                    point_ = true;
+                break;
+            case '%':
+                percent_ = true;
+                break;
+            case 'e':
+                if (lower(i + 1) == '+' || lower(i + 1) == '-') other_ = true; // scientific
+                break;
+            case '/':
+                if (placeholders_) other_ = true; // a fraction
+                break;
+            default:
+                break;
+        }
+    }
+
+    CellFormat result() const {
+        CellFormat f;
+        if (date_ || time_) {
+            f.kind = elapsed_ ? CellFormat::Elapsed
+                              : (date_ && time_ ? CellFormat::DateTime
+                                                : (date_ ? CellFormat::Date : CellFormat::Time));
+            f.seconds = seconds_;
+            f.elapsedUnit = elapsed_;
+            return f;
+        }
+        if (other_ || !placeholders_) return f;
+        f.kind = percent_ ? CellFormat::Percent : CellFormat::Fixed;
+        f.minDecimals = static_cast<std::uint8_t>(std::min(minDecimals_, 30));
+        f.maxDecimals = static_cast<std::uint8_t>(std::min(maxDecimals_, 30));
+        return f;
+    }
+
+    QStringView code_;
+    qsizetype n_;
+    bool date_ = false, time_ = false, seconds_ = false, percent_ = false, other_ = false;
+    bool placeholders_ = false, point_ = false;
+    char elapsed_ = 0;
+    int minDecimals_ = 0, maxDecimals_ = 0;
+    char lastClock_ = 0; // the last of h, m, s, d, y: tells minutes from months
+};
+
+} // namespace
+
 CellFormat excelFormat(QStringView code) {
     if (isBooleanFormat(code)) {
         CellFormat f;
         f.kind = CellFormat::Boolean;
         return f;
     }
-    bool date = false, time = false, seconds = false, percent = false, other = false, placeholders = false;
-    bool point = false;
-    char elapsed = 0;
-    int minDecimals = 0, maxDecimals = 0;
-    char lastClock = 0; // the last of h, m, s, d, y: tells minutes from months
-    const qsizetype n = code.size();
-    auto lower = [&](qsizetype i) { return i < n ? code[i].toLower().unicode() : 0; };
-    auto startsWith = [&](qsizetype i, QLatin1StringView word) {
-        return code.mid(i, word.size()).compare(word, Qt::CaseInsensitive) == 0;
-    };
-    for (qsizetype i = 0; i < n; ++i) {
-        const char16_t c = lower(i);
-        if (c == ';') break;
-        if (c == '"') {
-            while (++i < n && code[i] != QLatin1Char('"')) {
-            }
-            continue;
-        }
-        if (c == '\\' || c == '_' || c == '*') { // the next character is shown as it is
-            ++i;
-            continue;
-        }
-        if (c == '[') {
-            const qsizetype end = code.indexOf(QLatin1Char(']'), i);
-            const QStringView inner = code.mid(i + 1, (end < 0 ? n : end) - i - 1);
-            if (!inner.isEmpty() && std::all_of(inner.begin(), inner.end(), [&](QChar ch) {
-                    return ch.toLower() == inner[0].toLower();
-                })) {
-                const char16_t unit = inner[0].toLower().unicode();
-                if (unit == 'h' || unit == 'm' || unit == 's') {
-                    time = true;
-                    if (!elapsed) elapsed = static_cast<char>(unit);
-                    if (unit == 's') seconds = true;
-                    lastClock = static_cast<char>(unit);
-                }
-            }
-            if (end < 0) break;
-            i = end;
-            continue;
-        }
-        if (startsWith(i, QLatin1StringView("general"))) {
-            i += 6;
-            continue;
-        }
-        if (startsWith(i, QLatin1StringView("am/pm"))) {
-            i += 4;
-            continue;
-        }
-        if (startsWith(i, QLatin1StringView("a/p"))) {
-            i += 2;
-            continue;
-        }
-        switch (c) {
-            case 'd':
-            case 'y':
-                date = true;
-                lastClock = static_cast<char>(c);
-                break;
-            case 'h':
-                time = true;
-                lastClock = 'h';
-                break;
-            case 's':
-                time = seconds = true;
-                lastClock = 's';
-                break;
-            case 'm': {
-                qsizetype j = i;
-                while (lower(j) == 'm')
-                    ++j;
-                qsizetype next = j;
-                while (next < n && !code[next].isLetter() && code[next] != QLatin1Char(';'))
-                    ++next;
-                const bool minutes = lastClock == 'h' || lower(next) == 's';
-                (minutes ? time : date) = true;
-                lastClock = 'm';
-                i = j - 1;
-                break;
-            }
-            case '0':
-            case '#':
-            case '?':
-                placeholders = true;
-                if (point) {
-                    if (c == '0') ++minDecimals;
-                    ++maxDecimals;
-                }
-                break;
-            case '.':
-                if (placeholders || lower(i + 1) == '0' || lower(i + 1) == '#' || lower(i + 1) == '?')
-                    point = true;
-                break;
-            case '%':
-                percent = true;
-                break;
-            case 'e':
-                if (lower(i + 1) == '+' || lower(i + 1) == '-') other = true; // scientific
-                break;
-            case '/':
-                if (placeholders) other = true; // a fraction
-                break;
-            default:
-                break;
-        }
-    }
-    CellFormat f;
-    if (date || time) {
-        f.kind = elapsed
-                     ? CellFormat::Elapsed
-                     : (date && time ? CellFormat::DateTime : (date ? CellFormat::Date : CellFormat::Time));
-        f.seconds = seconds;
-        f.elapsedUnit = elapsed;
-        return f;
-    }
-    if (other || !placeholders) return f;
-    f.kind = percent ? CellFormat::Percent : CellFormat::Fixed;
-    f.minDecimals = static_cast<std::uint8_t>(std::min(minDecimals, 30));
-    f.maxDecimals = static_cast<std::uint8_t>(std::min(maxDecimals, 30));
-    return f;
+    return FormatScan(code).run();
 }
 
 CellFormat excelBuiltinFormat(int id) {

@@ -48,12 +48,24 @@ bool CompoundFile::load(QString* error) {
     m_cutoff = u32(h + 56);
     if (m_cutoff == 0) m_cutoff = 4096;
 
-    auto sector = [&](quint32 n) -> QByteArrayView {
-        const qint64 at = (qint64(n) + 1) << m_shift;
-        if (n >= m_sectors || at >= m_bytes.size()) return {};
-        return m_bytes.sliced(at, std::min<qint64>(sectorSize, m_bytes.size() - at));
-    };
+    readFat();
+    if (m_fat.empty()) return fail(QStringLiteral("sektoritaulu puuttuu"));
+    readDirectory();
+    if (m_entries.empty() || m_entries.front().type != 5) return fail(QStringLiteral("hakemisto puuttuu"));
+    readMiniStream();
+    return true;
+}
 
+QByteArrayView CompoundFile::sector(quint32 n) const {
+    const qsizetype sectorSize = qsizetype(1) << m_shift;
+    const qint64 at = (qint64(n) + 1) << m_shift;
+    if (n >= m_sectors || at >= m_bytes.size()) return {};
+    return m_bytes.sliced(at, std::min<qint64>(sectorSize, m_bytes.size() - at));
+}
+
+void CompoundFile::readFat() {
+    const char* h = m_bytes.data();
+    const qsizetype sectorSize = qsizetype(1) << m_shift;
     // The sectors of the allocation table: those in the header, then those in the chain of
     // extension sectors. The header's counts of both are not trusted; a list ends at its first
     // free entry, and a sector is never taken twice.
@@ -87,10 +99,11 @@ bool CompoundFile::load(QString* error) {
         for (qsizetype i = 0; i + 4 <= data.size() && m_fat.size() < m_sectors; i += 4)
             m_fat.push_back(u32(data.data() + i));
     }
-    if (m_fat.empty()) return fail(QStringLiteral("sektoritaulu puuttuu"));
+}
 
-    // The directory.
-    const QByteArray directory = bigData(chain(u32(h + 48), false), quint64(m_sectors) << m_shift);
+void CompoundFile::readDirectory() {
+    const QByteArray directory =
+        bigData(chain(u32(m_bytes.data() + 48), false), quint64(m_sectors) << m_shift);
     for (qsizetype at = 0; at + kEntrySize <= directory.size(); at += kEntrySize) {
         const char* e = directory.data() + at;
         Entry entry;
@@ -108,17 +121,17 @@ bool CompoundFile::load(QString* error) {
         if (m_shift >= 12) entry.size |= quint64(u32(e + 124)) << 32;
         m_entries.push_back(entry);
     }
-    if (m_entries.empty() || m_entries.front().type != 5) return fail(QStringLiteral("hakemisto puuttuu"));
+}
 
-    // The small streams live in the root's stream, sectors of 64 bytes chained in their own table.
+// The small streams live in the root's stream, sectors of 64 bytes chained in their own table.
+void CompoundFile::readMiniStream() {
     const Entry& root = m_entries.front();
     m_ministream = bigData(chain(root.start, false), root.size);
-    const QByteArray miniFat = bigData(chain(u32(h + 60), false), quint64(m_sectors) << m_shift);
+    const QByteArray miniFat = bigData(chain(u32(m_bytes.data() + 60), false), quint64(m_sectors) << m_shift);
     const quint64 miniSectors =
         (quint64(m_ministream.size()) + (quint64(1) << m_miniShift) - 1) >> m_miniShift;
     for (qsizetype i = 0; i + 4 <= miniFat.size() && m_miniFat.size() < miniSectors; i += 4)
         m_miniFat.push_back(u32(miniFat.data() + i));
-    return true;
 }
 
 std::vector<quint32> CompoundFile::chain(quint32 start, bool mini) const {

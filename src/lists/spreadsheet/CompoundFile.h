@@ -35,6 +35,13 @@ private:
     };
     explicit CompoundFile(QByteArrayView bytes);
     bool load(QString* error);
+    // Sector n of the file, short or empty where the file ends.
+    QByteArrayView sector(quint32 n) const;
+    // The allocation table, from the sectors the header and its extension chain name.
+    void readFat();
+    // The directory's entries, and the mini stream with its table.
+    void readDirectory();
+    void readMiniStream();
     // The sectors of a chain in the big (or the mini) allocation table, as far as it is valid.
     std::vector<quint32> chain(quint32 start, bool mini) const;
     // The bytes of a chain of big sectors, at most `size`.

@@ -45,14 +45,22 @@ bool SaxPart::parse(const Archive& archive, const QString& part, platform::ReadE
     m_finished = false;
     m_depth = 0;
     m_part = part;
+    platform::ReadError failure;
+    const bool ok = pushMember(*member, failure);
+    xmlFreeParserCtxt(m_ctxt);
+    m_ctxt = nullptr;
+    if (!ok) platform::fail(error, std::move(failure));
+    return ok;
+}
+
+bool SaxPart::pushMember(Archive::Member& member, platform::ReadError& failure) {
     std::vector<char> piece(std::size_t(1) << 16);
     bool ok = true;
-    platform::ReadError failure;
     for (;;) {
-        const qsizetype n = member->read(piece.data(), static_cast<qsizetype>(piece.size()));
+        const qsizetype n = member.read(piece.data(), static_cast<qsizetype>(piece.size()));
         if (n < 0) {
             ok = false;
-            failure.what = member->error();
+            failure.what = member.error();
             break;
         }
         const int status = xmlParseChunk(m_ctxt, piece.data(), static_cast<int>(n), n == 0);
@@ -70,13 +78,14 @@ bool SaxPart::parse(const Archive& archive, const QString& part, platform::ReadE
         } else {
             // Where, not the parser's English words for what.
             const xmlErrorPtr e = xmlCtxtGetLastError(m_ctxt);
-            failure = {
-                QStringLiteral("ei ole kelvollista XML:ää"), part, {}, -1, e ? e->line : 0, e ? e->int2 : 0};
+            failure = {QStringLiteral("ei ole kelvollista XML:ää"),
+                       m_part,
+                       {},
+                       -1,
+                       e ? e->line : 0,
+                       e ? e->int2 : 0};
         }
     }
-    xmlFreeParserCtxt(m_ctxt);
-    m_ctxt = nullptr;
-    if (!ok) platform::fail(error, std::move(failure));
     return ok;
 }
 

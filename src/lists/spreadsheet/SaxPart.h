@@ -42,6 +42,10 @@ protected:
     void append(std::string& to, const char* chars, int length);
 
 private:
+    // Feeds the member to the parser piece by piece; false with `failure` set (what, and where
+    // when the XML is not well formed) when it stopped before the end.
+    bool pushMember(Archive::Member& member, platform::ReadError& failure);
+
     // The deepest nesting of elements parsed.
     static constexpr int kDeepest = 256;
     _xmlParserCtxt* m_ctxt = nullptr;

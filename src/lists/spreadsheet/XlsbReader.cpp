@@ -262,6 +262,68 @@ bool isCell(quint32 type) {
     return type <= kShortIsst || type == kCellRString;
 }
 
+enum class CellValue { Text, Blank, Damaged };
+
+// The shown text of a cell record's value (what follows its column and format), in `text`.
+// A record cut short is reported through `records`.
+CellValue cellValueText(Records& records, quint32 type, QByteArrayView value, quint32 style,
+                        const Workbook& book, QString& text) {
+    auto need = [&](qsizetype size) {
+        return value.size() >= size || records.failRecord(QStringLiteral("solun tietue on vajaa"), type);
+    };
+    auto number = [&](double v) {
+        const CellFormat format = style < book.formats.size() ? book.formats[style] : CellFormat{};
+        return format.isDateOrTime() ? serialText(v, format, nullDate(book.date1904)) : numberText(v, format);
+    };
+    switch (type) {
+        case kCellRk:
+        case kShortRk:
+            if (!need(4)) return CellValue::Damaged;
+            text = number(rkValue(u32(value.data())));
+            return CellValue::Text;
+        case kCellReal:
+        case kShortReal:
+        case kFmlaNum:
+            if (!need(8)) return CellValue::Damaged;
+            text = number(f64(value.data()));
+            return CellValue::Text;
+        case kCellBool:
+        case kShortBool:
+        case kFmlaBool:
+            if (!need(1)) return CellValue::Damaged;
+            text = booleanText(value[0] != 0);
+            return CellValue::Text;
+        case kCellError:
+        case kShortError:
+        case kFmlaError:
+            if (!need(1)) return CellValue::Damaged;
+            text = errorText(static_cast<quint8>(value[0]));
+            return CellValue::Text;
+        case kCellIsst:
+        case kShortIsst: {
+            if (!need(4)) return CellValue::Damaged;
+            // An index beyond the strings read shows nothing rather than some other text.
+            const quint32 index = u32(value.data());
+            if (index < book.strings.size()) text = book.strings[index];
+            return CellValue::Text;
+        }
+        case kCellSt:
+        case kShortSt:
+        case kFmlaString:
+        case kCellRString: {
+            qsizetype at = type == kCellRString ? 1 : 0; // a rich text starts with its flags
+            if (!wideString(value, at, text)) {
+                records.failRecord(QStringLiteral("solun teksti on vajaa"), type);
+                return CellValue::Damaged;
+            }
+            text = withCrLf(text);
+            return CellValue::Text;
+        }
+        default:
+            return CellValue::Blank;
+    }
+}
+
 bool readSheet(const Archive& archive, const QString& part, const Workbook& book, SheetBuilder& out,
                platform::ReadError* error) {
     qint64 row = -1, col = -1;
@@ -285,61 +347,14 @@ bool readSheet(const Archive& archive, const QString& part, const Workbook& book
             if (data.size() < head) return records.failRecord(QStringLiteral("solun tietue on vajaa"), type);
             col = isShort ? col + 1 : qint64(u32(d));
             const quint32 style = u32(d + head - 4) & 0xFFFFFF;
-            const QByteArrayView value = data.sliced(head);
-            auto need = [&](qsizetype size) {
-                return value.size() >= size ||
-                       records.failRecord(QStringLiteral("solun tietue on vajaa"), type);
-            };
-            auto number = [&](double v) {
-                const CellFormat format = style < book.formats.size() ? book.formats[style] : CellFormat{};
-                return format.isDateOrTime() ? serialText(v, format, nullDate(book.date1904))
-                                             : numberText(v, format);
-            };
             QString text;
-            switch (type) {
-                case kCellRk:
-                case kShortRk:
-                    if (!need(4)) return false;
-                    text = number(rkValue(u32(value.data())));
-                    break;
-                case kCellReal:
-                case kShortReal:
-                case kFmlaNum:
-                    if (!need(8)) return false;
-                    text = number(f64(value.data()));
-                    break;
-                case kCellBool:
-                case kShortBool:
-                case kFmlaBool:
-                    if (!need(1)) return false;
-                    text = booleanText(value[0] != 0);
-                    break;
-                case kCellError:
-                case kShortError:
-                case kFmlaError:
-                    if (!need(1)) return false;
-                    text = errorText(static_cast<quint8>(value[0]));
-                    break;
-                case kCellIsst:
-                case kShortIsst: {
-                    if (!need(4)) return false;
-                    // An index beyond the strings read shows nothing rather than some other text.
-                    const quint32 index = u32(value.data());
-                    if (index < book.strings.size()) text = book.strings[index];
-                    break;
-                }
-                case kCellSt:
-                case kShortSt:
-                case kFmlaString:
-                case kCellRString: {
-                    qsizetype at = type == kCellRString ? 1 : 0; // a rich text starts with its flags
-                    if (!wideString(value, at, text))
-                        return records.failRecord(QStringLiteral("solun teksti on vajaa"), type);
-                    text = withCrLf(text);
-                    break;
-                }
-                default: // blank
+            switch (cellValueText(records, type, data.sliced(head), style, book, text)) {
+                case CellValue::Damaged:
+                    return false;
+                case CellValue::Blank:
                     return true;
+                case CellValue::Text:
+                    break;
             }
             if (row >= 0 && row < kMaxSheetRows && col >= 0 && col < kMaxSheetColumns)
                 out.setCell(static_cast<int>(row), static_cast<int>(col), text);

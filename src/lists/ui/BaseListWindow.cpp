@@ -61,6 +61,18 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
     new ListEditor(ListView1, host.baseListEditHost());
     layout->addWidget(ListView1, 1);
 
+    layout->addLayout(buildButtons(central, prices));
+    setCentralWidget(central);
+    statusBar();
+
+    connect(Command1[0], &QPushButton::clicked, this, [this] { editMenuClick(0); });
+    connect(Command1[1], &QPushButton::clicked, this, &QWidget::close);
+    connect(Command1[2], &QPushButton::clicked, this, [this] { m_host.baseListHelp(this); });
+    createMenus();
+    connectListAndHistory();
+}
+
+QLayout* BaseListWindow::buildButtons(QWidget* central, bool prices) {
     auto* bottom = new QHBoxLayout;
     Command1.assign(3, nullptr);
     Command1[0] = new QPushButton(QStringLiteral("Lisää (Ctrl+A)"), central);
@@ -84,14 +96,10 @@ BaseListWindow::BaseListWindow(BaseListHost& host, int slot, QWidget* parent)
         Option1[1]->setChecked(true);
     }
     bottom->addStretch(1);
-    layout->addLayout(bottom);
-    setCentralWidget(central);
-    statusBar();
+    return bottom;
+}
 
-    connect(Command1[0], &QPushButton::clicked, this, [this] { editMenuClick(0); });
-    connect(Command1[1], &QPushButton::clicked, this, &QWidget::close);
-    connect(Command1[2], &QPushButton::clicked, this, [this] { m_host.baseListHelp(this); });
-    createMenus();
+void BaseListWindow::connectListAndHistory() {
     connect(ListView1, &ListView::currentRowMoved, this, [this](int row) {
         if (row < 1) return;
         const std::array<QString, 3> texts = CaptionStatusTexts(*list(), row);
@@ -302,37 +310,9 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             break;
         }
         case 1:
-        case 2: {
-            QString file = m_host.baseListSaveTarget(this, currentFile());
-            if (action == 2) {
-                file = m_host.baseListFileDialog(2, extension());
-                if (file.isEmpty()) return;
-            }
-            const std::vector<CellRef> bad = cellsOutsideCp1252(*list());
-            if (!bad.empty()) {
-                const CellRef& first = bad.front();
-                platform::MsgBox(
-                    QStringLiteral("Rivillä %1 sarakkeessa \"%2\" on merkkejä (%3), joita tiedostoon ei voi "
-                                   "tallentaa. Ne tallentuvat kysymysmerkkeinä.")
-                        .arg(first.row)
-                        .arg(list()->column(first.col).header, first.characters),
-                    platform::MsgIcon::Exclamation);
-            }
-            QString error;
-            BusyPointer busy;
-            if (!SaveListView(*list(), file, &error)) {
-                platform::MsgBox(QStringLiteral("Tiedostoa ") + file +
-                                     QStringLiteral(" ei voi tallentaa:\r\n") + error,
-                                 platform::MsgIcon::Critical);
-                return;
-            }
-            if (action == 2 || file != currentFile())
-                setWindowTitle(file + suffix() + kMarker);
-            else
-                m_host.baseListUntouched(this);
-            m_history->markSaved();
+        case 2:
+            saveList(action == 2);
             break;
-        }
         case 8:
             m_host.baseListRestoreShipped(this);
             break;
@@ -344,24 +324,58 @@ void BaseListWindow::ListViewFileMenuActions(int action) {
             if (InitListView(*list(), file, QStringLiteral(".xls"))) m_host.baseListTouched(this);
             break;
         }
-        case 5: {
-            // What is written is .xlsx, so that is the file's extension too.
-            const QString file = spreadsheetExportName(m_host.baseListFileDialog(2, QStringLiteral(".xls")));
-            if (file.isEmpty()) return;
-            QString error;
-            BusyPointer busy;
-            if (!ExportListViewXlsx(*list(), file, &error))
-                platform::MsgBox(QStringLiteral("Taulukkoa ") + file +
-                                     QStringLiteral(" ei voi kirjoittaa:\r\n") + error,
-                                 platform::MsgIcon::Critical);
+        case 5:
+            exportXlsx();
             break;
-        }
         case 7:
             close();
             break;
         default:
             break;
     }
+}
+
+void BaseListWindow::saveList(bool newName) {
+    QString file = m_host.baseListSaveTarget(this, currentFile());
+    if (newName) {
+        file = m_host.baseListFileDialog(2, extension());
+        if (file.isEmpty()) return;
+    }
+    const std::vector<CellRef> bad = cellsOutsideCp1252(*list());
+    if (!bad.empty()) {
+        const CellRef& first = bad.front();
+        platform::MsgBox(
+            QStringLiteral("Rivillä %1 sarakkeessa \"%2\" on merkkejä (%3), joita tiedostoon ei voi "
+                           "tallentaa. Ne tallentuvat kysymysmerkkeinä.")
+                .arg(first.row)
+                .arg(list()->column(first.col).header, first.characters),
+            platform::MsgIcon::Exclamation);
+    }
+    QString error;
+    BusyPointer busy;
+    if (!SaveListView(*list(), file, &error)) {
+        platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") +
+                             error,
+                         platform::MsgIcon::Critical);
+        return;
+    }
+    if (newName || file != currentFile())
+        setWindowTitle(file + suffix() + kMarker);
+    else
+        m_host.baseListUntouched(this);
+    m_history->markSaved();
+}
+
+void BaseListWindow::exportXlsx() {
+    // What is written is .xlsx, so that is the file's extension too.
+    const QString file = spreadsheetExportName(m_host.baseListFileDialog(2, QStringLiteral(".xls")));
+    if (file.isEmpty()) return;
+    QString error;
+    BusyPointer busy;
+    if (!ExportListViewXlsx(*list(), file, &error))
+        platform::MsgBox(QStringLiteral("Taulukkoa ") + file + QStringLiteral(" ei voi kirjoittaa:\r\n") +
+                             error,
+                         platform::MsgIcon::Critical);
 }
 
 void BaseListWindow::editMenuClick(int index) {

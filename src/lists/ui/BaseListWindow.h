@@ -10,6 +10,7 @@
 
 class QAction;
 class QLabel;
+class QLayout;
 class QMenu;
 class QPushButton;
 class QRadioButton;
@@ -108,6 +109,13 @@ private:
     void createUndoItems(QMenu* edit);
     void createEditItems(QMenu* edit);
     void addInsertModes(QMenu* modes);
+    // The constructor's parts: the buttons (and the price list's conditions) below the list,
+    // and what follows the list's moves and the history's changes.
+    QLayout* buildButtons(QWidget* central, bool prices);
+    void connectListAndHistory();
+    // The file menu's saving (under the list's own name or a new one) and export.
+    void saveList(bool newName);
+    void exportXlsx();
     BaseListHost& m_host;
     EditHistory* m_history = nullptr;
     int m_slot;
