@@ -29,7 +29,8 @@ persist::ListRecord recordOf(const lists::ListModel& list) {
     record.columns = list.cols() - 1;
     record.rows.reserve(list.rows());
     for (int r = 1; r <= list.rows(); ++r)
-        record.rows.push_back(list.row(r).cells.mid(0, record.columns));
+        record.rows.push_back(list.row(r).cells);
+    record.rows.back().resize(record.columns);
     return record;
 }
 
@@ -56,18 +57,18 @@ struct Versions {
 
         auto& qRows = project.content.windows[1].lists[0].rows;
         auto& rRows = project.content.windows[1].lists[1].rows;
-        std::vector<QStringList> keptQuantities;
+        std::vector<lists::RowCells> keptQuantities;
         const int step = std::max(1, (quantities + requirements) / changes);
         int done = 0;
         for (int i = 0; i < static_cast<int>(rRows.size()) && done < changes / 2; i += step / 2 + 1) {
-            QStringList& row = rRows[i];
+            lists::RowCells& row = rRows[i];
             if (row[1].isEmpty()) continue;
-            row[20] = row[20] == QLatin1String("Ei") ? QStringLiteral("Kyllä") : QStringLiteral("Ei");
-            row[10] = QStringLiteral("5");
+            row.set(20, row[20] == QLatin1String("Ei") ? QStringLiteral("Kyllä") : QStringLiteral("Ei"));
+            row.set(10, u"5");
             ++done;
         }
         for (int i = 0; i < static_cast<int>(qRows.size()); ++i) {
-            QStringList row = qRows[i];
+            lists::RowCells row = qRows[i];
             const bool priced = !row.value(3).isEmpty();
             if (priced && done < changes && i % 5 == 0) {
                 ++done;
@@ -75,12 +76,12 @@ struct Versions {
                     case 0:
                         continue; // removed
                     case 1:
-                        row[3] = QStringLiteral("99,5");
-                        row[5] = QStringLiteral("1 300,00");
+                        row.set(3, u"99,5");
+                        row.set(5, u"1 300,00");
                         break;
                     default:
                         keptQuantities.push_back(row);
-                        row[1] = QStringLiteral("Lisätty työ");
+                        row.set(1, u"Lisätty työ");
                         break;
                 }
             }

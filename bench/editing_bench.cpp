@@ -48,9 +48,10 @@ void makeUnitPrices(ListModel& list) {
     std::vector<Row> out;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         Row row;
-        row.cells = rows[i];
-        row.cells.resize(7);
-        row.cells.append(formatRowNumber(static_cast<long long>(i) + 1));
+        QStringList cells = rows[i];
+        cells.resize(7);
+        cells.append(formatRowNumber(static_cast<long long>(i) + 1));
+        row.cells = cells;
         row.selected = true;
         out.push_back(row);
     }

@@ -36,7 +36,7 @@ std::vector<QStringList> quantityRows(int n) {
             add({QString(), lists::kRoadWorksCaption});
             roadWorks = true;
         }
-        const QStringList& p = prices.rows[i % prices.rows.size()].cells;
+        const QStringList p = prices.rows[i % prices.rows.size()].cells.toStringList();
         const bool priced = !p.value(4).isEmpty();
         if (!priced && !p.value(0).isEmpty()) add({});
         add({p.value(0), p.value(1), priced ? QStringLiteral("100") : QString(),
@@ -127,7 +127,9 @@ bool WritePrintProject(const QString& file, int rows) {
                                   nullptr))
         return false;
     persist::ListRecord& list = project.content.windows[1].lists[0];
-    list.rows = quantityRows(rows);
+    list.rows.clear();
+    for (const QStringList& row : quantityRows(rows))
+        list.rows.emplace_back(row);
     project.members[0].data = persist::WriteProjectText(project.content, false);
     QFile out(file);
     return out.open(QIODevice::WriteOnly) && out.write(persist::PackContainer(project.members)) > 0;
@@ -139,6 +141,7 @@ bool WritePrintRows(const QString& file, int rows) {
     QFile out(file);
     if (!out.open(QIODevice::WriteOnly)) return false;
     for (const QStringList& cells : quantityRows(rows))
-        if (out.write((cells.mid(0, 7).join(QLatin1Char(';')) + QLatin1Char('\n')).toUtf8()) < 0) return false;
+        if (out.write((cells.mid(0, 7).join(QLatin1Char(';')) + QLatin1Char('\n')).toUtf8()) < 0)
+            return false;
     return true;
 }

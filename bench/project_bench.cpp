@@ -21,33 +21,34 @@ void fillLists(documents::Form2& f2, int requirements, int quantities) {
         std::vector<lists::Row> rows;
         rows.reserve(n);
         for (int i = 0; i < n; ++i) {
-            lists::Row row;
-            row.cells = QStringList(list.cols(), QString());
+            QStringList cells(list.cols(), QString());
             if (i % 25 == 0) {
-                row.cells[0] = QString::number(7110 + (i / 25) % 80);
-                row.cells[requirementsList ? 2 : 1] = QStringLiteral("BETONITYÖT");
+                cells[0] = QString::number(7110 + (i / 25) % 80);
+                cells[requirementsList ? 2 : 1] = QStringLiteral("BETONITYÖT");
             } else if (requirementsList) {
-                row.cells[1] = QString::number(i % 25);
-                row.cells[2] = QStringLiteral(
+                cells[1] = QString::number(i % 25);
+                cells[2] = QStringLiteral(
                     "Betonin lujuusluokka vähintään C35/45, kelpoisuus osoitetaan koekappalein");
-                row.cells[3] = QStringLiteral("1");
-                row.cells[4] = QStringLiteral("SILKO 1.301");
-                row.cells[5] = QStringLiteral("35");
-                row.cells[8] = QStringLiteral("MPa");
-                row.cells[9] = QStringLiteral("M");
-                row.cells[10] = QStringLiteral("3");
-                row.cells[11] =
+                cells[3] = QStringLiteral("1");
+                cells[4] = QStringLiteral("SILKO 1.301");
+                cells[5] = QStringLiteral("35");
+                cells[8] = QStringLiteral("MPa");
+                cells[9] = QStringLiteral("M");
+                cells[10] = QStringLiteral("3");
+                cells[11] =
                     QStringLiteral("Urakoitsija toimittaa koetulokset valvojalle ennen muottien purkua.");
-                row.cells[20] = i % 3 ? QStringLiteral("Kyllä") : QString();
-                row.cells[23] = QStringLiteral("0,5");
+                cells[20] = i % 3 ? QStringLiteral("Kyllä") : QString();
+                cells[23] = QStringLiteral("0,5");
             } else {
-                row.cells[1] = QStringLiteral("Betonointi, perustukset");
-                row.cells[2] = QStringLiteral("100");
-                row.cells[3] = QString::number(i % 300 + 1);
-                row.cells[4] = QStringLiteral("m3");
-                row.cells[5] = QStringLiteral("185,50");
+                cells[1] = QStringLiteral("Betonointi, perustukset");
+                cells[2] = QStringLiteral("100");
+                cells[3] = QString::number(i % 300 + 1);
+                cells[4] = QStringLiteral("m3");
+                cells[5] = QStringLiteral("185,50");
             }
-            row.cells[list.cols() - 1] = lists::formatRowNumber(i + 1);
+            cells[list.cols() - 1] = lists::formatRowNumber(i + 1);
+            lists::Row row;
+            row.cells = cells;
             rows.push_back(std::move(row));
         }
         list.reset(list.columns(), std::move(rows));

@@ -41,11 +41,11 @@ bool finite(std::initializer_list<float> values) {
     return true;
 }
 
-bool opensRoadWorks(const QString& phase) {
+bool opensRoadWorks(QStringView phase) {
     // Only "ö" and "Ö" turn into the caption's "Ö" in capitals: without one of them the costly
     // conversion to capitals can be skipped.
     if (!phase.contains(QChar(u'ö')) && !phase.contains(QChar(u'Ö'))) return false;
-    return phase.toUpper().contains(lists::kRoadWorksCaption);
+    return phase.toString().toUpper().contains(lists::kRoadWorksCaption);
 }
 
 } // namespace
@@ -110,8 +110,8 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
         if (!lists::BlankString(littera))
             superstructure = littera >= kSuperstructureFrom && littera <= kSuperstructureTo;
 
-        const QString& quantity = list.cell(i, kQuantity);
-        const QString& unitPrice = list.cell(i, kUnitPrice);
+        const QStringView quantity = list.cell(i, kQuantity);
+        const QStringView unitPrice = list.cell(i, kUnitPrice);
         if (lists::BlankString(quantity) || lists::BlankString(unitPrice)) {
             list.setRowTag(i, QString());
             continue;

@@ -16,7 +16,7 @@ bool isDigit(QChar c) {
 
 // An exponent ("e3", "E-2") continues a number only when a digit follows it. Appends it to
 // `out` and moves `i` past it when there is one.
-void readExponent(const QString& text, qsizetype& i, std::string& out) {
+void readExponent(QStringView text, qsizetype& i, std::string& out) {
     const qsizetype n = text.size();
     if (i >= n || (text[i] != QLatin1Char('e') && text[i] != QLatin1Char('E'))) return;
     qsizetype j = i + 1;
@@ -133,7 +133,7 @@ bool IsNumberBlank(QChar c) {
     }
 }
 
-NumberScan ScanNumber(const QString& text) {
+NumberScan ScanNumber(QStringView text) {
     NumberScan scan;
     const qsizetype n = text.size();
     qsizetype i = 0;
@@ -175,7 +175,7 @@ NumberScan ScanNumber(const QString& text) {
     return scan;
 }
 
-double CustomVal(const QString& text) {
+double CustomVal(QStringView text) {
     return ScanNumber(text).value;
 }
 

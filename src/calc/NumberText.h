@@ -12,7 +12,7 @@ namespace calc {
 // reading stops at the first character that cannot continue it. "1 234,5" gives 1234.5,
 // "12 kpl" gives 12; a text that does not start with a number gives 0, as does a number
 // beyond the range of a double.
-double CustomVal(const QString& text);
+double CustomVal(QStringView text);
 
 // Blanks that CustomVal skips inside a number: spaces (also the no-break spaces that grouped
 // amounts carry), tabs and line breaks.
@@ -27,7 +27,7 @@ struct NumberScan {
     bool digits = false;     // the text starts with a number
     bool outOfRange = false; // a number beyond the range of a double, read as 0
 };
-NumberScan ScanNumber(const QString& text);
+NumberScan ScanNumber(QStringView text);
 
 // Rounds a converted estimate to about four significant digits: a step chosen by the
 // magnitude (10^9 from 10^12 to 10^13, down to 1000 from 10^6 to 10^7, otherwise 100), the

@@ -39,7 +39,7 @@ bool containsDigit(QStringView text) {
 }
 
 // The next character from `i` on that is not a blank; -1 when there is none.
-qsizetype skipBlanks(const QString& text, qsizetype i) {
+qsizetype skipBlanks(QStringView text, qsizetype i) {
     while (i < text.size() && IsNumberBlank(text[i]))
         ++i;
     return i < text.size() ? i : -1;
@@ -53,7 +53,7 @@ struct NumberShape {
     bool thousandsPoint = false;
 };
 
-NumberShape shapeOf(const QString& text, const NumberScan& scan) {
+NumberShape shapeOf(QStringView text, const NumberScan& scan) {
     NumberShape shape;
     qsizetype i = scan.start;
     if (i < scan.end && (text[i] == u'-' || text[i] == u'+')) ++i;
@@ -108,7 +108,7 @@ NumberShape shapeOf(const QString& text, const NumberScan& scan) {
 
 // How CalculateCosts and CalculateQualityIndex read a non-blank cell (CustomVal), and what in
 // it they leave unread. A "%" after the number is its unit where the field is a percentage.
-TextReading readNumberText(const QString& text, bool percentField = false) {
+TextReading readNumberText(QStringView text, bool percentField = false) {
     TextReading out;
     const NumberScan scan = ScanNumber(text);
     out.value = scan.value;
@@ -139,7 +139,7 @@ TextReading readNumberText(const QString& text, bool percentField = false) {
         return out;
     }
     if (r < 0) return out;
-    out.rest = text.mid(r).trimmed();
+    out.rest = text.mid(r).trimmed().toString();
     // A drop-down value carries its explanation in brackets: "0,5 (virhe vaikuttaa osittain)".
     if (next == u'(') {
         out.rest.clear();
@@ -169,8 +169,8 @@ QString valueText(double value) {
     return s;
 }
 
-QString quoted(const QString& text) {
-    return QLatin1Char('"') + text + QLatin1Char('"');
+QString quoted(QStringView text) {
+    return QLatin1Char('"') + text.toString() + QLatin1Char('"');
 }
 
 // True when the issue makes the value other than the text shows; TrailingText leaves the
@@ -204,7 +204,7 @@ QString reasonOf(const TextReading& reading) {
 }
 
 // "Määrä "1.200,50" luetaan arvoksi 1,2: kaksi desimaalierotinta".
-QString readingMessage(const QString& label, const QString& text, const TextReading& reading) {
+QString readingMessage(const QString& label, QStringView text, const TextReading& reading) {
     return label + QLatin1Char(' ') + quoted(text) + QStringLiteral(" luetaan arvoksi ") +
            valueText(reading.value) + QStringLiteral(": ") + reasonOf(reading);
 }
@@ -287,7 +287,7 @@ public:
         , m_list(list)
         , m_out(out) {}
 
-    void add(Severity severity, FindingKind kind, int row, int column, const QString& text, QString message) {
+    void add(Severity severity, FindingKind kind, int row, int column, QStringView text, QString message) {
         Finding f;
         f.severity = severity;
         f.kind = kind;
@@ -295,7 +295,7 @@ public:
         f.row = row;
         f.column = column;
         f.columnName = m_list ? headerOf(m_place, *m_list, column) : fieldLabel(column);
-        f.text = text;
+        f.text = text.toString();
         f.message = std::move(message);
         m_out.push_back(std::move(f));
     }
@@ -303,7 +303,7 @@ public:
     // A number cell of a list row: what the reading leaves out. `feeds` says whether the
     // value goes into a total, which makes a changed value an error. Returns the reading.
     TextReading numberCell(int row, int column, bool feeds) {
-        const QString& text = m_list->cell(row, column);
+        const QStringView text = m_list->cell(row, column);
         TextReading reading = readNumberText(text);
         if (reading.issue)
             add(changesValue(reading.issue) && feeds ? Severity::Error : Severity::Remark, *reading.issue,
@@ -317,21 +317,21 @@ private:
     std::vector<Finding>& m_out;
 };
 
-bool blank(const QString& text) {
+bool blank(QStringView text) {
     return lists::BlankString(text);
 }
 
 // A unit that is a number through and through: a unit price typed one column too early.
-bool unitIsNumber(const QString& unit) {
+bool unitIsNumber(QStringView unit) {
     const TextReading reading = readNumberText(unit);
     return !reading.issue || reading.issue == FindingKind::ThousandsPoint ||
            reading.issue == FindingKind::TwoSeparators;
 }
 
 void checkQuantityRow(const lists::ListModel& list, int r, std::vector<Finding>& out) {
-    const QString& quantity = list.cell(r, qc::kQuantity);
-    const QString& unit = list.cell(r, qc::kUnit);
-    const QString& price = list.cell(r, qc::kUnitPrice);
+    const QStringView quantity = list.cell(r, qc::kQuantity);
+    const QStringView unit = list.cell(r, qc::kUnit);
+    const QStringView price = list.cell(r, qc::kUnitPrice);
     const bool hasQuantity = !blank(quantity);
     const bool hasUnit = !blank(unit);
     const bool hasPrice = !blank(price);
@@ -369,11 +369,11 @@ bool isRequirement(const lists::ListModel& list, int r) {
            list.cell(r, rc::kText) != lists::kRoadWorksCaption;
 }
 
-QChar firstChar(const QString& text) {
+QChar firstChar(QStringView text) {
     return text.isEmpty() ? QChar() : text.front();
 }
 
-void checkRange(Collector& c, int r, int column, const QString& text, const TextReading& reading, double high,
+void checkRange(Collector& c, int r, int column, QStringView text, const TextReading& reading, double high,
                 FindingKind kind, bool feeds) {
     if (changesValue(reading.issue) || (reading.value >= 0 && reading.value <= high)) return;
     c.add(feeds ? Severity::Error : Severity::Remark, kind, r, column, text,
@@ -392,10 +392,10 @@ bool measured(const lists::ListModel& list, int r) {
 void checkRequirementRow(const lists::ListModel& list, int r, std::vector<Finding>& out) {
     if (!isRequirement(list, r)) return;
     Collector c(CheckPlace::Requirements, &list, out);
-    const QString& type = list.cell(r, rc::kType);
-    const QString& weight = list.cell(r, rc::kWeight);
-    const QString& result = list.cell(r, rc::kFulfilled);
-    const QString& factor = list.cell(r, rc::kFactor);
+    const QStringView type = list.cell(r, rc::kType);
+    const QStringView weight = list.cell(r, rc::kWeight);
+    const QStringView result = list.cell(r, rc::kFulfilled);
+    const QStringView factor = list.cell(r, rc::kFactor);
     const QChar t = firstChar(type);
     const bool weighted = t == u'1' || t == u'2';
     const QChar res = firstChar(result);
@@ -461,14 +461,14 @@ void checkLitteras(CheckPlace place, const lists::ListModel& list, std::vector<F
 
     for (int r = 1; r <= list.rows(); ++r) {
         const bool priced = quantities && !blank(list.cell(r, qc::kUnitPrice));
-        const QString& littera = list.cell(r, qc::kLittera);
-        const QString& heading = list.cell(r, headingCol);
+        const QStringView littera = list.cell(r, qc::kLittera);
+        const QStringView heading = list.cell(r, headingCol);
         const bool roadWorks = heading == lists::kRoadWorksCaption;
         if (blank(littera) && !roadWorks) {
             phasePriced = phasePriced || priced;
             continue;
         }
-        const QString trimmed = littera.trimmed();
+        const QString trimmed = littera.trimmed().toString();
         const QString key = lists::normalisedLittera(trimmed);
         if (roadWorks || lists::CapitalString(heading)) {
             // A work phase; the road works' caption only opens their block.

@@ -165,8 +165,8 @@ QString listKindOf(int window, int index) {
 }
 
 // A cell as one line, for keys and short texts.
-QString oneLine(const QString& text) {
-    QString out = text;
+QString oneLine(QStringView text) {
+    QString out = text.toString();
     out.replace(QLatin1String("\r\n"), QLatin1String(" "));
     out.replace(QLatin1Char('\n'), QLatin1Char(' '));
     out.replace(QLatin1Char('\r'), QLatin1Char(' '));
@@ -251,22 +251,22 @@ KeyedRows keyRows(const lists::ListModel& list, ChangeSource source) {
 QString rowName(const lists::ListModel& list, const KeyedRows& keyed, int r, ChangeSource source) {
     const int heading = headingColumnOf(source);
     auto pathPart = [&](int row) {
-        const QString littera = list.cell(row, 1).trimmed();
-        return littera.isEmpty() ? oneLine(list.cell(row, heading)) : littera;
+        const QString littera = list.cell(row, 1).trimmed().toString();
+        return littera.isEmpty() ? oneLine(list.cell(row, heading).toString()) : littera;
     };
     QStringList parts;
     const int level = ListViewCaption(list, r, heading).level;
     if (keyed.caption[r - 1] > 0) parts << pathPart(keyed.caption[r - 1]);
     if (keyed.subcaption[r - 1] > 0) parts << pathPart(keyed.subcaption[r - 1]);
-    const QString littera = list.cell(r, 1).trimmed();
-    QString own = oneLine(list.cell(r, heading));
+    const QString littera = list.cell(r, 1).trimmed().toString();
+    QString own = oneLine(list.cell(r, heading).toString());
     if (level > 0) {
         if (!littera.isEmpty()) own = littera + QLatin1Char(' ') + own;
     } else if (source == ChangeSource::Requirement) {
-        const QString number = list.cell(r, lists::requirementCol::kNumber).trimmed();
+        const QString number = list.cell(r, lists::requirementCol::kNumber).trimmed().toString();
         if (!number.isEmpty()) own = own.isEmpty() ? number : number + QLatin1Char(' ') + own;
     }
-    if (own.isEmpty()) own = oneLine(list.cell(r, lists::BlankListItem(list, r).firstNonBlankCol));
+    if (own.isEmpty()) own = oneLine(list.cell(r, lists::BlankListItem(list, r).firstNonBlankCol).toString());
     parts << own;
     return parts.join(QStringLiteral(" / "));
 }
@@ -375,8 +375,8 @@ std::vector<Step> reportOrder(const Pairing& p, const std::vector<Key>& older,
 
 // The row amount of the cost estimate: quantity x unit price when both are given.
 float rowCost(const lists::ListModel& list, int r) {
-    const QString& quantity = list.cell(r, lists::quantityCol::kQuantity);
-    const QString& price = list.cell(r, lists::quantityCol::kUnitPrice);
+    const QStringView quantity = list.cell(r, lists::quantityCol::kQuantity);
+    const QStringView price = list.cell(r, lists::quantityCol::kUnitPrice);
     if (lists::BlankString(quantity) || lists::BlankString(price)) return 0;
     return static_cast<float>(CustomVal(quantity) * CustomVal(price));
 }
@@ -409,8 +409,9 @@ void compareList(const lists::ListModel& older, const lists::ListModel& newer, C
             if (c.newRow > 0) c.newCost = rowCost(newer, c.newRow);
         }
         auto cells = [](const lists::ListModel& list, int row) {
-            const QStringList& all = list.row(row).cells;
-            return all.mid(0, list.lastDataCol());
+            QStringList all = list.row(row).cells.toStringList();
+            all.resize(std::min<qsizetype>(all.size(), list.lastDataCol()));
+            return all;
         };
         if (s.newIndex < 0) {
             c.kind = ChangeKind::Removed;
@@ -431,7 +432,7 @@ void compareList(const lists::ListModel& older, const lists::ListModel& newer, C
             c.key = rowName(newer, b, c.newRow, source);
             if (source == ChangeSource::Requirement) {
                 // The mark by its first letter: "K" fulfilled, "E" not, anything else not inspected.
-                auto mark = [](const QString& text) {
+                auto mark = [](QStringView text) {
                     const QChar c = text.isEmpty() ? QChar() : text.front();
                     return c == u'K' || c == u'E' ? c : QChar();
                 };
@@ -549,7 +550,7 @@ PhaseSums phaseSums(const lists::ListModel& list) {
     for (int r = 1; r <= list.rows(); ++r) {
         const CaptionInfo caption = ListViewCaption(list, r, lists::quantityCol::kWorkPhase);
         if (caption.level == 1) {
-            const QString littera = list.cell(r, 1).trimmed();
+            const QString littera = list.cell(r, 1).trimmed().toString();
             const QString key = littera.isEmpty() ? oneLine(caption.text).toUpper() : littera;
             auto it = index.find(key);
             if (it == index.end()) {

@@ -21,7 +21,7 @@ using namespace lists::requirementCol;
 const QString kCrLf = QStringLiteral("\r\n");
 
 // Drop-down values are known by their first character ("1 (siltakohtainen)", "Kyllä").
-QChar firstChar(const QString& text) {
+QChar firstChar(QStringView text) {
     return text.isEmpty() ? QChar() : text.front();
 }
 
@@ -49,11 +49,11 @@ QString typeLine(const QString& label, int count, int checked) {
 
 CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn) {
     CaptionInfo info;
-    const QString& littera = list.cell(row, kLittera);
-    const QString& text = list.cell(row, captionColumn);
+    const QStringView littera = list.cell(row, kLittera);
+    const QStringView text = list.cell(row, captionColumn);
     const bool roadWorks = text == lists::kRoadWorksCaption;
     if (!roadWorks && lists::BlankString(littera)) return info;
-    info.littera = littera.isEmpty() ? QStringLiteral(" ") : littera;
+    info.littera = littera.isEmpty() ? QStringView(u" ") : littera;
     info.text = text;
     info.level = roadWorks || lists::CapitalString(text) ? 1 : 2;
     return info;
@@ -74,8 +74,8 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
         rec.groupRealized[subSlot] = subRealized;
     };
     const auto openGroup = [&rec](const CaptionInfo& caption) {
-        rec.groupLittera.push_back(caption.littera);
-        rec.groupText.push_back(caption.text);
+        rec.groupLittera.push_back(caption.littera.toString());
+        rec.groupText.push_back(caption.text.toString());
         rec.groupMax.push_back(0);
         rec.groupRealized.push_back(0);
         rec.longestGroupText = std::max(rec.longestGroupText, static_cast<int>(caption.text.size()));

@@ -21,8 +21,9 @@ namespace calc {
 // ordinary case), level 0 any other row (littera and text then empty).
 struct CaptionInfo {
     int level = 0;
-    QString littera; // column 1, or " " when that is empty
-    QString text;    // the caption column's text
+    // Views into the list's cells, valid while the row is unchanged.
+    QStringView littera; // column 1, or " " when that is empty
+    QStringView text;    // the caption column's text
 };
 
 CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn);

@@ -539,7 +539,7 @@ void Form5::ImportToEditor() {
     if (m_row < 1 || m_row > model->rows()) m_row = 0;
     m_loading = true;
     for (const CardField& f : m_fields) {
-        const QString& value = model->cell(m_row, f.column);
+        const QString value = model->cell(m_row, f.column).toString();
         if (f.longText)
             Text1[f.index]->setText(value);
         else
@@ -552,7 +552,7 @@ void Form5::ImportToEditor() {
     const QString kind = model->kind();
     QString title = platform::applicationTitle() + QStringLiteral(" (") + kind + QLatin1Char(')');
     if (lists::isQualityKind(kind) && m_row > 0 && !lists::BlankString(model->cell(m_row, col::kNumber)))
-        title += QStringLiteral(" - ") + model->cell(m_row, col::kNumber).trimmed();
+        title += QStringLiteral(" - ") + model->cell(m_row, col::kNumber).trimmed().toString();
     setWindowTitle(title);
     // Where the row stands: its place in the list and the work phase it belongs to.
     QStringList status{m_row > 0 ? QStringLiteral("Rivi %1/%2").arg(m_row).arg(model->rows())
@@ -578,7 +578,7 @@ void Form5::EnableControlsForm5() {
     // A type the contractor may not give does not count: the card keeps the rules of the row's
     // own type (nothing locks on a refused value) until the type is changed.
     if (const CardField* type = FieldOfColumn(m_fields, col::kType); type && typeRefused())
-        combos[type->index] = model->cell(m_row, col::kType);
+        combos[type->index] = model->cell(m_row, col::kType).toString();
     const CardRules rules = documents::EnableControlsForm5(model->kind(), m_host.appState().ProgramMode,
                                                            combos, static_cast<int>(Text1.size()));
     const bool wasLoading = m_loading;
@@ -616,7 +616,7 @@ bool Form5::typeRefused() const {
     lists::ListModel* model = list();
     return type && model &&
            ContractorTypeRefused(m_host.appState().ProgramMode, model->kind(), type->text(),
-                                 model->cell(m_row, col::kType));
+                                 model->cell(m_row, col::kType).toString());
 }
 
 bool Form5::checkContractorType() {

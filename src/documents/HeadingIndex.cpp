@@ -11,20 +11,20 @@ std::vector<Heading> HeadingsOfList(const lists::ListModel& list) {
     const int e = lists::entryColumn(list);
     const int n = list.rows();
     for (int r = 1; r <= n; ++r) {
-        const QString& littera = list.cell(r, 1);
-        const QString& text = list.cell(r, h);
+        const QStringView littera = list.cell(r, 1);
+        const QStringView text = list.cell(r, h);
         const bool road = text == lists::kRoadWorksCaption;
         if (lists::BlankString(littera) && !road) continue;
-        Heading heading{littera.trimmed(), text.trimmed(), r, list.rowNumberText(r),
-                        road || lists::CapitalString(text) ? 1 : 2};
+        Heading heading{littera.trimmed().toString(), text.trimmed().toString(), r,
+                        list.rowNumberText(r).toString(), road || lists::CapitalString(text) ? 1 : 2};
         // A caption written on several rows: its capital texts below it belong to it.
         if (lists::CapitalString(text)) {
             for (int k = r + 1; k <= n; ++k) {
-                const QString& more = list.cell(k, h);
+                const QStringView more = list.cell(k, h);
                 if (!lists::BlankString(list.cell(k, 1)) || (e > 0 && !lists::BlankString(list.cell(k, e))) ||
                     !lists::CapitalString(more) || more == lists::kRoadWorksCaption)
                     break;
-                heading.text += QLatin1Char(' ') + more.trimmed();
+                heading.text += QLatin1Char(' ') + more.trimmed().toString();
             }
         }
         heading.text.replace(QLatin1String("\r\n"), QLatin1String(" "));

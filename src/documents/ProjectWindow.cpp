@@ -7,6 +7,7 @@
 #include "lists/ListModel.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ui/ListView.h"
+#include "persist/ProjectFile.h"
 #include "persist/WindowRecord.h"
 #include "platform/DroppedFiles.h"
 
@@ -178,7 +179,7 @@ persist::WindowRecord ProjectWindow::toRecord() const {
             list.columns = m->lastDataCol();
             list.rows.reserve(m->rows());
             for (const lists::Row& row : m->allRows())
-                list.rows.push_back(row.cells);
+                list.rows.push_back(row.cells); // shared, not copied
         }
         r.lists.push_back(std::move(list));
     }
@@ -213,16 +214,12 @@ void ProjectWindow::applyRecord(persist::WindowRecord&& record) {
         std::vector<lists::Row> rows;
         rows.reserve(src.rows.size());
         long long number = 0;
-        // The record's rows move into the list: a copy of each would double the memory that
-        // a large project takes while it opens.
-        for (QStringList& cells : src.rows) {
-            lists::Row row;
-            if (cells.size() > keep) cells.resize(keep);
-            row.cells = std::move(cells);
-            while (row.cells.size() < dataCols)
-                row.cells.append(QString());
-            row.cells.append(lists::formatRowNumber(++number));
-            rows.push_back(std::move(row));
+        // Each stored row is let go as soon as its list row exists: holding both would double
+        // the memory that a large project takes while it opens.
+        lists::RowCells::Builder build;
+        for (lists::RowCells& cells : src.rows) {
+            rows.push_back(persist::RowFromRecord(cells, keep, dataCols, ++number, build));
+            cells = lists::RowCells();
         }
         m->reset(std::move(columns), std::move(rows));
     }

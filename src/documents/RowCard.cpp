@@ -39,7 +39,7 @@ constexpr int kAttachmentCombo = requirementCombo(col::kReferenceFile);
 constexpr int kResultCombo = requirementCombo(col::kFulfilled);
 constexpr int kFactorCombo = requirementCombo(col::kFactor);
 
-QChar firstUpper(const QString& text) {
+QChar firstUpper(QStringView text) {
     return text.isEmpty() ? QChar() : text.front().toUpper();
 }
 
@@ -102,8 +102,8 @@ QStringList ComboListItems(const QString& header, const ComboSources& sources) {
         if (const lists::ListModel* parts = sources.bridgeParts)
             for (int r = 1; r <= parts->rows(); ++r)
                 if (!lists::BlankString(parts->cell(r, 1)))
-                    out.append(parts->cell(r, 1) + QStringLiteral(" (") + parts->cell(r, 2) +
-                               QLatin1Char(')'));
+                    out.append(parts->cell(r, 1).toString() + QStringLiteral(" (") +
+                               parts->cell(r, 2).toString() + QLatin1Char(')'));
         return out;
     }
     if (h == QLatin1String("TYYPPI"))
@@ -171,7 +171,7 @@ bool BrowseQualifies(const lists::ListModel& list, int row, int code) {
     if (!lists::isQualityKind(kind)) return !lists::BlankListItem(list, row).blank;
 
     if (code <= browse::Type3 && lists::BlankString(list.cell(row, col::kNumber))) return false;
-    const QString& result = list.cell(row, col::kFulfilled);
+    const QStringView result = list.cell(row, col::kFulfilled);
     switch (code) {
         case browse::Any:
             return true;

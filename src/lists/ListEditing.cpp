@@ -17,7 +17,7 @@ namespace {
 // The requirement type column of both quality kinds.
 constexpr int kTypeColumn = requirementCol::kType;
 
-bool beginsWithOneOrTwo(const QString& text) {
+bool beginsWithOneOrTwo(QStringView text) {
     return text.startsWith(QLatin1Char('1')) || text.startsWith(QLatin1Char('2'));
 }
 
@@ -78,8 +78,9 @@ void setClipboardText(const QString& text) {
 }
 
 // The text of a row number: an unchanged value keeps its text, anything else is rewritten.
-QString numberText(const QString& old, long long value) {
-    return !old.isEmpty() && rowNumberValue(old) == value ? old : formatRowNumber(value);
+std::optional<QString> numberText(QStringView old, long long value) {
+    if (!old.isEmpty() && rowNumberValue(old) == value) return std::nullopt;
+    return formatRowNumber(value);
 }
 
 // Counts of keys added so far, by rank among a fixed sorted set of keys.
@@ -184,11 +185,10 @@ bool insertBeforeSelected(ListModel& list) {
 
     // Renumber in place first, so that the rows copied below stay shared with the list's own.
     list.updateColumn(numberCol,
-                      [&](int, QString& cell) { cell = numberText(cell, finalOf(rowNumberValue(cell))); });
+                      [&](int, QStringView cell) { return numberText(cell, finalOf(rowNumberValue(cell))); });
     auto newRow = [&](int step) {
         Row row;
-        row.cells.resize(numberCol);
-        row.cells[numberCol - 1] = formatRowNumber(newNumber[step]);
+        row.cells.set(numberCol - 1, formatRowNumber(newNumber[step]));
         return row;
     };
     // The new row before the s-th selected row lands s rows below that row's old place.
@@ -377,7 +377,7 @@ void SortByColumn(ListModel& list, int keyColumn) {
         std::vector<QCollatorSortKey> keys;
         keys.reserve(n);
         for (int r = 1; r <= n; ++r)
-            keys.push_back(collator.sortKey(list.cell(r, keyColumn)));
+            keys.push_back(collator.sortKey(list.cell(r, keyColumn).toString()));
         std::stable_sort(order.begin(), order.end(),
                          [&](int x, int y) { return keys[x - 1].compare(keys[y - 1]) < 0; });
     }
@@ -386,11 +386,11 @@ void SortByColumn(ListModel& list, int keyColumn) {
 
 // ---------------------------------------------------------------- clipboard text
 
-QString EncodeClipCell(const QString& cell) {
+QString EncodeClipCell(QStringView cell) {
     if (!cell.contains(QLatin1Char('\r')) && !cell.contains(QLatin1Char('\n')) &&
         !cell.contains(QLatin1Char('\t')))
-        return cell;
-    QString out = cell;
+        return cell.toString();
+    QString out = cell.toString();
     // A lone CR or LF is a line break too; it comes back as CR LF, the program's line break.
     out.replace(QLatin1String("\r\n"), QString(QChar(1)));
     out.replace(QLatin1Char('\r'), QChar(1)).replace(QLatin1Char('\n'), QChar(1));
@@ -489,8 +489,9 @@ bool ListViewCutCopyDelSelection(ListModel& list, int operation, const EditConte
             any = any || !list.cell(r, c).isEmpty();
         if (!any) continue;
         changed = true;
-        list.updateColumn(c, [&](int r, QString& cell) {
-            if (list.isSelected(r)) cell.clear();
+        list.updateColumn(c, [&](int r, QStringView) -> std::optional<QString> {
+            if (list.isSelected(r)) return QString();
+            return std::nullopt;
         });
     }
     return changed;
@@ -515,10 +516,12 @@ bool PasteText(ListModel& list, const QString& clipboardText, const EditContext&
     // The row-number column is never written, even when the text has a cell for it.
     const int lastCol = std::min(size.columns, list.lastDataCol());
     std::vector<Row> rows(size.rows);
+    RowCells::Builder row;
     for (int r = 0; r < size.rows; ++r) {
-        rows[r].cells.resize(list.cols());
         for (int c = 1; c <= lastCol; ++c)
-            rows[r].cells[c - 1] = cells.value(static_cast<qsizetype>(r) * size.columns + c - 1);
+            row.add(cells.value(static_cast<qsizetype>(r) * size.columns + c - 1));
+        row.addEmpty(list.cols() - row.size());
+        rows[r].cells = row.take();
     }
     InsertListViewRows(list, position, std::move(rows), true);
     return true;
@@ -555,12 +558,14 @@ std::vector<Row> convertBlock(int mode, const ListModel& source, int firstRow, i
     const int priceCol =
         options.unitPriceColumn >= 4 && options.unitPriceColumn <= 6 ? options.unitPriceColumn : 0;
     const bool withRemarks = mode % 2 == 0;
+    std::vector<QStringView> cells;
     for (int r = firstRow; r <= last; ++r) {
-        Row row;
-        row.cells.resize(target.cols());
-        auto src = [&](int c) { return c >= 1 && c <= source.lastDataCol() ? source.cell(r, c) : QString(); };
-        auto set = [&](int c, const QString& text) {
-            if (c >= 1 && c <= targetLast) row.cells[c - 1] = text;
+        cells.assign(target.cols(), QStringView());
+        auto src = [&](int c) {
+            return c >= 1 && c <= source.lastDataCol() ? source.cell(r, c) : QStringView();
+        };
+        auto set = [&](int c, QStringView text) {
+            if (c >= 1 && c <= targetLast) cells[c - 1] = text;
         };
         set(1, source.cell(r, 1));
         if (targetKind == kind::QuantityList) {
@@ -577,19 +582,21 @@ std::vector<Row> convertBlock(int mode, const ListModel& source, int firstRow, i
             for (int c = 2; c <= targetLast; ++c)
                 set(c, src(c));
         }
+        Row row;
+        row.cells = RowCells(cells);
         out.push_back(std::move(row));
     }
     // A contractor's additions are advisory requirements.
     if (targetKind == kind::Requirements && options.programMode == 2 && targetLast >= kTypeColumn &&
         beginsWithOneOrTwo(out.front().cells[kTypeColumn - 1]))
-        out.front().cells[kTypeColumn - 1] = QStringLiteral("3");
+        out.front().cells.set(kTypeColumn - 1, u"3");
     return out;
 }
 
 // Whether the target already has the block: a row with its first littera and heading text.
 bool hasBlock(const ListModel& target, const ListModel& source, int firstRow) {
-    const QString& littera = source.cell(firstRow, 1);
-    const QString& heading = source.cell(firstRow, headingColumn(source));
+    const QStringView littera = source.cell(firstRow, 1);
+    const QStringView heading = source.cell(firstRow, headingColumn(source));
     const int h = headingColumn(target);
     for (int r = 1; r <= target.rows(); ++r)
         if (target.cell(r, 1) == littera && target.cell(r, h) == heading) return true;
@@ -659,8 +666,9 @@ public:
     void writeTo(ListModel& target) {
         const std::vector<Row>& rows = m_work.allRows();
         const int c = m_work.cols();
-        auto text = [&](const QString& old, std::size_t i) {
-            return old.isEmpty() ? formatRowNumber(m_numbers[i]) : numberText(old, m_numbers[i]);
+        auto text = [&](QStringView old, std::size_t i) -> std::optional<QString> {
+            if (old.isEmpty()) return formatRowNumber(m_numbers[i]);
+            return numberText(old, m_numbers[i]);
         };
         std::vector<long long> kept;
         std::vector<int> insertAt;
@@ -673,13 +681,11 @@ public:
             }
             insertAt.push_back(static_cast<int>(i) + 1);
             inserted.push_back(rows[i]);
-            inserted.back().cells[c - 1] = text(rows[i].cells[c - 1], i);
+            if (std::optional<QString> renumbered = text(rows[i].cells[c - 1], i))
+                inserted.back().cells.set(c - 1, *renumbered);
         }
-        target.updateColumn(c, [&](int r, QString& cell) {
-            const auto i = static_cast<std::size_t>(kept[r - 1]);
-            const QString renumbered = text(cell, i);
-            if (renumbered != cell) cell = renumbered;
-        });
+        target.updateColumn(
+            c, [&](int r, QStringView cell) { return text(cell, static_cast<std::size_t>(kept[r - 1])); });
         target.spliceRows({}, insertAt, std::move(inserted));
     }
 

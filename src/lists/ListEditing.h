@@ -93,7 +93,7 @@ void SortByColumn(ListModel& list, int keyColumn);
 // ---------------------------------------------------------------- clipboard text
 
 // A cell as it travels on the clipboard: CR LF becomes character 1 and TAB character 2.
-QString EncodeClipCell(const QString& cell);
+QString EncodeClipCell(QStringView cell);
 QString DecodeClipCell(const QString& cell);
 // The littera and data cells of the rows, TAB between cells and CR after each row.
 QString ClipTextOfRows(const ListModel& list, const std::vector<int>& rows);

@@ -17,18 +17,23 @@ namespace {
 const QString kRowNumberHeader = QStringLiteral("Rivi");
 constexpr int kHeaderMargin = 200; // twips beside the header text
 
-// In a list file a cell is one field on one line.
-QString fileField(const QString& text) {
-    // Nearly every cell has none of them and is written as it is, without a copy.
+// In a list file a cell is one field on one line: appends it to `line` with its separators
+// and line breaks (CR LF as one) turned into spaces.
+void appendField(QString& line, QStringView text) {
+    const qsizetype n = text.size();
+    // Nearly every cell has none of them and is appended as it is.
     if (std::none_of(text.cbegin(), text.cend(), [](QChar c) {
             return c == QLatin1Char(';') || c == QLatin1Char('\r') || c == QLatin1Char('\n');
-        }))
-        return text;
-    QString out = text;
-    out.replace(QLatin1String("\r\n"), QLatin1String(" "));
-    for (QChar& c : out)
-        if (c == QLatin1Char(';') || c == QLatin1Char('\r') || c == QLatin1Char('\n')) c = QLatin1Char(' ');
-    return out;
+        })) {
+        line += text;
+        return;
+    }
+    for (qsizetype i = 0; i < n; ++i) {
+        const QChar c = text[i];
+        if (c == QLatin1Char('\r') && i + 1 < n && text[i + 1] == QLatin1Char('\n')) ++i;
+        const bool blank = c == QLatin1Char(';') || c == QLatin1Char('\r') || c == QLatin1Char('\n');
+        line += blank ? QChar(QLatin1Char(' ')) : c;
+    }
 }
 
 QStringList splitFields(const QString& line, const QString& separator) {
@@ -159,11 +164,20 @@ ReadStatus readListBytes(const QByteArray& bytes, const QString& fileName, const
     std::vector<Column> columns = columnsForHeaders(headers, measure);
 
     std::vector<Row> rows(lines.size() - 1);
+    RowCells::Builder cells;
     for (qsizetype i = 1; i < lines.size(); ++i) {
-        QStringList cells = splitFields(lines[i], separator);
-        cells.resize(n); // short lines leave cells empty, extra fields are dropped
-        cells.append(formatRowNumber(i));
-        rows[i - 1].cells = std::move(cells);
+        // Short lines leave cells empty, extra fields are dropped.
+        if (separator.isEmpty()) {
+            if (n > 0) cells.add(lines[i]);
+        } else {
+            for (const QStringView field : QStringView(lines[i]).tokenize(separator)) {
+                if (cells.size() == n) break;
+                cells.add(field);
+            }
+        }
+        cells.addEmpty(n - cells.size());
+        cells.add(formatRowNumber(i));
+        rows[i - 1].cells = cells.take();
     }
     content.columns = std::move(columns);
     content.rows = std::move(rows);
@@ -193,17 +207,17 @@ QStringList listFileLines(const ListModel& list) {
     const int n = list.lastDataCol();
     QStringList lines;
     lines.reserve(list.rows() + 1);
-    QStringList fields;
-    fields.reserve(n);
-    for (int c = 1; c <= n; ++c)
-        fields.append(fileField(list.column(c).header));
-    lines.append(fields.join(QLatin1Char(';')));
-    for (int r = 1; r <= list.rows(); ++r) {
-        fields.clear();
-        for (int c = 1; c <= n; ++c)
-            fields.append(fileField(list.cell(r, c)));
-        lines.append(fields.join(QLatin1Char(';')));
-    }
+    auto addLine = [&](auto field) {
+        QString line;
+        for (int c = 1; c <= n; ++c) {
+            if (c > 1) line += QLatin1Char(';');
+            appendField(line, field(c));
+        }
+        lines.append(line);
+    };
+    addLine([&](int c) { return QStringView(list.column(c).header); });
+    for (int r = 1; r <= list.rows(); ++r)
+        addLine([&](int c) { return list.cell(r, c); });
     return lines;
 }
 
@@ -213,10 +227,10 @@ bool SaveListView(const ListModel& list, const QString& fileName, QString* error
 
 std::vector<CellRef> cellsOutsideCp1252(const ListModel& list) {
     std::vector<CellRef> out;
-    auto check = [&](int r, int c, const QString& text) {
+    auto check = [&](int r, int c, QStringView text) {
         if (platform::isCp1252(text)) return;
         CellRef ref{r, c, {}};
-        platform::toCp1252(text, &ref.characters);
+        platform::toCp1252(text.toString(), &ref.characters);
         out.push_back(ref);
     };
     for (int c = 1; c <= list.lastDataCol(); ++c)

@@ -13,7 +13,7 @@ namespace lists {
 namespace {
 
 // A row-number text exactly as formatRowNumber writes it, and its value.
-bool rowNumberText(const QString& text, long long& value) {
+bool rowNumberText(QStringView text, long long& value) {
     const qsizetype n = text.size();
     if (n < 5 || n > 12 || (n > 5 && text[0] == QLatin1Char('0'))) return false;
     long long v = 0;
@@ -34,7 +34,7 @@ bool changesPositions(const ListChange& c) {
 
 } // namespace
 
-void change::Column::add(int row, const QString& before, const QString& after) {
+void change::Column::add(int row, QStringView before, QStringView after) {
     long long b = 0;
     long long a = 0;
     if (rowNumberText(before, b) && rowNumberText(after, a)) {
@@ -45,7 +45,7 @@ void change::Column::add(int row, const QString& before, const QString& after) {
             shifts.push_back({row, 1, delta});
         return;
     }
-    texts.push_back({row, before, after});
+    texts.push_back({row, before.toString(), after.toString()});
 }
 
 void ListJournal::checkRows(const ListModel& list, int first, int last) {
@@ -72,18 +72,17 @@ void ListJournal::apply(ListModel& list, bool forward) const {
         [&](const change::Column& c) {
             std::size_t t = 0;
             std::size_t s = 0;
-            list.updateColumn(c.column, [&](int r, QString& cell) {
+            list.updateColumn(c.column, [&](int r, QStringView cell) -> std::optional<QString> {
                 while (t < c.texts.size() && c.texts[t].row < r)
                     ++t;
-                if (t < c.texts.size() && c.texts[t].row == r) {
-                    cell = forward ? c.texts[t].after : c.texts[t].before;
-                    return;
-                }
+                if (t < c.texts.size() && c.texts[t].row == r)
+                    return forward ? c.texts[t].after : c.texts[t].before;
                 while (s < c.shifts.size() && c.shifts[s].first + c.shifts[s].count <= r)
                     ++s;
                 if (s < c.shifts.size() && c.shifts[s].first <= r)
-                    cell =
-                        formatRowNumber(rowNumberValue(cell) + (forward ? c.shifts[s].by : -c.shifts[s].by));
+                    return formatRowNumber(rowNumberValue(cell) +
+                                           (forward ? c.shifts[s].by : -c.shifts[s].by));
+                return std::nullopt;
             });
         },
         [&](const change::Splice& c) {

@@ -47,7 +47,7 @@ struct Column {
     std::vector<Shift> shifts;
     bool empty() const { return texts.empty() && shifts.empty(); }
     // Records one changed cell; rows come in ascending order.
-    void add(int row, const QString& before, const QString& after);
+    void add(int row, QStringView before, QStringView after);
 };
 
 // Rows taken out (at their positions before, ascending) and put in (at their positions after,

@@ -7,10 +7,6 @@
 
 namespace lists {
 
-namespace {
-const QString kEmpty;
-}
-
 QString formatRowNumber(long long n) {
     // Every row of a list read from a file gets one: the usual five digits without arg().
     if (n >= 0 && n <= 99999) {
@@ -22,7 +18,7 @@ QString formatRowNumber(long long n) {
     return QStringLiteral("%1").arg(n, 5, 10, QLatin1Char('0'));
 }
 
-long long rowNumberValue(const QString& text) {
+long long rowNumberValue(QStringView text) {
     // Like Val(): leading blanks skipped, digits read up to the first other character.
     long long v = 0;
     qsizetype i = 0;
@@ -75,19 +71,15 @@ void ListModel::setColumnWidth(int c, int width) {
     emit headerDataChanged(Qt::Horizontal, c - 1, c - 1);
 }
 
-const QString& ListModel::emptyCell() {
-    return kEmpty;
-}
-
-void ListModel::setCell(int r, int c, const QString& text) {
+void ListModel::setCell(int r, int c, QStringView text) {
     if (r < 1 || r > rows() || c < 1 || c > cols()) return;
-    QString& target = m_rows[r - 1].cells[c - 1];
-    if (target == text) return;
+    RowCells& cells = m_rows[r - 1].cells;
+    if (cells.value(c - 1) == text) return;
     if (recording()) {
         m_journal->checkRows(*this, r, r);
-        m_journal->add(change::Cell{r, c, target, text});
+        m_journal->add(change::Cell{r, c, cells.value(c - 1).toString(), text.toString()});
     }
-    target = text;
+    cells.set(c - 1, text);
     if (recording())
         m_journal->checkRows(*this, r, r);
     else if (watched())
@@ -96,16 +88,19 @@ void ListModel::setCell(int r, int c, const QString& text) {
     emit dataChanged(i, i, {Qt::DisplayRole});
 }
 
-void ListModel::updateColumn(int c, const std::function<void(int r, QString& cell)>& fn) {
+void ListModel::updateColumn(int c,
+                             const std::function<std::optional<QString>(int r, QStringView cell)>& fn) {
     if (c < 1 || c > cols() || m_rows.empty()) return;
     if (recording() || watched()) {
         change::Column edit;
         edit.column = c;
         for (int r = 1; r <= rows(); ++r) {
-            QString& cell = m_rows[r - 1].cells[c - 1];
-            const QString before = cell;
-            fn(r, cell);
-            if (cell != before) edit.add(r, before, cell);
+            RowCells& cells = m_rows[r - 1].cells;
+            const QStringView before = cells.value(c - 1);
+            std::optional<QString> after = fn(r, before);
+            if (!after || *after == before) continue;
+            edit.add(r, before, *after);
+            cells.set(c - 1, *after);
         }
         if (!edit.empty()) {
             if (recording()) {
@@ -117,17 +112,16 @@ void ListModel::updateColumn(int c, const std::function<void(int r, QString& cel
             }
         }
     } else {
-        for (int r = 1; r <= rows(); ++r)
-            fn(r, m_rows[r - 1].cells[c - 1]);
+        for (int r = 1; r <= rows(); ++r) {
+            RowCells& cells = m_rows[r - 1].cells;
+            if (std::optional<QString> after = fn(r, cells.value(c - 1))) cells.set(c - 1, *after);
+        }
     }
     emit dataChanged(index(0, c - 1), index(rows() - 1, c - 1), {Qt::DisplayRole});
 }
 
 void ListModel::normalise(Row& row) const {
-    const qsizetype n = cols();
-    if (row.cells.size() > n) row.cells.resize(n);
-    while (row.cells.size() < n)
-        row.cells.append(QString());
+    row.cells.resize(cols());
 }
 
 void ListModel::reset(std::vector<Column> columns, std::vector<Row> rows) {
@@ -426,15 +420,15 @@ int ListModel::columnCount(const QModelIndex& parent) const {
 QVariant ListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rows() || index.column() >= cols()) return {};
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
-        const QString& t = m_rows[index.row()].cells[index.column()];
+        const QStringView t = m_rows[index.row()].cells.value(index.column());
         if (role == Qt::DisplayRole && (t.contains(QLatin1Char('\r')) || t.contains(QLatin1Char('\n')))) {
-            QString shown = t;
+            QString shown = t.toString();
             shown.replace(QLatin1String("\r\n"), QLatin1String(" "));
             shown.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
             return shown;
         }
         if (role == Qt::ToolTipRole && t.size() < 40) return {};
-        return t;
+        return t.toString();
     }
     return {};
 }

@@ -5,12 +5,15 @@
 // Rows and columns are numbered from 1 in this interface, as the list procedures count them;
 // column 1 is the littera and the last column, "Rivi", holds the row number as five digits.
 // The class is also the Qt item model that list views show (0-based, as Qt counts).
+#include "lists/RowCells.h"
+
 #include <QAbstractTableModel>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace lists {
@@ -25,8 +28,8 @@ struct Column {
 };
 
 struct Row {
-    QStringList cells; // one per column, "Rivi" last
-    QString tag;       // an invisible text per row (the cost estimate's caption subtotals)
+    RowCells cells; // one per column, "Rivi" last
+    QString tag;    // an invisible text per row (the cost estimate's caption subtotals)
     bool selected = false;
 };
 
@@ -57,19 +60,20 @@ public:
     int rows() const { return static_cast<int>(m_rows.size()); }
     const Row& row(int r) const { return m_rows[r - 1]; }
     const std::vector<Row>& allRows() const { return m_rows; }
-    // The cell text; an empty text outside the list. Inline: the calculations call it for
-    // every cell they read.
-    const QString& cell(int r, int c) const {
-        if (r < 1 || r > rows() || c < 1) return emptyCell();
-        const QStringList& cells = m_rows[r - 1].cells;
-        return c > cells.size() ? emptyCell() : cells[c - 1];
+    // The cell text; an empty text outside the list. The view is valid until the row
+    // changes. Inline: the calculations call it for every cell they read.
+    const QStringView cell(int r, int c) const {
+        if (r < 1 || r > rows() || c < 1) return {};
+        return m_rows[r - 1].cells.value(c - 1);
     }
-    void setCell(int r, int c, const QString& text);
-    const QString& text(int r) const { return cell(r, 1); }
-    const QString& rowNumberText(int r) const { return cell(r, cols()); }
-    // Rewrites column `c` of every row through `fn` (1-based row, the cell to change) and
-    // tells the views once: renumbering touches every row and must not signal per cell.
-    void updateColumn(int c, const std::function<void(int r, QString& cell)>& fn);
+    void setCell(int r, int c, QStringView text);
+    void setCell(int r, int c, const QString& text) { setCell(r, c, QStringView(text)); }
+    QStringView text(int r) const { return cell(r, 1); }
+    QStringView rowNumberText(int r) const { return cell(r, cols()); }
+    // Rewrites column `c` of every row through `fn` (1-based row, the cell's text), which gives
+    // the new text or nothing to keep it, and tells the views once: renumbering touches every
+    // row and must not signal per cell.
+    void updateColumn(int c, const std::function<std::optional<QString>(int r, QStringView cell)>& fn);
     const QString& rowTag(int r) const { return m_rows[r - 1].tag; }
     void setRowTag(int r, const QString& tag) { m_rows[r - 1].tag = tag; }
 
@@ -131,7 +135,6 @@ signals:
     void kindChanged();
 
 private:
-    static const QString& emptyCell();
     friend class ListStep;
     friend class ListEdit;
     void normalise(Row& row) const;
@@ -157,6 +160,6 @@ private:
 // "00001" for 1: the five-digit row-number text.
 QString formatRowNumber(long long n);
 // The numeric value of a row-number text; 0 for an empty or non-numeric one.
-long long rowNumberValue(const QString& text);
+long long rowNumberValue(QStringView text);
 
 } // namespace lists

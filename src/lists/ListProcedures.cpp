@@ -80,9 +80,9 @@ int ListViewHotSubItem(const ListModel& list) {
     return headingColumn(list) - 1;
 }
 
-QString normalisedLittera(const QString& littera) {
-    if (littera.size() != 6) return littera;
-    return littera.left(5) + QLatin1Char('0') + littera.right(1);
+QString normalisedLittera(QStringView littera) {
+    if (littera.size() != 6) return littera.toString();
+    return littera.left(5).toString() + QLatin1Char('0') + littera.right(1).toString();
 }
 
 // ---------------------------------------------------------------- row numbers
@@ -102,12 +102,11 @@ long long CurrentRowNumber(const ListModel& list, int position) {
 
 void UpdateRowNumbers(ListModel& list, long long number) {
     const QString numberText = formatRowNumber(number);
-    list.updateColumn(list.cols(), [&](int, QString& cell) {
+    list.updateColumn(list.cols(), [&](int, QStringView cell) -> std::optional<QString> {
         const long long v = rowNumberValue(cell);
-        if (v == 0)
-            cell = numberText;
-        else if (v >= number)
-            cell = formatRowNumber(v + 1);
+        if (v == 0) return numberText;
+        if (v >= number) return formatRowNumber(v + 1);
+        return std::nullopt;
     });
 }
 
@@ -127,18 +126,17 @@ int InsertListViewRows(ListModel& list, int position, std::vector<Row> rows, boo
         // the first insertion and moved up with each later one. With N = 0 (the row at the
         // position had no number) every new and empty number stays 0 and all others move up.
         const long long first = CurrentRowNumber(list, position);
-        list.updateColumn(n, [&](int, QString& cell) {
+        list.updateColumn(n, [&](int, QStringView cell) -> std::optional<QString> {
             const long long v = rowNumberValue(cell);
-            if (v == 0)
-                cell = formatRowNumber(first == 0 ? 0 : first + k - 1);
-            else if (v >= first)
-                cell = formatRowNumber(v + k);
+            if (v == 0) return formatRowNumber(first == 0 ? 0 : first + k - 1);
+            if (v >= first) return formatRowNumber(v + k);
+            return std::nullopt;
         });
         for (int i = 0; i < k; ++i)
-            rows[i].cells[n - 1] = formatRowNumber(first == 0 ? 0 : first + i);
+            rows[i].cells.set(n - 1, formatRowNumber(first == 0 ? 0 : first + i));
     } else if (n > 0) {
         for (Row& row : rows)
-            row.cells[n - 1].clear();
+            row.cells.set(n - 1, {});
     }
     list.insertRowsAt(position, std::move(rows));
     return position;
@@ -159,8 +157,8 @@ CaptionInfo FindCaption(const ListModel& list, int startRow) {
     const int n = list.rows();
 
     for (int r = std::min(startRow, n); r >= 1; --r) {
-        const QString& littera = list.cell(r, 1);
-        const QString& heading = list.cell(r, h);
+        const QStringView littera = list.cell(r, 1);
+        const QStringView heading = list.cell(r, h);
         const bool hasLittera = !BlankString(littera);
         if (heading == kRoadWorksCaption || (hasLittera && CapitalString(heading))) {
             out.captionRow = r;
@@ -168,23 +166,23 @@ CaptionInfo FindCaption(const ListModel& list, int startRow) {
         }
         if (out.subcaptionRow == 0 && hasLittera) {
             out.subcaptionRow = r;
-            out.subcaptionLittera = littera;
-            out.subcaptionText = heading;
-            if (out.detailText.isEmpty()) out.detailText = list.cell(r, d);
+            out.subcaptionLittera = littera.toString();
+            out.subcaptionText = heading.toString();
+            if (out.detailText.isEmpty()) out.detailText = list.cell(r, d).toString();
         }
         if (out.subcaptionRow == 0 && out.entryRow == 0 && !BlankString(list.cell(r, e))) {
             out.entryRow = r;
-            out.detailText = list.cell(r, d);
-            out.entryText = heading;
+            out.detailText = list.cell(r, d).toString();
+            out.entryText = heading.toString();
         }
     }
 
     // A block continues while the rows below have neither a littera nor an entry.
     auto continues = [&](int r) { return BlankString(list.cell(r, 1)) && BlankString(list.cell(r, e)); };
     if (out.captionRow > 0) {
-        out.captionLittera = list.cell(out.captionRow, 1);
-        out.captionText = list.cell(out.captionRow, h);
-        if (out.detailText.isEmpty()) out.detailText = list.cell(out.captionRow, d);
+        out.captionLittera = list.cell(out.captionRow, 1).toString();
+        out.captionText = list.cell(out.captionRow, h).toString();
+        if (out.detailText.isEmpty()) out.detailText = list.cell(out.captionRow, d).toString();
         out.captionRows = 1;
         for (int r = out.captionRow + 1; r <= n && continues(r); ++r) {
             out.captionText += list.cell(r, h);
@@ -207,8 +205,8 @@ CaptionInfo FindCaption(const ListModel& list, int startRow) {
 int InsertCaption(ListModel& target, int position, const ListModel& source, int firstRow, int rowCount) {
     const int last = std::min(firstRow + rowCount - 1, source.rows());
     if (firstRow < 1 || last < firstRow) return 0;
-    const QString& littera = source.cell(firstRow, 1);
-    const QString& name = source.cell(firstRow, 2);
+    const QStringView littera = source.cell(firstRow, 1);
+    const QStringView name = source.cell(firstRow, 2);
     bool hasLittera = false;
     bool hasName = false;
     for (int r = 1; r <= target.rows() && !(hasLittera && hasName); ++r) {
@@ -220,10 +218,10 @@ int InsertCaption(ListModel& target, int position, const ListModel& source, int 
     const int m = std::min(source.lastDataCol(), target.lastDataCol());
     std::vector<Row> block(last - firstRow + 1);
     for (int r = firstRow; r <= last; ++r) {
-        QStringList& cells = block[r - firstRow].cells;
-        cells.reserve(target.cols());
+        RowCells::Builder cells;
         for (int c = 1; c <= m; ++c)
-            cells.append(source.cell(r, c));
+            cells.add(source.cell(r, c));
+        block[r - firstRow].cells = cells.take();
     }
     const int count = static_cast<int>(block.size());
     InsertListViewRows(target, position, std::move(block), true);
@@ -251,10 +249,10 @@ int LocateRow(const ListModel& target, const ListModel& source, int position, in
     const int sh = headingColumn(source);
     const int h = headingColumn(target);
     const int n = target.rows();
-    const QString captionLittera = captionRow > 0 ? source.cell(captionRow, 1) : QString();
-    const QString captionText = captionRow > 0 ? source.cell(captionRow, sh) : QString();
-    const QString subLittera = subcaptionRow > 0 ? source.cell(subcaptionRow, 1) : QString();
-    const QString subText = subcaptionRow > 0 ? source.cell(subcaptionRow, sh) : QString();
+    const QStringView captionLittera = captionRow > 0 ? source.cell(captionRow, 1) : QStringView();
+    const QStringView captionText = captionRow > 0 ? source.cell(captionRow, sh) : QStringView();
+    const QStringView subLittera = subcaptionRow > 0 ? source.cell(subcaptionRow, 1) : QStringView();
+    const QStringView subText = subcaptionRow > 0 ? source.cell(subcaptionRow, sh) : QStringView();
 
     int anchor = 0;
     if (subcaptionRow > 0) {
@@ -285,7 +283,7 @@ int LocateRow(const ListModel& target, const ListModel& source, int position, in
     if (anchor > 0) {
         const QString subNormalised = normalisedLittera(subLittera);
         for (int j = anchor + 1; j <= n; ++j) {
-            const QString& littera = target.cell(j, 1);
+            const QStringView littera = target.cell(j, 1);
             if (CapitalString(target.cell(j, h)) && !BlankString(littera)) return j;
             if (subcaptionRow > 0 && subNormalised < normalisedLittera(littera)) return j;
             if (subcaptionRow == 0 && !littera.isEmpty()) return j;
@@ -296,7 +294,7 @@ int LocateRow(const ListModel& target, const ListModel& source, int position, in
     // No anchor: place by littera, road works (below "7100") apart from the bridge's phases.
     const bool roadWork = captionLittera < kBridgeLitteraStart;
     for (int j = 1; j <= n; ++j) {
-        const QString& littera = target.cell(j, 1);
+        const QStringView littera = target.cell(j, 1);
         if (roadWork) {
             if (captionLittera < littera && littera < kBridgeLitteraStart) return j;
         } else if (captionLittera < littera || target.cell(j, h) == kRoadWorksCaption ||
@@ -314,44 +312,47 @@ namespace {
 // The class of the row below the gap being counted.
 enum State { CaptionWithLittera = 0, CaptionWithoutLittera = 1, Subcaption = 2, Entry = 3, Remark = 4 };
 
-} // namespace
+// What the formatting changes: blank rows to insert below each row ([0]: at the top) and the
+// blank rows that go.
+struct BlankRowPlan {
+    std::vector<int> insertAfter;
+    std::vector<char> removed;
+    bool changed = false;
+};
 
-bool FormatListView(ListModel& list, int first, int last, const BlankLines& blankLines) {
+// The walk only decides; the rows are rebuilt afterwards in one pass. Walking upward, a
+// change below row i never moves the rows above it, so deciding on the original rows gives
+// what inserting and removing during the walk would.
+BlankRowPlan planBlankRows(const ListModel& list, int first, int last, const BlankLines& blankLines) {
     const int n = list.rows();
-    if (last <= 0 || last > n) last = n;
-    first = std::max(first, 1);
     auto bl = [&](int i) { return std::max(blankLines[i], 0); };
-
     const int h = headingColumn(list);
     const bool quantity = groupOf(list) == ListGroup::Quantity;
 
-    // The walk only decides; the rows are rebuilt afterwards in one pass. Walking upward, a
-    // change below row i never moves the rows above it, so deciding on the original rows
-    // gives what inserting and removing during the walk would.
-    std::vector<int> insertAfter(n + 1, 0); // [0]: blank rows to insert at the top
-    std::vector<char> removed(n + 1, 0);
+    BlankRowPlan plan;
+    plan.insertAfter.assign(n + 1, 0);
+    plan.removed.assign(n + 1, 0);
     std::vector<int> gap; // blank rows of the current gap, bottom first
-    bool changed = false;
 
     // Brings the gap below row i to `wanted`: insertions go directly below row i, removals
     // take the gap's topmost blank rows, as removing at position i + 1 would.
     auto settle = [&](int i, int wanted) {
         const int difference = wanted - static_cast<int>(gap.size());
         if (difference > 0) {
-            insertAfter[i] = difference;
-            changed = true;
+            plan.insertAfter[i] = difference;
+            plan.changed = true;
         } else if (difference < 0) {
             for (int k = 0; k < -difference; ++k)
-                removed[gap[gap.size() - 1 - k]] = 1;
-            changed = true;
+                plan.removed[gap[gap.size() - 1 - k]] = 1;
+            plan.changed = true;
         }
         gap.clear();
     };
 
     int state = Entry;
     for (int i = last; i >= first; --i) {
-        const QString& littera = list.cell(i, 1);
-        const QString& heading = list.cell(i, h);
+        const QStringView littera = list.cell(i, 1);
+        const QStringView heading = list.cell(i, h);
         const bool hasLittera = !BlankString(littera);
         if (CapitalString(heading)) {
             int wanted = bl(1);
@@ -389,22 +390,24 @@ bool FormatListView(ListModel& list, int first, int last, const BlankLines& blan
         }
     }
     if (first == 1) settle(0, bl(5));
-    if (!changed) return false;
+    return plan;
+}
 
-    // The blank rows go and come in one pass. A removed selected row passes its selection on
-    // to the row after it (and that one on, if it goes too); the current row moves along the
-    // same way.
+// The blank rows go and come in one pass. A removed selected row passes its selection on to
+// the row after it (and that one on, if it goes too); the current row moves along the same way.
+void applyBlankRows(ListModel& list, const BlankRowPlan& plan) {
+    const int n = list.rows();
     std::vector<int> removeAt;
     std::vector<int> insertAt;
     std::vector<int> passTo;
     int placed = 0; // rows of the result so far
-    for (int k = 0; k < insertAfter[0]; ++k)
+    for (int k = 0; k < plan.insertAfter[0]; ++k)
         insertAt.push_back(++placed);
     bool passSelection = false;
     bool passCurrent = false;
     int newCurrent = 0;
     for (int i = 1; i <= n; ++i) {
-        if (removed[i]) {
+        if (plan.removed[i]) {
             removeAt.push_back(i);
             passSelection = passSelection || list.isSelected(i);
             passCurrent = passCurrent || i == list.currentRow();
@@ -414,15 +417,27 @@ bool FormatListView(ListModel& list, int first, int last, const BlankLines& blan
         if (passSelection) passTo.push_back(placed);
         if (passCurrent || i == list.currentRow()) newCurrent = placed;
         passSelection = passCurrent = false;
-        for (int k = 0; k < insertAfter[i]; ++k)
+        for (int k = 0; k < plan.insertAfter[i]; ++k)
             insertAt.push_back(++placed);
     }
+    // Every new blank row shares one block of empty cells until it is edited.
     Row blank;
     blank.cells.resize(list.cols());
     list.spliceRows(removeAt, insertAt, std::vector<Row>(insertAt.size(), blank));
     for (int r : passTo)
         list.setSelected(r, true);
     list.setCurrentRow(newCurrent);
+}
+
+} // namespace
+
+bool FormatListView(ListModel& list, int first, int last, const BlankLines& blankLines) {
+    const int n = list.rows();
+    if (last <= 0 || last > n) last = n;
+    first = std::max(first, 1);
+    const BlankRowPlan plan = planBlankRows(list, first, last, blankLines);
+    if (!plan.changed) return false;
+    applyBlankRows(list, plan);
     return true;
 }
 

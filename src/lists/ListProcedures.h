@@ -120,7 +120,7 @@ bool FormatListView(ListModel& list, int first, int last, const BlankLines& blan
 
 // A littera of six characters gets a "0" before its last character (2110.1 -> 2110.01), so
 // that first- and second-decimal litteras sort together.
-QString normalisedLittera(const QString& littera);
+QString normalisedLittera(QStringView littera);
 
 // Where a row stands in its list's caption hierarchy, for the status bar: its caption, its
 // subcaption and its entry, each as the row number and the texts.

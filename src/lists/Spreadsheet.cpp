@@ -195,8 +195,10 @@ std::vector<Row> numberedRows(std::vector<QStringList>::iterator begin,
                               std::vector<QStringList>::iterator end) {
     std::vector<Row> rows(static_cast<std::size_t>(end - begin));
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        rows[i].cells = std::move(begin[static_cast<std::ptrdiff_t>(i)]);
-        rows[i].cells.append(formatRowNumber(static_cast<long long>(i) + 1));
+        QStringList& cells = begin[static_cast<std::ptrdiff_t>(i)];
+        cells.append(formatRowNumber(static_cast<long long>(i) + 1));
+        rows[i].cells = cells;
+        cells = QStringList();
     }
     return rows;
 }
@@ -208,7 +210,7 @@ double exportColumnWidth(const ListModel& list, int c) {
     constexpr qsizetype kWidest = 60;
     qsizetype longest = list.column(c).header.size();
     for (const Row& row : list.allRows()) {
-        const QString text = row.cells.value(c - 1);
+        const QString text = row.cells.value(c - 1).toString();
         if (text.size() <= longest) continue;
         const qsizetype line = text.indexOf(QLatin1Char('\n'));
         longest = std::max(longest, std::min(line < 0 ? text.size() : line, kWidest));
@@ -389,8 +391,8 @@ bool ExportListViewXlsx(const ListModel& list, const QString& fileName, QString*
     };
     for (int r = 1; r <= list.rows(); ++r) {
         for (int c = 1; c <= n; ++c) {
-            const QString& text = list.cell(r, c);
-            if (text.isEmpty()) continue;
+            if (list.cell(r, c).isEmpty()) continue;
+            const QString text = list.cell(r, c).toString();
             if (const std::optional<TypedNumber> number = cellTextNumber(text)) {
                 if (status == LXW_NO_ERROR)
                     status = worksheet_write_number(sheet, r, static_cast<lxw_col_t>(c - 1), number->value,

@@ -55,25 +55,34 @@ std::unique_ptr<lists::ListModel> ListFromRecord(ListRecord&& record, const QStr
     std::vector<lists::Row> rows;
     rows.reserve(record.rows.size());
     long long n = 0;
-    for (QStringList& cells : record.rows) {
-        lists::Row row;
-        row.cells = std::move(cells);
-        while (row.cells.size() < record.columns)
-            row.cells.append(QString());
-        row.cells.append(lists::formatRowNumber(++n));
-        rows.push_back(std::move(row));
+    lists::RowCells::Builder build;
+    for (lists::RowCells& cells : record.rows) {
+        rows.push_back(RowFromRecord(cells, record.columns, record.columns, ++n, build));
+        cells = lists::RowCells(); // each stored row goes as soon as its list row exists
     }
     list->reset(std::move(columns), std::move(rows));
     return list;
+}
+
+lists::Row RowFromRecord(const lists::RowCells& stored, int keep, int dataCols, long long number,
+                         lists::RowCells::Builder& build) {
+    const int n = std::min(static_cast<int>(stored.size()), std::min(keep, dataCols));
+    for (int c = 0; c < n; ++c)
+        build.add(stored[c]);
+    build.addEmpty(dataCols - n);
+    build.add(lists::formatRowNumber(number));
+    lists::Row row;
+    row.cells = build.take();
+    return row;
 }
 
 QStringList PopulateFiles(const lists::ListModel& requirements) {
     QStringList out;
     for (int r = 1; r <= requirements.rows(); ++r) {
         for (int c : {13, 14}) {
-            const QString& cell = requirements.cell(r, c);
+            const QStringView cell = requirements.cell(r, c);
             const bool folder = cell.contains(QLatin1Char('\\')) || cell.contains(QLatin1Char('/'));
-            if (folder && !lists::BlankString(cell) && !out.contains(cell)) out << cell;
+            if (folder && !lists::BlankString(cell) && !out.contains(cell)) out << cell.toString();
         }
     }
     return out;

@@ -1,5 +1,6 @@
 #pragma once
 // Reading and writing whole project files: the container and its text member together.
+#include "lists/ListModel.h"
 #include "persist/ProjectText.h"
 #include "persist/SlContainer.h"
 
@@ -32,6 +33,10 @@ ListRecord TakeRecordList(ProjectContent& content, int window, int j);
 std::unique_ptr<lists::ListModel> ListFromRecord(const ListRecord& record, const QString& kind);
 // The same from a record that is no longer needed: its rows move into the list.
 std::unique_ptr<lists::ListModel> ListFromRecord(ListRecord&& record, const QString& kind);
+// A list's row from a stored row: its first `keep` cells, empty ones up to `dataCols`, then the
+// row number. `build` is reused from row to row.
+lists::Row RowFromRecord(const lists::RowCells& stored, int keep, int dataCols, long long number,
+                         lists::RowCells::Builder& build);
 
 // The files the requirement list refers to (columns 13 and 14 holding a folder), each once.
 QStringList PopulateFiles(const lists::ListModel& requirements);

@@ -10,25 +10,25 @@ namespace persist {
 namespace {
 const QString kPath = QStringLiteral("{PATH}");
 
-bool isBlank(const QString& s) {
+bool isBlank(QStringView s) {
     for (QChar c : s)
         if (c != QLatin1Char(' ')) return false;
     return true;
 }
 
-bool holdsFolder(const QString& s) {
+bool holdsFolder(QStringView s) {
     return s.contains(QLatin1Char('\\')) || s.contains(QLatin1Char('/'));
 }
 
-QString fileNameOnly(const QString& path) {
+QStringView fileNameOnly(QStringView path) {
     const qsizetype s = std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
     return path.mid(s + 1);
 }
 } // namespace
 
-int EvaluateNRows(const QString& text) {
+int EvaluateNRows(QStringView text) {
     if (text.isEmpty()) return 0;
-    return 1 + static_cast<int>(text.count(QLatin1String("\r\n")));
+    return 1 + static_cast<int>(text.count(u"\r\n"));
 }
 
 void RecordWriter::line(QStringView text) {
@@ -43,7 +43,7 @@ void RecordWriter::count(long long n) {
     m_bytes.append("\r\n", 2);
 }
 
-void RecordWriter::value(const QString& text) {
+void RecordWriter::value(QStringView text) {
     const int n = EvaluateNRows(text);
     count(n);
     // The lines of a value are its parts between CR LF pairs: the text as it is, then CR LF.
@@ -220,12 +220,13 @@ void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOpt
     for (std::size_t j = 0; j < record.lists.size(); ++j) {
         const ListRecord& list = record.lists[j];
         out.line(QStringLiteral("%1,%2").arg(list.rows.size()).arg(list.columns));
-        for (const QStringList& row : list.rows) {
+        for (const lists::RowCells& row : list.rows) {
             for (int c = 1; c <= list.columns; ++c) {
-                QString cell = c <= row.size() ? row[c - 1] : QString();
+                const QStringView cell = row.value(c - 1);
                 if (pathOption && j == 1 && (c == 13 || c == 14) && holdsFolder(cell) && !isBlank(cell))
-                    cell = kPath + fileNameOnly(cell);
-                out.value(cell);
+                    out.value(kPath + fileNameOnly(cell).toString());
+                else
+                    out.value(cell);
             }
         }
     }
@@ -233,7 +234,7 @@ void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOpt
 
 qsizetype RecordSize(const WindowRecord& record) {
     // A value is its count line (one digit and CR LF) and, when not empty, its text and CR LF.
-    auto value = [](const QString& text) { return 3 + (text.isEmpty() ? 0 : text.size() + 2); };
+    auto value = [](QStringView text) { return 3 + (text.isEmpty() ? 0 : text.size() + 2); };
     qsizetype size = 3 * 24;
     for (const QString& t : record.texts)
         size += value(t);
@@ -241,7 +242,7 @@ qsizetype RecordSize(const WindowRecord& record) {
         size += value(c);
     for (const ListRecord& list : record.lists) {
         size += 24;
-        for (const QStringList& row : list.rows)
+        for (const lists::RowCells& row : list.rows)
             for (int c = 0; c < list.columns; ++c)
                 size += c < row.size() ? value(row[c]) : 3;
     }
@@ -278,18 +279,16 @@ bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& dir
         if (list.columns == 0) rows = 0;
         list.rows.reserve(rows);
         std::vector<RecordReader::Repeated> above(static_cast<std::size_t>(list.columns));
+        lists::RowCells::Builder row;
         for (int k = 0; k < rows; ++k) {
-            QStringList row;
-            // Room for the row number that a list made of the record adds.
-            row.reserve(list.columns + 1);
             for (int c = 1; c <= list.columns; ++c) {
                 QString v;
                 if (!in.value(v, above[static_cast<std::size_t>(c - 1)])) return false;
                 if (!directory.isEmpty() && j == 1 && (c == 13 || c == 14) && v.startsWith(kPath))
                     v = directory + v.mid(kPath.size());
-                row.append(v);
+                row.add(v);
             }
-            list.rows.push_back(std::move(row));
+            list.rows.push_back(row.take());
         }
         r.lists.push_back(std::move(list));
     }

@@ -2,6 +2,7 @@
 // The record in which a project window stores its controls: the Text1 texts, the Combo1 edit
 // texts and the lists, each value preceded by its line count. Line-oriented text in
 // Windows-1252 with CR LF.
+#include "lists/RowCells.h"
 #include "platform/ReadError.h"
 
 #include <QByteArray>
@@ -14,9 +15,9 @@ namespace persist {
 struct ListRecord {
     int columns = 0; // stored columns: the littera and the data columns, not "Rivi"
     // Only the first `columns` cells of a row are stored (missing ones as empty). A row taken
-    // from a list keeps its row number after them, so the record shares the list's cells
-    // instead of copying them.
-    std::vector<QStringList> rows;
+    // from a list keeps its row number after them, so the record shares the list's row block
+    // instead of copying it.
+    std::vector<lists::RowCells> rows;
 };
 
 struct WindowRecord {
@@ -36,7 +37,7 @@ public:
     void count(long long n);
     // A value: its line count (0 for an empty value, else 1 + the CR LF pairs in it), then
     // its lines.
-    void value(const QString& text);
+    void value(QStringView text);
     // Room for this many bytes more, so that a long member is written without moving.
     void reserve(qsizetype more) { m_bytes.reserve(m_bytes.size() + more); }
     const QByteArray& bytes() const { return m_bytes; }
@@ -60,9 +61,9 @@ public:
     bool count(int& out, int maximum);
     bool pair(int& first, int& second, int maxFirst, int maxSecond); // "12,16"
     bool value(QString& out);
-    // A list cell: a one-line value with the same bytes as `last` (the cell above it) shares
-    // last's text instead of holding a copy of its own. Units, types and weights repeat row
-    // after row, so a large list then takes a fraction of the memory; the texts are the same.
+    // A list cell: a one-line value with the same bytes as `last` (the cell above it) takes
+    // last's text instead of decoding the bytes again. Units, types and weights repeat row
+    // after row.
     struct Repeated {
         const char* bytes = nullptr;
         qsizetype length = -1;
@@ -92,7 +93,7 @@ private:
 };
 
 // The line count of a value: 0 for an empty text, else 1 + the number of CR LF pairs.
-int EvaluateNRows(const QString& text);
+int EvaluateNRows(QStringView text);
 
 // Writes a window record. With `pathOption`, the cells of list 1 in columns 13 and 14 that
 // hold a folder are written as "{PATH}" + the file name alone.

@@ -74,7 +74,7 @@ void appendCp1252(QByteArray& out, QStringView text, QString* unencodable) {
     out.truncate(n);
 }
 
-bool isCp1252(const QString& text) {
+bool isCp1252(QStringView text) {
     for (QChar c : text)
         if (encodeChar(c.unicode()) < 0) return false;
     return true;

@@ -16,6 +16,6 @@ QByteArray toCp1252(const QString& text, QString* unencodable = nullptr);
 void appendCp1252(QByteArray& out, QStringView text, QString* unencodable = nullptr);
 
 // True when every character of the text has a Windows-1252 byte.
-bool isCp1252(const QString& text);
+bool isCp1252(QStringView text);
 
 } // namespace platform

@@ -220,7 +220,7 @@ void drawTable(PrintRun& run, Surface& s, const CardLayout& layout, const CardPl
             break;
         }
         for (int c = 0; c < columns; ++c)
-            cell(layout.tableColumns[c], y, list->cell(r, c + 1), 10, false);
+            cell(layout.tableColumns[c], y, list->cell(r, c + 1).toString(), 10, false);
         y += lh;
     }
 }

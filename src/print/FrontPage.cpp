@@ -156,8 +156,8 @@ void printPartsAndParties(const Front& f, const Parties& parties, double top, do
     std::vector<Line> parts{{QStringLiteral("Rakenneosien numerointi"), true}};
     if (const lists::ListModel* list = f.src.parts) {
         for (int r = 1; r <= list->rows(); ++r) {
-            const QString number = list->cell(r, 1).trimmed();
-            const QString partName = list->cell(r, 2).trimmed();
+            const QString number = list->cell(r, 1).trimmed().toString();
+            const QString partName = list->cell(r, 2).trimmed().toString();
             if (!number.isEmpty() || !partName.isEmpty())
                 parts.push_back({number + QStringLiteral("  ") + partName});
         }

@@ -12,8 +12,8 @@ namespace {
 QString captionTitle(const lists::ListModel& list, int row, int textColumn) {
     const calc::CaptionInfo c = calc::ListViewCaption(list, row, textColumn);
     if (c.level != 1) return QString();
-    const QString littera = c.littera.trimmed();
-    const QString text = c.text.trimmed();
+    const QString littera = c.littera.trimmed().toString();
+    const QString text = c.text.trimmed().toString();
     return littera.isEmpty() ? text : littera + QLatin1Char(' ') + text;
 }
 

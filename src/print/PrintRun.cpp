@@ -158,7 +158,8 @@ double PrintRun::quantityLitteraWidth() {
     const Font body{m_settings.PrinterFont, 11};
     if (const lists::ListModel* list = m_source.quantities)
         for (int r = 1; r <= list->rows(); ++r)
-            m_litteraWidth = std::max(m_litteraWidth, m_fonts.width(body, list->cell(r, 1).trimmed()));
+            m_litteraWidth =
+                std::max(m_litteraWidth, m_fonts.width(body, list->cell(r, 1).toString().trimmed()));
     return m_litteraWidth;
 }
 

@@ -119,7 +119,7 @@ public:
     void PrintQualityData1(int row, double& y) {
         y += 40 * m_m.ScaleY;
         m_s.setFont(m_run.font(11));
-        text(m_grid[1], y, list().cell(row, kLittera).trimmed());
+        text(m_grid[1], y, list().cell(row, kLittera).toString().trimmed());
         const double x = m_grid[52];
         QStringList lines = m_run.wrap(captionText(row), 11, m_m.right() - x);
         if (lines.isEmpty()) lines.append(QString());
@@ -220,8 +220,8 @@ public:
                          {7, value(row, kLower)},
                          {9, value(row, kUpper)},
                          {11, value(row, kUnit)},
-                         {13, QString(firstUpper(l.cell(row, kType)))},
-                         {15, QString(firstUpper(l.cell(row, kMethod)))},
+                         {13, QString(firstUpper(l.cell(row, kType).toString()))},
+                         {15, QString(firstUpper(l.cell(row, kMethod).toString()))},
                          {17, value(row, kWeight)},
                          {19, value(row, kReference)}});
     }
@@ -371,16 +371,18 @@ public:
     }
 
 private:
-    QString value(int row, int column) const { return DecimalComma(list().cell(row, column).trimmed()); }
+    QString value(int row, int column) const {
+        return DecimalComma(list().cell(row, column).toString().trimmed());
+    }
 
     // A long text of a requirement with the texts its continuation rows carry in that column,
     // each as a paragraph of its own.
     QString blockText(int row, int column) const {
         const lists::ListModel& l = list();
-        QString text = l.cell(row, column);
+        QString text = l.cell(row, column).toString();
         const int end = RequirementEnd(l, row);
         for (int r = row + 1; r <= end; ++r) {
-            const QString& more = l.cell(r, column);
+            const QStringView more = l.cell(r, column);
             if (lists::BlankString(more)) continue;
             if (!lists::BlankString(text)) text += QLatin1String("\r\n");
             text += more;
@@ -391,11 +393,11 @@ private:
     // A caption's text and the texts of its continuation rows.
     QString captionText(int row) const {
         const lists::ListModel& l = list();
-        QString text = l.cell(row, kText).trimmed();
+        QString text = l.cell(row, kText).trimmed().toString();
         for (int c = row + 1; c <= l.rows() && lists::BlankString(l.cell(c, kLittera)) &&
                               lists::BlankString(l.cell(c, kNumber)) && !lists::BlankString(l.cell(c, kText));
              ++c)
-            text += QLatin1Char(' ') + l.cell(c, kText).trimmed();
+            text += QLatin1Char(' ') + l.cell(c, kText).toString().trimmed();
         return text;
     }
 
@@ -434,8 +436,8 @@ int RequirementEnd(const lists::ListModel& list, int row) {
 
 ReportCells ReportCellsOf(const lists::ListModel& list, int row) {
     ReportCells cells;
-    const QChar mark = firstUpper(list.cell(row, kFulfilled));
-    const QChar type = firstUpper(list.cell(row, kType));
+    const QChar mark = firstUpper(list.cell(row, kFulfilled).toString());
+    const QChar type = firstUpper(list.cell(row, kType).toString());
     const bool weighted = type == u'1' || type == u'2';
     if (mark == u'K')
         cells.fulfilled = QStringLiteral("Kyllä");
@@ -495,8 +497,8 @@ std::vector<QualityItem> QualityItems(const lists::ListModel& list, int document
 bool PrintBrowseStep(const lists::ListModel& list, int row, int document, const QString& workPhase,
                      const std::vector<QString>& phases) {
     if (lists::BlankString(list.cell(row, kNumber))) return false;
-    const QChar type = firstUpper(list.cell(row, kType));
-    const QChar mark = firstUpper(list.cell(row, kFulfilled));
+    const QChar type = firstUpper(list.cell(row, kType).toString());
+    const QChar mark = firstUpper(list.cell(row, kFulfilled).toString());
     if (document == doc::BridgeRequirements) return type == u'1';
     if (!workPhase.isEmpty() && (row >= static_cast<int>(phases.size()) || phases[row] != workPhase))
         return false;

@@ -66,8 +66,8 @@ RowLines rowLines(PrintRun& run, const Layout& l, int row) {
     const lists::ListModel& list = *quantitiesOf(run);
     RowLines lines;
     if (lists::BlankListItem(list, row).blank) return lines;
-    lines.description = run.wrap(list.cell(row, kWorkPhase), 11, l.descriptionWidth);
-    if (l.remarksWidth > 0) lines.remarks = run.wrap(list.cell(row, kRemarks), 11, l.remarksWidth);
+    lines.description = run.wrap(list.cell(row, kWorkPhase).toString(), 11, l.descriptionWidth);
+    if (l.remarksWidth > 0) lines.remarks = run.wrap(list.cell(row, kRemarks).toString(), 11, l.remarksWidth);
     return lines;
 }
 
@@ -119,16 +119,16 @@ void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, 
     // Every value stays within its cell: between its column and the next one, and right of the
     // description's first line.
     const double gap = kCellGap * m.ScaleX;
-    const QString littera = list.cell(row, kLittera).trimmed();
-    const QString quantity = DecimalComma(list.cell(row, kQuantity).trimmed());
-    const QString unit = list.cell(row, kUnit).trimmed();
+    const QString littera = list.cell(row, kLittera).trimmed().toString();
+    const QString quantity = DecimalComma(list.cell(row, kQuantity).toString().trimmed());
+    const QString unit = list.cell(row, kUnit).trimmed().toString();
     auto cell = [&](double left, double right, const QString& text, CellAlign align) {
         CellText(run, s, left, right, y, text, 11, false, align);
     };
     cell(m.OriginX, l.descriptionX - gap, littera, CellAlign::Left);
     if (document == doc::Quantities) {
         const QuantityColumns c = quantityColumns(m);
-        cell(c.part, c.unit - gap, list.cell(row, kPart), CellAlign::Left);
+        cell(c.part, c.unit - gap, list.cell(row, kPart).toString(), CellAlign::Left);
         cell(c.unit, c.quantity - gap, unit, CellAlign::Left);
         // A quantity may use the remarks' room when the row has none.
         cell(c.quantity, lines.remarks.isEmpty() ? m.right() : c.remarks - gap, quantity, CellAlign::Left);
@@ -136,14 +136,14 @@ void drawRow(PrintRun& run, Surface& s, const Layout& l, int document, int row, 
         return;
     }
     const CostColumns c = costColumns(m);
-    const QString& quantityText = list.cell(row, kQuantity);
-    const QString& unitPriceText = list.cell(row, kUnitPrice);
+    const QStringView quantityText = list.cell(row, kQuantity);
+    const QStringView unitPriceText = list.cell(row, kUnitPrice);
     s.setFont(run.font(11));
     const double descriptionEnd = l.descriptionX + s.textWidth(lines.description.value(0).trimmed());
     cell(std::max(descriptionEnd, l.descriptionX) + gap, c.quantity, quantity, CellAlign::Right);
     // The unit and the unit price share the room from the unit's column to the price's edge; when
     // they do not fit side by side, each takes its share.
-    const QString unitPrice = DecimalComma(unitPriceText.trimmed());
+    const QString unitPrice = DecimalComma(unitPriceText.trimmed().toString());
     const double unitWidth = s.textWidth(unit);
     const double priceWidth = s.textWidth(unitPrice);
     const double room = c.unitPrice - c.unit - gap;

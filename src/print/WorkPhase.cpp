@@ -30,16 +30,16 @@ std::vector<QString> WorkPhaseLines(const lists::ListModel& list) {
     QString current;
     int captionRow = 0;
     for (int r = 1; r <= n; ++r) {
-        const QString& littera = list.cell(r, 1);
-        const QString& heading = list.cell(r, h);
+        const QStringView littera = list.cell(r, 1);
+        const QStringView heading = list.cell(r, h);
         const bool blankLittera = lists::BlankString(littera);
         if (heading == lists::kRoadWorksCaption || (!blankLittera && lists::CapitalString(heading))) {
             // The caption and the heading texts of its continuation rows.
-            QString text = heading;
+            QString text = heading.toString();
             for (int c = r + 1;
                  c <= n && lists::BlankString(list.cell(c, 1)) && lists::BlankString(list.cell(c, e)); ++c)
                 text += list.cell(c, h);
-            current = CaptionLine(littera, text);
+            current = CaptionLine(littera.toString(), text);
             captionRow = r;
         }
         lines[r] = captionRow > 0 ? current : QString();

@@ -77,7 +77,7 @@ void showCompareWindow(MDIForm1& main) {
     for (int j = 0; j < 2; ++j) {
         const lists::ListModel* list = w.f2->list(j);
         for (int r = 1; list && r <= list->rows(); ++r)
-            rowNumbers[j] << list->rowNumberText(r);
+            rowNumbers[j] << list->rowNumberText(r).toString();
     }
     auto* window = new documents::CompareWindow(std::make_unique<ShellCompareHost>(main, w), std::move(open),
                                                 caption.project(), std::move(rowNumbers), std::move(other),

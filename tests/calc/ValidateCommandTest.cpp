@@ -22,9 +22,9 @@ QString sample() {
 
 // The quantity list's rows that enter the estimate (quantity and unit price filled), as cells
 // of the stored record: 0 littera .. 5 unit price.
-std::vector<QStringList*> pricedRows(persist::ProjectContent& content) {
-    std::vector<QStringList*> out;
-    for (QStringList& cells : content.windows[1].lists[0].rows)
+std::vector<lists::RowCells*> pricedRows(persist::ProjectContent& content) {
+    std::vector<lists::RowCells*> out;
+    for (lists::RowCells& cells : content.windows[1].lists[0].rows)
         if (cells.size() > 5 && !cells[3].isEmpty() && !cells[5].isEmpty()) out.push_back(&cells);
     return out;
 }
@@ -56,8 +56,8 @@ TEST(ValidateCommand, ExitStatusSaysWhatWasFound) {
     // A unit after a quantity: the number reads right, so it is only a remark.
     const QString remarks =
         changedSample(dir, QStringLiteral("huomautus.sl"), [](persist::ProjectContent& c) {
-            QStringList& row = *pricedRows(c).at(0);
-            row[3] += QStringLiteral(" m3");
+            lists::RowCells& row = *pricedRows(c).at(0);
+            row.set(3, row[3].toString() + QStringLiteral(" m3"));
         });
     const Result r = run({QStringLiteral("validate"), remarks});
     EXPECT_EQ(r.status, 2) << r.out.toStdString();
@@ -67,14 +67,14 @@ TEST(ValidateCommand, ExitStatusSaysWhatWasFound) {
     // Thousands points and a price in the unit column change the estimate: errors.
     int firstRow = 0;
     const QString errors = changedSample(dir, QStringLiteral("virheet.sl"), [&](persist::ProjectContent& c) {
-        std::vector<QStringList*> rows = pricedRows(c);
+        std::vector<lists::RowCells*> rows = pricedRows(c);
         ASSERT_GE(rows.size(), 3u);
         for (std::size_t i = 0; i < c.windows[1].lists[0].rows.size(); ++i)
             if (&c.windows[1].lists[0].rows[i] == rows[0]) firstRow = static_cast<int>(i) + 1;
-        (*rows[0])[3] = QStringLiteral("1.200,50");
-        (*rows[1])[3] = QStringLiteral("n. 40");
-        (*rows[2])[4] = (*rows[2])[5];
-        (*rows[2])[5].clear();
+        rows[0]->set(3, u"1.200,50");
+        rows[1]->set(3, u"n. 40");
+        rows[2]->set(4, (*rows[2])[5]);
+        rows[2]->set(5, {});
     });
     const Result e = run({QStringLiteral("validate"), errors});
     EXPECT_EQ(e.status, 3);
@@ -119,9 +119,8 @@ TEST(ValidateCommand, ExitStatusSaysWhatWasFound) {
         // Remarks are not counted.
         EXPECT_TRUE(run({QString::fromLatin1(command), remarks}).err.isEmpty()) << command;
     }
-    const QString one = changedSample(dir, QStringLiteral("yksi.sl"), [](persist::ProjectContent& c) {
-        (*pricedRows(c).at(0))[5] = QStringLiteral("?");
-    });
+    const QString one = changedSample(dir, QStringLiteral("yksi.sl"),
+                                      [](persist::ProjectContent& c) { pricedRows(c).at(0)->set(5, u"?"); });
     EXPECT_EQ(run({QStringLiteral("costs"), one}).err,
               QStringLiteral("tamrik: 1 virhe, katso tamrik validate\n"));
 }

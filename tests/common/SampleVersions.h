@@ -26,9 +26,9 @@ inline void writeProject(persist::ProjectFile project, const QString& path) {
 }
 
 // The first row of a list record whose cell in `column` (1-based) is `text`; null when none is.
-inline QStringList* recordRow(persist::ProjectFile& project, int window, int list, int column,
-                              const QString& text) {
-    for (QStringList& row : project.content.windows[window].lists[list].rows)
+inline lists::RowCells* recordRow(persist::ProjectFile& project, int window, int list, int column,
+                                  const QString& text) {
+    for (lists::RowCells& row : project.content.windows[window].lists[list].rows)
         if (row.value(column - 1) == text) return &row;
     ADD_FAILURE() << "no row " << text.toStdString();
     return nullptr;

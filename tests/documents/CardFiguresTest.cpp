@@ -60,11 +60,13 @@ TEST(CardFigures, AnOverflowedTotalShowsHashesAndSaysWhere) {
     lists::ListModel* q = w.f2->list(0);
     ASSERT_GE(q->cols(), 7);
     auto row = [q](std::initializer_list<const char*> cells) {
-        lists::Row r;
+        QStringList texts;
         for (const char* c : cells)
-            r.cells << QString::fromUtf8(c);
-        while (r.cells.size() < q->cols())
-            r.cells << QString();
+            texts << QString::fromUtf8(c);
+        while (texts.size() < q->cols())
+            texts << QString();
+        lists::Row r;
+        r.cells = texts;
         return r;
     };
     q->reset(q->columns(), {row({"7110", "KAIVUT"}), row({"", "Kaivu", "", "1e308", "m3", "2"}),

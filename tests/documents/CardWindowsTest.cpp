@@ -299,7 +299,7 @@ TEST(Form4, NewProjectFillsListAndDropDowns) {
     EXPECT_TRUE(dialogs.messages().empty());
     ASSERT_GT(w.list(0)->rows(), 0);
     EXPECT_EQ(w.list(0)->column(1).header, QStringLiteral("TUKI"));
-    EXPECT_EQ(w.list(0)->cell(1, 1), QStringLiteral("MT 1"));
+    EXPECT_EQ(w.list(0)->cell(1, 1).toString(), QStringLiteral("MT 1"));
     EXPECT_GE(w.Combo1[0]->findText(QStringLiteral("Espoo")), 0);
     EXPECT_GE(w.Combo1[4]->findText(QDate::currentDate().toString(QStringLiteral("d.M.yyyy"))), 0);
     EXPECT_TRUE(host.changed.empty());

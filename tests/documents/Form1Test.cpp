@@ -255,7 +255,7 @@ TEST_F(Form1NewProject, ListsCostParametersAndComboData) {
     // The lists from the templates.
     ASSERT_GT(w.list(0)->rows(), 0);
     EXPECT_EQ(w.list(0)->column(1).header, QStringLiteral("TUNNUS"));
-    EXPECT_EQ(w.list(0)->cell(1, 1), QStringLiteral("000"));
+    EXPECT_EQ(w.list(0)->cell(1, 1).toString(), QStringLiteral("000"));
     for (int i : {1, 2}) {
         EXPECT_EQ(w.list(i)->cols(), 5) << i;
         EXPECT_EQ(w.list(i)->column(2).header, QStringLiteral("PVM")) << i;

@@ -239,8 +239,8 @@ TEST(LocateRow, SortedPlacementAroundBridgeAndRoadWorks) {
 
 TEST(LocateRow, SecondDecimalLitterasSortTogether) {
     // Normalised, 7131.2 reads 7131.02 and so comes before 7131.12.
-    EXPECT_EQ(normalisedLittera("2110.1"), "2110.01");
-    EXPECT_EQ(normalisedLittera("7131.12"), "7131.12");
+    EXPECT_EQ(normalisedLittera(u"2110.1"), "2110.01");
+    EXPECT_EQ(normalisedLittera(u"7131.12"), "7131.12");
     ListModel target;
     fill(target, kind::QuantityList, lists_test::quantityHeaders(),
          {{"7131", "Paalut"},

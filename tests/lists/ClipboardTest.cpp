@@ -49,9 +49,9 @@ TEST(ClipboardText, SizeAndCells) {
     text = "a\tb\tc\td\re\tf\tg";
     EXPECT_EQ(ClipSize(text).columns, 4) << "7 cells in 2 rows";
 
-    EXPECT_EQ(EncodeClipCell("rivi\r\ntoinen\tsarake"),
+    EXPECT_EQ(EncodeClipCell(u"rivi\r\ntoinen\tsarake"),
               QString("rivi") + QChar(1) + "toinen" + QChar(2) + "sarake");
-    EXPECT_EQ(DecodeClipCell(EncodeClipCell("rivi\r\ntoinen\tsarake")), "rivi\r\ntoinen\tsarake");
+    EXPECT_EQ(DecodeClipCell(EncodeClipCell(u"rivi\r\ntoinen\tsarake")), "rivi\r\ntoinen\tsarake");
 }
 
 TEST(ClipboardCopy, TwoRowsAsTabsAndCarriageReturns) {
@@ -92,7 +92,7 @@ TEST(ClipboardPaste, SpreadsheetRowsWithCrLf) {
     selectRows(small, {1});
     ASSERT_TRUE(PasteText(small, "a\tb\tc\t99999\r", kClient));
     EXPECT_EQ(small.row(1).cells, QStringList({"a", "b", "c", "00001"}));
-    EXPECT_EQ(small.rowNumberText(2), "00002");
+    EXPECT_EQ(small.rowNumberText(2).toString(), "00002");
 }
 
 TEST(ClipboardPaste, BadRangeChangesNothing) {
@@ -151,7 +151,7 @@ TEST(ClipboardRights, ContractorAndReadOnlyLists) {
     // The client may.
     EXPECT_TRUE(PasteSelection(list, EditContext{3, 1, false}));
     EXPECT_EQ(list.rows(), 11);
-    EXPECT_EQ(list.cell(10, 3), "Betonin lujuus");
+    EXPECT_EQ(list.cell(10, 3).toString(), "Betonin lujuus");
 
     // A read-only list gives its rows to the clipboard and takes nothing.
     dialogs.clear();

@@ -43,7 +43,7 @@ inline QStringList qualityHeaders() {
 inline std::vector<QStringList> dataRows(const lists::ListModel& list) {
     std::vector<QStringList> out;
     for (int r = 1; r <= list.rows(); ++r)
-        out.push_back(list.row(r).cells.mid(0, list.lastDataCol()));
+        out.push_back(list.row(r).cells.toStringList().mid(0, list.lastDataCol()));
     return out;
 }
 
@@ -51,7 +51,7 @@ inline std::vector<QStringList> dataRows(const lists::ListModel& list) {
 inline QStringList columnTexts(const lists::ListModel& list, int c) {
     QStringList out;
     for (int r = 1; r <= list.rows(); ++r)
-        out.append(list.cell(r, c));
+        out.append(list.cell(r, c).toString());
     return out;
 }
 

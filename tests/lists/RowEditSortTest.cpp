@@ -28,7 +28,7 @@ void fillNumbered(ListModel& list, int rows) {
 void insertOneByOne(ListModel& list) {
     const std::vector<int> selected = list.selectedRows();
     for (auto it = selected.rbegin(); it != selected.rend(); ++it) {
-        const long long number = rowNumberValue(list.rowNumberText(*it));
+        const long long number = rowNumberValue(list.rowNumberText(*it).toString());
         list.insertEmptyRow(*it);
         UpdateRowNumbers(list, number);
     }
@@ -73,7 +73,7 @@ TEST(RowEdit, InsertNumbersEqualOneByOneInsertions) {
             QString text = formatRowNumber(numbers[r - 1]);
             if (kindOfNumber == 0) text.clear();
             if (kindOfNumber == 1) text = QStringLiteral("00000");
-            if (kindOfNumber == 2 && r > 1) text = a.rowNumberText(r - 1);
+            if (kindOfNumber == 2 && r > 1) text = a.rowNumberText(r - 1).toString();
             a.setCell(r, a.cols(), text);
         }
         a.clearSelection();
@@ -99,8 +99,8 @@ TEST(RowEdit, AppendTakesTheNextNumberAndSelectsTheRow) {
     selectRows(list, {2, 3});
     ASSERT_TRUE(ListViewRowEdit(list, action::AppendRow, kClient));
     ASSERT_EQ(list.rows(), 8);
-    EXPECT_EQ(list.rowNumberText(7), "00007");
-    EXPECT_EQ(list.rowNumberText(8), "00008");
+    EXPECT_EQ(list.rowNumberText(7).toString(), "00007");
+    EXPECT_EQ(list.rowNumberText(8).toString(), "00008");
     EXPECT_EQ(list.selectedRows(), std::vector<int>{8});
     EXPECT_TRUE(BlankListItem(list, 8).blank);
 

@@ -87,7 +87,7 @@ TEST_F(LargeInputs, ACellOf64KiloBytesIsEditedInItsCellWithoutLosingAnything) {
     QTest::keyClick(editor->editBox(), Qt::Key_End);
     QTest::keyClicks(editor->editBox(), QStringLiteral("!"));
     editor->PutToListView();
-    EXPECT_SAME_TEXT(view->list()->cell(2, 2), text + QStringLiteral("!"));
+    EXPECT_SAME_TEXT(view->list()->cell(2, 2).toString(), text + QStringLiteral("!"));
 
     // Single-line fields and drop-down texts take as much.
     p.f1->Text1[0]->setText(text);
@@ -97,7 +97,7 @@ TEST_F(LargeInputs, ACellOf64KiloBytesIsEditedInItsCellWithoutLosingAnything) {
 
     const ProjectWindows back = saveAndOpen(projectOf(p));
     ASSERT_TRUE(back.complete());
-    EXPECT_SAME_TEXT(back.f2->list(0)->cell(2, 2), text + QStringLiteral("!"));
+    EXPECT_SAME_TEXT(back.f2->list(0)->cell(2, 2).toString(), text + QStringLiteral("!"));
     EXPECT_SAME_TEXT(back.f1->Text1[0]->text(), text);
     EXPECT_SAME_TEXT(back.f1->Combo1[9]->text(), text);
     EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
@@ -276,7 +276,7 @@ void repeatRows(lists::ListModel& list, int n) {
     const int own = list.rows();
     for (int r = 0; r < n; ++r) {
         lists::Row row = list.row(r % own + 1);
-        row.cells.back() = lists::formatRowNumber(r + 1);
+        row.cells.set(row.cells.size() - 1, lists::formatRowNumber(r + 1));
         row.selected = false;
         rows.push_back(std::move(row));
     }

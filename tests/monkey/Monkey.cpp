@@ -238,8 +238,8 @@ bool sameRecord(const persist::WindowRecord& a, const persist::WindowRecord& b, 
                            QString::number(lb.rows.size()));
         for (size_t r = 0; r < la.rows.size(); ++r)
             if (la.rows[r] != lb.rows[r])
-                return differs(QStringLiteral("list %1 row %2").arg(j).arg(r + 1), la.rows[r].join(u'|'),
-                               lb.rows[r].join(u'|'));
+                return differs(QStringLiteral("list %1 row %2").arg(j).arg(r + 1),
+                               la.rows[r].toStringList().join(u'|'), lb.rows[r].toStringList().join(u'|'));
     }
     return true;
 }
@@ -259,8 +259,8 @@ persist::WindowRecord asSaved(persist::WindowRecord record) {
     for (auto& l : record.lists)
         for (auto& row : l.rows) {
             row.resize(l.columns);
-            for (QString& cell : row)
-                cell = asSaved(cell);
+            for (int c = 0; c < l.columns; ++c)
+                row.set(c, asSaved(row[c].toString()));
         }
     return record;
 }

@@ -78,13 +78,15 @@ void fillList(ListModel& list, const QString& kind, const QStringList& headers, 
               std::mt19937& random) {
     std::vector<lists::Row> out;
     for (int r = 0; r < rows; ++r) {
-        lists::Row row;
+        QStringList cells;
         for (int c = 0; c < headers.size(); ++c)
-            row.cells << (random() % 3 == 0 ? QString() : QStringLiteral("%1-%2").arg(r).arg(c));
-        if (r % 7 == 0) row.cells[0] = QString::number(7100 + r);
-        if (r % 7 == 0 && headers.size() > 2) row.cells[1] = QStringLiteral("OTSIKKO %1").arg(r);
-        if (r % 5 == 4) row.cells = QStringList(headers.size()); // blank rows to format
-        row.cells << lists::formatRowNumber(r + 1);
+            cells << (random() % 3 == 0 ? QString() : QStringLiteral("%1-%2").arg(r).arg(c));
+        if (r % 7 == 0) cells[0] = QString::number(7100 + r);
+        if (r % 7 == 0 && headers.size() > 2) cells[1] = QStringLiteral("OTSIKKO %1").arg(r);
+        if (r % 5 == 4) cells = QStringList(headers.size()); // blank rows to format
+        cells << lists::formatRowNumber(r + 1);
+        lists::Row row;
+        row.cells = cells;
         out.push_back(row);
     }
     list.setKind(kind);
@@ -95,7 +97,7 @@ ListRecord recordOf(const ListModel& list) {
     ListRecord r;
     r.columns = list.lastDataCol();
     for (const lists::Row& row : list.allRows())
-        r.rows.push_back(row.cells.mid(0, r.columns));
+        r.rows.push_back(row.cells.toStringList().mid(0, r.columns));
     return r;
 }
 
@@ -124,7 +126,7 @@ struct Project {
         QByteArray out = file();
         for (const ListModel* list : {&quantities, &requirements})
             for (int r = 1; r <= list->rows(); ++r)
-                out += list->rowNumberText(r).toLatin1() + ' ';
+                out += list->rowNumberText(r).toString().toLatin1() + ' ';
         return out;
     }
 

@@ -45,7 +45,7 @@ TEST(SampleProject, RoadWorksStandUnderTheirCaptionAndTheEstimateSumsThemApart) 
         const persist::ListRecord& list = lists[k];
         int caption = -1, roadRows = 0;
         for (int r = 0; r < static_cast<int>(list.rows.size()); ++r) {
-            const QStringList& row = list.rows[r];
+            const QStringList row = list.rows[r].toStringList();
             if (caption < 0 && row.value(headingColumn[k] - 1) == kRoadWorks) caption = r;
             const QString littera = row.value(0).trimmed();
             if (littera.isEmpty() || littera >= QLatin1String("7100")) continue;

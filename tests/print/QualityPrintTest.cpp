@@ -71,8 +71,8 @@ std::vector<QStringList> requirementRows() {
 QStringList itemsOf(const lists::ListModel& list, int document, const QString& phase = QString()) {
     QStringList out;
     for (const print::QualityItem& item : print::QualityItems(list, document, phase))
-        out << (item.caption ? QStringLiteral("C") + list.cell(item.row, 1)
-                             : QStringLiteral("R") + list.cell(item.row, 2));
+        out << (item.caption ? QStringLiteral("C") + list.cell(item.row, 1).toString()
+                             : QStringLiteral("R") + list.cell(item.row, 2).toString());
     return out;
 }
 
@@ -107,7 +107,7 @@ TEST(QualityDocuments, EachDocumentShowsItsRowsUnderTheirCaptions) {
             << c.document << " " << c.phase.toStdString();
 
     // The work phase of a row is found from its "Rivi" value, the way the selection stores it.
-    const QString rivi = t.requirements.cell(3, t.requirements.cols());
+    const QString rivi = t.requirements.cell(3, t.requirements.cols()).toString();
     EXPECT_EQ(print::ParseQualityCaption(t.requirements, rivi), foundations);
     EXPECT_EQ(print::ParseQualityCaption(t.requirements, QStringLiteral("no such row")), QString());
 

@@ -38,7 +38,7 @@ protected:
     int selectRow(lists::BaseListWindow* w, int column, const QString& text) {
         lists::ListModel& list = *w->list();
         for (int r = 1; r <= list.rows(); ++r) {
-            if (list.cell(r, column) == text) {
+            if (list.cell(r, column).toString() == text) {
                 list.selectOnly(r);
                 return r;
             }
@@ -48,7 +48,7 @@ protected:
     }
     int findRow(const lists::ListModel& list, int column, const QString& text) {
         for (int r = 1; r <= list.rows(); ++r)
-            if (list.cell(r, column) == text) return r;
+            if (list.cell(r, column).toString() == text) return r;
         return 0;
     }
 };
@@ -77,7 +77,8 @@ TEST_F(BaseListsTest, AddingARequirementBringsItsCaptionsToTheirPlace) {
     // The first requirement after a second-level caption.
     int entry = 0;
     for (int r = 2; r <= base.rows() && !entry; ++r)
-        if (!lists::BlankString(base.cell(r, 2)) && lists::BlankString(base.cell(r, 1))) entry = r;
+        if (!lists::BlankString(base.cell(r, 2).toString()) && lists::BlankString(base.cell(r, 1).toString()))
+            entry = r;
     ASSERT_GT(entry, 0);
     const lists::CaptionInfo caption = lists::FindCaption(base, entry);
     base.row(entry); // the entry itself
@@ -85,7 +86,7 @@ TEST_F(BaseListsTest, AddingARequirementBringsItsCaptionsToTheirPlace) {
     f7->editMenuClick(0);
     ASSERT_GE(target.rows(), 3);
     const int c = findRow(target, 1, caption.captionLittera);
-    const int e = findRow(target, 3, base.cell(entry, 3));
+    const int e = findRow(target, 3, base.cell(entry, 3).toString());
     ASSERT_GT(c, 0);
     ASSERT_GT(e, c);
     if (caption.subcaptionRow > 0) {
@@ -103,18 +104,20 @@ TEST_F(BaseListsTest, UnitPricesOfTheChosenConditionsAndTheContractorsRights) {
     lists::BaseListWindow* f6 = main->Form6;
     int item = 0;
     for (int r = 1; r <= f6->list()->rows() && !item; ++r)
-        if (lists::BlankString(f6->list()->cell(r, 1)) && !lists::BlankString(f6->list()->cell(r, 5)))
+        if (lists::BlankString(f6->list()->cell(r, 1).toString()) &&
+            !lists::BlankString(f6->list()->cell(r, 5).toString()))
             item = r;
     ASSERT_GT(item, 0);
-    const QString name = f6->list()->cell(item, 2);
+    const QString name = f6->list()->cell(item, 2).toString();
     f6->list()->selectOnly(item);
     f6->editMenuClick(0);
     int row = 0;
     for (int r = 1; r <= quantities.rows() && !row; ++r)
-        if (quantities.cell(r, 2) == name && lists::BlankString(quantities.cell(r, 1))) row = r;
+        if (quantities.cell(r, 2).toString() == name && lists::BlankString(quantities.cell(r, 1).toString()))
+            row = r;
     ASSERT_GT(row, 0);
-    EXPECT_EQ(quantities.cell(row, 6), f6->list()->cell(item, 5)); // B
-    EXPECT_EQ(quantities.cell(row, 5), f6->list()->cell(item, 3)); // unit
+    EXPECT_EQ(quantities.cell(row, 6).toString(), f6->list()->cell(item, 5).toString()); // B
+    EXPECT_EQ(quantities.cell(row, 5).toString(), f6->list()->cell(item, 3).toString()); // unit
 
     // "&C (vaikeat)" and "Lisää loppuun": at the end with the C price.
     f6->Option1[2]->setChecked(true);
@@ -122,8 +125,8 @@ TEST_F(BaseListsTest, UnitPricesOfTheChosenConditionsAndTheContractorsRights) {
     int last = quantities.rows();
     while (last > 0 && lists::BlankListItem(quantities, last).blank)
         --last;
-    EXPECT_EQ(quantities.cell(last, 2), name);
-    EXPECT_EQ(quantities.cell(last, 6), f6->list()->cell(item, 6));
+    EXPECT_EQ(quantities.cell(last, 2).toString(), name);
+    EXPECT_EQ(quantities.cell(last, 6).toString(), f6->list()->cell(item, 6).toString());
 
     // The contractor cannot add unit prices; the button is off and the command does nothing.
     main->Submenu10Click(1);
@@ -139,13 +142,14 @@ TEST_F(BaseListsTest, AContractorsBridgeSpecificRequirementArrivesAsAdvisory) {
     lists::BaseListWindow* f7 = main->Form7;
     int entry = 0;
     for (int r = 1; r <= f7->list()->rows() && !entry; ++r)
-        if (f7->list()->cell(r, 4).startsWith(QLatin1Char('1'))) entry = r;
+        if (f7->list()->cell(r, 4).toString().startsWith(QLatin1Char('1'))) entry = r;
     ASSERT_GT(entry, 0);
     f7->list()->selectOnly(entry);
     f7->editMenuClick(0);
-    const int row = findRow(target, 3, f7->list()->cell(entry, 3));
+    const int row = findRow(target, 3, f7->list()->cell(entry, 3).toString());
     ASSERT_GT(row, 0);
-    EXPECT_TRUE(target.cell(row, 4).startsWith(QLatin1Char('3'))) << target.cell(row, 4).toStdString();
+    EXPECT_TRUE(target.cell(row, 4).toString().startsWith(QLatin1Char('3')))
+        << target.cell(row, 4).toString().toStdString();
 }
 
 TEST_F(BaseListsTest, WithNoProjectOpenAddingDoesNothing) {
@@ -191,11 +195,11 @@ TEST_F(BaseListsTest, SavingAsGivesTheWindowTheNewFile) {
     // Cancelling "Avaa..." leaves list and caption alone.
     dialogs.chooseFile(QString());
     main->Form7->ListViewFileMenuActions(0);
-    EXPECT_EQ(main->Form7->list()->cell(4, 3), QStringLiteral("Muutettu teksti"));
+    EXPECT_EQ(main->Form7->list()->cell(4, 3).toString(), QStringLiteral("Muutettu teksti"));
     // Opening the saved file gives back what was saved.
     dialogs.chooseFile(file);
     main->Form7->ListViewFileMenuActions(0);
-    EXPECT_EQ(main->Form7->list()->cell(4, 3), QStringLiteral("Muutettu teksti"));
+    EXPECT_EQ(main->Form7->list()->cell(4, 3).toString(), QStringLiteral("Muutettu teksti"));
 }
 
 TEST_F(BaseListsTest, AMissingDefaultListIsReportedAndLeavesAnEmptyList) {
@@ -222,7 +226,7 @@ TEST_F(BaseListsTest, OpeningASpreadsheetImportsItAndNeverSavesOverIt) {
     QByteArray sheetBytes;
     ASSERT_TRUE(platform::readFileBytes(sheet, sheetBytes));
     const int rows = f7->list()->rows();
-    const QString third = f7->list()->cell(3, 3);
+    const QString third = f7->list()->cell(3, 3).toString();
 
     dialogs.chooseFile(sheet);
     f7->SubMenu0[0]->trigger(); // "&Avaa..."
@@ -256,7 +260,7 @@ TEST_F(BaseListsTest, ImportReadsMacroWorkbooksAndTemplates) {
     for (const char* pattern : {"*.xlsx", "*.xlsm", "*.xlsb", "*.xltx", "*.xltm", "*.ods"})
         EXPECT_TRUE(filters.contains(QLatin1String(pattern))) << pattern << " in " << filters.toStdString();
     ASSERT_EQ(f6->list()->rows(), 8);
-    EXPECT_EQ(f6->list()->cell(2, 2), QStringLiteral("Kaivu ja täyttö"));
+    EXPECT_EQ(f6->list()->cell(2, 2).toString(), QStringLiteral("Kaivu ja täyttö"));
 }
 
 // "&Vie..." and "T&uo..." are each other's counterpart: the unit price list goes out to a
@@ -266,7 +270,7 @@ TEST_F(BaseListsTest, ExportedPriceListComesBackAsItWent) {
     lists::BaseListWindow* f6 = main->Form6;
     std::vector<QStringList> before;
     for (const lists::Row& row : f6->list()->allRows())
-        before.push_back(row.cells);
+        before.push_back(row.cells.toStringList());
     ASSERT_GT(before.size(), 150u);
 
     dialogs.chooseFile(dir.filePath(QStringLiteral("hinnat.xls")));
@@ -282,7 +286,7 @@ TEST_F(BaseListsTest, ExportedPriceListComesBackAsItWent) {
     EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
     std::vector<QStringList> after;
     for (const lists::Row& row : f6->list()->allRows())
-        after.push_back(row.cells);
+        after.push_back(row.cells.toStringList());
     EXPECT_EQ(after, before);
     EXPECT_FALSE(CaptionIsUnchanged(f6->windowTitle())) << "an import changes the list";
 }
@@ -333,7 +337,7 @@ TEST(ShippedFiles, SavingAShippedListWritesTheUsersOwnCopy) {
     // The next start reads the user's copy; restoring brings the shipped list back.
     main = start();
     EXPECT_EQ(main->Form6->currentFile(), own);
-    EXPECT_EQ(main->Form6->list()->cell(2, 2), QStringLiteral("Oma työvaihe"));
+    EXPECT_EQ(main->Form6->list()->cell(2, 2).toString(), QStringLiteral("Oma työvaihe"));
     EXPECT_EQ(main->appState().settings.PLogoFile, program.filePath(QStringLiteral("Tamrik2006-logo.wmf")));
     QAction* restore = main->Form6->SubMenu0.at(8);
     EXPECT_EQ(restore->text(), QStringLiteral("&Palauta ohjelman mukana tullut luettelo"));
@@ -343,6 +347,6 @@ TEST(ShippedFiles, SavingAShippedListWritesTheUsersOwnCopy) {
     EXPECT_TRUE(dialogs.lastText().contains(own));
     EXPECT_FALSE(QFile::exists(own));
     EXPECT_EQ(main->Form6->currentFile(), shipped);
-    EXPECT_NE(main->Form6->list()->cell(2, 2), QStringLiteral("Oma työvaihe"));
+    EXPECT_NE(main->Form6->list()->cell(2, 2).toString(), QStringLiteral("Oma työvaihe"));
     main->appState().settings.SaveSettingsOnExit = false;
 }

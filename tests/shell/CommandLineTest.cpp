@@ -122,9 +122,9 @@ TEST(CommandLine, AnOverflowedTotalIsAnErrorNamingItsRow) {
         << error.toStdString();
     persist::ListRecord& quantities = project.content.windows[1].lists[0];
     ASSERT_GT(quantities.rows.size(), 5u);
-    QStringList& row = quantities.rows[4];
-    row[3] = QStringLiteral("1e308"); // quantity
-    row[5] = QStringLiteral("2");     // unit price
+    lists::RowCells& row = quantities.rows[4];
+    row.set(3, u"1e308"); // quantity
+    row.set(5, u"2");     // unit price
     project.members[0].data = persist::WriteProjectText(project.content, false);
     const QString file = dir.filePath(QStringLiteral("ylivuoto.sl"));
     ASSERT_TRUE(platform::writeFileAtomically(file, persist::PackContainer(project.members)));

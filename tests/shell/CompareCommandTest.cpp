@@ -26,7 +26,7 @@ struct Versions {
         persist::ProjectFile project = readSample();
         writeProject(project, older);
         // Quantity list: a quantity up, a row gone, a row more.
-        (*recordRow(project, 1, 0, 2, QStringLiteral("Maankaivu kuivana")))[3] = QStringLiteral("1600");
+        recordRow(project, 1, 0, 2, QStringLiteral("Maankaivu kuivana"))->set(3, u"1600");
         auto& rows = project.content.windows[1].lists[0].rows;
         const auto gone = std::find(rows.begin(), rows.end(),
                                     *recordRow(project, 1, 0, 2, QStringLiteral("Kaivu vedestä")));
@@ -35,9 +35,9 @@ struct Versions {
                                     QStringLiteral("50"), QStringLiteral("m3ktr"), QStringLiteral("45,00"),
                                     QString()});
         // A requirement that was met is no longer.
-        for (QStringList& row : project.content.windows[1].lists[1].rows) {
+        for (lists::RowCells& row : project.content.windows[1].lists[1].rows) {
             if (row.value(20) == QStringLiteral("Kyllä")) {
-                row[20] = QStringLiteral("Ei");
+                row.set(20, u"Ei");
                 break;
             }
         }

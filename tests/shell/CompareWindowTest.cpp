@@ -28,7 +28,7 @@ protected:
         // The open project is the sample; the other version is older: one quantity less, one
         // row it did not have yet, another requirement mark.
         persist::ProjectFile project = readSample();
-        (*recordRow(project, 1, 0, 2, QStringLiteral("Maankaivu kuivana")))[3] = QStringLiteral("1300");
+        recordRow(project, 1, 0, 2, QStringLiteral("Maankaivu kuivana"))->set(3, u"1300");
         auto& rows = project.content.windows[1].lists[0].rows;
         rows.erase(std::find(rows.begin(), rows.end(),
                              *recordRow(project, 1, 0, 2, QStringLiteral("Kaivu vedestä"))));
@@ -127,7 +127,7 @@ TEST_F(CompareWindowTest, ADoubleClickGoesToTheRowInTheProjectWindow) {
     EXPECT_EQ(main->activeWindow(), static_cast<documents::ProjectWindow*>(f2));
     const int selected = quantities->selectedRow();
     ASSERT_GT(selected, 0);
-    EXPECT_EQ(quantities->cell(selected, 2), QStringLiteral("Maankaivu kuivana"));
+    EXPECT_EQ(quantities->cell(selected, 2).toString(), QStringLiteral("Maankaivu kuivana"));
 
     // A field goes to its window.
     window->ListFilter->setCurrentIndex(3);
@@ -187,6 +187,7 @@ TEST_F(CompareWindowTest, F1OpensTheHelpOnTheComparison) {
     QApplication::processEvents();
     peripherals::HelpViewer* viewer = shownHelp();
     ASSERT_NE(viewer, nullptr);
-    EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic380"))) << viewer->currentSource().toStdString();
+    EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic380")))
+        << viewer->currentSource().toStdString();
     viewer->close();
 }

@@ -74,7 +74,7 @@ TEST_F(DamagedFilesTest, EveryDamagedFileGivesItsMessageAndChangesNothing) {
             const bool sheet = lists::isSpreadsheetFile(path);
             EXPECT_FALSE(sheet ? lists::ImportListViewXls(list, path) : lists::InitListView(list, path));
             EXPECT_EQ(list.rows(), 1);
-            EXPECT_EQ(list.cell(1, 2), QStringLiteral("YLEISET"));
+            EXPECT_EQ(list.cell(1, 2).toString(), QStringLiteral("YLEISET"));
             ASSERT_EQ(dialogs.messages().size(), 1u);
             message = dialogs.lastText();
         } else if (ext == QLatin1String("rtf")) {

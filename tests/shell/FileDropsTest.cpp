@@ -233,12 +233,12 @@ TEST_F(FileDropsTest, AListFileDroppedOnAProjectListComesInAsBaseListRows) {
     EXPECT_FALSE(shell::CaptionIsUnchanged(f2->caption()));
     // Into an empty list the rows go as they stand; the first priced entry is among them.
     int entry = 1;
-    while (entry < base.rows() && base.cell(entry, 4).isEmpty())
+    while (entry < base.rows() && base.cell(entry, 4).toString().isEmpty())
         ++entry;
     bool found = false;
     for (int r = 1; r <= quantities.rows() && !found; ++r)
-        found = quantities.cell(r, 2) == base.cell(entry, 2);
-    EXPECT_TRUE(found) << base.cell(entry, 2).toStdString();
+        found = quantities.cell(r, 2).toString() == base.cell(entry, 2).toString();
+    EXPECT_TRUE(found) << base.cell(entry, 2).toString().toStdString();
 
     // The list rules hold: requirements do not go into the quantity list.
     const int before = quantities.rows();

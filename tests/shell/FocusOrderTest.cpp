@@ -63,7 +63,7 @@ protected:
     // Selects the first row of `view` with text in column `column` and gives the list the focus.
     void focusFirstFilledRow(lists::ListView* view, int column) {
         int row = 1;
-        while (row < view->list()->rows() && view->list()->cell(row, column).trimmed().isEmpty())
+        while (row < view->list()->rows() && view->list()->cell(row, column).toString().trimmed().isEmpty())
             ++row;
         view->list()->selectOnly(row);
         focus(view);

@@ -130,7 +130,7 @@ TEST_F(MenuKeysTest, NoTwoItemsOfAWindowShareAKey) {
     // The row editor on the requirement list, and the text editor of the shown document.
     lists::ListView* requirements = f2->ListView1[1];
     int first = 1;
-    while (requirements->list()->cell(first, 2).trimmed().isEmpty())
+    while (requirements->list()->cell(first, 2).toString().trimmed().isEmpty())
         ++first;
     requirements->list()->selectOnly(first);
     requirements->setFocus();

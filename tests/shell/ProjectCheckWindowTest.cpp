@@ -37,7 +37,8 @@ protected:
         quantities = f2->list(0);
         // The priced rows of the sample's quantity list, in list order.
         for (int r = 1; r <= quantities->rows(); ++r)
-            if (!lists::BlankString(quantities->cell(r, 4)) && !lists::BlankString(quantities->cell(r, 6)))
+            if (!lists::BlankString(quantities->cell(r, 4).toString()) &&
+                !lists::BlankString(quantities->cell(r, 6).toString()))
                 priced.push_back(r);
         ASSERT_GE(priced.size(), 12u);
     }
@@ -114,7 +115,8 @@ TEST_F(ProjectCheckWindowTest, CellsThatDoNotReadAsTheyLookAreMarkedAsTheUserEdi
     lists::ListModel* requirements = f2->list(1);
     int requirement = 0;
     for (int r = 1; r <= requirements->rows() && !requirement; ++r)
-        if (!lists::BlankString(requirements->cell(r, 2)) && requirements->cell(r, 4).startsWith('1'))
+        if (!lists::BlankString(requirements->cell(r, 2).toString()) &&
+            requirements->cell(r, 4).toString().startsWith('1'))
             requirement = r;
     ASSERT_GT(requirement, 0);
     requirements->setCell(requirement, 11, "5-6");
@@ -170,7 +172,7 @@ TEST_F(ProjectCheckWindowTest, TheWindowListsTheFindingsAndGoesToTheirCells) {
     lists::ListModel* requirements = f2->list(1);
     int requirement = 0;
     for (int r = requirements->rows(); r >= 1 && !requirement; --r)
-        if (!lists::BlankString(requirements->cell(r, 2))) requirement = r;
+        if (!lists::BlankString(requirements->cell(r, 2).toString())) requirement = r;
     requirements->setCell(requirement, 21, "kyllä");
     window->recheck();
     const int reqLine = lineOf(*window, calc::CheckPlace::Requirements, requirement, 21);
@@ -226,6 +228,7 @@ TEST_F(ProjectCheckWindowTest, F1OpensTheHelpOnTheCheck) {
     QApplication::processEvents();
     peripherals::HelpViewer* viewer = shownHelp();
     ASSERT_NE(viewer, nullptr);
-    EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic370"))) << viewer->currentSource().toStdString();
+    EXPECT_TRUE(viewer->currentSource().endsWith(QStringLiteral("#topic370")))
+        << viewer->currentSource().toStdString();
     viewer->close();
 }

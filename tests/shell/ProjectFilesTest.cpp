@@ -107,9 +107,9 @@ TEST_F(ProjectFilesTest, SaveOpenSaveIsByteIdenticalAndRestoresEveryField) {
     EXPECT_EQ(back.f1->Text1[0]->text(), QStringLiteral("Kärkölän silta"));
     EXPECT_EQ(back.f1->Text1[11]->text(), QStringLiteral("Väylävirasto\r\nPL 33\r\n00521 HELSINKI"));
     EXPECT_EQ(back.f1->Combo1[10]->text(), QStringLiteral("117"));
-    EXPECT_EQ(back.f2->list(0)->cell(2, 6), QStringLiteral("8,50"));
-    EXPECT_EQ(back.f2->list(0)->rowNumberText(2), QStringLiteral("00002"));
-    EXPECT_EQ(back.f2->list(1)->cell(1, 3), QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
+    EXPECT_EQ(back.f2->list(0)->cell(2, 6).toString(), QStringLiteral("8,50"));
+    EXPECT_EQ(back.f2->list(0)->rowNumberText(2).toString(), QStringLiteral("00002"));
+    EXPECT_EQ(back.f2->list(1)->cell(1, 3).toString(), QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
     EXPECT_EQ(back.f3->Text1[47]->text(), QStringLiteral("320"));
     EXPECT_EQ(back.f4->Text1[0]->text(), QStringLiteral("U-1234"));
     EXPECT_TRUE(back.f4->Check1[1]->isChecked());
@@ -331,8 +331,8 @@ TEST_F(ProjectFilesTest, ShortRecordsLeaveUncoveredFieldsAndEmptyReferenceItemsK
     EXPECT_EQ(p2.f1->Text1[0]->text(), QStringLiteral("Kärkölän silta"));
     EXPECT_EQ(p2.f1->Text1[4]->text(), QStringLiteral("oletus"));
     EXPECT_EQ(p2.f1->Combo1[4]->text(), moneyUnit);
-    EXPECT_EQ(p2.f2->list(1)->cell(1, 3), QStringLiteral("oma vaatimus"));
-    EXPECT_EQ(p2.f2->list(0)->cell(2, 6), QStringLiteral("8,50"));
+    EXPECT_EQ(p2.f2->list(1)->cell(1, 3).toString(), QStringLiteral("oma vaatimus"));
+    EXPECT_EQ(p2.f2->list(0)->cell(2, 6).toString(), QStringLiteral("8,50"));
     const QComboBox* references = p2.f2->Combo1[0];
     ASSERT_EQ(references->count(), 18);
     EXPECT_EQ(references->itemText(3), QString());
@@ -356,9 +356,9 @@ TEST_F(ProjectFilesTest, AListWithoutColumnsTakesTheRecordsColumnsAndLosesNothin
     ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), file, false));
     const ProjectWindows back = project(file);
     EXPECT_EQ(back.f2->list(0)->cols(), p1.f2->list(0)->cols());
-    EXPECT_EQ(back.f2->list(0)->cell(2, 6), QStringLiteral("8,50"));
-    EXPECT_EQ(back.f2->list(0)->rowNumberText(2), QStringLiteral("00002"));
-    EXPECT_EQ(back.f2->list(1)->cell(1, 3), QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
+    EXPECT_EQ(back.f2->list(0)->cell(2, 6).toString(), QStringLiteral("8,50"));
+    EXPECT_EQ(back.f2->list(0)->rowNumberText(2).toString(), QStringLiteral("00002"));
+    EXPECT_EQ(back.f2->list(1)->cell(1, 3).toString(), QStringLiteral("Betonin lujuus\r\nvähintään C35/45"));
     const QString again = dir.filePath(QStringLiteral("uudelleen.sl"));
     main->activateWindow(back.f1);
     ASSERT_TRUE(WriteSlFile(*main, file, again, false));

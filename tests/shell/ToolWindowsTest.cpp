@@ -51,7 +51,7 @@ TEST_F(ToolWindowsTest, AnInspectionByTheRowEditorIsSavedAndReadBack) {
     lists::ListView* requirements = f2->ListView1[1];
     lists::ListModel& list = *requirements->list();
     int first = 1;
-    while (list.cell(first, 2).trimmed().isEmpty())
+    while (list.cell(first, 2).toString().trimmed().isEmpty())
         ++first;
     list.selectOnly(first);
     focus(requirements);
@@ -81,7 +81,7 @@ TEST_F(ToolWindowsTest, AnInspectionByTheRowEditorIsSavedAndReadBack) {
     ASSERT_NE(reopened, nullptr);
     ASSERT_NE(reopened, f2);
     for (int r : inspected)
-        EXPECT_EQ(reopened->list(1)->cell(r, 21), "Kyllä") << r;
+        EXPECT_EQ(reopened->list(1)->cell(r, 21).toString(), "Kyllä") << r;
 }
 
 TEST_F(ToolWindowsTest, TheRowEditorOpensFromEveryList) {
@@ -100,7 +100,8 @@ TEST_F(ToolWindowsTest, TheRowEditorOpensFromEveryList) {
     main->ShowMenu2(0, QPoint(10, 10));
     main->MainMenu[2]->hide();
     main->SubMenu2[0]->trigger();
-    EXPECT_EQ(shown, quantities->list()->cell(3, 1) + "|" + quantities->list()->cell(3, 2));
+    EXPECT_EQ(shown,
+              quantities->list()->cell(3, 1).toString() + "|" + quantities->list()->cell(3, 2).toString());
 
     // "Muokkaa..." of the requirement base list window.
     main->showBaseList(7);

@@ -62,7 +62,7 @@ protected:
     static std::vector<QStringList> rowsOf(const lists::ListModel& list) {
         std::vector<QStringList> out;
         for (const lists::Row& row : list.allRows())
-            out.push_back(row.cells);
+            out.push_back(row.cells.toStringList());
         return out;
     }
 };
@@ -132,11 +132,11 @@ TEST_F(UndoWindowsTest, TheRowEditorsInspectionMarkIsUndone) {
     lists::ListModel& list = *requirements->list();
     // The first requirement not yet marked as fulfilled.
     int first = 1;
-    while (first <= list.rows() &&
-           (list.cell(first, 2).trimmed().isEmpty() || list.cell(first, 21) == QStringLiteral("Kyllä")))
+    while (first <= list.rows() && (list.cell(first, 2).toString().trimmed().isEmpty() ||
+                                    list.cell(first, 21).toString() == QStringLiteral("Kyllä")))
         ++first;
     ASSERT_LE(first, list.rows());
-    const QString mark = list.cell(first, 21);
+    const QString mark = list.cell(first, 21).toString();
     list.selectOnly(first);
     focus(requirements);
     whenModal([&](QWidget* modal) {
@@ -146,11 +146,11 @@ TEST_F(UndoWindowsTest, TheRowEditorsInspectionMarkIsUndone) {
         ASSERT_TRUE(editor->CheckAndBrowseNext());
     });
     main->EditMenuClick(0);
-    ASSERT_EQ(list.cell(first, 21), QStringLiteral("Kyllä"));
+    ASSERT_EQ(list.cell(first, 21).toString(), QStringLiteral("Kyllä"));
     focus(requirements);
     EXPECT_EQ(main->undoAction->text(), QStringLiteral("&Kumoa: tarkastusmerkintä"));
     undoKey();
-    EXPECT_EQ(list.cell(first, 21), mark);
+    EXPECT_EQ(list.cell(first, 21).toString(), mark);
     EXPECT_EQ(list.selectedRows(), std::vector<int>{first});
     EXPECT_TRUE(projectUnchanged());
     // Back at the saved state, closing asks nothing.
@@ -201,22 +201,22 @@ TEST_F(UndoWindowsTest, AnOpenCellEditUndoesWithinItselfFirst) {
     lists::ListView* view = f2->ListView1[0];
     lists::ListModel& list = *view->list();
     ASSERT_GT(list.rows(), 3);
-    const QString littera = list.cell(2, 1);
+    const QString littera = list.cell(2, 1).toString();
     list.selectOnly(2);
     focus(view);
     QTest::keyClicks(view, QStringLiteral("a"));
     lists::ListEditor* editor = lists::ListEditor::of(view);
     ASSERT_TRUE(editor->isEditing());
     press(Qt::Key_Return); // stored, the edit goes on in the next column
-    ASSERT_EQ(list.cell(2, 1), QStringLiteral("a"));
+    ASSERT_EQ(list.cell(2, 1).toString(), QStringLiteral("a"));
     ASSERT_TRUE(editor->isEditing());
     QTest::keyClicks(editor->editBox(), QStringLiteral("xyz"));
     undoKey();
     EXPECT_TRUE(editor->isEditing());
-    EXPECT_EQ(editor->editBox()->text(), list.cell(2, 2)) << "the box's own typing undone";
+    EXPECT_EQ(editor->editBox()->text(), list.cell(2, 2).toString()) << "the box's own typing undone";
     undoKey();
     EXPECT_FALSE(editor->isEditing());
-    EXPECT_EQ(list.cell(2, 1), littera) << "then the stored cell";
+    EXPECT_EQ(list.cell(2, 1).toString(), littera) << "then the stored cell";
     EXPECT_TRUE(projectUnchanged());
 }
 
@@ -360,7 +360,7 @@ TEST_F(UndoWindowsTest, ABaseListWindowHasAHistoryOfItsOwn) {
     showActive(f7);
     lists::ListModel& list = *f7->list();
     const int rows = list.rows();
-    const QString fourth = list.cell(4, 3);
+    const QString fourth = list.cell(4, 3).toString();
     list.selectOnly(4);
     focus(f7->view());
     QTest::keyClick(f7->view(), Qt::Key_Delete, Qt::ShiftModifier);
@@ -371,7 +371,7 @@ TEST_F(UndoWindowsTest, ABaseListWindowHasAHistoryOfItsOwn) {
     EXPECT_FALSE(main->ParseFormIndeces().f1->history()->canUndo()) << "the project's history is another one";
     QTest::keyClick(f7->view(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(list.rows(), rows);
-    EXPECT_EQ(list.cell(4, 3), fourth);
+    EXPECT_EQ(list.cell(4, 3).toString(), fourth);
     EXPECT_EQ(list.selectedRows(), std::vector<int>{4});
     EXPECT_TRUE(f7->windowTitle().endsWith(QStringLiteral(" Ei muutettu")));
     QTest::keyClick(f7->view(), Qt::Key_Y, Qt::ControlModifier);
@@ -409,7 +409,7 @@ TEST_F(UndoWindowsTest, ADropASortAndAnImportAreOneStepEach) {
     lists::BaseListWindow* f6 = main->Form6;
     lists::ListModel& prices = *f6->list();
     int entry = 1;
-    while (entry <= prices.rows() && prices.cell(entry, 5).trimmed().isEmpty())
+    while (entry <= prices.rows() && prices.cell(entry, 5).toString().trimmed().isEmpty())
         ++entry;
     ASSERT_LE(entry, prices.rows());
     prices.selectOnly(entry);
@@ -438,7 +438,7 @@ TEST_F(UndoWindowsTest, ADropASortAndAnImportAreOneStepEach) {
     // Two rows with text: an import drops blank rows at the end of the sheet.
     std::vector<lists::Row> twoRows;
     for (int r = 1; r <= f7->list()->rows() && twoRows.size() < 2; ++r)
-        if (!f7->list()->cell(r, 3).trimmed().isEmpty()) twoRows.push_back(f7->list()->row(r));
+        if (!f7->list()->cell(r, 3).toString().trimmed().isEmpty()) twoRows.push_back(f7->list()->row(r));
     ASSERT_EQ(twoRows.size(), 2u);
     small.reset(f7->list()->columns(), twoRows);
     const QString sheet = dir.filePath(QStringLiteral("tuonti.xlsx"));
@@ -493,7 +493,7 @@ TEST_F(UndoWindowsTest, TheStatusBarFollowsTheCurrentRowThroughASort) {
     lists::ListView* view = f2->ListView1[0];
     lists::ListModel& list = *view->list();
     int entry = list.rows();
-    while (entry > 1 && list.cell(entry, 4).trimmed().isEmpty())
+    while (entry > 1 && list.cell(entry, 4).toString().trimmed().isEmpty())
         --entry;
     view->setCurrentIndex(list.index(entry - 1, 1));
     ASSERT_EQ(list.currentRow(), entry);

@@ -182,7 +182,7 @@ bool ListEditor::EditListView(int startMode) {
         m_box->deselect();
         m_box->setCursorPosition(m_box->text().size());
     } else {
-        m_box->setText(l->cell(m_editRow, m_editCol));
+        m_box->setText(l->cell(m_editRow, m_editCol).toString());
         m_box->selectAll();
     }
     l->setSelected(m_editRow, false);

@@ -81,8 +81,8 @@ void ListView::applyColumnWidths() {
         if (rowNumber) continue;
         int width = std::max(20, m_list->column(c).width / kTwipsPerPixel);
         for (int r = 1; r <= sampleRows && width < kMaxAutoWidth; ++r) {
-            const QString& text = m_list->cell(r, c);
-            if (text.isEmpty()) continue;
+            if (m_list->cell(r, c).isEmpty()) continue;
+            const QString text = m_list->cell(r, c).toString();
             auto it = measured.constFind(text);
             if (it == measured.cend())
                 it = measured.insert(text, metrics.horizontalAdvance(text.left(80)) + 14);
