@@ -44,46 +44,72 @@ print::PrintSettings userPrintSettings(const QString& appPath) {
     return s;
 }
 
+namespace {
+
+// What `tamrik print` was asked: the project, the PDF, the documents ("0,3,7"; all when empty).
+struct PrintArgs {
+    QString input, output, docs;
+    print::PdfOptions options;
+};
+
+// The arguments after "print"; false for arguments the command does not take.
+bool parsePrintArgs(const QStringList& args, PrintArgs& out) {
+    for (int i = 0; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--pdf") && i + 1 < args.size())
+            out.output = args[++i];
+        else if (args[i] == QLatin1String("--pdfa"))
+            out.options.archival = true;
+        else if (args[i] == QLatin1String("--docs") && i + 1 < args.size())
+            out.docs = args[++i];
+        else if (!args[i].startsWith(QLatin1Char('-')) && out.input.isEmpty())
+            out.input = args[i];
+        else
+            return false;
+    }
+    return !out.input.isEmpty() && !out.output.isEmpty();
+}
+
+// The documents of "--docs", every one without it; the number that is no document in `bad`.
+bool selectDocuments(const QString& docs, print::Selection& selection, QString& bad) {
+    if (docs.isEmpty()) {
+        for (int d = 0; d < print::kDocumentCount; ++d)
+            selection.DocumentSelected[d] = true;
+        return true;
+    }
+    for (const QString& part : docs.split(QLatin1Char(','))) {
+        bool ok = false;
+        const int d = part.trimmed().toInt(&ok);
+        if (!ok || d < 0 || d >= print::kDocumentCount) {
+            bad = part;
+            return false;
+        }
+        selection.DocumentSelected[d] = true;
+    }
+    return true;
+}
+
+} // namespace
+
 int printCommand(int argc, char** argv) {
     // Printing needs fonts and a paint device, not a display.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication application(argc, argv);
     // Money is grouped as the desktop program groups it, whatever the shell's locale.
     QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
-    const QStringList args = QCoreApplication::arguments().mid(2);
 
-    QString input, output, docs;
-    print::PdfOptions options;
-    options.endsProcess = true;
-    for (int i = 0; i < args.size(); ++i) {
-        if (args[i] == QLatin1String("--pdf") && i + 1 < args.size())
-            output = args[++i];
-        else if (args[i] == QLatin1String("--pdfa"))
-            options.archival = true;
-        else if (args[i] == QLatin1String("--docs") && i + 1 < args.size())
-            docs = args[++i];
-        else if (!args[i].startsWith(QLatin1Char('-')) && input.isEmpty())
-            input = args[i];
-        else
-            return usageError(QStringLiteral("print"));
-    }
-    if (input.isEmpty() || output.isEmpty()) return usageError(QStringLiteral("print"));
+    PrintArgs a;
+    a.options.endsProcess = true;
+    if (!parsePrintArgs(QCoreApplication::arguments().mid(2), a)) return usageError(QStringLiteral("print"));
+    const QString& input = a.input;
+    const QString& output = a.output;
+    print::PdfOptions& options = a.options;
     if (QFileInfo(input).absoluteFilePath() == QFileInfo(output).absoluteFilePath())
         return fail(QStringLiteral("tuloste ei voi korvata projektitiedostoa %1").arg(input));
 
     print::Selection selection;
-    if (docs.isEmpty()) {
-        for (int d = 0; d < print::kDocumentCount; ++d)
-            selection.DocumentSelected[d] = true;
-    } else {
-        for (const QString& part : docs.split(QLatin1Char(','))) {
-            bool ok = false;
-            const int d = part.trimmed().toInt(&ok);
-            if (!ok || d < 0 || d >= print::kDocumentCount)
-                return fail(QStringLiteral("asiakirjan numero %1 ei kelpaa (0..12)").arg(part));
-            selection.DocumentSelected[d] = true;
-        }
-    }
+    QString bad;
+    if (!selectDocuments(a.docs, selection, bad))
+        return fail(QStringLiteral("asiakirjan numero %1 ei kelpaa (0..12)").arg(bad));
 
     persist::ProjectFile project;
     QString error;

@@ -125,6 +125,65 @@ private:
 // prefix just below it (key 2a_z - 1), and each new row goes just below the row it was inserted
 // before. A step moves up every row whose key is at least the step's key, so a row's final
 // number is its first number plus the steps it lies above.
+// The numbers of such an insertion: `newNumber[j]` for the new row of step j, and `finalOf(v)`
+// for a row that had the number v.
+struct InsertNumbers {
+    int k = 0;
+    int z = 0;
+    std::vector<long long> sortedKeys; // the keys of the steps after the prefix
+    std::vector<long long> newNumber;
+    long long zeroFinal = 0;
+
+    long long stepsAtMost(long long key) const {
+        return static_cast<long long>(std::upper_bound(sortedKeys.begin(), sortedKeys.end(), key) -
+                                      sortedKeys.begin());
+    }
+    long long finalOf(long long v) const {
+        if (z == k) return v == 0 ? 0 : v + k;
+        return v == 0 ? zeroFinal : v + z + stepsAtMost(2 * v);
+    }
+};
+
+// `a[j]`: the first number of the row of step j (0 = the last selected row).
+InsertNumbers insertNumbers(const std::vector<long long>& a) {
+    InsertNumbers n;
+    const int k = n.k = static_cast<int>(a.size());
+    n.newNumber.assign(k, 0);
+    int& z = n.z;
+    while (z < k && a[z] == 0)
+        ++z;
+    if (z == k) return n;
+
+    const long long zeroKey = 2 * a[z] - 1;
+    std::vector<long long> key(k, 0);
+    for (int j = z; j < k; ++j)
+        key[j] = a[j] != 0 ? 2 * a[j] : zeroKey;
+    n.sortedKeys.assign(key.begin() + z, key.end());
+    std::sort(n.sortedKeys.begin(), n.sortedKeys.end());
+    std::vector<long long> uniqueKeys = n.sortedKeys;
+    uniqueKeys.erase(std::unique(uniqueKeys.begin(), uniqueKeys.end()), uniqueKeys.end());
+
+    // The number each step takes: its row's first number, plus the prefix, plus the earlier
+    // steps at or below its key.
+    std::vector<long long> taken(k, 0);
+    RankCounter earlier(uniqueKeys);
+    for (int j = z; j < k; ++j) {
+        taken[j] = (a[j] != 0 ? a[j] : a[z]) + z + earlier.countAtMost(key[j]);
+        earlier.add(key[j]);
+    }
+    n.zeroFinal = a[z] + z + n.stepsAtMost(zeroKey);
+    // A new row moves up with each later step strictly below the row it went before.
+    RankCounter later(uniqueKeys);
+    for (int j = k - 1; j > z; --j) {
+        n.newNumber[j] = taken[j] + later.countBelow(key[j]);
+        later.add(key[j]);
+    }
+    // The new rows up to step z join the rows without a number.
+    for (int j = 0; j <= z; ++j)
+        n.newNumber[j] = n.zeroFinal;
+    return n;
+}
+
 bool insertBeforeSelected(ListModel& list) {
     const std::vector<int> selected = list.selectedRows();
     const int k = static_cast<int>(selected.size());
@@ -134,70 +193,18 @@ bool insertBeforeSelected(ListModel& list) {
     std::vector<long long> a(k);
     for (int j = 0; j < k; ++j)
         a[j] = rowNumberValue(list.rowNumberText(selected[k - 1 - j]));
-    int z = 0;
-    while (z < k && a[z] == 0)
-        ++z;
-
-    // The keys of the steps after the prefix, sorted, and the final numbers of the new rows by
-    // step.
-    std::vector<long long> sortedKeys;
-    std::vector<long long> newNumber(k, 0);
-    long long zeroKey = 0;
-    long long zeroFinal = 0;
-    auto stepsAtMost = [&](long long key) {
-        return static_cast<long long>(std::upper_bound(sortedKeys.begin(), sortedKeys.end(), key) -
-                                      sortedKeys.begin());
-    };
-    if (z < k) {
-        zeroKey = 2 * a[z] - 1;
-        std::vector<long long> key(k, 0);
-        for (int j = z; j < k; ++j)
-            key[j] = a[j] != 0 ? 2 * a[j] : zeroKey;
-        sortedKeys.assign(key.begin() + z, key.end());
-        std::sort(sortedKeys.begin(), sortedKeys.end());
-        std::vector<long long> uniqueKeys = sortedKeys;
-        uniqueKeys.erase(std::unique(uniqueKeys.begin(), uniqueKeys.end()), uniqueKeys.end());
-
-        // The number each step takes: its row's first number, plus the prefix, plus the earlier
-        // steps at or below its key.
-        std::vector<long long> taken(k, 0);
-        RankCounter earlier(uniqueKeys);
-        for (int j = z; j < k; ++j) {
-            taken[j] = (a[j] != 0 ? a[j] : a[z]) + z + earlier.countAtMost(key[j]);
-            earlier.add(key[j]);
-        }
-        zeroFinal = a[z] + z + stepsAtMost(zeroKey);
-        // A new row moves up with each later step strictly below the row it went before.
-        RankCounter later(uniqueKeys);
-        for (int j = k - 1; j > z; --j) {
-            newNumber[j] = taken[j] + later.countBelow(key[j]);
-            later.add(key[j]);
-        }
-        // The new rows up to step z join the rows without a number.
-        for (int j = 0; j <= z; ++j)
-            newNumber[j] = zeroFinal;
-    }
-    // The final number of a row that had `v`.
-    auto finalOf = [&](long long v) -> long long {
-        if (z == k) return v == 0 ? 0 : v + k;
-        return v == 0 ? zeroFinal : v + z + stepsAtMost(2 * v);
-    };
+    const InsertNumbers numbers = insertNumbers(a);
 
     // Renumber in place first, so that the rows copied below stay shared with the list's own.
-    list.updateColumn(numberCol,
-                      [&](int, QStringView cell) { return numberText(cell, finalOf(rowNumberValue(cell))); });
-    auto newRow = [&](int step) {
-        Row row;
-        row.cells.set(numberCol - 1, formatRowNumber(newNumber[step]));
-        return row;
-    };
+    list.updateColumn(numberCol, [&](int, QStringView cell) {
+        return numberText(cell, numbers.finalOf(rowNumberValue(cell)));
+    });
     // The new row before the s-th selected row lands s rows below that row's old place.
     std::vector<int> insertAt(k);
-    std::vector<Row> rows;
-    rows.reserve(k);
+    std::vector<Row> rows(k);
     for (int s = 0; s < k; ++s) {
         insertAt[s] = selected[s] + s;
-        rows.push_back(newRow(k - 1 - s));
+        rows[s].cells.set(numberCol - 1, formatRowNumber(numbers.newNumber[k - 1 - s]));
     }
     list.spliceRows({}, insertAt, std::move(rows));
     list.selectOnly(selected[0]);

@@ -230,6 +230,26 @@ int InsertCaption(ListModel& target, int position, const ListModel& source, int 
 
 // ---------------------------------------------------------------- placement
 
+namespace {
+
+// The row of the first heading with this littera, when its text (in column `h`) is this one;
+// 0 otherwise.
+int headingRow(const ListModel& target, QStringView littera, QStringView text, int h) {
+    for (int r = 1; r <= target.rows(); ++r)
+        if (target.cell(r, 1) == littera) return target.cell(r, h) == text ? r : 0;
+    return 0;
+}
+
+// The first row with the road works' caption in any column; 0 for none.
+int roadWorksRow(const ListModel& target) {
+    for (int r = 1; r <= target.rows(); ++r)
+        for (int c = 2; c <= target.lastDataCol(); ++c)
+            if (target.cell(r, c) == kRoadWorksCaption) return r;
+    return 0;
+}
+
+} // namespace
+
 int LocateRow(const ListModel& target, const ListModel& source, int position, int captionRow,
               int subcaptionRow, int mode, int offset) {
     switch (mode) {
@@ -254,31 +274,11 @@ int LocateRow(const ListModel& target, const ListModel& source, int position, in
     const QStringView subLittera = subcaptionRow > 0 ? source.cell(subcaptionRow, 1) : QStringView();
     const QStringView subText = subcaptionRow > 0 ? source.cell(subcaptionRow, sh) : QStringView();
 
-    int anchor = 0;
-    if (subcaptionRow > 0) {
-        for (int r = 1; r <= n; ++r) {
-            if (target.cell(r, 1) != subLittera) continue;
-            if (target.cell(r, h) == subText) anchor = r;
-            break;
-        }
-    }
+    int anchor = subcaptionRow > 0 ? headingRow(target, subLittera, subText, h) : 0;
     // A subcaption the target does not have yet goes in under its caption, in littera order.
-    if (anchor == 0 && !captionText.isEmpty()) {
-        if (captionText == kRoadWorksCaption) {
-            for (int r = 1; r <= n && anchor == 0; ++r)
-                for (int c = 2; c <= target.lastDataCol(); ++c)
-                    if (target.cell(r, c) == kRoadWorksCaption) {
-                        anchor = r;
-                        break;
-                    }
-        } else {
-            for (int r = 1; r <= n; ++r) {
-                if (target.cell(r, 1) != captionLittera) continue;
-                if (target.cell(r, h) == captionText) anchor = r;
-                break;
-            }
-        }
-    }
+    if (anchor == 0 && !captionText.isEmpty())
+        anchor = captionText == kRoadWorksCaption ? roadWorksRow(target)
+                                                  : headingRow(target, captionLittera, captionText, h);
 
     if (anchor > 0) {
         const QString subNormalised = normalisedLittera(subLittera);

@@ -344,81 +344,106 @@ QString spreadsheetExportName(const QString& chosen) {
     return name;
 }
 
-bool ExportListViewXlsx(const ListModel& list, const QString& fileName, QString* error) {
-    auto fail = [&](const QString& message) {
-        if (error) *error = message;
-        return false;
-    };
-    const int n = list.lastDataCol();
-    if (list.rows() + 1 > static_cast<int>(LXW_ROW_MAX))
-        return fail(QStringLiteral("Luettelossa on liikaa rivejä taulukkoon."));
+namespace {
 
-    // The workbook is written beside the target and renamed over it only when complete.
-    const QFileInfo target(fileName);
-    QTemporaryFile temp(target.absoluteDir().filePath(QStringLiteral(".tamrik-XXXXXX.xlsx")));
-    if (!temp.open())
-        return fail(QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei voi tallentaa. ") +
-                    temp.errorString());
-    const QString tempName = temp.fileName();
-    temp.close();
+// The list's header texts and cells written into the one sheet of a workbook: numbers as
+// numbers with their decimals shown, other texts as texts. The first error is kept.
+class SheetExport {
+public:
+    explicit SheetExport(lxw_workbook* workbook)
+        : m_workbook(workbook)
+        , m_sheet(workbook_add_worksheet(workbook, "Taulukko1")) {}
 
-    lxw_workbook* workbook = workbook_new(QFile::encodeName(tempName).constData());
-    if (!workbook)
-        return fail(QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei voi tallentaa."));
-    lxw_worksheet* sheet = workbook_add_worksheet(workbook, "Taulukko1");
-    lxw_error status = LXW_NO_ERROR;
-    auto putText = [&](int r, int c, const QString& text) {
-        if (status == LXW_NO_ERROR)
-            status = worksheet_write_string(sheet, r, static_cast<lxw_col_t>(c), text.toUtf8().constData(),
-                                            nullptr);
-    };
-    for (int c = 1; c <= n; ++c) {
-        worksheet_set_column(sheet, static_cast<lxw_col_t>(c - 1), static_cast<lxw_col_t>(c - 1),
-                             exportColumnWidth(list, c), nullptr);
-        if (!list.column(c).header.isEmpty()) putText(0, c - 1, list.column(c).header);
+    void column(int c, double width, const QString& header) {
+        worksheet_set_column(m_sheet, static_cast<lxw_col_t>(c), static_cast<lxw_col_t>(c), width, nullptr);
+        if (!header.isEmpty()) text(0, c, header);
+    }
+    void cell(int r, int c, const QString& value) {
+        if (const std::optional<TypedNumber> number = cellTextNumber(value)) {
+            if (m_status == LXW_NO_ERROR)
+                m_status = worksheet_write_number(m_sheet, r, static_cast<lxw_col_t>(c), number->value,
+                                                  formatFor(number->decimals));
+        } else {
+            text(r, c, value);
+        }
+    }
+    // Closes the workbook; the first error of the writing or the closing.
+    lxw_error close() {
+        const lxw_error closed = workbook_close(m_workbook);
+        return m_status == LXW_NO_ERROR ? closed : m_status;
+    }
+
+private:
+    void text(int r, int c, const QString& value) {
+        if (m_status == LXW_NO_ERROR)
+            m_status = worksheet_write_string(m_sheet, r, static_cast<lxw_col_t>(c),
+                                              value.toUtf8().constData(), nullptr);
     }
     // One number format per count of decimals, so that "12,50" shows as 12,50.
-    std::array<lxw_format*, 16> decimalFormats{};
-    auto formatFor = [&](int decimals) -> lxw_format* {
+    lxw_format* formatFor(int decimals) {
         if (decimals == 0) return nullptr;
-        lxw_format*& f = decimalFormats[static_cast<std::size_t>(decimals)];
+        lxw_format*& f = m_decimalFormats[static_cast<std::size_t>(decimals)];
         if (!f) {
-            f = workbook_add_format(workbook);
+            f = workbook_add_format(m_workbook);
             const std::string code = "0." + std::string(static_cast<std::size_t>(decimals), '0');
             format_set_num_format(f, code.c_str());
         }
         return f;
-    };
-    for (int r = 1; r <= list.rows(); ++r) {
-        for (int c = 1; c <= n; ++c) {
-            if (list.cell(r, c).isEmpty()) continue;
-            const QString text = list.cell(r, c).toString();
-            if (const std::optional<TypedNumber> number = cellTextNumber(text)) {
-                if (status == LXW_NO_ERROR)
-                    status = worksheet_write_number(sheet, r, static_cast<lxw_col_t>(c - 1), number->value,
-                                                    formatFor(number->decimals));
-            } else {
-                putText(r, c - 1, text);
-            }
-        }
     }
-    const lxw_error closed = workbook_close(workbook);
-    if (status == LXW_NO_ERROR) status = closed;
-    if (status != LXW_NO_ERROR) {
-        QFile::remove(tempName);
-        return fail(QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei voi tallentaa. ") +
-                    QString::fromUtf8(lxw_strerror(status)));
-    }
-    QFile::setPermissions(tempName, target.exists() ? QFile::permissions(fileName)
-                                                    : QFile::ReadOwner | QFile::WriteOwner |
-                                                          QFile::ReadGroup | QFile::ReadOther);
+
+    lxw_workbook* m_workbook;
+    lxw_worksheet* m_sheet;
+    lxw_error m_status = LXW_NO_ERROR;
+    std::array<lxw_format*, 16> m_decimalFormats{};
+};
+
+// Renames the finished workbook over `fileName`, with the permissions of the file it replaces;
+// the reason when it cannot.
+QString placeWorkbook(const QString& tempName, const QString& fileName) {
+    QFile::setPermissions(tempName, QFileInfo::exists(fileName) ? QFile::permissions(fileName)
+                                                                : QFile::ReadOwner | QFile::WriteOwner |
+                                                                      QFile::ReadGroup | QFile::ReadOther);
     std::error_code ec;
     std::filesystem::rename(QFile::encodeName(tempName).toStdString(),
                             QFile::encodeName(fileName).toStdString(), ec);
-    if (ec) {
+    return ec ? QString::fromStdString(ec.message()) : QString();
+}
+
+} // namespace
+
+bool ExportListViewXlsx(const ListModel& list, const QString& fileName, QString* error) {
+    auto fail = [&](const QString& why) {
+        if (error)
+            *error = QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei voi tallentaa.") + why;
+        return false;
+    };
+    const int n = list.lastDataCol();
+    if (list.rows() + 1 > static_cast<int>(LXW_ROW_MAX)) {
+        if (error) *error = QStringLiteral("Luettelossa on liikaa rivejä taulukkoon.");
+        return false;
+    }
+
+    // The workbook is written beside the target and renamed over it only when complete.
+    const QFileInfo target(fileName);
+    QTemporaryFile temp(target.absoluteDir().filePath(QStringLiteral(".tamrik-XXXXXX.xlsx")));
+    if (!temp.open()) return fail(QLatin1Char(' ') + temp.errorString());
+    const QString tempName = temp.fileName();
+    temp.close();
+
+    lxw_workbook* workbook = workbook_new(QFile::encodeName(tempName).constData());
+    if (!workbook) return fail(QString());
+    SheetExport sheet(workbook);
+    for (int c = 1; c <= n; ++c)
+        sheet.column(c - 1, exportColumnWidth(list, c), list.column(c).header);
+    for (int r = 1; r <= list.rows(); ++r)
+        for (int c = 1; c <= n; ++c)
+            if (!list.cell(r, c).isEmpty()) sheet.cell(r, c - 1, list.cell(r, c).toString());
+    const lxw_error status = sheet.close();
+    const QString notPlaced =
+        status == LXW_NO_ERROR ? placeWorkbook(tempName, fileName) : QString::fromUtf8(lxw_strerror(status));
+    if (!notPlaced.isEmpty()) {
         QFile::remove(tempName);
-        return fail(QStringLiteral("Tiedostoa: ") + fileName + QStringLiteral(" ei voi tallentaa. ") +
-                    QString::fromStdString(ec.message()));
+        return fail(QLatin1Char(' ') + notPlaced);
     }
     return true;
 }
