@@ -4,6 +4,7 @@
 // end starts it for those commands.
 #include "app/Commands.h"
 #include "app/Help.h"
+#include "app/TextCommands.h"
 #include "platform/Allocator.h"
 #include "platform/RuntimeDir.h"
 
@@ -14,6 +15,6 @@ int main(int argc, char** argv) {
     platform::providePrivateRuntimeDir();
     if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)
         return app::helpCommand({});
-    if (app::isCommand(argv[1])) return app::runCommand(argc, argv);
+    if (app::isTextCommand(argv[1])) return app::runCommand(argc, argv);
     return app::unknownArgument(QString::fromLocal8Bit(argv[1]));
 }

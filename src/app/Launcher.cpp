@@ -3,6 +3,8 @@
 // compare) to the desktop program; both lie beside this one and take over this process, so the
 // exit status, the signals and the standard streams are theirs. A command that writes a few
 // lines of text so loads none of the libraries of the windows.
+#include "app/TextCommands.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -10,15 +12,6 @@
 #include <unistd.h>
 
 namespace {
-
-// Whether the command line asks only for text: a command of the command program, or the help.
-bool textOnly(int argc, char** argv) {
-    if (argc < 2) return false;
-    const char* first = argv[1];
-    for (const char* name : {"costs", "summary", "validate", "convert", "help", "--help", "-h"})
-        if (std::strcmp(first, name) == 0) return true;
-    return false;
-}
 
 // The folder of this program, ending in "/"; empty when the system does not say.
 std::string programFolder() {
@@ -37,7 +30,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     const std::string program =
-        programFolder() + (textOnly(argc, argv) ? "tamrik-commands" : "tamrik-desktop");
+        programFolder() + (argc >= 2 && app::isTextCommand(argv[1]) ? "tamrik-commands" : "tamrik-desktop");
     // The program's own name stays argv[0]: the desktop names its windows by it.
     execv(program.c_str(), argv);
     std::fprintf(stderr, "tamrik: ohjelmaa %s ei voitu käynnistää: %s\n", program.c_str(),

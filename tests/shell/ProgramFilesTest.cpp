@@ -1,5 +1,7 @@
 // The programs the `tamrik` command is made of, and the libraries each of them loads: a command
 // line that writes text must start without the libraries of the windows.
+#include "app/Commands.h"
+#include "app/TextCommands.h"
 #include "common/RunProgram.h"
 
 #include <QProcess>
@@ -65,4 +67,13 @@ TEST(ProgramFiles, TheFrontEndHandsOverArgumentsAndExitStatus) {
     EXPECT_EQ(unknown.status, 1);
     EXPECT_EQ(unknown.err,
               QStringLiteral("tamrik: tuntematon valitsin --ei-tallaista; katso tamrik --help\n"));
+}
+
+// The front end's list of text commands names commands the program has (a renamed command
+// would otherwise go to the desktop program, or be refused by the command program).
+TEST(ProgramFiles, EveryTextCommandIsACommand) {
+    for (const char* name : app::kTextCommands) {
+        SCOPED_TRACE(name);
+        if (name[0] != '-') EXPECT_TRUE(app::isCommand(name));
+    }
 }
