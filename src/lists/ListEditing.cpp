@@ -368,29 +368,6 @@ bool SortItems(ListModel& list, int column) {
     return true;
 }
 
-void SortByColumn(ListModel& list, int keyColumn) {
-    const int n = list.rows();
-    if (n == 0 || keyColumn < 1 || keyColumn > list.cols()) return;
-    std::vector<int> order(n);
-    for (int i = 0; i < n; ++i)
-        order[i] = i + 1;
-    if (keyColumn == list.cols()) {
-        // Row numbers are digit texts of one length: plain text order is their numeric order.
-        std::stable_sort(order.begin(), order.end(),
-                         [&](int x, int y) { return list.rowNumberText(x) < list.rowNumberText(y); });
-    } else {
-        QCollator collator{QLocale(QLocale::Finnish, QLocale::Finland)};
-        collator.setCaseSensitivity(Qt::CaseInsensitive);
-        std::vector<QCollatorSortKey> keys;
-        keys.reserve(n);
-        for (int r = 1; r <= n; ++r)
-            keys.push_back(collator.sortKey(list.cell(r, keyColumn).toString()));
-        std::stable_sort(order.begin(), order.end(),
-                         [&](int x, int y) { return keys[x - 1].compare(keys[y - 1]) < 0; });
-    }
-    list.reorder(order);
-}
-
 // ---------------------------------------------------------------- clipboard text
 
 QString EncodeClipCell(QStringView cell) {

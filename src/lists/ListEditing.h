@@ -7,6 +7,7 @@
 // Rows and columns are 1-based, as in ListProcedures. Every procedure that refuses an action has
 // already told the user (through the dialog facade) when it returns.
 #include "lists/ListModel.h"
+#include "lists/ListSort.h"
 
 #include <QString>
 #include <QStringList>
@@ -87,8 +88,6 @@ bool ListViewRowEdit(ListModel& list, int rowAction, const EditContext& ctx);
 // stably, by that column (by "Rivi" for the first column, which restores the original order).
 // Returns whether the rows were sorted.
 bool SortItems(ListModel& list, int column);
-// The sort itself: Finnish collation without regard to letter case ("Rivi" as digit text).
-void SortByColumn(ListModel& list, int keyColumn);
 
 // ---------------------------------------------------------------- clipboard text
 

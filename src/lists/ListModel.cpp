@@ -245,6 +245,14 @@ void ListModel::replaceRows(std::vector<Row> rows) {
 void ListModel::reorder(const std::vector<int>& newOrder) {
     // newOrder[i] is the 1-based old position of the row that goes to position i + 1.
     if (newOrder.size() != m_rows.size()) return;
+    // Only a permutation of the rows: the cycles below would not end otherwise.
+    std::vector<bool> placed(newOrder.size(), false);
+    for (int from : newOrder) {
+        if (from < 1 || from > static_cast<int>(placed.size()) || placed[static_cast<std::size_t>(from - 1)])
+            return;
+        placed[static_cast<std::size_t>(from - 1)] = true;
+    }
+    placed.assign(placed.size(), false);
     if (recording() || watched()) {
         bool same = true;
         for (std::size_t i = 0; i < newOrder.size() && same; ++i)
@@ -253,14 +261,23 @@ void ListModel::reorder(const std::vector<int>& newOrder) {
         if (!same && watched()) changedOutsideStep();
     }
     emit layoutAboutToBeChanged();
-    std::vector<Row> sorted;
-    sorted.reserve(m_rows.size());
+    // In place, one cycle of the permutation at a time: a copy of a large list's rows would
+    // double its memory while it sorts.
     int newCurrent = 0;
-    for (std::size_t i = 0; i < newOrder.size(); ++i) {
-        sorted.push_back(std::move(m_rows[newOrder[i] - 1]));
-        if (newOrder[i] == m_current) newCurrent = static_cast<int>(i) + 1;
+    for (std::size_t start = 0; start < newOrder.size(); ++start) {
+        if (newOrder[start] == m_current) newCurrent = static_cast<int>(start) + 1;
+        if (placed[start]) continue;
+        Row first = std::move(m_rows[start]);
+        std::size_t to = start;
+        for (;;) {
+            placed[to] = true;
+            const std::size_t from = static_cast<std::size_t>(newOrder[to] - 1);
+            if (from == start) break;
+            m_rows[to] = std::move(m_rows[from]);
+            to = from;
+        }
+        m_rows[to] = std::move(first);
     }
-    m_rows = std::move(sorted);
     m_current = newCurrent;
     const QModelIndexList old = persistentIndexList();
     changePersistentIndexList(old, QModelIndexList(old.size()));

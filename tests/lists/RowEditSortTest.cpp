@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QCollator>
+#include <QLocale>
+#include <numeric>
 #include <random>
 
 using namespace lists;
@@ -175,4 +178,55 @@ TEST(Sorting, InsertionsAfterSortStayWhereTheyArePut) {
     EXPECT_EQ(rowNumbers(list), QStringList({"00002", "00003", "00001", "00004"}));
     ASSERT_TRUE(SortItems(list, 1));
     EXPECT_EQ(columnTexts(list, 2), QStringList({"c", "a", "b", ""}));
+}
+
+// A large list is sorted a part at a time (its distinct texts collated in chunks that are then
+// merged); the order must be the one a single stable sort by collation keys gives, for a column
+// of many distinct texts, texts that differ only in case, repeated texts and empty cells.
+TEST(Sorting, ALargeListSortsAsOneStableCollatedSortWould) {
+    const QStringList syllables{"ka", "Kä", "lo", "ÖR", "vi", "wa", "ää", "Å", "-", " ", "1", "ZY", "é", "e"};
+    std::mt19937 random(34);
+    auto word = [&] {
+        QString w;
+        const int n = 1 + static_cast<int>(random() % 6);
+        for (int i = 0; i < n; ++i)
+            w += syllables[static_cast<int>(random() % syllables.size())];
+        return w;
+    };
+    std::vector<QStringList> data;
+    constexpr int kRows = 60000;
+    for (int r = 0; r < kRows; ++r) {
+        const unsigned pick = random() % 10;
+        QString text = pick < 6   ? word() + QString::number(r) // distinct
+                       : pick < 8 ? word()                      // likely repeated
+                       : pick < 9 ? QString()
+                                  : QStringLiteral("Yksikkö");
+        if (random() % 4 == 0) text = text.toUpper();
+        data.push_back({QString(), text});
+    }
+    ListModel list;
+    fill(list, kind::QuantityList, quantityHeaders(), data);
+    ASSERT_GT(list.rows(), 3 * 16384);
+
+    QCollator collator{QLocale(QLocale::Finnish, QLocale::Finland)};
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    std::vector<QCollatorSortKey> keys;
+    for (int r = 1; r <= list.rows(); ++r)
+        keys.push_back(collator.sortKey(list.cell(r, 2).toString()));
+    std::vector<int> expected(static_cast<std::size_t>(list.rows()));
+    std::iota(expected.begin(), expected.end(), 1);
+    std::stable_sort(expected.begin(), expected.end(),
+                     [&](int a, int b) { return keys[a - 1].compare(keys[b - 1]) < 0; });
+    EXPECT_EQ(SortedOrder(list, 2), expected);
+
+    // Sorted in place, every row goes where the order says, and back by "Rivi".
+    const QStringList before = columnTexts(list, 2);
+    SortByColumn(list, 2);
+    QStringList after;
+    for (int i : expected)
+        after << before[i - 1];
+    EXPECT_EQ(columnTexts(list, 2), after);
+    SortByColumn(list, list.cols());
+    EXPECT_EQ(columnTexts(list, 2), before);
+    EXPECT_EQ(rowNumbers(list).last(), QStringLiteral("%1").arg(kRows, 5, 10, QLatin1Char('0')));
 }
