@@ -1,5 +1,6 @@
 #include "print/PdfOutput.h"
 
+#include "print/OtherThreads.h"
 #include "print/Outline.h"
 #include "print/PageCompression.h"
 #include "print/Reports.h"
@@ -22,6 +23,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace print {
 
@@ -33,12 +35,15 @@ using Object = QPDFObjectHandle;
 // gathered into blocks, so the file sees a few hundred writes instead of a few hundred thousand.
 class DevicePipeline final : public Pipeline {
 public:
-    explicit DevicePipeline(QIODevice& device)
+    // A set `cancel` stops the writing at its next block (with an exception).
+    DevicePipeline(QIODevice& device, const std::atomic<bool>& cancel)
         : Pipeline("save file", nullptr)
-        , m_device(device) {
+        , m_device(device)
+        , m_cancel(cancel) {
         m_block.reserve(kBlock);
     }
     void write(unsigned char const* data, size_t length) override {
+        if (m_cancel) throw std::runtime_error("cancelled");
         if (m_block.size() + length > kBlock) flush();
         if (length >= kBlock)
             put(reinterpret_cast<const char*>(data), length);
@@ -60,6 +65,7 @@ private:
     }
 
     QIODevice& m_device;
+    const std::atomic<bool>& m_cancel;
     std::string m_block;
 };
 
@@ -173,7 +179,7 @@ std::unique_ptr<QPDF> readWritten(const QByteArray& data) {
 // Rewrites the PDF that Qt wrote, the pages of `rest` (when there is one) after its own, with the
 // outline, the information dictionary and the XMP metadata, into `out`.
 void finishPdf(QPDF& pdf, QPDF* rest, const std::vector<Bookmark>& outline, const PdfProperties& properties,
-               bool archival, QIODevice& out) {
+               bool archival, QIODevice& out, const std::atomic<bool>& cancel) {
     Object root = pdf.getRoot();
     if (rest) {
         // The pages drawn on another thread follow; their streams are read from `rest` as the
@@ -209,7 +215,7 @@ void finishPdf(QPDF& pdf, QPDF* rest, const std::vector<Bookmark>& outline, cons
     root.replaceKey("/Metadata", metadata);
 
     QPDFWriter writer(pdf);
-    DevicePipeline pipeline(out);
+    DevicePipeline pipeline(out, cancel);
     writer.setOutputPipeline(&pipeline);
     // Qt's streams are copied as they are; the XMP stays uncompressed, as PDF/A asks.
     writer.setStreamDataMode(qpdf_s_preserve);
@@ -285,7 +291,8 @@ OutputResult drawInTwoHalves(PrintRun& run, std::unique_ptr<QPdfWriter>& writer,
     std::atomic<bool> cancel{false};
     OutputResult tailResult = OutputResult::Cancelled;
     std::exception_ptr tailError;
-    std::thread worker([&] {
+    OtherThreads others;
+    others.start([&] {
         const FastPageCompression fast;
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
@@ -312,9 +319,10 @@ OutputResult drawInTwoHalves(PrintRun& run, std::unique_ptr<QPdfWriter>& writer,
     if (result != OutputResult::Printed) cancel = true;
     // The first half's file is complete when its writer is gone.
     writer.reset();
-    if (result == OutputResult::Printed) drawn.readHead();
-    worker.join();
-    if (result == OutputResult::Printed) result = tailResult;
+    if (result == OutputResult::Printed) others.start([&] { drawn.readHead(); });
+    const bool cancelled = others.wait(
+        progress, [&] { return split + tailDrawn; }, total, cancel);
+    if (result == OutputResult::Printed) result = cancelled ? OutputResult::Cancelled : tailResult;
     if (!drawn.readError) drawn.readError = tailError;
     for (const QString& message : copy->messages())
         run.inform(message);
@@ -341,8 +349,14 @@ OutputResult drawPages(PrintRun& run, const PdfWriterSettings& settings, const P
     if (split < total) return drawInTwoHalves(run, writer, settings, split, progress, drawn);
     result = run.PrintPages(*writer, 1, total, progress);
     writer.reset();
-    if (result == OutputResult::Printed) drawn.readHead();
-    return result;
+    if (result != OutputResult::Printed) return result;
+    OtherThreads reading;
+    reading.start([&] { drawn.readHead(); });
+    std::atomic<bool> cancel{false};
+    return reading.wait(
+               progress, [total] { return total; }, total, cancel)
+               ? OutputResult::Cancelled
+               : result;
 }
 
 } // namespace
@@ -397,14 +411,37 @@ OutputResult WritePdf(PrintRun& run, const QString& fileName, const QPageLayout&
         file.cancelWriting();
         return result == OutputResult::DeviceFailed ? fail(file.errorString()) : result;
     }
-    try {
-        if (drawn.readError) std::rethrow_exception(drawn.readError);
-        finishPdf(*drawn.headPdf, drawn.tailPdf.get(), RunOutline(run), DocumentProperties(run, options),
-                  options.archival, file);
-    } catch (const std::exception& e) {
+    // The outline and the properties are gathered here; the file is written on another thread.
+    const std::vector<Bookmark> outline = RunOutline(run);
+    const PdfProperties properties = DocumentProperties(run, options);
+    std::exception_ptr failure;
+    std::atomic<bool> cancel{false};
+    OtherThreads writing;
+    writing.start([&] {
+        try {
+            if (drawn.readError) std::rethrow_exception(drawn.readError);
+            finishPdf(*drawn.headPdf, drawn.tailPdf.get(), outline, properties, options.archival, file,
+                      cancel);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    });
+    const int total = run.TotalPages();
+    if (writing.wait(
+            progress, [total] { return total; }, total, cancel)) {
         file.cancelWriting();
-        return fail(file.error() != QFileDevice::NoError ? file.errorString()
-                                                         : QString::fromLocal8Bit(e.what()));
+        return OutputResult::Cancelled;
+    }
+    if (failure) {
+        file.cancelWriting();
+        try {
+            std::rethrow_exception(failure);
+        } catch (const std::exception& e) {
+            return fail(file.error() != QFileDevice::NoError ? file.errorString()
+                                                             : QString::fromLocal8Bit(e.what()));
+        } catch (...) {
+            return fail(file.errorString());
+        }
     }
     if (options.endsProcess) {
         // Left to the end of the process, which follows (see PdfOptions::endsProcess).

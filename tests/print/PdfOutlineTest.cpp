@@ -1,8 +1,10 @@
 // What a PDF carries besides its pages, read back with qpdf: the outline (bookmarks) of every
 // document and work phase at the pages pdftotext finds them on, the document properties, and
 // the archival PDF/A-1b of --pdfa checked against the rules of the standard that a file of ours
-// could break. A failed write leaves no file; a run drawn on two threads makes the file one makes.
+// could break. A failed write leaves no file; a run drawn on two threads makes the file one makes;
+// the caller hears of the run until the file is written and can cancel it to the end.
 #include "common/TestSupport.h"
+#include "print/OtherThreads.h"
 #include "print/PdfOutput.h"
 #include "print/PdfSupport.h"
 #include "print/PrintFixtures.h"
@@ -15,6 +17,9 @@
 #include <QTemporaryDir>
 #include <QTimeZone>
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <thread>
 #include <gtest/gtest.h>
 #include <map>
 #include <qpdf/QPDF.hh>
@@ -528,4 +533,87 @@ TEST(PdfOutput, ARunDrawnOnTwoThreadsMakesTheFileOneThreadMakes) {
                   nullptr, options),
               print::OutputResult::Cancelled);
     EXPECT_FALSE(QFile::exists(cancelled));
+}
+
+// After the last page is drawn, the other half's pages, the reading of both halves and the
+// writing of the file take a while: the caller hears of the run every 50 ms meanwhile and can
+// cancel it, also in the moment after the work last looked at the cancel.
+TEST(PdfOutput, TheWritingAfterTheLastPageReportsProgressAndCanBeCancelled) {
+    using namespace std::chrono_literals;
+    auto waitFor = [](const std::atomic<bool>& flag) {
+        for (int i = 0; i < 3000 && !flag; ++i)
+            std::this_thread::sleep_for(10ms);
+        return flag.load();
+    };
+    {
+        // Work that lasts until the caller has been told of it: told the page it is at.
+        print::OtherThreads others;
+        std::atomic<bool> heard{false}, cancel{false}, workSawHeard{false};
+        std::vector<int> pages;
+        others.start([&] { workSawHeard = waitFor(heard); });
+        const bool cancelled = others.wait(
+            [&](int page, double done) {
+                pages.push_back(page);
+                EXPECT_DOUBLE_EQ(done, 0.5);
+                heard = true;
+                return true;
+            },
+            [] { return 7; }, 14, cancel);
+        EXPECT_FALSE(cancelled);
+        EXPECT_TRUE(workSawHeard);
+        ASSERT_FALSE(pages.empty());
+        EXPECT_EQ(pages.front(), 7);
+        EXPECT_FALSE(cancel);
+    }
+    {
+        // Work that runs until it is cancelled.
+        print::OtherThreads others;
+        std::atomic<bool> cancel{false}, workSawCancel{false};
+        others.start([&] { workSawCancel = waitFor(cancel); });
+        EXPECT_TRUE(others.wait([](int, double) { return false; }, [] { return 1; }, 1, cancel));
+        EXPECT_TRUE(workSawCancel);
+    }
+    {
+        // The cancel comes after the work's last look at it: the run is still cancelled.
+        print::OtherThreads others;
+        std::atomic<bool> cancel{false}, asked{false}, looked{false}, workSawCancel{false};
+        others.start([&] {
+            waitFor(asked);
+            workSawCancel = cancel.load();
+            looked = true;
+        });
+        EXPECT_TRUE(others.wait(
+            [&](int, double) {
+                asked = true;
+                waitFor(looked);
+                return false;
+            },
+            [] { return 1; }, 1, cancel));
+        EXPECT_FALSE(workSawCancel) << "the work had looked before the cancel";
+    }
+
+    // A whole run, on one thread and in two halves: a cancel heard after the last page leaves no
+    // file; a run that ended before the caller was asked again is written.
+    print_test::SampleRun sample;
+    ASSERT_TRUE(sample.read);
+    print::PrintRun& run = sample.run;
+    QTemporaryDir dir;
+    for (const int parallelFrom : {0, 2}) {
+        SCOPED_TRACE(parallelFrom);
+        print::PdfOptions options;
+        options.parallelFrom = parallelFrom;
+        const QString file = dir.filePath(QStringLiteral("peruttu%1.pdf").arg(parallelFrom));
+        int lastPageHeard = 0, askedAfter = 0;
+        const print::OutputResult result = print::WritePdf(
+            run, file, print::DefaultPageLayout(), 1200,
+            [&](int page, double) {
+                if (lastPageHeard > 0) ++askedAfter;
+                if (page == run.TotalPages()) ++lastPageHeard;
+                return askedAfter == 0;
+            },
+            nullptr, options);
+        EXPECT_GE(lastPageHeard, 1);
+        EXPECT_EQ(result, askedAfter > 0 ? print::OutputResult::Cancelled : print::OutputResult::Printed);
+        EXPECT_EQ(QFile::exists(file), result == print::OutputResult::Printed);
+    }
 }
