@@ -166,7 +166,7 @@ void ProjectWindow::fieldChanged(persist::FieldRef field) {
                                            persist::fieldStepText(label)));
 }
 
-persist::WindowRecord ProjectWindow::toRecord() const {
+persist::WindowRecord ProjectWindow::toRecord(bool listsInPlace) const {
     persist::WindowRecord r;
     for (const TextBox* t : Text1)
         r.texts.append(t ? t->text() : QString());
@@ -177,9 +177,13 @@ persist::WindowRecord ProjectWindow::toRecord() const {
         const lists::ListModel* m = v ? v->list() : nullptr;
         if (m) {
             list.columns = m->lastDataCol();
-            list.rows.reserve(m->rows());
-            for (const lists::Row& row : m->allRows())
-                list.rows.push_back(row.cells); // shared, not copied
+            if (listsInPlace) {
+                list.listRows = &m->allRows();
+            } else {
+                list.rows.reserve(m->rows());
+                for (const lists::Row& row : m->allRows())
+                    list.rows.push_back(row.cells); // shared, not copied
+            }
         }
         r.lists.push_back(std::move(list));
     }
@@ -218,7 +222,7 @@ void ProjectWindow::applyRecord(persist::WindowRecord&& record) {
         // the memory that a large project takes while it opens.
         lists::RowCells::Builder build;
         for (lists::RowCells& cells : src.rows) {
-            rows.push_back(persist::RowFromRecord(cells, keep, dataCols, ++number, build));
+            rows.push_back(persist::RowFromRecord(std::move(cells), keep, dataCols, ++number, build));
             cells = lists::RowCells();
         }
         m->reset(std::move(columns), std::move(rows));

@@ -50,8 +50,10 @@ public:
 
     DocumentHost& host() const { return m_host; }
 
-    // The window's record in a project file: Text1 texts, Combo1 edit texts, the lists.
-    persist::WindowRecord toRecord() const;
+    // The window's record in a project file: Text1 texts, Combo1 edit texts, the lists. With
+    // `listsInPlace` the record refers to the shown lists' rows instead of holding them (for a
+    // record that is written before any list changes).
+    persist::WindowRecord toRecord(bool listsInPlace = false) const;
     // The undo history of the window's project, shared by its four windows; the window's
     // lists and fields record their changes there. Null until the project has one.
     lists::EditHistory* history() const { return m_history.get(); }

@@ -57,7 +57,7 @@ std::unique_ptr<lists::ListModel> ListFromRecord(ListRecord&& record, const QStr
     long long n = 0;
     lists::RowCells::Builder build;
     for (lists::RowCells& cells : record.rows) {
-        rows.push_back(RowFromRecord(cells, record.columns, record.columns, ++n, build));
+        rows.push_back(RowFromRecord(std::move(cells), record.columns, record.columns, ++n, build));
         cells = lists::RowCells(); // each stored row goes as soon as its list row exists
     }
     list->reset(std::move(columns), std::move(rows));
@@ -74,6 +74,18 @@ lists::Row RowFromRecord(const lists::RowCells& stored, int keep, int dataCols, 
     lists::Row row;
     row.cells = build.take();
     return row;
+}
+
+lists::Row RowFromRecord(lists::RowCells&& stored, int keep, int dataCols, long long number,
+                         lists::RowCells::Builder& build) {
+    // A row read from a file already ends in its number: it is taken as it is.
+    if (keep == dataCols && stored.size() == dataCols + 1 &&
+        stored[dataCols] == lists::formatRowNumber(number)) {
+        lists::Row row;
+        row.cells = std::move(stored);
+        return row;
+    }
+    return RowFromRecord(static_cast<const lists::RowCells&>(stored), keep, dataCols, number, build);
 }
 
 QStringList PopulateFiles(const lists::ListModel& requirements) {

@@ -37,6 +37,10 @@ std::unique_ptr<lists::ListModel> ListFromRecord(ListRecord&& record, const QStr
 // row number. `build` is reused from row to row.
 lists::Row RowFromRecord(const lists::RowCells& stored, int keep, int dataCols, long long number,
                          lists::RowCells::Builder& build);
+// The same from a stored row that is no longer needed: a row that already holds exactly those
+// cells and that number (as the reader leaves it) becomes the list's row without a copy.
+lists::Row RowFromRecord(lists::RowCells&& stored, int keep, int dataCols, long long number,
+                         lists::RowCells::Builder& build);
 
 // The files the requirement list refers to (columns 13 and 14 holding a folder), each once.
 QStringList PopulateFiles(const lists::ListModel& requirements);

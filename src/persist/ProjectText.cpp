@@ -9,14 +9,9 @@ QString versionLine() {
         .arg(TAMRIK_VERSION_PATCH);
 }
 
-QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QString* unencodable) {
-    RecordWriter w(unencodable);
-    qsizetype size = 1024;
-    for (const WindowRecord& r : content.windows)
-        size += RecordSize(r);
-    for (const QByteArray& doc : content.documents)
-        size += doc.size() + 16;
-    w.reserve(size);
+namespace {
+
+void writeText(RecordWriter& w, const ProjectContent& content, bool pathOption) {
     w.line(versionLine());
     w.count(18);
     for (int i = 0; i < 18; ++i)
@@ -27,16 +22,34 @@ QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QStr
     for (const QString& c : content.checks)
         w.line(c);
     w.count(3);
-    QByteArray out = w.take();
     for (const QByteArray& doc : content.documents) {
         // The length in the number format of the old print statement: a blank before the digits.
-        out += ' ';
-        out += QByteArray::number(doc.size());
-        out += "\r\n";
-        out += doc;
-        out += "\r\n";
+        w.raw(" ");
+        w.count(doc.size());
+        w.raw(doc);
+        w.raw("\r\n");
     }
-    return out;
+}
+
+} // namespace
+
+QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QString* unencodable) {
+    RecordWriter w(unencodable);
+    qsizetype size = 1024;
+    for (const WindowRecord& r : content.windows)
+        size += RecordSize(r);
+    for (const QByteArray& doc : content.documents)
+        size += doc.size() + 16;
+    w.reserve(size);
+    writeText(w, content, pathOption);
+    return w.take();
+}
+
+bool WriteProjectText(const ProjectContent& content, bool pathOption, const ByteSink& sink,
+                      QString* unencodable) {
+    RecordWriter w(sink, unencodable);
+    writeText(w, content, pathOption);
+    return w.finish();
 }
 
 bool ReadProjectText(const QByteArray& member, const QString& directory, ProjectContent& content,

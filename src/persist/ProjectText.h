@@ -22,6 +22,9 @@ QString versionLine();
 // The member's bytes. Characters outside Windows-1252 become "?"; each is listed once in
 // `unencodable` when it is given.
 QByteArray WriteProjectText(const ProjectContent& content, bool pathOption, QString* unencodable = nullptr);
+// The same bytes handed to `sink` a block at a time as they are made; false when the sink failed.
+bool WriteProjectText(const ProjectContent& content, bool pathOption, const ByteSink& sink,
+                      QString* unencodable = nullptr);
 
 // Reads a member. `directory` is the project file's folder, for the "{PATH}" cells. On failure
 // returns false with an error that names the part and the line; `content` is left as it was.

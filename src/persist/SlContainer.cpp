@@ -1,5 +1,8 @@
 #include "persist/SlContainer.h"
 
+#include <QIODevice>
+#include <limits>
+
 namespace persist {
 
 std::array<std::uint8_t, 4> BytesFromLong(std::uint32_t value) {
@@ -27,26 +30,59 @@ QString FileExtension(int type) {
     }
 }
 
+namespace {
+
+// The header: each member's length (the text member's given apart) and type, then CR LF.
+QByteArray containerHeader(const Members& members, std::uint32_t textLength) {
+    QByteArray out;
+    out.reserve(kHeaderSize);
+    for (std::size_t m = 0; m < members.size(); ++m) {
+        const auto b =
+            BytesFromLong(m == 0 ? textLength : static_cast<std::uint32_t>(members[m].data.size()));
+        out.append(static_cast<char>(b[3]));
+        out.append(static_cast<char>(b[2]));
+        out.append(static_cast<char>(b[1]));
+        out.append(static_cast<char>(b[0]));
+        out.append(static_cast<char>(members[m].type));
+    }
+    out.append("\r\n", 2);
+    return out;
+}
+
+} // namespace
+
 QByteArray PackContainer(const Members& members) {
     qsizetype size = kHeaderSize;
     for (const Member& m : members)
         size += m.data.size() + 1;
     QByteArray out;
     out.reserve(size);
-    for (const Member& m : members) {
-        const auto b = BytesFromLong(static_cast<std::uint32_t>(m.data.size()));
-        out.append(static_cast<char>(b[3]));
-        out.append(static_cast<char>(b[2]));
-        out.append(static_cast<char>(b[1]));
-        out.append(static_cast<char>(b[0]));
-        out.append(static_cast<char>(m.type));
-    }
-    out.append("\r\n", 2);
+    out.append(containerHeader(members, static_cast<std::uint32_t>(members[0].data.size())));
     for (const Member& m : members) {
         out.append(m.data);
         out.append('\0');
     }
     return out;
+}
+
+bool WriteContainer(QIODevice& out, const Members& members,
+                    const std::function<bool(const ByteSink& sink)>& writeText) {
+    auto put = [&](QByteArrayView bytes) { return out.write(bytes.data(), bytes.size()) == bytes.size(); };
+    const qint64 start = out.pos();
+    if (!put(containerHeader(members, 0))) return false;
+    qint64 textLength = 0;
+    const bool written = writeText([&](QByteArrayView bytes) {
+        textLength += bytes.size();
+        return put(bytes);
+    });
+    if (!written || textLength > std::numeric_limits<std::uint32_t>::max() || !put(QByteArrayView("\0", 1)))
+        return false;
+    for (std::size_t m = 1; m < members.size(); ++m)
+        if (!put(members[m].data) || !put(QByteArrayView("\0", 1))) return false;
+    // The text member's length is known now.
+    const qint64 end = out.pos();
+    return out.seek(start) && put(containerHeader(members, static_cast<std::uint32_t>(textLength))) &&
+           out.seek(end);
 }
 
 namespace {

@@ -6,6 +6,9 @@
 #include <QString>
 #include <array>
 #include <cstdint>
+#include <functional>
+
+class QIODevice;
 
 namespace persist {
 
@@ -14,6 +17,9 @@ struct Member {
     int type = 0; // 0 text or no picture, 1 bitmap, 2 metafile, 3 icon, 4 enhanced metafile
 };
 using Members = std::array<Member, 7>;
+
+// Takes bytes as they are made; false when they could not be kept (a full disk).
+using ByteSink = std::function<bool(QByteArrayView bytes)>;
 
 constexpr int kHeaderSize = 37;
 
@@ -26,6 +32,13 @@ QString FileExtension(int type);
 
 // Joins the members into the file's bytes.
 QByteArray PackContainer(const Members& members);
+
+// Writes the container to `out` as it is made: the text member comes from `writeText` (which
+// hands its bytes to the sink it is given, a block at a time, and returns false on a failure),
+// the other members from `members`; members[0] is not looked at. The text member's length is
+// written into the header last, so `out` must be able to seek. False when a write failed.
+bool WriteContainer(QIODevice& out, const Members& members,
+                    const std::function<bool(const ByteSink& sink)>& writeText);
 
 // Splits a file into its members. A length past the end of the file, a missing zero byte or a
 // header without CR LF is an error that says where; `members` is then left as it was.

@@ -1,5 +1,6 @@
 #include "persist/WindowRecord.h"
 
+#include "lists/ListModel.h"
 #include "platform/Cp1252.h"
 
 #include <charconv>
@@ -31,9 +32,16 @@ int EvaluateNRows(QStringView text) {
     return 1 + static_cast<int>(text.count(u"\r\n"));
 }
 
+RecordWriter::RecordWriter(ByteSink sink, QString* unencodable)
+    : m_unencodable(unencodable)
+    , m_sink(std::move(sink)) {
+    m_bytes.reserve(kBlock + 4096);
+}
+
 void RecordWriter::line(QStringView text) {
     platform::appendCp1252(m_bytes, text, m_unencodable);
     m_bytes.append("\r\n", 2);
+    written();
 }
 
 void RecordWriter::count(long long n) {
@@ -41,6 +49,23 @@ void RecordWriter::count(long long n) {
     const auto end = std::to_chars(digits, digits + sizeof digits, n).ptr;
     m_bytes.append(digits, end - digits);
     m_bytes.append("\r\n", 2);
+    written();
+}
+
+void RecordWriter::raw(QByteArrayView bytes) {
+    m_bytes.append(bytes);
+    written();
+}
+
+void RecordWriter::flush() {
+    // After a failure the rest is not written anywhere.
+    if (!m_failed && !m_bytes.isEmpty()) m_failed = !m_sink(m_bytes);
+    m_bytes.truncate(0); // the block's room stays for the next one
+}
+
+bool RecordWriter::finish() {
+    if (m_sink) flush();
+    return !m_failed;
 }
 
 void RecordWriter::value(QStringView text) {
@@ -219,8 +244,8 @@ void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOpt
     out.count(static_cast<long long>(record.lists.size()));
     for (std::size_t j = 0; j < record.lists.size(); ++j) {
         const ListRecord& list = record.lists[j];
-        out.line(QStringLiteral("%1,%2").arg(list.rows.size()).arg(list.columns));
-        for (const lists::RowCells& row : list.rows) {
+        out.line(QStringLiteral("%1,%2").arg(list.rowCount()).arg(list.columns));
+        list.forEachRow([&](const lists::RowCells& row) {
             for (int c = 1; c <= list.columns; ++c) {
                 const QStringView cell = row.value(c - 1);
                 if (pathOption && j == 1 && (c == 13 || c == 14) && holdsFolder(cell) && !isBlank(cell))
@@ -228,7 +253,7 @@ void WriteFormToFile(RecordWriter& out, const WindowRecord& record, bool pathOpt
                 else
                     out.value(cell);
             }
-        }
+        });
     }
 }
 
@@ -242,9 +267,10 @@ qsizetype RecordSize(const WindowRecord& record) {
         size += value(c);
     for (const ListRecord& list : record.lists) {
         size += 24;
-        for (const lists::RowCells& row : list.rows)
+        list.forEachRow([&](const lists::RowCells& row) {
             for (int c = 0; c < list.columns; ++c)
                 size += c < row.size() ? value(row[c]) : 3;
+        });
     }
     return size;
 }
@@ -288,6 +314,9 @@ bool ReadFormFromFile(RecordReader& in, WindowRecord& record, const QString& dir
                     v = directory + v.mid(kPath.size());
                 row.add(v);
             }
+            // The row number the list will give the row, so that the row becomes the list's
+            // row as it is (see RowFromRecord) instead of being built a second time.
+            row.add(lists::formatRowNumber(k + 1));
             list.rows.push_back(row.take());
         }
         r.lists.push_back(std::move(list));

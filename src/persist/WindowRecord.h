@@ -2,7 +2,9 @@
 // The record in which a project window stores its controls: the Text1 texts, the Combo1 edit
 // texts and the lists, each value preceded by its line count. Line-oriented text in
 // Windows-1252 with CR LF.
+#include "lists/ListModel.h"
 #include "lists/RowCells.h"
+#include "persist/SlContainer.h"
 #include "platform/ReadError.h"
 
 #include <QByteArray>
@@ -16,8 +18,22 @@ struct ListRecord {
     int columns = 0; // stored columns: the littera and the data columns, not "Rivi"
     // Only the first `columns` cells of a row are stored (missing ones as empty). A row taken
     // from a list keeps its row number after them, so the record shares the list's row block
-    // instead of copying it.
+    // instead of copying it; a row read from a file has its place in the list (00001, 00002,
+    // ...) after them, so the list takes the row as it is.
     std::vector<lists::RowCells> rows;
+    // Instead of `rows`: the rows of a shown list, for a record that is written at once, so
+    // that saving a large list takes no copy of its rows (see rowCount and forEachRow).
+    const std::vector<lists::Row>* listRows = nullptr;
+
+    std::size_t rowCount() const { return listRows ? listRows->size() : rows.size(); }
+    template <typename F> void forEachRow(F f) const {
+        if (listRows)
+            for (const lists::Row& row : *listRows)
+                f(row.cells);
+        else
+            for (const lists::RowCells& row : rows)
+                f(row);
+    }
 };
 
 struct WindowRecord {
@@ -33,19 +49,33 @@ class RecordWriter {
 public:
     explicit RecordWriter(QString* unencodable = nullptr)
         : m_unencodable(unencodable) {}
+    // A writer that hands its bytes to `sink` a block of about kBlock bytes at a time instead of
+    // keeping them, so that a large member goes to its file without being held whole.
+    explicit RecordWriter(ByteSink sink, QString* unencodable = nullptr);
+    static constexpr qsizetype kBlock = 256 * 1024;
     void line(QStringView text);
     void count(long long n);
     // A value: its line count (0 for an empty value, else 1 + the CR LF pairs in it), then
     // its lines.
     void value(QStringView text);
+    // Bytes as they are.
+    void raw(QByteArrayView bytes);
     // Room for this many bytes more, so that a long member is written without moving.
     void reserve(qsizetype more) { m_bytes.reserve(m_bytes.size() + more); }
     const QByteArray& bytes() const { return m_bytes; }
     QByteArray take() { return std::move(m_bytes); }
+    // Hands what is left to the sink; false when the sink failed at any time.
+    bool finish();
 
 private:
+    void written() {
+        if (m_sink && m_bytes.size() >= kBlock) flush();
+    }
+    void flush();
     QByteArray m_bytes;
     QString* m_unencodable;
+    ByteSink m_sink;
+    bool m_failed = false;
 };
 
 // Reads the lines of a text member (Windows-1252, lines ended by CR LF), never trusting a

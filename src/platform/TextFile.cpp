@@ -83,12 +83,17 @@ QByteArray encodeLines(const QStringList& lines, QString* unencodable) {
 }
 
 bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString* error) {
+    return writeFileAtomically(
+        path, [&](QIODevice& out) { return out.write(bytes) == bytes.size(); }, error);
+}
+
+bool writeFileAtomically(const QString& path, const std::function<bool(QIODevice&)>& write, QString* error) {
     QSaveFile f(path);
     if (!f.open(QIODevice::WriteOnly)) {
         if (error) *error = f.errorString();
         return false;
     }
-    if (f.write(bytes) != bytes.size() || !f.commit()) {
+    if (!write(f) || !f.commit()) {
         if (error) *error = f.errorString();
         f.cancelWriting();
         return false;

@@ -3,6 +3,9 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <functional>
+
+class QIODevice;
 
 namespace platform {
 
@@ -30,6 +33,10 @@ bool writeTextLines(const QString& path, const QStringList& lines, QString* erro
 // Writes raw bytes atomically: a temporary file in the same folder, flushed to the disk and
 // renamed over the target, so that a crash, a kill or a full disk leaves the old file whole.
 bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString* error = nullptr);
+// The same for a file made as it is written: `write` puts the bytes into the temporary file
+// (it may seek back in it) and returns false on a failure, which leaves the old file whole.
+bool writeFileAtomically(const QString& path, const std::function<bool(QIODevice&)>& write,
+                         QString* error = nullptr);
 
 // Reads a whole file; false with the error description when it cannot be read.
 bool readFileBytes(const QString& path, QByteArray& bytes, QString* error = nullptr);

@@ -25,6 +25,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QLockFile>
@@ -140,9 +141,16 @@ void rememberComboDefaults(MDIForm1& main, const ProjectWindows& w) {
     WriteDefaultComboData(main.settingsStore(), defaults);
 }
 
-} // namespace
+// What a project file holds besides its text member's bytes: the windows' content and the
+// pictures (members[0] is left empty). The lists' records refer to the shown lists' rows, so
+// the parts are written before anything changes. With `progress` it is a save: the progress
+// strip moves and the documents and pictures also go to the temporary folder.
+struct ProjectParts {
+    persist::ProjectContent content;
+    persist::Members members;
+};
 
-QByteArray ProjectContainer(MDIForm1& main, const ProjectWindows& w, bool keepNames, bool progress) {
+ProjectParts projectParts(MDIForm1& main, const ProjectWindows& w, bool progress) {
     AppState& state = main.appState();
     auto step = [&](int percent) {
         if (progress) main.DisplayProgress(percent);
@@ -150,18 +158,19 @@ QByteArray ProjectContainer(MDIForm1& main, const ProjectWindows& w, bool keepNa
     auto temp = [&](const QString& name, const QByteArray& bytes) {
         if (progress) writeTemp(state.TempPath, name, bytes);
     };
-    persist::ProjectContent content;
+    ProjectParts parts;
+    persist::ProjectContent& content = parts.content;
     const QComboBox* references = w.f2->Combo1[0];
     for (int i = 0; i < 18 && i < references->count(); ++i)
         content.referenceItems << references->itemText(i);
     step(20);
-    content.windows[0] = w.f1->toRecord();
+    content.windows[0] = w.f1->toRecord(true);
     step(40);
-    content.windows[1] = w.f2->toRecord();
+    content.windows[1] = w.f2->toRecord(true);
     step(80);
-    content.windows[2] = w.f3->toRecord();
+    content.windows[2] = w.f3->toRecord(true);
     step(90);
-    content.windows[3] = w.f4->toRecord();
+    content.windows[3] = w.f4->toRecord(true);
     // Check box values as the file keeps them: 0 unchecked, 1 checked, 2 greyed.
     for (const QCheckBox* c : w.f4->Check1)
         content.checks << QString::number(
@@ -171,19 +180,50 @@ QByteArray ProjectContainer(MDIForm1& main, const ProjectWindows& w, bool keepNa
         content.documents[n - 1] = platform::WriteRtf(*w.f2->RichTextBox1[n]->document());
         temp(QStringLiteral("Tamrik2000_tmp%1.rtf").arg(n), content.documents[n - 1]);
     }
-
-    persist::Members members;
-    members[0].data = persist::WriteProjectText(content, keepNames);
-    temp(QStringLiteral("~Tamrik30_1.tmp"), members[0].data);
     for (int k = 0; k < 6; ++k) {
         const platform::Picture& picture = w.f1->Image1[k]->picture();
-        members[k + 1].type = picture.type();
-        members[k + 1].data = picture.isNull() ? QByteArray() : picture.bytes();
-        temp(QStringLiteral("~Tamrik30_%1.tmp").arg(k + 2), members[k + 1].data);
+        parts.members[k + 1].type = picture.type();
+        parts.members[k + 1].data = picture.isNull() ? QByteArray() : picture.bytes();
+        temp(QStringLiteral("~Tamrik30_%1.tmp").arg(k + 2), parts.members[k + 1].data);
     }
-    const QByteArray container = persist::PackContainer(members);
-    temp(QStringLiteral("~Tamrik30.tmp"), container);
+    return parts;
+}
 
+// Copies `length` bytes of `source` from `offset` into the scratch file `name` of the temporary
+// folder, a block at a time.
+void copyTemp(const QString& tempPath, const QString& name, QFile& source, qint64 offset, qint64 length) {
+    if (tempPath.isEmpty() || !source.seek(offset)) return;
+    platform::writeFileAtomically(tempPath + name, [&](QIODevice& out) {
+        QByteArray block;
+        for (qint64 left = length; left > 0; left -= block.size()) {
+            block = source.read(std::min<qint64>(left, persist::RecordWriter::kBlock));
+            if (block.isEmpty() || out.write(block) != block.size()) return false;
+        }
+        return true;
+    });
+}
+
+// The scratch copies of a saved file's text member and of the whole file, read back from it.
+void copyTemps(const QString& tempPath, const QString& file) {
+    QFile saved(file);
+    if (tempPath.isEmpty() || !saved.open(QIODevice::ReadOnly)) return;
+    const QByteArray header = saved.read(persist::kHeaderSize);
+    if (header.size() < persist::kHeaderSize) return;
+    const auto* b = reinterpret_cast<const std::uint8_t*>(header.constData());
+    copyTemp(tempPath, QStringLiteral("~Tamrik30_1.tmp"), saved, persist::kHeaderSize,
+             persist::LongFromBytes(b[3], b[2], b[1], b[0]));
+    copyTemp(tempPath, QStringLiteral("~Tamrik30.tmp"), saved, 0, saved.size());
+}
+
+} // namespace
+
+QByteArray ProjectContainer(MDIForm1& main, const ProjectWindows& w, bool keepNames, bool progress) {
+    ProjectParts parts = projectParts(main, w, progress);
+    parts.members[0].data = persist::WriteProjectText(parts.content, keepNames);
+    if (progress)
+        writeTemp(main.appState().TempPath, QStringLiteral("~Tamrik30_1.tmp"), parts.members[0].data);
+    const QByteArray container = persist::PackContainer(parts.members);
+    if (progress) writeTemp(main.appState().TempPath, QStringLiteral("~Tamrik30.tmp"), container);
     return container;
 }
 
@@ -216,9 +256,20 @@ bool WriteSlFile(MDIForm1& main, const QString& project, const QString& file, bo
     }
     FileOperation operation(main, QStringLiteral("Tallentaa tiedostoa..."));
 
-    const QByteArray container = ProjectContainer(main, w, keepNames, true);
+    // The file is written as it is made: a large project is never held whole as bytes.
+    std::optional<ProjectParts> parts(projectParts(main, w, true));
     QString error;
-    if (!platform::writeFileAtomically(file, container, &error)) {
+    const bool written = platform::writeFileAtomically(
+        file,
+        [&](QIODevice& out) {
+            return persist::WriteContainer(out, parts->members, [&](const persist::ByteSink& sink) {
+                return persist::WriteProjectText(parts->content, keepNames, sink);
+            });
+        },
+        &error);
+    parts.reset(); // the lists' rows are shared no longer
+    if (written) copyTemps(state.TempPath, file);
+    if (!written) {
         platform::MsgBox(QStringLiteral("Tiedostoa ") + file + QStringLiteral(" ei voi tallentaa:\r\n") +
                              error,
                          MsgIcon::Critical);

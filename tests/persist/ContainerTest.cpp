@@ -1,3 +1,4 @@
+#include "lists/ListModel.h"
 #include "persist/ProjectText.h"
 #include "persist/SlContainer.h"
 
@@ -230,8 +231,15 @@ TEST(ProjectText, RepeatedCellsReadBackAsWritten) {
     RecordReader in(out.bytes());
     ASSERT_TRUE(ReadFormFromFile(in, back, QString())) << in.error().toStdString();
     ASSERT_EQ(back.lists.size(), 2u);
-    EXPECT_EQ(back.lists[1].rows, list.rows);
     const std::vector<lists::RowCells>& read = back.lists[1].rows;
+    ASSERT_EQ(read.size(), list.rows.size());
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        // The stored cells, then the number the row takes in its list.
+        ASSERT_EQ(read[i].size(), 4);
+        for (int c = 0; c < 3; ++c)
+            EXPECT_EQ(read[i][c], list.rows[i][c]) << i << " " << c;
+        EXPECT_EQ(read[i][3], lists::formatRowNumber(static_cast<long long>(i) + 1));
+    }
     EXPECT_EQ(read[1][1], QStringLiteral("1 (siltakohtainen)"));
     EXPECT_EQ(read[4][1], QStringLiteral("m3"));
     EXPECT_EQ(read[5][2], QStringLiteral("a\r\nb"));

@@ -25,6 +25,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTextCursor>
 #include <QTextEdit>
@@ -127,6 +128,60 @@ TEST_F(ProjectFilesTest, SaveOpenSaveIsByteIdenticalAndRestoresEveryField) {
     main->activateWindow(back.f1);
     ASSERT_TRUE(WriteSlFile(*main, first, second, false));
     EXPECT_EQ(bytesOf(second), saved);
+    EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
+}
+
+// A save writes the file as it makes it, a block at a time; the file and the scratch copies of
+// the save must be the bytes of the whole container made at once, for the sample project and
+// for a project whose lists span many blocks.
+TEST_F(ProjectFilesTest, AFileWrittenAsItIsMadeHasTheBytesOfTheWholeContainer) {
+    const QString sample = dir.filePath(QStringLiteral("Esimerkkisilta.sl"));
+    ASSERT_TRUE(QFile::copy(testing_support::dataDir() + QStringLiteral("Esimerkkisilta.sl"), sample));
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti1"), sample, false));
+    ProjectWindows w = project(sample);
+    ASSERT_TRUE(w.complete());
+    const QString temp = main->appState().TempPath;
+    auto check = [&](const QString& saved) {
+        const QByteArray whole = ProjectContainer(*main, project(saved), false, false);
+        ASSERT_GT(whole.size(), persist::kHeaderSize);
+        EXPECT_TRUE(bytesOf(saved) == whole);
+        EXPECT_TRUE(bytesOf(temp + QStringLiteral("~Tamrik30.tmp")) == whole);
+        persist::Members members;
+        QString error;
+        ASSERT_TRUE(persist::UnpackContainer(whole, members, &error)) << error.toStdString();
+        EXPECT_TRUE(bytesOf(temp + QStringLiteral("~Tamrik30_1.tmp")) == members[0].data);
+    };
+    const QString savedSample = dir.filePath(QStringLiteral("Esimerkki tallennettu.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, sample, savedSample, false));
+    check(savedSample);
+
+    // Many rows with long texts: several megabytes of list cells.
+    lists::ListModel& quantities = *w.f2->list(0);
+    std::vector<lists::Row> rows;
+    lists::RowCells::Builder build;
+    for (int r = 1; r <= 30000; ++r) {
+        build.add(r % 50 == 1 ? QString::number(7100 + r % 99) : QString());
+        build.add(QStringLiteral("Työvaihe %1 äöå, pitkä kuvaus joka jatkuu vielä").arg(r));
+        build.add(QStringLiteral("Rakenneosa"));
+        build.add(QString::number(r % 997));
+        build.add(QStringLiteral("m3"));
+        build.add(QStringLiteral("%1,50").arg(r % 300));
+        build.add(r % 7 == 0 ? QStringLiteral("huomautus\r\ntoinen rivi") : QString());
+        build.add(lists::formatRowNumber(r));
+        rows.push_back({build.take(), QString(), false});
+    }
+    quantities.reset(quantities.columns(), std::move(rows));
+    const QString savedLarge = dir.filePath(QStringLiteral("suuri.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, savedSample, savedLarge, false));
+    EXPECT_GT(QFileInfo(savedLarge).size(), 8 * 256 * 1024);
+    check(savedLarge);
+    // And it reads back into the same list.
+    main->NewProject();
+    main->activateWindow(project(QStringLiteral("Projekti2")).f1);
+    ASSERT_TRUE(ReadSlFile(*main, QStringLiteral("Projekti2"), savedLarge, false));
+    const QString again = dir.filePath(QStringLiteral("uudelleen.sl"));
+    ASSERT_TRUE(WriteSlFile(*main, savedLarge, again, false));
+    EXPECT_TRUE(bytesOf(again) == bytesOf(savedLarge));
     EXPECT_TRUE(dialogs.messages().empty()) << dialogs.lastText().toStdString();
 }
 
