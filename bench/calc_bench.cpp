@@ -31,6 +31,8 @@ void sizes(benchmark::internal::Benchmark* b) {
 }
 BENCHMARK(BM_CalculateCosts)->Apply(sizes);
 
+// The quality index runs again over a list that has not changed since its last run (the print
+// selection, the preview and the summary each run it): every row's memo is there.
 void BM_CalculateQualityIndex(benchmark::State& state) {
     lists::ListModel list;
     fillRequirementList(list, static_cast<int>(state.range(0)));
@@ -40,6 +42,45 @@ void BM_CalculateQualityIndex(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_CalculateQualityIndex)->Apply(sizes);
+
+// The run after a user changed one cell: one row is read from its texts again.
+void BM_QualityIndexAfterACellEdit(benchmark::State& state) {
+    lists::ListModel list;
+    const int n = static_cast<int>(state.range(0));
+    fillRequirementList(list, n);
+    calc::CalculateQualityIndex(list);
+    // A requirement row in the middle of the list, its result toggled between two texts.
+    const int row = n / 2 + 2 - (n / 2) % 25;
+    const QString results[] = {QStringLiteral("Kyllä"), QStringLiteral("Ei")};
+    int edits = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        list.setCell(row, 21, results[++edits % 2]);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(calc::CalculateQualityIndex(list));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_QualityIndexAfterACellEdit)->Apply(sizes);
+
+// The first run over a list just read: every row is read from its texts.
+void BM_QualityIndexFirstRun(benchmark::State& state) {
+    lists::ListModel made;
+    fillRequirementList(made, static_cast<int>(state.range(0)));
+    // Copies made before any run carry no memo.
+    const std::vector<lists::Row> unread = made.allRows();
+    lists::ListModel list;
+    for (auto _ : state) {
+        state.PauseTiming();
+        list.reset(made.columns(), unread);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(calc::CalculateQualityIndex(list));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_QualityIndexFirstRun)->Apply(sizes);
 
 // The project check over a project of the target size: 20,000 quantity rows and 5,000
 // requirement rows (at most 20 ms). The generated litteras repeat every hundred work phases, so

@@ -75,41 +75,90 @@ bool NextIsCaption1(const lists::ListModel& list, int row) {
     return true;
 }
 
-CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
-    const double generalPercent = CustomVal(inputs.generalPercent);
-    const double factor = ConversionFactor(inputs);
-    const int n = list.rows();
+namespace {
 
-    CostRecord rec;
-    rec.roadSummaryRow = n;
-    float captionSum = 0;
-    float blockSum = 0;
-    bool superstructure = false;
-    bool bridgeClosed = false;
+// One run of the estimate: the record being filled and the running sums of the open caption
+// group and cost block.
+class CostRun {
+public:
+    explicit CostRun(const CostInputs& inputs)
+        : m_generalPercent(CustomVal(inputs.generalPercent))
+        , m_factor(ConversionFactor(inputs)) {}
 
-    for (int i = 1; i <= n; ++i) {
-        // The road-works caption, or the last row when there is none, closes the bridge block;
-        // that row already belongs to the road works. Only the first such caption closes it,
-        // so a later heading that mentions the road works does not discard the bridge's sum.
-        if (!bridgeClosed && (i == n || opensRoadWorks(list.cell(i, kWorkPhase)))) {
-            closeBlock(blockSum, generalPercent, factor, rec.bridgeSum, rec.bridgeGeneral, rec.bridgeTotal,
-                       rec.bridgeConverted, rec.bridgeRounded);
-            rec.bridgeSummaryRow = i - 1;
-            rec.bridgeSummaryLines = kBridgeSummaryLines;
-            if (rec.nonFiniteRow == 0 &&
-                !finite({rec.bridgeGeneral, rec.bridgeTotal, rec.bridgeConverted, rec.bridgeRounded}))
-                rec.nonFiniteRow = std::max(1, i - 1);
-            captionSum = 0;
-            blockSum = 0;
-            superstructure = false;
-            bridgeClosed = true;
-        }
+    // The road-works caption, or the last row when there is none, closes the bridge block;
+    // that row already belongs to the road works. Only the first such caption closes it, so a
+    // later heading that mentions the road works does not discard the bridge's sum.
+    bool bridgeOpen() const { return !m_bridgeClosed; }
+    void closeBridge(int row) {
+        closeBlock(m_blockSum, m_generalPercent, m_factor, m_rec.bridgeSum, m_rec.bridgeGeneral,
+                   m_rec.bridgeTotal, m_rec.bridgeConverted, m_rec.bridgeRounded);
+        m_rec.bridgeSummaryRow = row - 1;
+        m_rec.bridgeSummaryLines = kBridgeSummaryLines;
+        if (m_rec.nonFiniteRow == 0 &&
+            !finite({m_rec.bridgeGeneral, m_rec.bridgeTotal, m_rec.bridgeConverted, m_rec.bridgeRounded}))
+            m_rec.nonFiniteRow = std::max(1, row - 1);
+        m_captionSum = 0;
+        m_blockSum = 0;
+        m_superstructure = false;
+        m_bridgeClosed = true;
+    }
 
-        // A row without a littera stays in the superstructure block of the row above it.
-        const QStringView littera = QStringView(list.cell(i, kLittera)).left(4);
+    // A row with a littera starts or ends the superstructure; a row without one stays in the
+    // block of the row above it.
+    void followLittera(QStringView littera) {
+        littera = littera.left(4);
         if (!lists::BlankString(littera))
-            superstructure = littera >= kSuperstructureFrom && littera <= kSuperstructureTo;
+            m_superstructure = littera >= kSuperstructureFrom && littera <= kSuperstructureTo;
+    }
 
+    // Adds a priced row's amount; returns the subtotal to leave in its tag, empty when the row
+    // does not close its caption group (a subtotal of an earlier run would print under a group
+    // it no longer closes).
+    QString addAmount(const lists::ListModel& list, int row, float amount) {
+        m_captionSum += amount;
+        m_blockSum += amount;
+        if (m_superstructure) m_rec.superstructureSum += amount;
+        if (m_rec.nonFiniteRow == 0 && !finite({amount, m_captionSum, m_blockSum, m_rec.superstructureSum}))
+            m_rec.nonFiniteRow = row;
+        if (!NextIsCaption1(list, row)) return QString();
+        const QString subtotal = MoneyS(m_captionSum, 2);
+        m_captionSum = 0;
+        return subtotal;
+    }
+
+    // Closes the road-works block after the last of `rows` rows.
+    CostRecord finish(int rows, const QString& vatPercent) {
+        m_rec.roadSummaryRow = rows;
+        closeBlock(m_blockSum, m_generalPercent, m_factor, m_rec.roadSum, m_rec.roadGeneral, m_rec.roadTotal,
+                   m_rec.roadConverted, m_rec.roadRounded);
+        m_rec.roadSummaryLines = kRoadSummaryLines;
+        // The whole and its VAT are printed too: a sum of two finite blocks may still overflow.
+        const float whole = m_rec.bridgeRounded + m_rec.roadRounded;
+        const float vat = static_cast<float>(whole * CustomVal(vatPercent) / 100);
+        if (m_rec.nonFiniteRow == 0 && !finite({m_rec.roadGeneral, m_rec.roadTotal, m_rec.roadConverted,
+                                                m_rec.roadRounded, whole, CustomRound(whole), vat}))
+            m_rec.nonFiniteRow = std::max(1, rows);
+        return m_rec;
+    }
+
+private:
+    const double m_generalPercent;
+    const double m_factor;
+    CostRecord m_rec;
+    float m_captionSum = 0;
+    float m_blockSum = 0;
+    bool m_superstructure = false;
+    bool m_bridgeClosed = false;
+};
+
+} // namespace
+
+CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
+    CostRun run(inputs);
+    const int n = list.rows();
+    for (int i = 1; i <= n; ++i) {
+        if (run.bridgeOpen() && (i == n || opensRoadWorks(list.cell(i, kWorkPhase)))) run.closeBridge(i);
+        run.followLittera(list.cell(i, kLittera));
         const QStringView quantity = list.cell(i, kQuantity);
         const QStringView unitPrice = list.cell(i, kUnitPrice);
         if (lists::BlankString(quantity) || lists::BlankString(unitPrice)) {
@@ -117,30 +166,9 @@ CostRecord CalculateCosts(lists::ListModel& list, const CostInputs& inputs) {
             continue;
         }
         const float amount = static_cast<float>(CustomVal(quantity) * CustomVal(unitPrice));
-        captionSum += amount;
-        blockSum += amount;
-        if (superstructure) rec.superstructureSum += amount;
-        if (rec.nonFiniteRow == 0 && !finite({amount, captionSum, blockSum, rec.superstructureSum}))
-            rec.nonFiniteRow = i;
-        if (NextIsCaption1(list, i)) {
-            list.setRowTag(i, MoneyS(captionSum, 2));
-            captionSum = 0;
-        } else {
-            // A subtotal left here by an earlier run would print under a group it no longer closes.
-            list.setRowTag(i, QString());
-        }
+        list.setRowTag(i, run.addAmount(list, i, amount));
     }
-
-    closeBlock(blockSum, generalPercent, factor, rec.roadSum, rec.roadGeneral, rec.roadTotal,
-               rec.roadConverted, rec.roadRounded);
-    rec.roadSummaryLines = kRoadSummaryLines;
-    // The whole and its VAT are printed too: a sum of two finite blocks may still overflow.
-    const float whole = rec.bridgeRounded + rec.roadRounded;
-    const float vat = static_cast<float>(whole * CustomVal(inputs.vatPercent) / 100);
-    if (rec.nonFiniteRow == 0 && !finite({rec.roadGeneral, rec.roadTotal, rec.roadConverted, rec.roadRounded,
-                                          whole, CustomRound(whole), vat}))
-        rec.nonFiniteRow = std::max(1, n);
-    return rec;
+    return run.finish(n, inputs.vatPercent);
 }
 
 QString NonFiniteMessage(const CostRecord& record) {

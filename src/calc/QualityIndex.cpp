@@ -11,6 +11,8 @@
 #include <QLocale>
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 
 namespace calc {
 
@@ -48,85 +50,182 @@ QString typeLine(const QString& label, int count, int checked) {
 } // namespace
 
 CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn) {
-    CaptionInfo info;
     const QStringView littera = list.cell(row, kLittera);
     const QStringView text = list.cell(row, captionColumn);
     const bool roadWorks = text == lists::kRoadWorksCaption;
-    if (!roadWorks && lists::BlankString(littera)) return info;
-    info.littera = littera.isEmpty() ? QStringView(u" ") : littera;
-    info.text = text;
-    info.level = roadWorks || lists::CapitalString(text) ? 1 : 2;
-    return info;
+    if (!roadWorks && lists::BlankString(littera)) return {};
+    return {roadWorks || lists::CapitalString(text) ? 1 : 2, littera.isEmpty() ? QStringView(u" ") : littera,
+            text};
 }
+
+std::vector<QString> CaptionTexts::toVector() const {
+    std::vector<QString> out;
+    for (std::size_t g = 0; g < size(); ++g)
+        out.push_back((*this)[g]);
+    return out;
+}
+
+namespace {
+
+// How a row of the requirement list counts. A requirement is a row that is no caption and has
+// an identifier; "TYYPPI" 1 and 2 carry weight, any other type is advisory.
+enum class RowKind : std::uint8_t { Phase, SubPhase, Other, Advisory, Weighted };
+// "TÄYTTÄÄ VAATIMUKSET" by its first character: "Kyllä", "Ei", or anything else.
+enum class Result : std::uint8_t { Unchecked, Met, Failed };
+
+struct RowFacts {
+    RowKind kind = RowKind::Other;
+    Result result = Result::Unchecked; // requirements only
+    bool type2 = false;                // weighted: type 2 rather than 1
+    float weight = 0;                  // weighted: "PAINOARVO"
+    float factor = 0;                  // weighted and failed: "PAINOARVON KERROIN"
+};
+
+RowFacts readRow(const lists::ListModel& list, int r) {
+    RowFacts facts;
+    const int level = ListViewCaption(list, r, kText).level;
+    if (level != 0) {
+        facts.kind = level == 1 ? RowKind::Phase : RowKind::SubPhase;
+        return facts;
+    }
+    if (lists::BlankString(list.cell(r, kNumber))) return facts;
+    const QChar result = firstChar(list.cell(r, kFulfilled));
+    facts.result = result == u'K' ? Result::Met : result == u'E' ? Result::Failed : Result::Unchecked;
+    const QChar type = firstChar(list.cell(r, kType));
+    if (type != u'1' && type != u'2') {
+        facts.kind = RowKind::Advisory;
+        return facts;
+    }
+    facts.kind = RowKind::Weighted;
+    facts.type2 = type == u'2';
+    facts.weight = static_cast<float>(CustomVal(list.cell(r, kWeight)));
+    if (facts.result == Result::Failed) facts.factor = static_cast<float>(CustomVal(list.cell(r, kFactor)));
+    return facts;
+}
+
+// The memo packs RowFacts into 64 bits: the low half is the weight's float bits; the high half
+// is a failed weighted requirement's factor as float bits, or for every other row its kind and
+// result as a code among the NaN patterns, which no factor has (CustomVal reads digits, never a
+// NaN). The top bit of the high half, a factor's sign bit, says type 2; a failed requirement
+// with a negative factor has no memo and is read from its texts on every run.
+constexpr std::uint32_t kTypeTwoBit = 0x8000'0000;
+constexpr std::uint32_t kInfinityBits = 0x7f80'0000; // above it, to 0x7fff'ffff, the NaNs
+constexpr int kResults = 3;
+
+std::uint64_t packRow(const RowFacts& f) {
+    std::uint32_t high = 0;
+    if (f.kind == RowKind::Weighted && f.result == Result::Failed) {
+        high = std::bit_cast<std::uint32_t>(f.factor);
+        if (high & kTypeTwoBit) return lists::RowCells::kNoMemo;
+    } else {
+        high = kInfinityBits + 1 + static_cast<std::uint32_t>(f.kind) * kResults +
+               static_cast<std::uint32_t>(f.result);
+    }
+    if (f.type2) high |= kTypeTwoBit;
+    return (std::uint64_t{high} << 32) | std::bit_cast<std::uint32_t>(f.weight);
+}
+
+RowFacts unpackRow(std::uint64_t memo) {
+    RowFacts f;
+    const auto high = static_cast<std::uint32_t>(memo >> 32);
+    const std::uint32_t value = high & ~kTypeTwoBit;
+    f.type2 = (high & kTypeTwoBit) != 0;
+    f.weight = std::bit_cast<float>(static_cast<std::uint32_t>(memo));
+    if (value <= kInfinityBits) {
+        f.kind = RowKind::Weighted;
+        f.result = Result::Failed;
+        f.factor = std::bit_cast<float>(value);
+    } else {
+        const std::uint32_t code = value - kInfinityBits - 1;
+        f.kind = static_cast<RowKind>(code / kResults);
+        f.result = static_cast<Result>(code % kResults);
+    }
+    return f;
+}
+
+// The row's facts from its memo, or read from its texts and remembered. The memo is written
+// from this const path: see RowCells::setMemo.
+RowFacts factsOf(const lists::ListModel& list, int r) {
+    const lists::RowCells& cells = list.row(r).cells;
+    if (const std::uint64_t memo = cells.memo(); memo != lists::RowCells::kNoMemo) return unpackRow(memo);
+    const RowFacts facts = readRow(list, r);
+    cells.setMemo(packRow(facts));
+    return facts;
+}
+
+// An open work phase or sub-phase: its slot in the record and its running weight sums.
+struct OpenGroup {
+    int slot = 0;
+    float max = 0;
+    float realized = 0;
+};
+
+void storeGroup(QualityRecord& rec, const OpenGroup& group) {
+    rec.groupMax[group.slot] = group.max;
+    rec.groupRealized[group.slot] = group.realized;
+}
+
+// Opens the group of a caption row in a new slot of the record. The record shares the row's
+// texts; only the caption's length is read.
+OpenGroup openGroup(QualityRecord& rec, const lists::RowCells& captionRow) {
+    rec.groupLittera.push_back(captionRow);
+    rec.groupText.push_back(captionRow);
+    rec.groupMax.push_back(0);
+    rec.groupRealized.push_back(0);
+    const int slot = static_cast<int>(rec.groupText.size()) - 1;
+    rec.longestGroupText = std::max(rec.longestGroupText, static_cast<int>(rec.groupText.view(slot).size()));
+    return {slot};
+}
+
+void countRequirement(QualityRecord& rec, OpenGroup& phase, OpenGroup& sub, const RowFacts& f) {
+    const bool checked = f.result != Result::Unchecked;
+    if (f.kind == RowKind::Advisory) {
+        ++rec.countType3;
+        if (checked) ++rec.checkedType3;
+        return;
+    }
+    (f.type2 ? rec.countType2 : rec.countType1)++;
+    rec.totalMax += f.weight;
+    phase.max += f.weight;
+    sub.max += f.weight;
+    if (!checked) return;
+    // A failed requirement still earns the share of its weight that its factor says.
+    const float earned = f.result == Result::Met ? f.weight : f.factor * f.weight;
+    rec.totalRealized += earned;
+    phase.realized += earned;
+    sub.realized += earned;
+    (f.type2 ? rec.checkedType2 : rec.checkedType1)++;
+}
+
+} // namespace
 
 QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
     QualityRecord rec;
-    // Running sums of the current work phase (level 1) and sub-phase (level 2), and the slots
-    // they are stored in when their group closes.
-    float phaseMax = 0, phaseRealized = 0, subMax = 0, subRealized = 0;
-    int phaseSlot = 0, subSlot = 0;
-    const auto storePhase = [&] {
-        rec.groupMax[phaseSlot] = phaseMax;
-        rec.groupRealized[phaseSlot] = phaseRealized;
-    };
-    const auto storeSub = [&] {
-        rec.groupMax[subSlot] = subMax;
-        rec.groupRealized[subSlot] = subRealized;
-    };
-    const auto openGroup = [&rec](const CaptionInfo& caption) {
-        rec.groupLittera.push_back(caption.littera.toString());
-        rec.groupText.push_back(caption.text.toString());
-        rec.groupMax.push_back(0);
-        rec.groupRealized.push_back(0);
-        rec.longestGroupText = std::max(rec.longestGroupText, static_cast<int>(caption.text.size()));
-        return static_cast<int>(rec.groupText.size()) - 1;
-    };
-
+    // The open work phase (level 1) and sub-phase (level 2); both start in slot 0.
+    OpenGroup phase, sub;
     for (int r = 1; r <= list.rows(); ++r) {
-        const CaptionInfo caption = ListViewCaption(list, r, kText);
-        if (caption.level == 1) {
-            storePhase();
-            storeSub();
-            phaseSlot = openGroup(caption);
-            subSlot = 0;
-            phaseMax = phaseRealized = subMax = subRealized = 0;
-            continue;
-        }
-        if (caption.level == 2) {
-            storeSub();
-            subSlot = openGroup(caption);
-            subMax = subRealized = 0;
-            continue;
-        }
-        if (lists::BlankString(list.cell(r, kNumber))) continue;
-
-        const QChar type = firstChar(list.cell(r, kType));
-        const QChar result = firstChar(list.cell(r, kFulfilled));
-        const bool met = result == u'K';
-        const bool failed = result == u'E';
-        if (type == u'1' || type == u'2') {
-            const bool type1 = type == u'1';
-            (type1 ? rec.countType1 : rec.countType2)++;
-            const float weight = static_cast<float>(CustomVal(list.cell(r, kWeight)));
-            rec.totalMax += weight;
-            phaseMax += weight;
-            subMax += weight;
-            if (met || failed) {
-                // A failed requirement still earns the share of its weight that its factor says.
-                const float earned =
-                    met ? weight : static_cast<float>(CustomVal(list.cell(r, kFactor))) * weight;
-                rec.totalRealized += earned;
-                phaseRealized += earned;
-                subRealized += earned;
-                (type1 ? rec.checkedType1 : rec.checkedType2)++;
-            }
-        } else {
-            ++rec.countType3;
-            if (met || failed) ++rec.checkedType3;
+        const RowFacts facts = factsOf(list, r);
+        switch (facts.kind) {
+            case RowKind::Phase:
+                storeGroup(rec, phase);
+                storeGroup(rec, sub);
+                phase = openGroup(rec, list.row(r).cells);
+                sub = {};
+                break;
+            case RowKind::SubPhase:
+                storeGroup(rec, sub);
+                sub = openGroup(rec, list.row(r).cells);
+                break;
+            case RowKind::Other:
+                break;
+            case RowKind::Advisory:
+            case RowKind::Weighted:
+                countRequirement(rec, phase, sub, facts);
+                break;
         }
     }
-    storePhase();
-    storeSub();
+    storeGroup(rec, phase);
+    storeGroup(rec, sub);
     rec.groupCount = static_cast<int>(rec.groupText.size()) - 1;
     if (rec.totalMax != 0) rec.qualityNumber = rec.totalRealized / rec.totalMax * 100;
     return rec;

@@ -5,8 +5,12 @@
 // Columns of the requirement list read here: 1 littera of a caption row, 2 the requirement's
 // identifier (blank on rows that are no requirement), 3 requirement or caption text,
 // 4 "TYYPPI", 11 "PAINOARVO", 21 "TÄYTTÄÄ VAATIMUKSET", 24 "PAINOARVON KERROIN".
+#include "lists/Columns.h"
+#include "lists/RowCells.h"
+
 #include <QDateTime>
 #include <QString>
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -28,6 +32,32 @@ struct CaptionInfo {
 
 CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn);
 
+// One text of each work-phase group's caption, kept as the caption row itself: the record
+// shares the row's texts with the list, as an undo step does, so a run copies no text and the
+// record stays whole when the list changes after it. A text is made when it is asked for.
+class CaptionTexts {
+public:
+    // `column` of the caption rows (1-based); an empty one reads as a space when `emptyAsSpace`.
+    CaptionTexts(int column, bool emptyAsSpace)
+        : m_cell(column - 1)
+        , m_emptyAsSpace(emptyAsSpace) {}
+    // Slot 0, the requirements above the first caption, has an empty text.
+    QStringView view(std::size_t g) const {
+        const lists::RowCells& row = m_rows[g];
+        const QStringView text = row.value(m_cell);
+        return text.isEmpty() && m_emptyAsSpace && !row.isEmpty() ? QStringView(u" ") : text;
+    }
+    QString operator[](std::size_t g) const { return view(g).toString(); }
+    std::size_t size() const { return m_rows.size(); }
+    void push_back(const lists::RowCells& captionRow) { m_rows.push_back(captionRow); }
+    std::vector<QString> toVector() const;
+
+private:
+    std::vector<lists::RowCells> m_rows{lists::RowCells()};
+    qsizetype m_cell;
+    bool m_emptyAsSpace;
+};
+
 // The results of one run. Weight sums are single precision.
 struct QualityRecord {
     int checkedType1 = 0; // type 1 requirements with a result ("Kyllä" or "Ei")
@@ -41,8 +71,8 @@ struct QualityRecord {
     float totalRealized = 0; // TotPa: weights earned by the inspected ones
     // Work-phase groups in list order. Slot 0 collects the requirements above the first caption
     // and is never reported; slots 1 .. groupCount are the captions.
-    std::vector<QString> groupLittera{QString()};
-    std::vector<QString> groupText{QString()};
+    CaptionTexts groupLittera{lists::requirementCol::kLittera, true};
+    CaptionTexts groupText{lists::requirementCol::kText, false};
     std::vector<float> groupMax{0.0f};
     std::vector<float> groupRealized{0.0f};
     int groupCount = 0;

@@ -80,6 +80,7 @@ void RowCells::set(qsizetype i, QStringView text) {
             const qsizetype at = old.utf16() - units();
             auto* p = reinterpret_cast<char16_t*>(m_d.data()); // detaches a shared block
             std::copy(text.utf16(), text.utf16() + text.size(), p + at);
+            m_memo = kNoMemo;
             return;
         }
     }

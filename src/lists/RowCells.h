@@ -7,10 +7,16 @@
 // Layout of the block: the first code unit holds the cell count (bit 15 set when the offsets
 // are 32-bit), then one end offset per cell (16-bit, or two code units low then high when the
 // texts together are longer than 65,535), then the texts one after the other.
+//
+// Beside the block a row keeps a memo: 64 bits that one calculation (the quality index) makes
+// of what it reads from the row's texts, so that a run over an unchanged list reads 8 bytes a
+// row instead of its texts. Every change of the texts drops it; copies, moves and swaps carry
+// it along with the texts it was made from.
 #include <QString>
 #include <QStringList>
 #include <QStringView>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace lists {
@@ -18,6 +24,24 @@ namespace lists {
 class RowCells {
 public:
     RowCells() = default;
+    RowCells(const RowCells&) = default;
+    RowCells& operator=(const RowCells&) = default;
+    // A moved-from row is empty and so keeps no memo; QString's move assignment swaps, so the
+    // memo is swapped along with it.
+    RowCells(RowCells&& other) noexcept
+        : m_d(std::move(other.m_d))
+        , m_memo(other.m_memo) {
+        other.m_memo = kNoMemo;
+    }
+    RowCells& operator=(RowCells&& other) noexcept {
+        m_d.swap(other.m_d);
+        std::swap(m_memo, other.m_memo);
+        return *this;
+    }
+    friend void swap(RowCells& a, RowCells& b) noexcept {
+        a.m_d.swap(b.m_d);
+        std::swap(a.m_memo, b.m_memo);
+    }
     // Rows are often built as a list of texts (readers, tests): converted once, here.
     RowCells(const QStringList& cells); // NOLINT(google-explicit-constructor)
     RowCells(std::initializer_list<QStringView> cells);
@@ -51,6 +75,16 @@ public:
     void resize(qsizetype n);
     void append(QStringView text) { set(size(), text); }
 
+    // The memo: kNoMemo until a calculation sets one, and again after any change of the texts.
+    // A calculation's encoding never gives kNoMemo. Setting it is const because it is a cache
+    // of the texts, not part of the row: a list is read and changed on the thread that owns it
+    // (the windows' thread; a print run's second drawing thread only reads cells and never
+    // runs the quality index), so no other thread reads the memo while it is written.
+    static constexpr std::uint64_t kNoMemo = ~std::uint64_t{0};
+    std::uint64_t memo() const { return m_memo; }
+    void setMemo(std::uint64_t memo) const { m_memo = memo; }
+
+    // Rows are equal when their texts are; the memo is no part of the value.
     friend bool operator==(const RowCells& a, const RowCells& b) { return a.m_d == b.m_d; }
     friend bool operator!=(const RowCells& a, const RowCells& b) { return !(a == b); }
 
@@ -86,6 +120,7 @@ private:
     static RowCells make(const std::uint32_t* ends, qsizetype n, QStringView text);
 
     QString m_d;
+    mutable std::uint64_t m_memo = kNoMemo;
 };
 
 } // namespace lists

@@ -38,6 +38,13 @@ inline QStringList requirementHeaders() {
     return testing_support::requirementHeaders();
 }
 
+// The drop-down texts of a requirement's type and result.
+inline const QString kType1 = QStringLiteral("1 (siltakohtainen)");
+inline const QString kType2 = QStringLiteral("2 (KLVn mukainen)");
+inline const QString kType3 = QStringLiteral("3 (ohjeellinen)");
+inline const QString kYes = QStringLiteral("Kyllä");
+inline const QString kNo = QStringLiteral("Ei");
+
 // A caption row of the requirement list: littera in column 1, heading in column 3.
 inline QStringList caption(const QString& littera, const QString& text) {
     QStringList cells(24);

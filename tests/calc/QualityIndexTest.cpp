@@ -7,15 +7,14 @@
 using namespace calc;
 using calc_test::caption;
 using calc_test::fillRequirementList;
+using calc_test::kNo;
+using calc_test::kType1;
+using calc_test::kType2;
+using calc_test::kType3;
+using calc_test::kYes;
 using calc_test::requirement;
 
 namespace {
-
-const QString kType1 = QStringLiteral("1 (siltakohtainen)");
-const QString kType2 = QStringLiteral("2 (KLVn mukainen)");
-const QString kType3 = QStringLiteral("3 (ohjeellinen)");
-const QString kYes = QStringLiteral("Kyllä");
-const QString kNo = QStringLiteral("Ei");
 
 QStringList lines(const QString& text) {
     return text.split(QStringLiteral("\r\n"));
@@ -169,7 +168,7 @@ TEST(CalculateQualityIndex, PhasesTakeInTheirSubPhases) {
                               });
     const QualityRecord r = CalculateQualityIndex(list);
     ASSERT_EQ(r.groupCount, 4);
-    EXPECT_EQ(r.groupLittera, (std::vector<QString>{"", "7110", "7111", "7112", "7120"}));
+    EXPECT_EQ(r.groupLittera.toVector(), (std::vector<QString>{"", "7110", "7111", "7112", "7120"}));
     EXPECT_EQ(r.groupMax, (std::vector<float>{r.groupMax[0], 7, 2, 4, 8}));
     EXPECT_EQ(r.groupRealized, (std::vector<float>{r.groupRealized[0], 5, 2, 2, 0}));
     EXPECT_EQ(r.longestGroupText, 9);

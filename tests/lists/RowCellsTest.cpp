@@ -1,6 +1,8 @@
 #include "lists/RowCells.h"
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <vector>
 
 using lists::RowCells;
 
@@ -89,4 +91,63 @@ TEST(RowCells, OneBuilderMakesManyRows) {
     EXPECT_EQ(texts(second), QStringList{"c"});
     EXPECT_EQ(b.take().size(), 0);
     EXPECT_EQ(first, RowCells({u"a", u"", u"", u"bb"}));
+}
+
+// The memo belongs to the texts it was made from: copies, moves and swaps carry it along, and
+// every change of the texts drops it.
+TEST(RowCells, AMemoTravelsWithItsTextsAndGoesWithAnyChange) {
+    constexpr std::uint64_t none = RowCells::kNoMemo;
+    RowCells a({u"7110", u"4", u"Kyllä"});
+    EXPECT_EQ(a.memo(), none);
+    a.setMemo(11);
+
+    RowCells copy = a;
+    EXPECT_EQ(copy.memo(), 11u);
+    RowCells moved = std::move(copy);
+    EXPECT_EQ(moved.memo(), 11u);
+    EXPECT_EQ(copy.memo(), none) << "a moved-from row has no texts and so no memo";
+
+    RowCells b({u"7120", u"6", u"Ei"});
+    b.setMemo(22);
+    swap(moved, b);
+    EXPECT_EQ(moved[0], QStringLiteral("7120"));
+    EXPECT_EQ(moved.memo(), 22u);
+    EXPECT_EQ(b[0], QStringLiteral("7110"));
+    EXPECT_EQ(b.memo(), 11u);
+    // Move assignment (which swaps the blocks) and std::swap keep each memo with its texts.
+    moved = std::move(b);
+    EXPECT_EQ(moved[0], QStringLiteral("7110"));
+    EXPECT_EQ(moved.memo(), 11u);
+    // The moved-from row holds nothing, or the other row's texts with their memo.
+    if (b.isEmpty()) {
+        EXPECT_EQ(b.memo(), none);
+    } else {
+        EXPECT_EQ(b[0], QStringLiteral("7120"));
+        EXPECT_EQ(b.memo(), 22u);
+    }
+    std::vector<RowCells> rows{a, RowCells({u"x"})};
+    std::swap(rows[0], rows[1]);
+    EXPECT_EQ(rows[1].memo(), 11u);
+    EXPECT_EQ(rows[0].memo(), none);
+    // Rows are equal by their texts alone.
+    EXPECT_EQ(a, RowCells({u"7110", u"4", u"Kyllä"}));
+
+    // Setting a text that is already there changes nothing; any other change drops the memo:
+    // a text of the same length (written in place), of another length, a new cell, a resize.
+    a.set(1, u"4");
+    EXPECT_EQ(a.memo(), 11u);
+    const std::vector<std::function<void(RowCells&)>> changes = {
+        [](RowCells& r) { r.set(1, u"6"); },    [](RowCells& r) { r.set(2, u"Ei"); },
+        [](RowCells& r) { r.set(5, u"uusi"); }, [](RowCells& r) { r.append(u""); },
+        [](RowCells& r) { r.resize(2); },
+    };
+    for (size_t k = 0; k < changes.size(); ++k) {
+        SCOPED_TRACE(k);
+        RowCells row = a;
+        const RowCells sharing = row; // the same block, which the change must not touch
+        changes[k](row);
+        EXPECT_EQ(row.memo(), none);
+        EXPECT_EQ(sharing.memo(), 11u);
+        EXPECT_EQ(sharing, a);
+    }
 }
