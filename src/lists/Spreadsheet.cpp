@@ -194,10 +194,14 @@ bool isHeaderRow(const QStringList& cells, const ListModel& list) {
 std::vector<Row> numberedRows(std::vector<QStringList>::iterator begin,
                               std::vector<QStringList>::iterator end) {
     std::vector<Row> rows(static_cast<std::size_t>(end - begin));
+    // One builder for every row: its buffers are made once, not once a row.
+    RowCells::Builder built;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         QStringList& cells = begin[static_cast<std::ptrdiff_t>(i)];
-        cells.append(formatRowNumber(static_cast<long long>(i) + 1));
-        rows[i].cells = cells;
+        for (const QString& cell : std::as_const(cells))
+            built.add(cell);
+        built.add(formatRowNumber(static_cast<long long>(i) + 1));
+        rows[i].cells = built.take();
         cells = QStringList();
     }
     return rows;
