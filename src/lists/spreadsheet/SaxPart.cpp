@@ -168,9 +168,22 @@ void SaxPart::append(std::string& to, const char* chars, int length) {
     to.append(chars, static_cast<std::size_t>(length));
 }
 
+namespace {
+
+// Whether the NUL-ended name is `name`, read no further than it needs (a cell's attributes are
+// looked up several times for each cell).
+bool isName(const xmlChar* attribute, std::string_view name) {
+    const auto* a = reinterpret_cast<const char*>(attribute);
+    for (const char c : name)
+        if (*a++ != c) return false;
+    return *a == '\0';
+}
+
+} // namespace
+
 std::string_view saxAttribute(const xmlChar** attributes, int count, std::string_view name) {
     for (int i = 0; i < count; ++i)
-        if (name == reinterpret_cast<const char*>(attributes[5 * i]))
+        if (isName(attributes[5 * i], name))
             return {reinterpret_cast<const char*>(attributes[5 * i + 3]),
                     static_cast<std::size_t>(attributes[5 * i + 4] - attributes[5 * i + 3])};
     return {};
@@ -178,7 +191,7 @@ std::string_view saxAttribute(const xmlChar** attributes, int count, std::string
 
 bool hasSaxAttribute(const xmlChar** attributes, int count, std::string_view name) {
     for (int i = 0; i < count; ++i)
-        if (name == reinterpret_cast<const char*>(attributes[5 * i])) return true;
+        if (isName(attributes[5 * i], name)) return true;
     return false;
 }
 
