@@ -4,7 +4,7 @@
 #include "BenchLists.h"
 #include "lists/EditHistory.h"
 #include "lists/ListEditing.h"
-#include "lists/ListJournal.h"
+#include "lists/ListStep.h"
 #include "lists/ui/ListView.h"
 
 #include <benchmark/benchmark.h>

@@ -181,3 +181,7 @@ EditHistory::Quiet::~Quiet() {
 }
 
 } // namespace lists
+
+// The meta-object code of the history goes with it, not into the model library's common moc
+// file, which every program with a list model links: it reaches the undo stack of QtGui.
+#include "moc_EditHistory.cpp"

@@ -3,6 +3,7 @@
 #include "lists/ListFiles.h"
 #include "lists/ListModel.h"
 #include "lists/Spreadsheet.h"
+#include "platform/TextFile.h"
 
 #include <QFileInfo>
 
@@ -54,9 +55,11 @@ bool ConvertListFile(const QString& in, const QString& out, QString* error) {
     }
 
     if (outExt == QLatin1String("xlsx")) return ExportListViewXlsx(list, out, error);
-    const std::vector<CellRef> unencodable = cellsOutsideCp1252(list);
-    if (!unencodable.empty()) {
-        const CellRef& first = unencodable.front();
+    // Encoded once; only a list with characters outside Windows-1252 is searched for where.
+    QString unencodable;
+    const QByteArray bytes = listFileBytes(list, &unencodable);
+    if (!unencodable.isEmpty()) {
+        const CellRef first = cellsOutsideCp1252(list).front();
         const QString where =
             first.row == 0 ? QStringLiteral("otsikkorivillä") : QStringLiteral("rivillä %1").arg(first.row);
         return fail(QStringLiteral("Tiedostoon: ") + out + QStringLiteral(" ei voi tallentaa merkkejä \"") +
@@ -64,7 +67,7 @@ bool ConvertListFile(const QString& in, const QString& out, QString* error) {
                     QStringLiteral(", sarakkeessa %1).").arg(first.col));
     }
     QString writeError;
-    if (!SaveListView(list, out, &writeError))
+    if (!platform::writeFileAtomically(out, bytes, &writeError))
         return fail(QStringLiteral("Tiedostoa: ") + out + QStringLiteral(" ei voi tallentaa. ") + writeError);
     return true;
 }

@@ -4,9 +4,7 @@
 #include "lists/ListProcedures.h"
 #include "platform/Dialogs.h"
 
-#include <QClipboard>
 #include <QCollator>
-#include <QGuiApplication>
 #include <QLocale>
 #include <algorithm>
 
@@ -57,24 +55,6 @@ bool clipboardHasProtectedType(const QString& clipboardText) {
         if (i < cells.size() && beginsWithOneOrTwo(cells[i])) return true;
     }
     return false;
-}
-
-// The clipboard exists only with a GUI application (the benchmarks run without one).
-QClipboard* clipboard() {
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) ? QGuiApplication::clipboard()
-                                                                        : nullptr;
-}
-
-QString clipboardText() {
-    QClipboard* c = clipboard();
-    return c ? c->text() : QString();
-}
-
-void setClipboardText(const QString& text) {
-    if (QClipboard* c = clipboard()) {
-        c->clear();
-        c->setText(text);
-    }
 }
 
 // The text of a row number: an unchanged value keeps its text, anything else is rewritten.
@@ -273,12 +253,6 @@ int GoverningRow(const ListModel& list, int r) {
     return r;
 }
 
-bool ListViewEditEnabled(const ListModel& list, int actionCode, const EditContext& ctx, int editRow) {
-    if (actionCode != action::Paste || list.tag() == kind::NoEdit)
-        return ListViewEditEnabled(list, actionCode, ctx, editRow, QString());
-    return ListViewEditEnabled(list, actionCode, ctx, editRow, clipboardText());
-}
-
 bool ListViewEditEnabled(const ListModel& list, int actionCode, const EditContext& ctx, int editRow,
                          const QString& clipboardText) {
     auto deny = [&] {
@@ -340,7 +314,7 @@ bool PutToListView(ListModel& list, int row, int column, const QString& text, co
 bool ListViewRowEdit(ListModel& list, int rowAction, const EditContext& ctx) {
     if (rowAction != action::InsertRow && rowAction != action::AppendRow && rowAction != action::DeleteRows)
         return false;
-    if (!ListViewEditEnabled(list, rowAction, ctx)) return false;
+    if (!ListViewEditEnabled(list, rowAction, ctx, 0, QString())) return false;
     if (list.cols() == 0) return false;
     switch (rowAction) {
         case action::InsertRow:
@@ -444,45 +418,6 @@ QString ParseClipData(const QString& text, int row, int column, int columns) {
     const QStringList cells = ClipCells(text);
     const qsizetype i = static_cast<qsizetype>(row - 1) * columns + column - 1;
     return i < cells.size() ? cells[i] : QString();
-}
-
-bool ListViewCutCopyDelSelection(ListModel& list, int operation, const EditContext& ctx) {
-    int code = 0;
-    switch (operation) {
-        case 0:
-            code = action::Cut;
-            break;
-        case 1:
-            code = action::Copy;
-            break;
-        case 3:
-            code = action::DeleteSelection;
-            break;
-        default:
-            return false;
-    }
-    if (!ListViewEditEnabled(list, code, ctx)) return false;
-    const std::vector<int> selected = list.selectedRows();
-    if (operation != 3) setClipboardText(ClipTextOfRows(list, selected));
-    if (operation == 1 || selected.empty()) return false;
-
-    bool changed = false;
-    for (int c = 1; c <= list.lastDataCol(); ++c) {
-        bool any = false;
-        for (int r : selected)
-            any = any || !list.cell(r, c).isEmpty();
-        if (!any) continue;
-        changed = true;
-        list.updateColumn(c, [&](int r, QStringView) -> std::optional<QString> {
-            if (list.isSelected(r)) return QString();
-            return std::nullopt;
-        });
-    }
-    return changed;
-}
-
-bool PasteSelection(ListModel& list, const EditContext& ctx) {
-    return PasteText(list, clipboardText(), ctx);
 }
 
 bool PasteText(ListModel& list, const QString& clipboardText, const EditContext& ctx) {

@@ -55,7 +55,8 @@ EditableColumns EditableColumnRange(const ListModel& list, const EditContext& ct
 int RestrictedEntryColumn(const EditContext& ctx);
 
 // Whether `actionCode` is allowed on the list; a refusal has been reported with ShowDeny.
-// `editRow` is the cell's row for EditCell. Paste reads the clipboard unless the text is given.
+// `editRow` is the cell's row for EditCell. Paste reads the clipboard unless the text is given
+// (the overload that reads it is in ListClipboard.cpp, with the other users of the clipboard).
 bool ListViewEditEnabled(const ListModel& list, int actionCode, const EditContext& ctx, int editRow = 0);
 bool ListViewEditEnabled(const ListModel& list, int actionCode, const EditContext& ctx, int editRow,
                          const QString& clipboardText);
@@ -108,6 +109,7 @@ QStringList ClipCells(const QString& text);
 // One cell (1-based row and column) of clipboard text; empty when it does not exist.
 QString ParseClipData(const QString& text, int row, int column, int columns);
 
+// The two operations with the system clipboard (ListClipboard.cpp).
 // Operation 0 cut, 1 copy, 3 delete on the selected rows: copy and cut put their text on the
 // clipboard, cut and delete empty the rows' cells but keep the rows and their numbers. Returns
 // whether the list changed.

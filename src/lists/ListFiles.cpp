@@ -17,17 +17,16 @@ namespace {
 const QString kRowNumberHeader = QStringLiteral("Rivi");
 constexpr int kHeaderMargin = 200; // twips beside the header text
 
-// In a list file a cell is one field on one line: appends it to `line` with its separators
-// and line breaks (CR LF as one) turned into spaces.
+// In a list file a cell is one field on one line: whether the text has separators or line
+// breaks, which appendField appends to `line` as spaces (CR LF as one).
+bool hasFieldBreaks(QStringView text) {
+    return std::any_of(text.cbegin(), text.cend(), [](QChar c) {
+        return c == QLatin1Char(';') || c == QLatin1Char('\r') || c == QLatin1Char('\n');
+    });
+}
+
 void appendField(QString& line, QStringView text) {
     const qsizetype n = text.size();
-    // Nearly every cell has none of them and is appended as it is.
-    if (std::none_of(text.cbegin(), text.cend(), [](QChar c) {
-            return c == QLatin1Char(';') || c == QLatin1Char('\r') || c == QLatin1Char('\n');
-        })) {
-        line += text;
-        return;
-    }
     for (qsizetype i = 0; i < n; ++i) {
         const QChar c = text[i];
         if (c == QLatin1Char('\r') && i + 1 < n && text[i + 1] == QLatin1Char('\n')) ++i;
@@ -203,26 +202,34 @@ bool InitListView(ListModel& list, const QString& fileName, const QString& separ
     return true;
 }
 
-QStringList listFileLines(const ListModel& list) {
+QByteArray listFileBytes(const ListModel& list, QString* unencodable) {
     const int n = list.lastDataCol();
-    QStringList lines;
-    lines.reserve(list.rows() + 1);
-    auto addLine = [&](auto field) {
-        QString line;
+    QByteArray bytes;
+    bytes.reserve(qsizetype(list.rows() + 1) * (n + 2) * 8);
+    QString field; // a cell whose separators or line breaks become spaces
+    auto addLine = [&](auto cell) {
         for (int c = 1; c <= n; ++c) {
-            if (c > 1) line += QLatin1Char(';');
-            appendField(line, field(c));
+            if (c > 1) bytes += ';';
+            const QStringView text = cell(c);
+            // Nearly every cell has none of them and is encoded as it is.
+            if (!hasFieldBreaks(text)) {
+                platform::appendCp1252(bytes, text, unencodable);
+                continue;
+            }
+            field.resize(0);
+            appendField(field, text);
+            platform::appendCp1252(bytes, field, unencodable);
         }
-        lines.append(line);
+        bytes += "\r\n";
     };
     addLine([&](int c) { return QStringView(list.column(c).header); });
     for (int r = 1; r <= list.rows(); ++r)
         addLine([&](int c) { return list.cell(r, c); });
-    return lines;
+    return bytes;
 }
 
 bool SaveListView(const ListModel& list, const QString& fileName, QString* error, QString* unencodable) {
-    return platform::writeTextLines(fileName, listFileLines(list), error, unencodable);
+    return platform::writeFileAtomically(fileName, listFileBytes(list, unencodable), error);
 }
 
 std::vector<CellRef> cellsOutsideCp1252(const ListModel& list) {

@@ -66,8 +66,9 @@ ReadStatus readListBytes(const QByteArray& bytes, const QString& fileName, const
 bool InitListView(ListModel& list, const QString& fileName, const QString& separator = QStringLiteral(";"),
                   const TextMeasure& measure = {});
 
-// The lines of a list file for the list: header, then one line per row.
-QStringList listFileLines(const ListModel& list);
+// A list file's bytes for the list: header, then one line per row, in Windows-1252, each line
+// ended by CR LF. Characters outside Windows-1252 become "?" and are listed in `unencodable`.
+QByteArray listFileBytes(const ListModel& list, QString* unencodable = nullptr);
 // Writes the list as a list file, replacing an existing file (atomically). Characters outside
 // Windows-1252 are written as "?" and listed in `unencodable`.
 bool SaveListView(const ListModel& list, const QString& fileName, QString* error = nullptr,

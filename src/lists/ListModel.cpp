@@ -1,6 +1,5 @@
 #include "lists/ListModel.h"
 
-#include "lists/EditHistory.h"
 #include "lists/ListJournal.h"
 
 #include <algorithm>
@@ -38,18 +37,6 @@ ListModel::ListModel(QObject* parent)
 
 ListModel::~ListModel() = default;
 
-EditHistory* ListModel::history() const {
-    return m_history.data();
-}
-
-void ListModel::setHistory(EditHistory* history) {
-    m_history = history;
-}
-
-void ListModel::changedOutsideStep() {
-    if (m_history) m_history->invalidate();
-}
-
 void ListModel::setKind(const QString& kind) {
     if (m_kind == kind) return;
     m_kind = kind;
@@ -83,7 +70,7 @@ void ListModel::setCell(int r, int c, QStringView text) {
     if (recording())
         m_journal->checkRows(*this, r, r);
     else if (watched())
-        changedOutsideStep();
+        emit changedOutsideStep();
     const QModelIndex i = index(r - 1, c - 1);
     emit dataChanged(i, i, {Qt::DisplayRole});
 }
@@ -108,7 +95,7 @@ void ListModel::updateColumn(int c,
                     m_journal->checkCell(*this, t.row, c, t.before);
                 m_journal->add(std::move(edit));
             } else {
-                changedOutsideStep();
+                emit changedOutsideStep();
             }
         }
     } else {
@@ -144,7 +131,7 @@ void ListModel::reset(std::vector<Column> columns, std::vector<Row> rows) {
         m_journal->add(std::move(replaced));
         m_journal->checkRows(*this, 1, this->rows());
     } else if (watched()) {
-        changedOutsideStep();
+        emit changedOutsideStep();
     }
     endResetModel();
     emit selectionChangedByModel();
@@ -159,7 +146,7 @@ void ListModel::clearRows() {
         replaced.rowsBefore = std::move(m_rows);
         m_journal->add(std::move(replaced));
     } else if (watched()) {
-        changedOutsideStep();
+        emit changedOutsideStep();
     }
     m_rows.clear();
     m_current = 0;
@@ -187,7 +174,7 @@ void ListModel::insertRowsAt(int pos, std::vector<Row> rows) {
         splice.inserted = rows;
         m_journal->add(std::move(splice));
     } else if (watched()) {
-        changedOutsideStep();
+        emit changedOutsideStep();
     }
     m_rows.insert(m_rows.begin() + (pos - 1), std::make_move_iterator(rows.begin()),
                   std::make_move_iterator(rows.end()));
@@ -210,7 +197,7 @@ void ListModel::removeRowsAt(int pos, int count) {
                               std::make_move_iterator(m_rows.begin() + (pos - 1 + count)));
         m_journal->add(std::move(splice));
     } else if (watched()) {
-        changedOutsideStep();
+        emit changedOutsideStep();
     }
     m_rows.erase(m_rows.begin() + (pos - 1), m_rows.begin() + (pos - 1 + count));
     if (m_current >= pos + count)
@@ -235,7 +222,7 @@ void ListModel::replaceRows(std::vector<Row> rows) {
         m_journal->add(std::move(replaced));
         m_journal->checkRows(*this, 1, this->rows());
     } else if (watched()) {
-        changedOutsideStep();
+        emit changedOutsideStep();
     }
     if (m_current > this->rows()) m_current = 0;
     endResetModel();
@@ -258,7 +245,7 @@ void ListModel::reorder(const std::vector<int>& newOrder) {
         for (std::size_t i = 0; i < newOrder.size() && same; ++i)
             same = newOrder[i] == static_cast<int>(i) + 1;
         if (!same && recording()) m_journal->add(change::Reorder{newOrder});
-        if (!same && watched()) changedOutsideStep();
+        if (!same && watched()) emit changedOutsideStep();
     }
     emit layoutAboutToBeChanged();
     // In place, one cycle of the permutation at a time: a copy of a large list's rows would
@@ -319,7 +306,7 @@ void ListModel::spliceRows(const std::vector<int>& removeAt, const std::vector<i
         splice.inserted.assign(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(inserting));
         splice.removed.reserve(removing);
     } else if (watched()) {
-        changedOutsideStep();
+        emit changedOutsideStep();
     }
     std::vector<Row> out;
     out.reserve(n - removing + inserting);

@@ -117,7 +117,9 @@ public:
     void ensureVisible(int r);
 
     // The undo history the list's changes go to (its project's or its base list window's);
-    // null for a list of no document. Changes are recorded only inside a ListStep.
+    // null for a list of no document. Changes are recorded only inside a ListStep. Both are
+    // defined with the steps (ListStep.cpp), so that a program without histories (the command
+    // line) does not link the undo stack and the GUI library it lives in.
     EditHistory* history() const;
     void setHistory(EditHistory* history);
 
@@ -133,6 +135,9 @@ signals:
     void selectionChangedByModel();
     void scrollToRowRequested(int r);
     void kindChanged();
+    // The content changed outside any step while the list has a history: the history no longer
+    // fits the list (its history listens and invalidates itself).
+    void changedOutsideStep();
 
 private:
     friend class ListStep;
@@ -142,7 +147,6 @@ private:
     // outside a step (or while a step is applied) does not fit the history any more.
     bool recording() const { return m_journal && !m_applying; }
     bool watched() const { return !m_journal && !m_history.isNull() && !m_applying; }
-    void changedOutsideStep();
 
     QString m_kind;
     bool m_readOnly = false;

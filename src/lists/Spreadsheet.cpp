@@ -131,11 +131,11 @@ bool readSheetData(const QString& fileName, int columns, sheet::SheetData& data,
     return true;
 }
 
-// The sheet's rows from row 1 on as `width` cells each, by the row rules of the import. Every
-// row gets all its places (and a list row one more for its number), so a few cells far apart,
-// or a short run repeated over a million rows, would take gigabytes: the rows are counted
-// before they are laid out. False when they would pass what a reader may keep.
-bool sheetRows(const sheet::SheetData& data, int width, std::vector<QStringList>& out) {
+// The sheet's rows from row 1 on as `width` cells each (taken out of `data`), by the row rules
+// of the import. Every row gets all its places (and a list row one more for its number), so a
+// few cells far apart, or a short run repeated over a million rows, would take gigabytes: the
+// rows are counted before they are laid out. False when they would pass what a reader may keep.
+bool sheetRows(sheet::SheetData& data, int width, std::vector<QStringList>& out) {
     const qint64 rowCost = (qint64(width) + 1) * sheet::SheetBuilder::kPlace + qint64(sizeof(QStringList));
     const qint64 mostRows = sheet::SheetBuilder::kMostKept / rowCost;
     out.clear();
@@ -150,12 +150,10 @@ bool sheetRows(const sheet::SheetData& data, int width, std::vector<QStringList>
         return blankRun < kBlankRowsThatEnd;
     };
     int next = 0; // the next sheet row to add
-    for (const sheet::SheetRow& row : data.rows) {
+    for (sheet::SheetRow& row : data.rows) {
         if (!blanks(row.index - next)) break;
-        // Room for the row number the list adds, so that no row is copied again for it.
-        QStringList cells;
-        cells.reserve(width + 1);
-        cells.append(row.cells.size() > width ? row.cells.first(width) : row.cells);
+        // The row's cells are taken, not copied: a full row needs no new list.
+        QStringList cells = std::move(row.cells);
         cells.resize(width);
         const bool blank =
             std::all_of(cells.cbegin(), cells.cend(), [](const QString& c) { return BlankString(c); });
@@ -194,10 +192,14 @@ bool isHeaderRow(const QStringList& cells, const ListModel& list) {
 std::vector<Row> numberedRows(std::vector<QStringList>::iterator begin,
                               std::vector<QStringList>::iterator end) {
     std::vector<Row> rows(static_cast<std::size_t>(end - begin));
+    // One builder for every row: its buffers are made once, not once a row.
+    RowCells::Builder built;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         QStringList& cells = begin[static_cast<std::ptrdiff_t>(i)];
-        cells.append(formatRowNumber(static_cast<long long>(i) + 1));
-        rows[i].cells = cells;
+        for (const QString& cell : std::as_const(cells))
+            built.add(cell);
+        built.add(formatRowNumber(static_cast<long long>(i) + 1));
+        rows[i].cells = built.take();
         cells = QStringList();
     }
     return rows;

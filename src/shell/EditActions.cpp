@@ -4,7 +4,7 @@
 #include "documents/Form2.h"
 #include "lists/ui/BaseListWindow.h"
 #include "lists/ListEditing.h"
-#include "lists/ListJournal.h"
+#include "lists/ListStep.h"
 #include "lists/ui/ListEditor.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"

@@ -5,7 +5,7 @@
 #include "common/ScriptedDialogs.h"
 #include "lists/EditHistory.h"
 #include "lists/ListEditing.h"
-#include "lists/ListJournal.h"
+#include "lists/ListStep.h"
 #include "lists/ListProcedures.h"
 #include "lists/Spreadsheet.h"
 

@@ -5,7 +5,7 @@
 #include "lists/EditHistory.h"
 #include "lists/ListEditing.h"
 #include "lists/ListFiles.h"
-#include "lists/ListJournal.h"
+#include "lists/ListStep.h"
 #include "lists/ListProcedures.h"
 #include "persist/ProjectText.h"
 #include "persist/RecordSteps.h"

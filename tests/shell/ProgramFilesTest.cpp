@@ -42,6 +42,9 @@ TEST(ProgramFiles, EachProgramLoadsOnlyWhatItsCommandsUse) {
     const QStringList commands = neededLibraries(QStringLiteral("tamrik-commands"));
     ASSERT_TRUE(namesAny(commands, {QStringLiteral("Qt6Core")})) << commands.join(u' ').toStdString();
     EXPECT_FALSE(namesAny(commands, windows)) << commands.join(u' ').toStdString();
+    // Nor the GUI library (the list model's undo steps and clipboard are apart from it), which
+    // would bring the display, font and D-Bus libraries with it.
+    EXPECT_FALSE(namesAny(commands, {QStringLiteral("Qt6Gui")})) << commands.join(u' ').toStdString();
 
     // The front end starts before every command and the desktop: no Qt at all.
     const QStringList frontEnd = neededLibraries(QStringLiteral("tamrik"));

@@ -45,9 +45,19 @@ class SharedStrings : public SaxPart {
 public:
     SharedStrings(std::vector<QString>& out, SheetBuilder& budget)
         : m_out(out)
-        , m_budget(budget) {}
+        , m_budget(budget)
+        , m_budgetBefore(budget)
+        , m_outBefore(out.size()) {}
 
 protected:
+    bool plainXml() const override { return true; }
+    void rewind() override {
+        m_out.resize(m_outBefore);
+        m_budget = m_budgetBefore;
+        m_text.clear();
+        m_inString = m_inText = false;
+        m_skip = 0;
+    }
     void start(std::string_view name, const xmlChar**, int) override {
         if (name == "si") {
             m_text.clear();
@@ -76,6 +86,8 @@ protected:
 private:
     std::vector<QString>& m_out;
     SheetBuilder& m_budget;
+    const SheetBuilder m_budgetBefore; // holds no cells yet: a count to go back to
+    const std::size_t m_outBefore;
     std::string m_text;
     bool m_inString = false;
     bool m_inText = false;
@@ -250,9 +262,21 @@ class Worksheet : public SaxPart {
 public:
     Worksheet(const Workbook& book, SheetBuilder& out)
         : m_book(book)
-        , m_out(out) {}
+        , m_out(out)
+        , m_outBefore(out) {}
 
 protected:
+    bool plainXml() const override { return true; }
+    void rewind() override {
+        m_out = m_outBefore;
+        m_inData = m_inCell = m_inValue = m_inInline = m_inText = false;
+        m_skip = 0;
+        m_row = m_col = -1;
+        m_style = 0;
+        m_type.clear();
+        m_value.clear();
+        m_inline.clear();
+    }
     void start(std::string_view name, const xmlChar** attributes, int count) override {
         if (name == "sheetData") {
             m_inData = true;
@@ -318,6 +342,7 @@ protected:
 private:
     const Workbook& m_book;
     SheetBuilder& m_out;
+    const SheetBuilder m_outBefore; // the builder before the sheet's first cell
     bool m_inData = false, m_inCell = false, m_inValue = false, m_inInline = false, m_inText = false;
     int m_skip = 0;
     int m_row = -1, m_col = -1, m_style = 0;

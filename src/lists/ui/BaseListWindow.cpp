@@ -2,7 +2,7 @@
 
 #include "lists/ui/ListEditor.h"
 #include "lists/ListFiles.h"
-#include "lists/ListJournal.h"
+#include "lists/ListStep.h"
 #include "lists/ListModel.h"
 #include "lists/ListProcedures.h"
 #include "lists/ui/ListView.h"

@@ -1,6 +1,6 @@
 #include "lists/ui/ListEditor.h"
 
-#include "lists/ListJournal.h"
+#include "lists/ListStep.h"
 #include "lists/ListModel.h"
 #include "lists/ui/ListView.h"
 #include "platform/Dialogs.h"
