@@ -9,6 +9,7 @@
 #include "lists/ListFiles.h"
 #include "lists/ListJournal.h"
 #include "lists/ListProcedures.h"
+#include "lists/ListStep.h"
 
 #include <QTemporaryDir>
 #include <bit>
