@@ -84,7 +84,7 @@ TEST_F(Form9Test, EachStyleMenuItemAppliesItsStyleToTheSelection) {
         c.setPosition(7, QTextCursor::KeepAnchor);
         platform::FormatRichText(c, styles[item]);
         for (int at : {0, 8}) // in and after the selection
-            EXPECT_EQ(formatAt(box, at), formatAt(&expected, at));
+            EXPECT_EQ(formatAt(box, at), formatAt(&expected, at)) << "at " << at;
     }
 }
 
