@@ -16,6 +16,9 @@ namespace {
 
 namespace col = lists::requirementCol;
 
+// The change list's ("Muutokset") description of the change, its one long text.
+constexpr int kChangeDescription = 3;
+
 // The long-text columns of the two requirement kinds: each has a text box, every other column
 // a drop-down.
 constexpr std::array kRequirementLongTexts{col::kText,       col::kQualityPlan,
@@ -80,7 +83,7 @@ bool IsLongTextColumn(const QString& kind, int column) {
                kRequirementLongTexts.end();
     if (lists::isQuantityKind(kind))
         return column == lists::quantityCol::kWorkPhase || column == lists::quantityCol::kRemarks;
-    if (kind == lists::kind::Changes) return column == 3;
+    if (kind == lists::kind::Changes) return column == kChangeDescription;
     return false;
 }
 
