@@ -26,15 +26,16 @@
 using namespace peripherals;
 using testing_support::FakeMail;
 
-TEST(MailMessage, ProjectNameRuleAttachmentPositionsAndBody) {
-    // Only an unsaved project's name gets the extension, and never twice.
+TEST(MailMessage, OnlyAnUnsavedProjectsNameGetsTheExtensionAndNeverTwice) {
     for (const auto& [caption, name] : {std::pair{"Projekti1", "Projekti1.sl"},
                                         {"Projekti12.SL", "Projekti12.SL"},
                                         {"Projekti3.sL", "Projekti3.sL"},
                                         {"Esimerkkisilta.sl", "Esimerkkisilta.sl"},
                                         {"silta", "silta"}})
         EXPECT_EQ(ProjectAttachmentName(QString::fromUtf8(caption)), QString::fromUtf8(name)) << caption;
+}
 
+TEST(MailMessage, AttachmentPositionsAndBody) {
     // The project first, then the list's files, five spaces apart in the body; blank entries
     // are counted in the body only.
     const QStringList files{"/home/a/selostus.pdf", "   ", "C:\\Työt\\mittaus.xls"};
