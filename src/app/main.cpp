@@ -23,6 +23,23 @@
 #include <cstdio>
 #include <cstring>
 
+namespace {
+
+// The application's name, Finnish locale, icon and desktop entry; `qtTranslator` (which must
+// live as long as the application) puts Qt's standard buttons and dialogs into Finnish.
+void setUpApplication(QTranslator& qtTranslator) {
+    QApplication::setApplicationName(QStringLiteral("TAMRIK 2006"));
+    QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+    if (qtTranslator.load(QLocale(QLocale::Finnish), QStringLiteral("qtbase"), QStringLiteral("_"),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&qtTranslator);
+    QApplication::setWindowIcon(platform::applicationIcon());
+    // The desktop finds the program's menu entry and icon by this name.
+    QGuiApplication::setDesktopFileName(QStringLiteral("tamrik"));
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     // Long print runs, from the command line or the desktop, keep their page buffers in the heap.
     platform::keepLargeBuffersInHeap();
@@ -52,17 +69,8 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("TAMRIK 2006"));
-    QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
-    // Standard buttons and dialogs in Finnish.
     QTranslator qtTranslator;
-    if (qtTranslator.load(QLocale(QLocale::Finnish), QStringLiteral("qtbase"), QStringLiteral("_"),
-                          QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(&qtTranslator);
-
-    QApplication::setWindowIcon(platform::applicationIcon());
-    // The desktop finds the program's menu entry and icon by this name.
-    QGuiApplication::setDesktopFileName(QStringLiteral("tamrik"));
+    setUpApplication(qtTranslator);
     // A file opened while the program runs goes to the running program.
     const QString socket = shell::instanceSocketPath(platform::privateTempPath());
     if (!smoke && !file.isEmpty() && shell::handToRunningProgram(socket, file)) return 0;

@@ -439,6 +439,26 @@ void checkRequirementRow(const lists::ListModel& list, int r, std::vector<Findin
     }
 }
 
+// A caption's littera that is not above the one before it in its work phase.
+void reportOrder(Collector& c, int r, QStringView littera, const QString& phaseLittera,
+                 const QString& previousShown) {
+    c.add(Severity::Remark, FindingKind::LitteraOrder, r, qc::kLittera, littera,
+          QStringLiteral("Littera %1 ei ole nousevassa järjestyksessä%2: edellinen littera on %3")
+              .arg(quoted(littera.trimmed()),
+                   phaseLittera.isEmpty() ? QString() : QStringLiteral(" työvaiheessa ") + phaseLittera,
+                   quoted(previousShown)));
+}
+
+// A littera (by its normalised `key`) that an earlier row already has; else it is noted as seen.
+void checkRepeated(Collector& c, QHash<QString, int>& seen, int r, QStringView littera, const QString& key) {
+    const auto it = seen.constFind(key);
+    if (it != seen.constEnd())
+        c.add(Severity::Remark, FindingKind::LitteraTwice, r, qc::kLittera, littera,
+              QStringLiteral("Littera %1 on jo rivillä %2").arg(quoted(littera.trimmed())).arg(it.value()));
+    else
+        seen.insert(key, r);
+}
+
 // Litteras of the captions: ascending within each work phase, and each only once in the list.
 // Work phases of the quantity list without a single unit price.
 void checkLitteras(CheckPlace place, const lists::ListModel& list, std::vector<Finding>& out) {
@@ -484,23 +504,12 @@ void checkLitteras(CheckPlace place, const lists::ListModel& list, std::vector<F
             phaseLittera = trimmed;
         } else {
             if (!previous.isEmpty() && key <= previous)
-                c.add(Severity::Remark, FindingKind::LitteraOrder, r, qc::kLittera, littera,
-                      QStringLiteral("Littera %1 ei ole nousevassa järjestyksessä%2: edellinen littera on %3")
-                          .arg(quoted(trimmed),
-                               phaseLittera.isEmpty() ? QString()
-                                                      : QStringLiteral(" työvaiheessa ") + phaseLittera,
-                               quoted(previousShown)));
+                reportOrder(c, r, littera, phaseLittera, previousShown);
             previous = key;
             previousShown = trimmed;
         }
         phasePriced = phasePriced || priced;
-        if (trimmed.isEmpty()) continue;
-        const auto it = seen.constFind(key);
-        if (it != seen.constEnd())
-            c.add(Severity::Remark, FindingKind::LitteraTwice, r, qc::kLittera, littera,
-                  QStringLiteral("Littera %1 on jo rivillä %2").arg(quoted(trimmed)).arg(it.value()));
-        else
-            seen.insert(key, r);
+        if (!trimmed.isEmpty()) checkRepeated(c, seen, r, littera, key);
     }
     if (quantities) closePhase();
 }

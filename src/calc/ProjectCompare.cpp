@@ -381,6 +381,19 @@ float rowCost(const lists::ListModel& list, int r) {
     return static_cast<float>(CustomVal(quantity) * CustomVal(price));
 }
 
+// The row's cells up to the list's last data column.
+QStringList dataCells(const lists::ListModel& list, int row) {
+    QStringList all = list.row(row).cells.toStringList();
+    all.resize(std::min<qsizetype>(all.size(), list.lastDataCol()));
+    return all;
+}
+
+// The inspection mark by its first letter: "K" fulfilled, "E" not, anything else not inspected.
+QChar inspectionMark(QStringView text) {
+    const QChar c = text.isEmpty() ? QChar() : text.front();
+    return c == u'K' || c == u'E' ? c : QChar();
+}
+
 void compareList(const lists::ListModel& older, const lists::ListModel& newer, ChangeSource source,
                  ProjectComparison& out) {
     const KeyedRows a = keyRows(older, source);
@@ -408,37 +421,27 @@ void compareList(const lists::ListModel& older, const lists::ListModel& newer, C
             if (c.oldRow > 0) c.oldCost = rowCost(older, c.oldRow);
             if (c.newRow > 0) c.newCost = rowCost(newer, c.newRow);
         }
-        auto cells = [](const lists::ListModel& list, int row) {
-            QStringList all = list.row(row).cells.toStringList();
-            all.resize(std::min<qsizetype>(all.size(), list.lastDataCol()));
-            return all;
-        };
         if (s.newIndex < 0) {
             c.kind = ChangeKind::Removed;
             c.key = rowName(older, a, c.oldRow, source);
-            c.oldCells = cells(older, c.oldRow);
+            c.oldCells = dataCells(older, c.oldRow);
         } else if (s.oldIndex < 0) {
             c.kind = ChangeKind::Added;
             c.key = rowName(newer, b, c.newRow, source);
-            c.newCells = cells(newer, c.newRow);
+            c.newCells = dataCells(newer, c.newRow);
         } else {
             if (identical[s.newIndex]) continue;
             for (int col = 1; col <= columns; ++col)
                 if (older.cell(c.oldRow, col) != newer.cell(c.newRow, col)) c.columns.push_back(col);
             if (c.columns.empty()) continue;
             c.kind = ChangeKind::Changed;
-            c.oldCells = cells(older, c.oldRow);
-            c.newCells = cells(newer, c.newRow);
+            c.oldCells = dataCells(older, c.oldRow);
+            c.newCells = dataCells(newer, c.newRow);
             c.key = rowName(newer, b, c.newRow, source);
-            if (source == ChangeSource::Requirement) {
-                // The mark by its first letter: "K" fulfilled, "E" not, anything else not inspected.
-                auto mark = [](QStringView text) {
-                    const QChar c = text.isEmpty() ? QChar() : text.front();
-                    return c == u'K' || c == u'E' ? c : QChar();
-                };
-                const int col = lists::requirementCol::kFulfilled;
-                if (mark(older.cell(c.oldRow, col)) != mark(newer.cell(c.newRow, col))) ++out.markChanges;
-            }
+            const int mark = lists::requirementCol::kFulfilled;
+            if (source == ChangeSource::Requirement &&
+                inspectionMark(older.cell(c.oldRow, mark)) != inspectionMark(newer.cell(c.newRow, mark)))
+                ++out.markChanges;
         }
         out.rows.push_back(std::move(c));
     }

@@ -16,6 +16,9 @@ namespace {
 
 namespace col = lists::requirementCol;
 
+// The change list's ("Muutokset") description of the change, its one long text.
+constexpr int kChangeDescription = 3;
+
 // The long-text columns of the two requirement kinds: each has a text box, every other column
 // a drop-down.
 constexpr std::array kRequirementLongTexts{col::kText,       col::kQualityPlan,
@@ -50,6 +53,28 @@ QStringList fromUtf8(std::initializer_list<const char*> items) {
     return out;
 }
 
+// "RAK. OSA": the project's part numbers with their names, "100 (Maatuki 1)".
+QStringList bridgePartItems(const lists::ListModel* parts) {
+    QStringList out;
+    if (parts)
+        for (int r = 1; r <= parts->rows(); ++r)
+            if (!lists::BlankString(parts->cell(r, 1)))
+                out.append(parts->cell(r, 1).toString() + QStringLiteral(" (") +
+                           parts->cell(r, 2).toString() + QLatin1Char(')'));
+    return out;
+}
+
+// "MITTAUSTEN LKM": 1 to 10, 15, then by tens to 100.
+QStringList measurementCounts() {
+    QStringList out;
+    for (int i = 1; i <= 10; ++i)
+        out.append(QString::number(i));
+    out.append(QStringLiteral("15"));
+    for (int i = 20; i <= 100; i += 10)
+        out.append(QString::number(i));
+    return out;
+}
+
 } // namespace
 
 bool IsLongTextColumn(const QString& kind, int column) {
@@ -58,7 +83,7 @@ bool IsLongTextColumn(const QString& kind, int column) {
                kRequirementLongTexts.end();
     if (lists::isQuantityKind(kind))
         return column == lists::quantityCol::kWorkPhase || column == lists::quantityCol::kRemarks;
-    if (kind == lists::kind::Changes) return column == 3;
+    if (kind == lists::kind::Changes) return column == kChangeDescription;
     return false;
 }
 
@@ -97,15 +122,7 @@ QStringList ComboListItems(const QString& header, const ComboSources& sources) {
                          "340 (välituki 4)", "350 (välituki 5)", "360 (välituki 6)", "370 (välituki 7)",
                          "380 (välituki 8)", "390 (välituki 9)", "400 (päällysrakenne)",
                          "500 (päällysrak. kaariosa)", "600 (varusteet ja laitteet)"});
-    if (h == QLatin1String("RAK. OSA")) {
-        QStringList out;
-        if (const lists::ListModel* parts = sources.bridgeParts)
-            for (int r = 1; r <= parts->rows(); ++r)
-                if (!lists::BlankString(parts->cell(r, 1)))
-                    out.append(parts->cell(r, 1).toString() + QStringLiteral(" (") +
-                               parts->cell(r, 2).toString() + QLatin1Char(')'));
-        return out;
-    }
+    if (h == QLatin1String("RAK. OSA")) return bridgePartItems(sources.bridgeParts);
     if (h == QLatin1String("TYYPPI"))
         return {QStringLiteral("1 (siltakohtainen)"), QStringLiteral("2 (KLVn mukainen)"),
                 QStringLiteral("3 (ohjeellinen)")};
@@ -116,15 +133,7 @@ QStringList ComboListItems(const QString& header, const ComboSources& sources) {
     if (h == QString::fromUtf8("YKSIKKÖ"))
         return fromUtf8(
             {"kpl", "kg", "kg/m3", "kN/m2", "m", "m2", "m3", "m3ktr", "mm", "MN/m2", "MPa", "oC", "P-luku"});
-    if (h == QLatin1String("MITTAUSTEN LKM")) {
-        QStringList out;
-        for (int i = 1; i <= 10; ++i)
-            out.append(QString::number(i));
-        out.append(QStringLiteral("15"));
-        for (int i = 20; i <= 100; i += 10)
-            out.append(QString::number(i));
-        return out;
-    }
+    if (h == QLatin1String("MITTAUSTEN LKM")) return measurementCounts();
     if (h == QString::fromUtf8("TÄYTTÄÄ VAATIMUKSET")) return fromUtf8({"Kyllä", "Ei"});
     if (h == QLatin1String("PAINOARVO"))
         return {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2"),

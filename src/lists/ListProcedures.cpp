@@ -320,12 +320,37 @@ struct BlankRowPlan {
     bool changed = false;
 };
 
+// Setting k of the blank lines, a negative one read as none.
+int blankRows(const BlankLines& blankLines, int k) {
+    return std::max(blankLines[k], 0);
+}
+
+// The blank rows wanted below a caption, a subcaption or an entry, by the class of the row
+// below the gap.
+int blanksBelowCaption(int below, const BlankLines& blankLines) {
+    if (below == CaptionWithLittera || below == Subcaption) return blankRows(blankLines, 0);
+    if (below == CaptionWithoutLittera || below == Remark) return 0;
+    return blankRows(blankLines, 1);
+}
+
+int blanksBelowSubcaption(int below, const BlankLines& blankLines) {
+    if (below == CaptionWithLittera || below == CaptionWithoutLittera) return blankRows(blankLines, 3);
+    if (below == Subcaption) return blankRows(blankLines, 4);
+    if (below == Remark) return 0;
+    return blankRows(blankLines, 1);
+}
+
+int blanksBelowEntry(int below, const BlankLines& blankLines) {
+    if (below == CaptionWithLittera || below == CaptionWithoutLittera) return blankRows(blankLines, 3);
+    if (below == Subcaption) return blankRows(blankLines, 4);
+    return blankRows(blankLines, 2);
+}
+
 // The walk only decides; the rows are rebuilt afterwards in one pass. Walking upward, a
 // change below row i never moves the rows above it, so deciding on the original rows gives
 // what inserting and removing during the walk would.
 BlankRowPlan planBlankRows(const ListModel& list, int first, int last, const BlankLines& blankLines) {
     const int n = list.rows();
-    auto bl = [&](int i) { return std::max(blankLines[i], 0); };
     const int h = headingColumn(list);
     const bool quantity = groupOf(list) == ListGroup::Quantity;
 
@@ -355,22 +380,10 @@ BlankRowPlan planBlankRows(const ListModel& list, int first, int last, const Bla
         const QStringView heading = list.cell(i, h);
         const bool hasLittera = !BlankString(littera);
         if (CapitalString(heading)) {
-            int wanted = bl(1);
-            if (state == CaptionWithLittera || state == Subcaption)
-                wanted = bl(0);
-            else if (state == CaptionWithoutLittera || state == Remark)
-                wanted = 0;
-            settle(i, wanted);
+            settle(i, blanksBelowCaption(state, blankLines));
             state = hasLittera ? CaptionWithLittera : CaptionWithoutLittera;
         } else if (hasLittera && !BlankString(heading)) {
-            int wanted = bl(1);
-            if (state == CaptionWithLittera || state == CaptionWithoutLittera)
-                wanted = bl(3);
-            else if (state == Subcaption)
-                wanted = bl(4);
-            else if (state == Remark)
-                wanted = 0;
-            settle(i, wanted);
+            settle(i, blanksBelowSubcaption(state, blankLines));
             state = Subcaption;
         } else if (hasLittera) {
             continue; // a littera without a heading: neither counted nor adjusted
@@ -380,16 +393,11 @@ BlankRowPlan planBlankRows(const ListModel& list, int first, int last, const Bla
                 gap.push_back(i);
                 continue;
             }
-            int wanted = bl(2);
-            if (state == CaptionWithLittera || state == CaptionWithoutLittera)
-                wanted = bl(3);
-            else if (state == Subcaption)
-                wanted = bl(4);
-            settle(i, wanted);
+            settle(i, blanksBelowEntry(state, blankLines));
             state = quantity && blank.firstNonBlankCol == list.lastDataCol() ? Remark : Entry;
         }
     }
-    if (first == 1) settle(0, bl(5));
+    if (first == 1) settle(0, blankRows(blankLines, 5));
     return plan;
 }
 

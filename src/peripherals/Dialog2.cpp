@@ -17,6 +17,11 @@
 
 namespace peripherals {
 
+namespace {
+// The user's guide topic of sending by e-mail.
+constexpr int kHelpTopic = 2300;
+} // namespace
+
 QString ProjectAttachmentName(const QString& name) {
     // An extension in any letter case counts, so that no name gets a second one.
     if (name.startsWith(QLatin1String("Projekti")) &&
@@ -85,7 +90,7 @@ Dialog2::Dialog2(MailHost& host, QWidget* parent)
         connect(Check1[i], &QCheckBox::toggled, this, [this, i] { Check1_Click(i); });
     connect(Command1[0], &QPushButton::clicked, this, &Dialog2::Send);
     connect(Command1[1], &QPushButton::clicked, this, &QDialog::reject);
-    connect(Command1[2], &QPushButton::clicked, this, [this] { m_host.ShowHelp(2300, this); });
+    connect(Command1[2], &QPushButton::clicked, this, [this] { m_host.ShowHelp(kHelpTopic, this); });
     connect(Command1[3], &QPushButton::clicked, this, &Dialog2::AddFiles);
     connect(Command1[4], &QPushButton::clicked, this, &Dialog2::RemoveFiles);
 

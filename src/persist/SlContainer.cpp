@@ -92,11 +92,11 @@ struct Entry {
     int type = 0;
 };
 
-bool readHeader(const QByteArray& file, std::array<Entry, 7>& entries, QString* error) {
+bool readHeader(const QByteArray& file, std::array<Entry, 7>& entries, platform::ReadError& failure) {
+    using platform::ReadError;
     if (file.size() < kHeaderSize) {
-        if (error)
-            *error =
-                QStringLiteral("tiedosto on liian lyhyt projektitiedostoksi (%1 tavua)").arg(file.size());
+        failure =
+            ReadError::ofSize(QStringLiteral("tiedosto on liian lyhyt projektitiedostoksi"), file.size());
         return false;
     }
     const auto* b = reinterpret_cast<const std::uint8_t*>(file.constData());
@@ -106,57 +106,65 @@ bool readHeader(const QByteArray& file, std::array<Entry, 7>& entries, QString* 
         entries[m].type = e[4];
     }
     if (b[35] != 13 || b[36] != 10) {
-        if (error) *error = QStringLiteral("tiedoston otsake on virheellinen (tavu 35)");
+        failure = ReadError::atByte(QStringLiteral("tiedoston otsake on virheellinen"), 35);
         return false;
     }
     if (entries[0].type != 0) {
-        if (error) *error = QStringLiteral("tekstiosan tyyppi on virheellinen (tavu 4)");
+        failure = ReadError::atByte(QStringLiteral("tekstiosan tyyppi on virheellinen"), 4);
         return false;
     }
     return true;
 }
 
 bool takeMember(const QByteArray& file, qsizetype& offset, const Entry& e, int number, QByteArray& out,
-                QString* error) {
+                platform::ReadError& failure) {
+    using platform::ReadError;
     const qsizetype remaining = file.size() - offset;
     if (static_cast<qint64>(e.length) + 1 > remaining) {
-        if (error)
-            *error = QStringLiteral("osa %1 (%2 tavua, alkaa tavusta %3) ulottuu tiedoston lopun yli")
-                         .arg(number)
-                         .arg(e.length)
-                         .arg(offset);
+        failure = ReadError::ofSize(QStringLiteral("ulottuu tiedoston lopun yli"), e.length,
+                                    QString::number(number), offset);
         return false;
     }
     out = file.mid(offset, e.length);
     offset += e.length;
     if (file[offset] != '\0') {
-        if (error) *error = QStringLiteral("osan %1 loppumerkki puuttuu (tavu %2)").arg(number).arg(offset);
+        failure = ReadError::atByte(QStringLiteral("loppumerkki puuttuu"), offset, QString::number(number));
         return false;
     }
     offset += 1;
     return true;
 }
 
+// Hands a failure to the caller: the words for the message and, when asked, the place.
+bool report(const platform::ReadError& failure, QString* error, platform::ReadError* where) {
+    if (error) *error = failure.text();
+    return platform::fail(where, failure);
+}
+
 } // namespace
 
-bool UnpackContainer(const QByteArray& file, Members& members, QString* error) {
+bool UnpackContainer(const QByteArray& file, Members& members, QString* error, platform::ReadError* where) {
     std::array<Entry, 7> entries;
-    if (!readHeader(file, entries, error)) return false;
+    platform::ReadError failure;
+    if (!readHeader(file, entries, failure)) return report(failure, error, where);
     Members out;
     qsizetype offset = kHeaderSize;
     for (int m = 0; m < 7; ++m) {
-        if (!takeMember(file, offset, entries[m], m + 1, out[m].data, error)) return false;
+        if (!takeMember(file, offset, entries[m], m + 1, out[m].data, failure))
+            return report(failure, error, where);
         out[m].type = entries[m].type;
     }
     members = std::move(out);
     return true;
 }
 
-bool UnpackTextMember(const QByteArray& file, QByteArray& text, QString* error) {
+bool UnpackTextMember(const QByteArray& file, QByteArray& text, QString* error, platform::ReadError* where) {
     std::array<Entry, 7> entries;
-    if (!readHeader(file, entries, error)) return false;
+    platform::ReadError failure;
     qsizetype offset = kHeaderSize;
-    return takeMember(file, offset, entries[0], 1, text, error);
+    if (!readHeader(file, entries, failure) || !takeMember(file, offset, entries[0], 1, text, failure))
+        return report(failure, error, where);
+    return true;
 }
 
 } // namespace persist

@@ -2,6 +2,8 @@
 // The project file: seven members behind a 37-byte header. Each member entry is its length in
 // four bytes, most significant first, and a type byte; the header ends in CR LF; every
 // member's bytes follow, each with one extra zero byte after it.
+#include "platform/ReadError.h"
+
 #include <QByteArray>
 #include <QString>
 #include <array>
@@ -41,10 +43,13 @@ bool WriteContainer(QIODevice& out, const Members& members,
                     const std::function<bool(const ByteSink& sink)>& writeText);
 
 // Splits a file into its members. A length past the end of the file, a missing zero byte or a
-// header without CR LF is an error that says where; `members` is then left as it was.
-bool UnpackContainer(const QByteArray& file, Members& members, QString* error);
+// header without CR LF is an error that says where: the words in `error`, the place (part
+// number, byte offset, size) in `where`; `members` is then left as it was.
+bool UnpackContainer(const QByteArray& file, Members& members, QString* error,
+                     platform::ReadError* where = nullptr);
 
 // Only the text member (the picture members need not be whole).
-bool UnpackTextMember(const QByteArray& file, QByteArray& text, QString* error);
+bool UnpackTextMember(const QByteArray& file, QByteArray& text, QString* error,
+                      platform::ReadError* where = nullptr);
 
 } // namespace persist

@@ -29,6 +29,8 @@ class QTextDocument;
 
 namespace platform {
 
+struct ReadError;
+
 // QTextCharFormat property holding the baseline offset in half-points (int, positive raises).
 constexpr int kBaselineOffsetProperty = QTextFormat::UserProperty + 0x5254;
 
@@ -40,9 +42,11 @@ void setBaselineOffsetHalfPoints(QTextCharFormat& format, int halfPoints, qreal 
 QByteArray WriteRtf(const QTextDocument& document);
 
 // Reads RTF into the document, replacing its content. On failure returns false, leaves the
-// document as it was and puts into `error` what is wrong and at which byte. Destinations the
-// program does not use (pictures, style sheets, document information, ...) are skipped.
-bool ReadRtf(const QByteArray& rtf, QTextDocument& document, QString* error = nullptr);
+// document as it was and puts into `error` what is wrong and at which byte, and into `where`
+// the place (the byte it stopped at). Destinations the program does not use (pictures, style
+// sheets, document information, ...) are skipped.
+bool ReadRtf(const QByteArray& rtf, QTextDocument& document, QString* error = nullptr,
+             ReadError* where = nullptr);
 
 // The character format of the "Default" style: font "MS Sans Serif", black, not bold, not
 // italic, 8 points.

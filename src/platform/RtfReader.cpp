@@ -3,6 +3,7 @@
 // so a damaged file leaves the document as it was.
 #include "platform/CodePage.h"
 #include "platform/Cp1252.h"
+#include "platform/ReadError.h"
 #include "platform/Rtf.h"
 #include "platform/SymbolFonts.h"
 
@@ -226,11 +227,10 @@ public:
     explicit Reader(const QByteArray& rtf)
         : m_in(rtf) {}
 
-    bool read(QString* error);
+    bool read(ReadError& failure);
     void fill(QTextDocument& document) const;
 
 private:
-    bool fail(QString* error, const QString& message);
     // The steps of read(), each at m_pos: false when nothing more is read.
     void openGroup();
     bool closeGroup();
@@ -311,19 +311,14 @@ private:
     bool m_endnote = false;                // the note being read is an endnote (\ftnalt)
 };
 
-bool Reader::fail(QString* error, const QString& message) {
-    if (error) *error = message;
-    return false;
-}
-
-bool Reader::read(QString* error) {
+bool Reader::read(ReadError& failure) {
     const qsizetype n = m_in.size();
     // Leading white space is tolerated; the text must open with "{\rtf".
     while (m_pos < n &&
            (m_in[m_pos] == ' ' || m_in[m_pos] == '\r' || m_in[m_pos] == '\n' || m_in[m_pos] == '\t'))
         ++m_pos;
     if (!m_in.mid(m_pos, 5).startsWith("{\\rtf"))
-        return fail(error, QStringLiteral("Teksti ei ole RTF-muotoista (tavu %1).").arg(m_pos));
+        return fail(&failure, ReadError::atByte(QStringLiteral("Teksti ei ole RTF-muotoista"), m_pos));
 
     // Each step reads one brace, control or byte; a step that returns false has reached the end
     // of what is read (the document's group closed, or the text ends inside a control).
@@ -342,10 +337,10 @@ bool Reader::read(QString* error) {
     flushBytes();
     if (!m_groups.empty()) {
         return fail(
-            error,
-            QStringLiteral("RTF-teksti päättyy kesken tavussa %1: tavussa %2 alkanut ryhmä jää sulkematta.")
-                .arg(n)
-                .arg(m_groups.back().openedAt));
+            &failure,
+            ReadError::endsAt(
+                QStringLiteral("RTF-teksti päättyy kesken"), n,
+                QStringLiteral("tavussa %1 alkanut ryhmä jää sulkematta").arg(m_groups.back().openedAt)));
     }
     // A last paragraph without \par keeps the format it ended in.
     Paragraph& last = m_paragraphs.back();
@@ -1028,10 +1023,15 @@ void Reader::fill(QTextDocument& document) const {
 
 } // namespace
 
-bool ReadRtf(const QByteArray& rtf, QTextDocument& document, QString* error) {
+bool ReadRtf(const QByteArray& rtf, QTextDocument& document, QString* error, ReadError* where) {
     registerRichTextFontSubstitutes();
     Reader reader(rtf);
-    if (!reader.read(error)) return false;
+    ReadError failure;
+    if (!reader.read(failure)) {
+        // The message is a sentence of its own.
+        if (error) *error = failure.text() + QLatin1Char('.');
+        return fail(where, failure);
+    }
     reader.fill(document);
     return true;
 }

@@ -21,8 +21,8 @@ struct Reader {
     int lineNumber = 0; // 1-based number of the line last read
     QString problem;
 
-    // The fields of the next non-blank line; false at the end of the file or on a broken quote.
-    bool record(QStringList& fields, QList<bool>& quoted) {
+    // The next non-blank line; false at the end of the file.
+    bool nextLine(QString& line) {
         while (next < lines.size() && lines[next].trimmed().isEmpty())
             ++next;
         if (next >= lines.size()) {
@@ -31,7 +31,42 @@ struct Reader {
             return false;
         }
         lineNumber = next + 1;
-        const QString& line = lines[next++];
+        line = lines[next++];
+        return true;
+    }
+
+    // The quoted field whose opening quote is at `i`, a doubled quote standing for one; `i` ends
+    // past the blanks after the closing quote. False when the closing quote is missing.
+    bool quotedField(const QString& line, int& i, QString& field) {
+        const int n = static_cast<int>(line.size());
+        ++i;
+        bool closed = false;
+        while (i < n) {
+            if (line[i] == u'"') {
+                if (i + 1 < n && line[i + 1] == u'"') {
+                    field += u'"';
+                    i += 2;
+                    continue;
+                }
+                ++i;
+                closed = true;
+                break;
+            }
+            field += line[i++];
+        }
+        if (!closed) {
+            problem = QStringLiteral("lainausmerkki puuttuu");
+            return false;
+        }
+        while (i < n && line[i] == u' ')
+            ++i;
+        return true;
+    }
+
+    // The fields of the next non-blank line; false at the end of the file or on a broken quote.
+    bool record(QStringList& fields, QList<bool>& quoted) {
+        QString line;
+        if (!nextLine(line)) return false;
         fields.clear();
         quoted.clear();
         int i = 0;
@@ -40,30 +75,9 @@ struct Reader {
             while (i < n && line[i] == u' ')
                 ++i;
             QString field;
-            bool isQuoted = false;
-            if (i < n && line[i] == u'"') {
-                isQuoted = true;
-                ++i;
-                bool closed = false;
-                while (i < n) {
-                    if (line[i] == u'"') {
-                        if (i + 1 < n && line[i + 1] == u'"') {
-                            field += u'"';
-                            i += 2;
-                            continue;
-                        }
-                        ++i;
-                        closed = true;
-                        break;
-                    }
-                    field += line[i++];
-                }
-                if (!closed) {
-                    problem = QStringLiteral("lainausmerkki puuttuu");
-                    return false;
-                }
-                while (i < n && line[i] == u' ')
-                    ++i;
+            const bool isQuoted = i < n && line[i] == u'"';
+            if (isQuoted) {
+                if (!quotedField(line, i, field)) return false;
             } else {
                 while (i < n && line[i] != u',')
                     field += line[i++];

@@ -263,6 +263,7 @@ TEST(CalculateCosts, AnOverflowedFigureNamesItsRowAndNeverPrintsAsANumber) {
     }
     const float inf = std::numeric_limits<float>::infinity();
     for (float v : {inf, -inf, std::numeric_limits<float>::quiet_NaN()}) {
+        SCOPED_TRACE(v);
         EXPECT_EQ(MoneyS(v, 2), QStringLiteral("#####"));
         EXPECT_EQ(DecimalS(v, 1), QStringLiteral("#####"));
         EXPECT_EQ(FormatHashDotHash(v), QStringLiteral("#####"));

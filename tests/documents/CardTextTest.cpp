@@ -257,8 +257,8 @@ TEST(UpdateSTCharge, SlotsTakeTheirFields) {
 TEST(UpdateSTCard, MissingFieldsGiveEmptyTexts) {
     const QStringList st = documents::UpdateSTCard(WindowTexts{}, WindowTexts{});
     ASSERT_EQ(st.size(), 98);
-    for (const QString& s : st)
-        EXPECT_TRUE(s.isEmpty());
+    for (int i = 0; i < st.size(); ++i)
+        EXPECT_TRUE(st[i].isEmpty()) << "slot " << i;
 }
 
 TEST(CardWindows, ComputeFromTheWindowsAndTheQuantityList) {

@@ -184,6 +184,7 @@ TEST(Form3, CostBlockAndSupportsFollowTheirRowsAndColumns) {
     }
     // Piles below the foundations: number, length, size on one row.
     for (int first : {37, 40}) {
+        SCOPED_TRACE(first);
         EXPECT_TRUE(sameRow(w.Text1[first], w.Text1[first + 1], &w));
         EXPECT_TRUE(sameRow(w.Text1[first], w.Text1[first + 2], &w));
         EXPECT_GT(rectIn(w.Text1[first], &w).top(), rectIn(w.Text1[first == 37 ? 33 : 35], &w).top());

@@ -14,10 +14,12 @@
 #include <QAction>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextEdit>
 #include <QToolBar>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <gtest/gtest.h>
@@ -82,7 +84,7 @@ TEST_F(Form9Test, EachStyleMenuItemAppliesItsStyleToTheSelection) {
         c.setPosition(7, QTextCursor::KeepAnchor);
         platform::FormatRichText(c, styles[item]);
         for (int at : {0, 8}) // in and after the selection
-            EXPECT_EQ(formatAt(box, at), formatAt(&expected, at));
+            EXPECT_EQ(formatAt(box, at), formatAt(&expected, at)) << "at " << at;
     }
 }
 
@@ -164,18 +166,30 @@ TEST_F(Form9Test, ARowEditorFieldGetsPlainTextBack) {
     editor.StyleMenuClick(2);
     editor.FileMenuClick(0);
     EXPECT_EQ(field.text(), "Uusi 1\r\nUusi 2");
+}
 
-    // Closing with changes not written back asks first.
+TEST_F(Form9Test, CancelAtTheClosingQuestionKeepsTheEditorOpen) {
+    Form9& editor = onField(7, "Alku");
+    editor.show();
     QTextCursor typing(editor.RichTextBox1->document());
     typing.select(QTextCursor::Document);
-    typing.insertText("Kolmas");
-    dialogs.answer(platform::MsgAnswer::Cancel);
-    editor.reject();
-    EXPECT_EQ(field.text(), "Uusi 1\r\nUusi 2");
+    typing.insertText("Muutettu");
+    // The close box, "&Sulje" and Esc all ask; Cancel keeps the editor and its text.
+    const std::function<void()> closings[] = {[&] { editor.close(); }, [&] { editor.FileMenuClick(5); },
+                                              [&] { QTest::keyClick(&editor, Qt::Key_Escape); }};
+    for (const auto& close : closings) {
+        SCOPED_TRACE(&close - closings);
+        dialogs.answer(platform::MsgAnswer::Cancel);
+        close();
+        EXPECT_TRUE(editor.isVisible());
+        EXPECT_EQ(editor.RichTextBox1->toPlainText(), "Muutettu");
+        EXPECT_EQ(field.text(), "Alku");
+    }
     dialogs.answer(platform::MsgAnswer::Yes);
-    editor.reject();
-    EXPECT_EQ(field.text(), "Kolmas");
-    EXPECT_EQ(editor.result(), QDialog::Rejected);
+    editor.close();
+    EXPECT_FALSE(editor.isVisible());
+    EXPECT_EQ(field.text(), "Muutettu");
+    EXPECT_TRUE(dialogs.allAnswersUsed());
 }
 
 TEST_F(Form9Test, TheQualityPlanTemplateIsInsertedAtTheCaret) {

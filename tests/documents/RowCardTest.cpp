@@ -32,6 +32,7 @@ TEST(RowCardFields, EachListKindMapsItsColumns) {
         fillList(list, c.kind, c.headers, {});
         QStringList names;
         for (const CardField& f : CardFields(list)) {
+            SCOPED_TRACE(f.column);
             EXPECT_EQ(f.header, list.column(f.column).header);
             names.append(QStringLiteral("%1%2").arg(f.longText ? 'T' : 'C').arg(f.index));
         }

@@ -48,6 +48,11 @@ struct Viewer {
         : form(slot, owner, picture, dialogState, [this](int n, const Picture& p, const QString& f) {
             given.push_back({n, p, f});
         }) {}
+    // Chooses `file` in the viewer's file dialog.
+    void open(ScriptedDialogs& dialogs, const QString& file) {
+        dialogs.chooseFile(file);
+        form.OpenPictureFile();
+    }
     platform::CommonDialogState dialogState;
     std::vector<Given> given;
     Form13 form;
@@ -70,8 +75,7 @@ TEST(ImageViewer, NothingChangedGivesNothingBackHoweverItCloses) {
         Viewer v(3, logo);
         v.form.show();
         v.form.CopyPicture();
-        dialogs.chooseFile(QString());
-        v.form.OpenPictureFile();
+        v.open(dialogs, QString());
         if (how == 0)
             v.form.UpdateAndClose();
         else if (how == 1)
@@ -83,54 +87,52 @@ TEST(ImageViewer, NothingChangedGivesNothingBackHoweverItCloses) {
     }
 }
 
-TEST(ImageViewer, LoadedPictureGoesBackWithItsFileUnlessCancelled) {
+TEST(ImageViewer, ALoadedPictureGoesBackWithItsFile) {
     ScriptedDialogs dialogs;
     const QString wmf = fixture("logo.wmf");
-    {
-        Viewer v(1);
-        dialogs.chooseFile(wmf);
-        v.form.OpenPictureFile();
-        EXPECT_EQ(v.form.Image1->picture().bytes(), fixtureBytes("logo.wmf"));
-        // The file dialog offers the picture types, metafiles first.
-        EXPECT_TRUE(dialogs.fileRequests().at(0).filters.first().startsWith("Metatiedosto"));
-        v.form.UpdateAndClose();
-        ASSERT_EQ(v.given.size(), 1u);
-        EXPECT_EQ(v.given[0].slot, 1);
-        EXPECT_EQ(v.given[0].file, wmf);
-        EXPECT_EQ(v.given[0].picture.type(), Picture::Metafile);
-    }
-    {
-        // Esc closes without cancelling: the change goes back.
-        Viewer v(6);
-        dialogs.chooseFile(fixture("logo.emf"));
-        v.form.OpenPictureFile();
-        v.form.show();
-        QTest::keyClick(&v.form, Qt::Key_Escape);
-        ASSERT_EQ(v.given.size(), 1u);
-        EXPECT_EQ(v.given[0].slot, 6);
-        EXPECT_EQ(v.given[0].picture.type(), Picture::EnhancedMetafile);
-    }
-    {
-        Viewer v(2);
-        dialogs.chooseFile(wmf);
-        v.form.OpenPictureFile();
-        v.form.MenuItems.back()->trigger(); // "Peruuta"
-        EXPECT_TRUE(v.given.empty());
-    }
-    {
-        // A file that is no picture is refused, and the viewer keeps what it had.
-        QTemporaryDir dir;
-        const QString text = dir.filePath("muistio.wmf");
-        ASSERT_TRUE(platform::writeFileAtomically(text, "ei kuva"));
-        const Picture before = Picture::fromFile(wmf);
-        Viewer v(2, before);
-        dialogs.chooseFile(text);
-        v.form.OpenPictureFile();
-        EXPECT_TRUE(dialogs.lastText().contains("muistio.wmf"));
-        EXPECT_EQ(v.form.Image1->picture().bytes(), before.bytes());
-        v.form.UpdateAndClose();
-        EXPECT_TRUE(v.given.empty());
-    }
+    Viewer v(1);
+    v.open(dialogs, wmf);
+    EXPECT_EQ(v.form.Image1->picture().bytes(), fixtureBytes("logo.wmf"));
+    // The file dialog offers the picture types, metafiles first.
+    EXPECT_TRUE(dialogs.fileRequests().at(0).filters.first().startsWith("Metatiedosto"));
+    v.form.UpdateAndClose();
+    ASSERT_EQ(v.given.size(), 1u);
+    EXPECT_EQ(v.given[0].slot, 1);
+    EXPECT_EQ(v.given[0].file, wmf);
+    EXPECT_EQ(v.given[0].picture.type(), Picture::Metafile);
+}
+
+TEST(ImageViewer, EscClosesWithoutCancellingTheChange) {
+    ScriptedDialogs dialogs;
+    Viewer v(6);
+    v.open(dialogs, fixture("logo.emf"));
+    v.form.show();
+    QTest::keyClick(&v.form, Qt::Key_Escape);
+    ASSERT_EQ(v.given.size(), 1u);
+    EXPECT_EQ(v.given[0].slot, 6);
+    EXPECT_EQ(v.given[0].picture.type(), Picture::EnhancedMetafile);
+}
+
+TEST(ImageViewer, CancelGivesNothingBack) {
+    ScriptedDialogs dialogs;
+    Viewer v(2);
+    v.open(dialogs, fixture("logo.wmf"));
+    v.form.MenuItems.back()->trigger(); // "Peruuta"
+    EXPECT_TRUE(v.given.empty());
+}
+
+TEST(ImageViewer, AFileThatIsNoPictureIsRefusedAndThePictureKept) {
+    ScriptedDialogs dialogs;
+    QTemporaryDir dir;
+    const QString text = dir.filePath("muistio.wmf");
+    ASSERT_TRUE(platform::writeFileAtomically(text, "ei kuva"));
+    const Picture before = Picture::fromFile(fixture("logo.wmf"));
+    Viewer v(2, before);
+    v.open(dialogs, text);
+    EXPECT_TRUE(dialogs.lastText().contains("muistio.wmf"));
+    EXPECT_EQ(v.form.Image1->picture().bytes(), before.bytes());
+    v.form.UpdateAndClose();
+    EXPECT_TRUE(v.given.empty());
 }
 
 TEST(ImageViewer, PasteTakesMetafileThenDeviceIndependentBitmapThenBitmap) {
@@ -163,23 +165,22 @@ TEST(ImageViewer, PasteTakesMetafileThenDeviceIndependentBitmapThenBitmap) {
         else
             EXPECT_EQ(p.bytes(), c.bytes);
     }
-    {
-        // Nothing to paste: the picture stays, but the slot counts as changed and goes back
-        // without a file.
-        ScriptedDialogs dialogs;
-        const Picture before = Picture::fromBytes(bmp, Picture::Bitmap);
-        Viewer v(7, before);
-        dialogs.chooseFile(fixture("logo.wmf"));
-        v.form.OpenPictureFile();
-        v.form.Image1->setPicture(before);
-        clipboard->clear();
-        v.form.PastePicture();
-        EXPECT_EQ(v.form.Image1->picture().bytes(), bmp);
-        v.form.UpdateAndClose();
-        ASSERT_EQ(v.given.size(), 1u);
-        EXPECT_EQ(v.given[0].picture.bytes(), bmp);
-        EXPECT_TRUE(v.given[0].file.isEmpty());
-    }
+}
+
+TEST(ImageViewer, NothingToPasteKeepsThePictureButItGoesBackWithoutAFile) {
+    ScriptedDialogs dialogs;
+    const QByteArray bmp = encoded(filled(QSize(6, 3), Qt::green), "BMP");
+    const Picture before = Picture::fromBytes(bmp, Picture::Bitmap);
+    Viewer v(7, before);
+    v.open(dialogs, fixture("logo.wmf"));
+    v.form.Image1->setPicture(before);
+    QGuiApplication::clipboard()->clear();
+    v.form.PastePicture();
+    EXPECT_EQ(v.form.Image1->picture().bytes(), bmp);
+    v.form.UpdateAndClose();
+    ASSERT_EQ(v.given.size(), 1u);
+    EXPECT_EQ(v.given[0].picture.bytes(), bmp);
+    EXPECT_TRUE(v.given[0].file.isEmpty());
 }
 
 TEST(ImageViewer, CopyPutsThePictureItselfOnTheClipboardAndDeleteEmptiesIt) {

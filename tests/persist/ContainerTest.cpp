@@ -47,26 +47,51 @@ TEST(Container, LengthsAreBigEndianAndPicturesKeepTheirType) {
     EXPECT_EQ(text.size(), 0x0D0A);
 }
 
-TEST(Container, DamagedFilesAreReportedAndLeaveTheMembersAlone) {
+TEST(Container, DamagedFilesSayWhereTheyStopAndLeaveTheMembersAlone) {
     Members good;
-    good[0].data = QByteArray("teksti");
-    good[1].data = QByteArray(50, 'b');
+    good[0].data = QByteArray("teksti"); // bytes 37..42, its zero byte 43
+    good[1].data = QByteArray(50, 'b');  // bytes 44..93, its zero byte 94
     good[1].type = 1;
-    const QByteArray file = PackContainer(good);
-    Members out;
-    out[0].data = QByteArray("ennallaan");
-    QString error;
-    EXPECT_FALSE(UnpackContainer(file.left(20), out, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("liian lyhyt"))) << error.toStdString();
-    EXPECT_FALSE(UnpackContainer(file.left(file.size() - 3), out, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("ulottuu tiedoston lopun yli"))) << error.toStdString();
-    QByteArray longer = file;
-    longer[5 + 2] = '\x7F'; // member 2 claims far more bytes than the file has
-    EXPECT_FALSE(UnpackContainer(longer, out, &error));
-    EXPECT_EQ(out[0].data, QByteArray("ennallaan"));
-    QByteArray noCrLf = file;
-    noCrLf[35] = 'x';
-    EXPECT_FALSE(UnpackContainer(noCrLf, out, &error));
+    const QByteArray file = PackContainer(good); // the five empty members' zero bytes: 95..99
+    auto changed = [&](int at, char byte) {
+        QByteArray b = file;
+        b[at] = byte;
+        return b;
+    };
+    const struct {
+        const char* damage;
+        QByteArray bytes;
+        QString part;  // the member, numbered from 1; empty: the header
+        qint64 offset; // the byte it stopped at, or where the member starts
+        qint64 size;   // the size given: the file's, or what the member claims; -1: none
+    } cases[] = {
+        {"shorter than the header", file.left(20), {}, -1, 20},
+        {"no CR LF after the header", changed(35, 'x'), {}, 35, -1},
+        {"a text member typed as a picture", changed(4, '\x01'), {}, 4, -1},
+        {"the text's zero byte missing", changed(43, 'x'), "1", 43, -1},
+        {"a member claiming more than the file has", changed(5 + 2, '\x7F'), "2", 44, 0x7F32},
+        {"cut inside the empty members", file.left(file.size() - 3), "5", 97, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.damage);
+        Members out;
+        out[0].data = QByteArray("ennallaan");
+        QString error;
+        platform::ReadError where;
+        EXPECT_FALSE(UnpackContainer(c.bytes, out, &error, &where));
+        EXPECT_EQ(error, where.text());
+        EXPECT_EQ(where.part, c.part);
+        EXPECT_EQ(where.offset, c.offset);
+        EXPECT_EQ(where.size, c.size);
+        EXPECT_EQ(out[0].data, QByteArray("ennallaan"));
+        // The text-only reading stops at the same place when the damage lies in the header or
+        // the text member.
+        QByteArray text;
+        platform::ReadError textWhere;
+        const bool textRead = UnpackTextMember(c.bytes, text, nullptr, &textWhere);
+        EXPECT_EQ(textRead, !c.part.isEmpty() && c.part != "1");
+        if (!textRead) EXPECT_EQ(textWhere.offset, c.offset);
+    }
 }
 
 namespace {

@@ -27,6 +27,15 @@ TEST(ReadError, NamesThePlaceAfterWhatFailed) {
          "osa styles.xml ei ole kelvollista XML:ää (rivi 0, sarake 0)"},
         // A part name is a name, even with what looks like a placeholder in it.
         {{"tietue katkeaa", "x%1.bin", {}, 5}, "osa x%1.bin: tietue katkeaa tavussa 5"},
+        // The project file and rich text keep their own words for the place.
+        {ReadError::atByte("tiedoston otsake on virheellinen", 35),
+         "tiedoston otsake on virheellinen (tavu 35)"},
+        {ReadError::atByte("loppumerkki puuttuu", 120, "2"), "osan 2 loppumerkki puuttuu (tavu 120)"},
+        {ReadError::ofSize("tiedosto on liian lyhyt", 20), "tiedosto on liian lyhyt (20 tavua)"},
+        {ReadError::ofSize("ulottuu tiedoston lopun yli", 900, "1", 37),
+         "osa 1 (900 tavua, alkaa tavusta 37) ulottuu tiedoston lopun yli"},
+        {ReadError::endsAt("teksti päättyy kesken", 80, "tavussa 3 alkanut ryhmä jää auki"),
+         "teksti päättyy kesken tavussa 80: tavussa 3 alkanut ryhmä jää auki"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);

@@ -443,6 +443,7 @@ TEST(QualityDocuments, TheGridScalesWithTheUsableWidth) {
     std::map<bool, std::pair<double, double>> at; // landscape: x of "Viite" and of "Ylä"
     std::map<bool, double> widths;
     for (bool landscape : {false, true}) {
+        SCOPED_TRACE(landscape ? "landscape" : "portrait");
         auto run =
             t.run({print::doc::AllRequirements},
                   print::DefaultPageLayout(landscape ? QPageLayout::Landscape : QPageLayout::Portrait));
@@ -664,14 +665,17 @@ TEST(CardLayouts, TheShippedLayoutsReadAndHoldEverySlot) {
     EXPECT_EQ(charge.tableColumns.size(), 5u);
     // Everything lies on the card.
     for (const print::CardLayout* l : {&card, &charge}) {
+        SCOPED_TRACE(l == &card ? "characteristics card" : "charge chamber card");
         for (const print::CardSlot& s : l->fieldSlots) {
+            SCOPED_TRACE(::testing::Message() << "slot at " << s.x << ", " << s.y);
             EXPECT_GE(s.x, 0);
             EXPECT_LE(s.x, l->width);
             EXPECT_GE(s.y, 0);
             EXPECT_LE(s.y, l->height);
         }
         for (const print::CardLine& ln : l->lines)
-            EXPECT_TRUE(ln.x1 >= 0 && ln.x2 <= l->width && ln.y1 >= 0 && ln.y2 <= l->height);
+            EXPECT_TRUE(ln.x1 >= 0 && ln.x2 <= l->width && ln.y1 >= 0 && ln.y2 <= l->height)
+                << "line " << ln.x1 << "," << ln.y1 << " - " << ln.x2 << "," << ln.y2;
     }
 }
 

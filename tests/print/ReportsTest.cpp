@@ -111,6 +111,7 @@ TEST(Reports, LongDescriptionsWrapWithinTheirColumnAndTheDescriptionFollowsTheWi
     EXPECT_GT(first->x, litteraEnd) << "the description starts after the littera";
     for (const print::TextItem& i : items) {
         if (i.y < littera->y - 1 || std::abs(i.x - first->x) > kTolerance) continue;
+        SCOPED_TRACE(i.text.toStdString());
         ++lines;
         joined += i.text;
         EXPECT_LT(rightEdge(*run, i), columnEnd);

@@ -58,6 +58,7 @@ TEST(TextLines, ALongWordStandsAloneOrIsSplitWithTheMessage) {
     EXPECT_FALSE(print::InsertLineFeeds(fonts, tooLong, kFont, 11, wordWidth / 3));
     QString joined;
     for (const QString& line : tooLong.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts)) {
+        SCOPED_TRACE(line.toStdString());
         EXPECT_LT(widthOf(fonts, line.trimmed()), wordWidth / 3);
         joined += line;
     }

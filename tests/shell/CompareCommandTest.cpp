@@ -203,6 +203,7 @@ TEST(CompareCommand, AVersionWithoutRequirementsHasNoQualityNumber) {
     EXPECT_TRUE(quality.value(QStringLiteral("old")).isNull());
     EXPECT_DOUBLE_EQ(quality.value(QStringLiteral("new")).toDouble(), 75.9);
     for (const QJsonValue& row : root.value(QStringLiteral("rows")).toArray()) {
+        SCOPED_TRACE(QJsonDocument(row.toObject()).toJson(QJsonDocument::Compact).toStdString());
         EXPECT_EQ(row.toObject().value(QStringLiteral("list")).toString(), QStringLiteral("requirement"));
         EXPECT_EQ(row.toObject().value(QStringLiteral("kind")).toString(), QStringLiteral("added"));
     }

@@ -136,7 +136,7 @@ TEST_F(MainWindowTest, ClosingAChangedProjectAsksAndCanBeCancelled) {
     const QStringList left = captions();
     ASSERT_EQ(left.size(), 4);
     for (const QString& c : left)
-        EXPECT_TRUE(c.startsWith(QStringLiteral("Projekti2 ")));
+        EXPECT_TRUE(c.startsWith(QStringLiteral("Projekti2 "))) << c.toStdString();
 }
 
 TEST_F(MainWindowTest, ShutdownClosesProjectsOneByOneAndCanBeCancelled) {
