@@ -144,10 +144,14 @@ bool readableDib(const QByteArray& b, qsizetype at, qsizetype end) {
     const qint64 tableEntries = colours ? qint64(colours) : bits >= 1 && bits <= 8 ? (1 << bits) : 0;
     const qint64 table = headerSize + tableEntries * (headerSize == 12 ? 3 : 4);
     if (table > end - at) return false;
-    // A JPEG or PNG (compression 4 or 5) gives no bit count; uncompressed pixels (also with colour
-    // masks) must all be in the record.
-    if (compression == 4 || compression == 5) return true;
+    // A JPEG or PNG (compression 4 or 5) may give no bit count, but never one that is none of the
+    // kinds: libwmf sizes its image from the count whatever the compression (a PNG's header giving
+    // 26211 bits a pixel made it ask for 2 GB). Uncompressed pixels (also with colour masks) must
+    // all be in the record.
+    const bool jpegOrPng = compression == 4 || compression == 5;
+    if (jpegOrPng && bits == 0) return true;
     if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
+    if (jpegOrPng) return true;
     if (compression != 0 && compression != 3) return true;
     const qint64 masks = compression == 3 && headerSize == 40 ? 12 : 0;
     return table + masks + (width * bits + 31) / 32 * 4 * height <= end - at;

@@ -521,6 +521,21 @@ TEST(PictureRegression, BitmapThatIsNotInItsRecordIsLeftOut) {
     EXPECT_EQ(image.pixelColor(212, 172), QColor(Qt::black));     // a pattern brush libwmf can read
 }
 
+// Another fuzzer's change of the same drawing: a PNG bitmap whose header gives 26211 bits a pixel
+// made libwmf ask for 2 GB for its image. A bit count that is none of the kinds leaves the bitmap
+// out whatever its compression; the rest of the picture draws.
+TEST(PictureRegression, BitmapWithAnImpossibleBitCountIsLeftOut) {
+    const QByteArray bytes = fixtureBytes(QStringLiteral("fuzzed/bitmap-bit-count.wmf"));
+    QString error;
+    const QByteArray svg = wmfToSvg(bytes, &error);
+    ASSERT_FALSE(svg.isEmpty()) << error.toStdString();
+    const QImage image = Picture::fromBytes(bytes, Picture::Metafile).toImage(QSize(576, 384));
+    EXPECT_EQ(image.pixelColor(500, 350), QColor(255, 255, 173));
+    const QColor disc = image.pixelColor(20, 84); // the first of the shapes' row, a blue disc
+    EXPECT_GT(disc.blue(), 150);
+    EXPECT_LT(disc.red(), 100);
+}
+
 // libwmf gave arcs, chords and pies their ends relative to the ellipse's centre, so they were
 // drawn about the picture's top left corner (a large wedge across the picture), always the
 // short way round, and as a whole ellipse when the ends shared an x or a y. Each now stands in
