@@ -110,8 +110,8 @@ void Form13::showStatus() {
 void Form13::OpenPictureFile() {
     const QString file = platform::ShowCommonDialog(1, QStringLiteral(".wmf"), false, m_dialog);
     if (file.isEmpty()) return;
-    QString error;
-    const platform::Picture picture = platform::Picture::fromFile(file, &error);
+    QString error, reduced;
+    const platform::Picture picture = platform::Picture::fromFile(file, &error, &reduced);
     if (picture.isNull()) {
         // The viewer keeps the picture it had.
         platform::MsgBox(error, platform::MsgIcon::Exclamation);
@@ -120,6 +120,7 @@ void Form13::OpenPictureFile() {
     Image1->setPicture(picture);
     m_tag = file;
     markChanged();
+    if (!reduced.isEmpty()) platform::MsgBox(reduced, platform::MsgIcon::Information);
 }
 
 void Form13::UpdateAndClose() {

@@ -49,9 +49,20 @@ QString tooLarge(QSize size) {
     return QString::fromUtf8("Kuva on liian suuri: %1 × %2 pikseliä.").arg(size.width()).arg(size.height());
 }
 
-// Decodes a raster image, scaled down to kLargestSide when it is larger; for an icon the
-// largest of its images. A picture too large to read gives a null image and says so in `error`.
-QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr, QString* error = nullptr) {
+QString reducedFrom(QSize full, QSize kept) {
+    return QString::fromUtf8(
+               "Kuva on suuri (%1 × %2 pikseliä), ja se on pienennetty kokoon %3 × %4 pikseliä.")
+        .arg(full.width())
+        .arg(full.height())
+        .arg(kept.width())
+        .arg(kept.height());
+}
+
+// Decodes a raster image, scaled down to kLargestSide when it is larger (`reduced` then says so);
+// for an icon the largest of its images. A picture too large to read gives a null image and says
+// so in `error`.
+QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr, QString* error = nullptr,
+                    QString* reduced = nullptr) {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
@@ -69,7 +80,9 @@ QImage decodeRaster(const QByteArray& bytes, const char* format = nullptr, QStri
             return {};
         }
         reader.setAllocationLimit(kDecodeLimitMB);
-        reader.setScaledSize(full.scaled(kLargestSide, kLargestSide, Qt::KeepAspectRatio).expandedTo({1, 1}));
+        const QSize kept = full.scaled(kLargestSide, kLargestSide, Qt::KeepAspectRatio).expandedTo({1, 1});
+        reader.setScaledSize(kept);
+        if (reduced) *reduced = reducedFrom(full, kept);
     }
     QImage best;
     int count = std::max(reader.imageCount(), 1);
@@ -113,7 +126,8 @@ Picture::Picture(QByteArray bytes, Type type)
     , m_type(type)
     , m_rendering(std::make_shared<Rendering>()) {}
 
-Picture Picture::fromFile(const QString& path, QString* error) {
+Picture Picture::fromFile(const QString& path, QString* error, QString* reduced) {
+    if (reduced) reduced->clear();
     QByteArray bytes;
     if (!readFileBytes(path, bytes, error)) return {};
     Type type = None;
@@ -127,9 +141,10 @@ Picture Picture::fromFile(const QString& path, QString* error) {
         type = EnhancedMetafile;
     if (type == None) {
         QString large;
-        const QImage image = decodeRaster(bytes, nullptr, &large);
+        const QImage image = decodeRaster(bytes, nullptr, &large, reduced);
         if (image.isNull()) {
             if (error) *error = large.isEmpty() ? notAPicture(path) : large;
+            if (reduced) reduced->clear();
             return {};
         }
         return fromImage(image);

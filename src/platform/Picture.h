@@ -23,8 +23,9 @@ public:
 
     // Loads a picture file; the type comes from the file's content, not its name. A file that is
     // not a picture, or a metafile that cannot be shown, gives an empty picture and a Finnish
-    // message in `error`.
-    static Picture fromFile(const QString& path, QString* error = nullptr);
+    // message in `error`. A photo larger than the program keeps is reduced, and `reduced` says so
+    // in Finnish (empty when the picture is kept as it is).
+    static Picture fromFile(const QString& path, QString* error = nullptr, QString* reduced = nullptr);
     // A picture from stored bytes and type byte (a member of the project file). Type 0 gives an
     // empty picture. Bytes that do not fit the type give an empty picture and an error.
     static Picture fromBytes(const QByteArray& bytes, int type, QString* error = nullptr);

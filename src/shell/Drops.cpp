@@ -148,14 +148,15 @@ void MDIForm1::filesDropped(QWidget* window, QWidget* at, const QStringList& fil
             continue;
         }
         // A picture on a picture slot takes its place, as the image viewer would put it.
-        QString error;
-        const platform::Picture picture = platform::Picture::fromFile(file, &error);
+        QString error, reduced;
+        const platform::Picture picture = platform::Picture::fromFile(file, &error, &reduced);
         if (picture.isNull()) {
             platform::MsgBox(QStringLiteral("Kuvaa ") + file + QStringLiteral(" ei voi lukea:\r\n") + error,
                              MsgIcon::Exclamation);
             continue;
         }
         GiveBackPicture(*this, slot, ParseFileName(w->caption()).project(), picture, file);
+        if (!reduced.isEmpty()) platform::MsgBox(reduced, MsgIcon::Information);
     }
 }
 

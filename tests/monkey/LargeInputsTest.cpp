@@ -173,6 +173,10 @@ TEST_F(LargeInputs, ALargePictureIsReducedShownAndPrintedAndAHugeOneRefused) {
     main->filesDropped(p.f1, p.f1->Image1[0], {file});
     ASSERT_FALSE(p.f1->Image1[0]->picture().isNull()) << dialogs.lastText().toStdString();
     EXPECT_EQ(p.f1->Image1[0]->picture().sizeHint(), QSize(3600, 3600));
+    // The user is told that the picture was reduced, and to what.
+    const QString reduced = QString::fromUtf8(
+        "Kuva on suuri (10000 × 10000 pikseliä), ja se on pienennetty kokoon 3600 × 3600 pikseliä.");
+    EXPECT_EQ(dialogs.lastText(), reduced);
     // One beyond what the reader decodes is refused with its size, and the slot keeps its picture.
     const QByteArray crossSection = p.f1->Image1[1]->picture().bytes();
     main->filesDropped(p.f1, p.f1->Image1[1], {huge});
@@ -193,6 +197,11 @@ TEST_F(LargeInputs, ALargePictureIsReducedShownAndPrintedAndAHugeOneRefused) {
         dialogs.chooseFile(huge);
         viewer->OpenPictureFile();
         EXPECT_EQ(dialogs.lastText(), tooLarge);
+        EXPECT_EQ(viewer->Image1->picture().sizeHint(), QSize(3600, 3600));
+        // Opened in the viewer, the large one is reduced with the same message.
+        dialogs.chooseFile(file);
+        viewer->OpenPictureFile();
+        EXPECT_EQ(dialogs.lastText(), reduced);
         EXPECT_EQ(viewer->Image1->picture().sizeHint(), QSize(3600, 3600));
         viewer->UpdateAndClose();
     });
