@@ -84,6 +84,28 @@ std::vector<int> collationRanks(const ListModel& list, int column, const std::ve
     return rank;
 }
 
+// Row numbers are digit texts of five digits, six from row 100000 on: they go by their value
+// (the shorter digits first once leading zeros are set aside), and a text that is not a number
+// (a damaged file's) after all numbers, in plain text order.
+bool rowNumberBefore(QStringView a, QStringView b) {
+    const auto digitsOnly = [](QStringView t) {
+        return !t.isEmpty() &&
+               std::all_of(t.begin(), t.end(), [](QChar c) { return c.isDigit() && c.unicode() < 128; });
+    };
+    const bool na = digitsOnly(a), nb = digitsOnly(b);
+    if (na != nb) return na;
+    if (!na) return a < b;
+    const auto significant = [](QStringView t) {
+        qsizetype zeros = 0;
+        while (zeros + 1 < t.size() && t[zeros] == QLatin1Char('0'))
+            ++zeros;
+        return t.mid(zeros);
+    };
+    const QStringView sa = significant(a), sb = significant(b);
+    if (sa.size() != sb.size()) return sa.size() < sb.size();
+    return sa < sb;
+}
+
 } // namespace
 
 std::vector<int> SortedOrder(const ListModel& list, int keyColumn) {
@@ -92,9 +114,9 @@ std::vector<int> SortedOrder(const ListModel& list, int keyColumn) {
     std::iota(order.begin(), order.end(), 1);
     if (n == 0 || keyColumn < 1 || keyColumn > list.cols()) return order;
     if (keyColumn == list.cols()) {
-        // Row numbers are digit texts of one length: plain text order is their numeric order.
-        std::stable_sort(order.begin(), order.end(),
-                         [&](int x, int y) { return list.rowNumberText(x) < list.rowNumberText(y); });
+        std::stable_sort(order.begin(), order.end(), [&](int x, int y) {
+            return rowNumberBefore(list.rowNumberText(x), list.rowNumberText(y));
+        });
         return order;
     }
     TextGroups groups = groupTexts(list, keyColumn);

@@ -230,3 +230,18 @@ TEST(Sorting, ALargeListSortsAsOneStableCollatedSortWould) {
     EXPECT_EQ(columnTexts(list, 2), before);
     EXPECT_EQ(rowNumbers(list).last(), QStringLiteral("%1").arg(kRows, 5, 10, QLatin1Char('0')));
 }
+
+// From row 100000 on the row numbers have six digits; "Rivi" still puts them in their numeric
+// order (not "100000" before "99999"), and texts that are not numbers go after them.
+TEST(SortByColumn, RowNumbersOfSixDigitsSortByTheirValue) {
+    ListModel list;
+    fill(list, kind::QuantityList, quantityHeaders(),
+         {{"", "a"}, {"", "b"}, {"", "c"}, {"", "d"}, {"", "e"}});
+    const int rivi = list.cols();
+    const QStringList numbers = {"100001", "x", "99999", "100000", "00002"};
+    for (int r = 1; r <= list.rows(); ++r)
+        list.setCell(r, rivi, numbers[r - 1]);
+    EXPECT_EQ(SortedOrder(list, rivi), (std::vector<int>{5, 3, 4, 1, 2}));
+    SortByColumn(list, rivi);
+    EXPECT_EQ(columnTexts(list, 2), (QStringList{"e", "c", "d", "a", "b"}));
+}
