@@ -43,6 +43,20 @@ void BM_CalculateQualityIndex(benchmark::State& state) {
 }
 BENCHMARK(BM_CalculateQualityIndex)->Apply(sizes);
 
+// Times the quality index over `list` once per iteration after `prepare`, which is not timed,
+// and counts the list's rows as the items.
+template <typename Prepare>
+void timeQualityIndex(benchmark::State& state, lists::ListModel& list, Prepare prepare) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        prepare();
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(calc::CalculateQualityIndex(list));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetComplexityN(state.range(0));
+}
+
 // The run after a user changed one cell: one row is read from its texts again.
 void BM_QualityIndexAfterACellEdit(benchmark::State& state) {
     lists::ListModel list;
@@ -53,14 +67,7 @@ void BM_QualityIndexAfterACellEdit(benchmark::State& state) {
     const int row = n / 2 + 2 - (n / 2) % 25;
     const QString results[] = {QStringLiteral("Kyllä"), QStringLiteral("Ei")};
     int edits = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        list.setCell(row, 21, results[++edits % 2]);
-        state.ResumeTiming();
-        benchmark::DoNotOptimize(calc::CalculateQualityIndex(list));
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-    state.SetComplexityN(state.range(0));
+    timeQualityIndex(state, list, [&] { list.setCell(row, 21, results[++edits % 2]); });
 }
 BENCHMARK(BM_QualityIndexAfterACellEdit)->Apply(sizes);
 
@@ -71,14 +78,7 @@ void BM_QualityIndexFirstRun(benchmark::State& state) {
     // Copies made before any run carry no memo.
     const std::vector<lists::Row> unread = made.allRows();
     lists::ListModel list;
-    for (auto _ : state) {
-        state.PauseTiming();
-        list.reset(made.columns(), unread);
-        state.ResumeTiming();
-        benchmark::DoNotOptimize(calc::CalculateQualityIndex(list));
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-    state.SetComplexityN(state.range(0));
+    timeQualityIndex(state, list, [&] { list.reset(made.columns(), unread); });
 }
 BENCHMARK(BM_QualityIndexFirstRun)->Apply(sizes);
 

@@ -4,8 +4,6 @@
 #include "lists/ListProcedures.h"
 #include "platform/Dialogs.h"
 
-#include <QCollator>
-#include <QLocale>
 #include <algorithm>
 
 namespace lists {

@@ -39,6 +39,48 @@ QStringList splitFields(const QString& line, const QString& separator) {
     return separator.isEmpty() ? QStringList{line} : line.split(separator);
 }
 
+// Why a file that is not text is refused, and where the user can open it instead.
+QString notAListMessage(FileContent kind, const QString& fileName) {
+    switch (kind) {
+        case FileContent::Text:
+            break;
+        case FileContent::Spreadsheet:
+            return QStringLiteral("Tiedosto ") + fileName +
+                   QStringLiteral(" on taulukkolaskentatiedosto, ei luettelotiedosto. Tuo se "
+                                  "luetteloon kohdasta \"Tuo...\".");
+        case FileContent::Project:
+            return QStringLiteral("Tiedosto ") + fileName +
+                   QStringLiteral(" on TAMRIK-projekti, ei luettelotiedosto. Avaa se "
+                                  "päävalikon kohdasta \"Tiedosto - Avaa...\".");
+        case FileContent::Binary:
+            return QStringLiteral("Tiedosto ") + fileName +
+                   QStringLiteral(" ei ole luettelotiedosto: siinä on merkkejä, joita "
+                                  "tekstitiedostossa ei ole.");
+    }
+    return QString();
+}
+
+// The rows of a list file's lines after the header, `n` cells each and "Rivi" numbered from 1.
+std::vector<Row> rowsOfLines(const QStringList& lines, const QString& separator, int n) {
+    std::vector<Row> rows(lines.size() - 1);
+    RowCells::Builder cells;
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        // Short lines leave cells empty, extra fields are dropped.
+        if (separator.isEmpty()) {
+            if (n > 0) cells.add(lines[i]);
+        } else {
+            for (const QStringView field : QStringView(lines[i]).tokenize(separator)) {
+                if (cells.size() == n) break;
+                cells.add(field);
+            }
+        }
+        cells.addEmpty(n - cells.size());
+        cells.add(formatRowNumber(i));
+        rows[i - 1].cells = cells.take();
+    }
+    return rows;
+}
+
 } // namespace
 
 int approximateTextWidth(const QString& text) {
@@ -123,22 +165,8 @@ ReadStatus readListBytes(const QByteArray& bytes, const QString& fileName, const
         if (error) *error = message;
         return ReadStatus::Failed;
     };
-    switch (recogniseFile(bytes)) {
-        case FileContent::Text:
-            break;
-        case FileContent::Spreadsheet:
-            return failed(QStringLiteral("Tiedosto ") + fileName +
-                          QStringLiteral(" on taulukkolaskentatiedosto, ei luettelotiedosto. Tuo se "
-                                         "luetteloon kohdasta \"Tuo...\"."));
-        case FileContent::Project:
-            return failed(QStringLiteral("Tiedosto ") + fileName +
-                          QStringLiteral(" on TAMRIK-projekti, ei luettelotiedosto. Avaa se "
-                                         "päävalikon kohdasta \"Tiedosto - Avaa...\"."));
-        case FileContent::Binary:
-            return failed(QStringLiteral("Tiedosto ") + fileName +
-                          QStringLiteral(" ei ole luettelotiedosto: siinä on merkkejä, joita "
-                                         "tekstitiedostossa ei ole."));
-    }
+    const FileContent kind = recogniseFile(bytes);
+    if (kind != FileContent::Text) return failed(notAListMessage(kind, fileName));
     const QStringList lines = platform::splitLines(platform::decodeText(bytes));
     if (lines.isEmpty())
         return failed(QStringLiteral("Tiedostossa: ") + fileName + QStringLiteral(" ei ole otsikkoriviä."));
@@ -161,23 +189,7 @@ ReadStatus readListBytes(const QByteArray& bytes, const QString& fileName, const
                 .arg(bytes.size()));
     const QStringList headers = splitFields(lines.first(), separator);
     std::vector<Column> columns = columnsForHeaders(headers, measure);
-
-    std::vector<Row> rows(lines.size() - 1);
-    RowCells::Builder cells;
-    for (qsizetype i = 1; i < lines.size(); ++i) {
-        // Short lines leave cells empty, extra fields are dropped.
-        if (separator.isEmpty()) {
-            if (n > 0) cells.add(lines[i]);
-        } else {
-            for (const QStringView field : QStringView(lines[i]).tokenize(separator)) {
-                if (cells.size() == n) break;
-                cells.add(field);
-            }
-        }
-        cells.addEmpty(n - cells.size());
-        cells.add(formatRowNumber(i));
-        rows[i - 1].cells = cells.take();
-    }
+    std::vector<Row> rows = rowsOfLines(lines, separator, n);
     content.columns = std::move(columns);
     content.rows = std::move(rows);
     return ReadStatus::Ok;

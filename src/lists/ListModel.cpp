@@ -6,6 +6,43 @@
 
 namespace lists {
 
+namespace {
+
+// The pass of spliceRows over `all`: the rows at `removeAt` go (into `removed` when given), the
+// first `inserting` of `rows` come in at `insertAt`. Returns the position the current row
+// `current` has afterwards, 0 when it went.
+int mergeSplice(std::vector<Row>& all, int current, const std::vector<int>& removeAt,
+                const std::vector<int>& insertAt, std::vector<Row>& rows, std::size_t inserting,
+                std::vector<Row>* removed) {
+    const int n = static_cast<int>(all.size());
+    const std::size_t removing = removeAt.size();
+    std::vector<Row> out;
+    out.reserve(n - removing + inserting);
+    std::size_t ri = 0;
+    std::size_t ii = 0;
+    int newCurrent = 0;
+    auto insertDue = [&] {
+        while (ii < inserting && insertAt[ii] <= static_cast<int>(out.size()) + 1)
+            out.push_back(std::move(rows[ii++]));
+    };
+    for (int r = 1; r <= n; ++r) {
+        if (ri < removing && removeAt[ri] == r) {
+            if (removed) removed->push_back(std::move(all[r - 1]));
+            ++ri;
+            continue;
+        }
+        insertDue();
+        if (r == current) newCurrent = static_cast<int>(out.size()) + 1;
+        out.push_back(std::move(all[r - 1]));
+    }
+    while (ii < inserting)
+        out.push_back(std::move(rows[ii++]));
+    all = std::move(out);
+    return newCurrent;
+}
+
+} // namespace
+
 QString formatRowNumber(long long n) {
     // Every row of a list read from a file gets one: the usual five digits without arg().
     if (n >= 0 && n <= 99999) {
@@ -274,7 +311,6 @@ void ListModel::reorder(const std::vector<int>& newOrder) {
 
 void ListModel::spliceRows(const std::vector<int>& removeAt, const std::vector<int>& insertAt,
                            std::vector<Row> rows) {
-    const int n = this->rows();
     const std::size_t removing = removeAt.size();
     const std::size_t inserting = std::min(insertAt.size(), rows.size());
     if (removing == 0 && inserting == 0) return;
@@ -308,29 +344,8 @@ void ListModel::spliceRows(const std::vector<int>& removeAt, const std::vector<i
     } else if (watched()) {
         emit changedOutsideStep();
     }
-    std::vector<Row> out;
-    out.reserve(n - removing + inserting);
-    std::size_t ri = 0;
-    std::size_t ii = 0;
-    int newCurrent = 0;
-    auto insertDue = [&] {
-        while (ii < inserting && insertAt[ii] <= static_cast<int>(out.size()) + 1)
-            out.push_back(std::move(rows[ii++]));
-    };
-    for (int r = 1; r <= n; ++r) {
-        if (ri < removing && removeAt[ri] == r) {
-            if (record) splice.removed.push_back(std::move(m_rows[r - 1]));
-            ++ri;
-            continue;
-        }
-        insertDue();
-        if (r == m_current) newCurrent = static_cast<int>(out.size()) + 1;
-        out.push_back(std::move(m_rows[r - 1]));
-    }
-    while (ii < inserting)
-        out.push_back(std::move(rows[ii++]));
-    m_rows = std::move(out);
-    m_current = newCurrent;
+    m_current = mergeSplice(m_rows, m_current, removeAt, insertAt, rows, inserting,
+                            record ? &splice.removed : nullptr);
     if (record) {
         for (int r : splice.insertedAt)
             m_journal->checkRows(*this, r, r);

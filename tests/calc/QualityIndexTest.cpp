@@ -5,14 +5,7 @@
 #include <gtest/gtest.h>
 
 using namespace calc;
-using calc_test::caption;
-using calc_test::fillRequirementList;
-using calc_test::kNo;
-using calc_test::kType1;
-using calc_test::kType2;
-using calc_test::kType3;
-using calc_test::kYes;
-using calc_test::requirement;
+using namespace calc_test;
 
 namespace {
 

@@ -87,38 +87,36 @@ TEST(ImageViewer, NothingChangedGivesNothingBackHoweverItCloses) {
     }
 }
 
-TEST(ImageViewer, ALoadedPictureGoesBackWithItsFile) {
-    ScriptedDialogs dialogs;
-    const QString wmf = fixture("logo.wmf");
-    Viewer v(1);
-    v.open(dialogs, wmf);
-    EXPECT_EQ(v.form.Image1->picture().bytes(), fixtureBytes("logo.wmf"));
-    // The file dialog offers the picture types, metafiles first.
-    EXPECT_TRUE(dialogs.fileRequests().at(0).filters.first().startsWith("Metatiedosto"));
-    v.form.UpdateAndClose();
-    ASSERT_EQ(v.given.size(), 1u);
-    EXPECT_EQ(v.given[0].slot, 1);
-    EXPECT_EQ(v.given[0].file, wmf);
-    EXPECT_EQ(v.given[0].picture.type(), Picture::Metafile);
-}
-
-TEST(ImageViewer, EscClosesWithoutCancellingTheChange) {
-    ScriptedDialogs dialogs;
-    Viewer v(6);
-    v.open(dialogs, fixture("logo.emf"));
-    v.form.show();
-    QTest::keyClick(&v.form, Qt::Key_Escape);
-    ASSERT_EQ(v.given.size(), 1u);
-    EXPECT_EQ(v.given[0].slot, 6);
-    EXPECT_EQ(v.given[0].picture.type(), Picture::EnhancedMetafile);
-}
-
-TEST(ImageViewer, CancelGivesNothingBack) {
-    ScriptedDialogs dialogs;
-    Viewer v(2);
-    v.open(dialogs, fixture("logo.wmf"));
-    v.form.MenuItems.back()->trigger(); // "Peruuta"
-    EXPECT_TRUE(v.given.empty());
+TEST(ImageViewer, ALoadedPictureGoesBackWithItsFileUnlessCancelled) {
+    // After a file is loaded: "Päivitä ja sulje" and Esc give it back, "Peruuta" does not.
+    const struct {
+        const char* how;
+        void (*close)(Form13&);
+        const char* file;
+        Picture::Type type;
+        bool givenBack;
+    } cases[] = {
+        {"update", [](Form13& f) { f.UpdateAndClose(); }, "logo.wmf", Picture::Metafile, true},
+        {"Esc", [](Form13& f) { QTest::keyClick(&f, Qt::Key_Escape); }, "logo.emf", Picture::EnhancedMetafile,
+         true},
+        {"Peruuta", [](Form13& f) { f.MenuItems.back()->trigger(); }, "logo.wmf", Picture::Metafile, false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.how);
+        ScriptedDialogs dialogs;
+        const QString file = fixture(c.file);
+        Viewer v(6);
+        v.open(dialogs, file);
+        EXPECT_EQ(v.form.Image1->picture().bytes(), fixtureBytes(c.file));
+        // The file dialog offers the picture types, metafiles first.
+        EXPECT_TRUE(dialogs.fileRequests().at(0).filters.first().startsWith("Metatiedosto"));
+        v.form.show();
+        c.close(v.form);
+        ASSERT_EQ(v.given.size(), c.givenBack ? 1u : 0u);
+        if (!c.givenBack) continue;
+        EXPECT_EQ(v.given[0].slot, 6);
+        EXPECT_EQ(v.given[0].file, file);
+        EXPECT_EQ(v.given[0].picture.type(), c.type);
+    }
 }
 
 TEST(ImageViewer, AFileThatIsNoPictureIsRefusedAndThePictureKept) {
@@ -183,7 +181,7 @@ TEST(ImageViewer, NothingToPasteKeepsThePictureButItGoesBackWithoutAFile) {
     EXPECT_TRUE(v.given[0].file.isEmpty());
 }
 
-TEST(ImageViewer, CopyPutsThePictureItselfOnTheClipboardAndDeleteEmptiesIt) {
+TEST(ImageViewer, CopyPutsThePictureItselfOnTheClipboard) {
     QClipboard* clipboard = QGuiApplication::clipboard();
     const Picture logo = Picture::fromFile(fixture("logo.wmf"));
     Viewer v(4, logo);
@@ -196,10 +194,12 @@ TEST(ImageViewer, CopyPutsThePictureItselfOnTheClipboardAndDeleteEmptiesIt) {
     Viewer other(5);
     other.form.PastePicture();
     EXPECT_EQ(other.form.Image1->picture().bytes(), logo.bytes());
+}
 
+TEST(ImageViewer, ADeletedPictureCopiesNothingAndGoesBackEmpty) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    Viewer v(4, Picture::fromFile(fixture("logo.wmf")));
     v.form.DeletePicture();
-    EXPECT_TRUE(v.form.Image1->picture().isNull());
-    // Copying no picture leaves the clipboard empty.
     v.form.CopyPicture();
     EXPECT_TRUE(clipboard->mimeData() == nullptr || clipboard->mimeData()->formats().isEmpty());
     v.form.UpdateAndClose();
@@ -208,24 +208,11 @@ TEST(ImageViewer, CopyPutsThePictureItselfOnTheClipboardAndDeleteEmptiesIt) {
     EXPECT_TRUE(v.given[0].file.isEmpty());
 }
 
-TEST(ImageViewer, PictureFillsTheWindowFromTheTopLeftWithItsProportions) {
-    // A picture twice as wide as high in a square window: full width, half the height, at the top.
-    const Picture wide = Picture::fromImage(filled(QSize(200, 100), Qt::red));
-    Viewer v(2, wide);
-    v.form.Image1->setFixedSize(300, 300);
-    v.form.show();
-    const QImage shown = v.form.Image1->grab().toImage();
-    ASSERT_EQ(shown.size(), QSize(300, 300));
-    EXPECT_EQ(shown.pixelColor(5, 5), QColor(Qt::red));
-    EXPECT_EQ(shown.pixelColor(295, 145), QColor(Qt::red));
-    EXPECT_NE(shown.pixelColor(150, 160), QColor(Qt::red));
-    EXPECT_NE(shown.pixelColor(150, 295), QColor(Qt::red));
-}
-
 // An EMF recorded for a 1200-dpi printer names its page as 14030 x 9920 device pixels. The
-// viewer shows it at its paper size (A4 across, 297 x 210 mm at 96 pixels to the inch), draws it
-// at the size of the window, and copies an image of the paper size, not of the printer's pixels.
-TEST(ImageViewer, PrinterMetafileIsShownAndCopiedAtItsPaperSize) {
+// viewer tells its paper size (A4 across, 297 x 210 mm at 96 pixels to the inch) and copies an
+// image of the paper size, not of the printer's pixels; drawing it at that size is the picture's
+// own test (PictureRegression.EmfRecordedForAPrinterHasItsPaperSize).
+TEST(ImageViewer, PrinterMetafileIsDescribedAndCopiedAtItsPaperSize) {
     const Picture page = Picture::fromFile(fixture("printer-frame.emf"));
     ASSERT_FALSE(page.isNull());
     Viewer v(2, page);
@@ -233,12 +220,6 @@ TEST(ImageViewer, PrinterMetafileIsShownAndCopiedAtItsPaperSize) {
     EXPECT_TRUE(status.contains("Metatiedosto (EMF), 1122 × 793 pikseliä") ||
                 status.contains("Metatiedosto (EMF), 1123 × 794 pikseliä"))
         << status.toStdString();
-    v.form.Image1->setFixedSize(297, 210);
-    v.form.show();
-    const QImage shown = v.form.Image1->grab().toImage();
-    ASSERT_EQ(shown.size(), QSize(297, 210));
-    EXPECT_GT(shown.pixelColor(70, 160).blue(), 180); // the blue rectangle inside the margins
-    EXPECT_LT(shown.pixelColor(70, 160).red(), 100);
 
     v.form.CopyPicture();
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
