@@ -58,6 +58,16 @@ CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionCo
             text};
 }
 
+namespace {
+const std::shared_ptr<const CaptionRows>& noCaptions() {
+    static const auto none = std::make_shared<const CaptionRows>(1);
+    return none;
+}
+} // namespace
+
+CaptionTexts::CaptionTexts(int column, bool emptyAsSpace)
+    : CaptionTexts(column, emptyAsSpace, noCaptions()) {}
+
 std::vector<QString> CaptionTexts::toVector() const {
     std::vector<QString> out;
     for (std::size_t g = 0; g < size(); ++g)
@@ -165,16 +175,49 @@ void storeGroup(QualityRecord& rec, const OpenGroup& group) {
     rec.groupRealized[group.slot] = group.realized;
 }
 
-// Opens the group of a caption row in a new slot of the record. The record shares the row's
-// texts; only the caption's length is read.
-OpenGroup openGroup(QualityRecord& rec, const lists::RowCells& captionRow) {
-    rec.groupLittera.push_back(captionRow);
-    rec.groupText.push_back(captionRow);
+// Opens the group of caption row `r` in a new slot of the record.
+OpenGroup openGroup(QualityRecord& rec, std::vector<int>& captionRows, int r) {
+    captionRows.push_back(r);
     rec.groupMax.push_back(0);
     rec.groupRealized.push_back(0);
-    const int slot = static_cast<int>(rec.groupText.size()) - 1;
-    rec.longestGroupText = std::max(rec.longestGroupText, static_cast<int>(rec.groupText.view(slot).size()));
-    return {slot};
+    return {static_cast<int>(captionRows.size())};
+}
+
+// The caption rows of the last run over a list, kept with the list.
+struct CaptionCache {
+    std::vector<int> rows; // their row numbers
+    std::shared_ptr<const CaptionRows> cells;
+    int longestText = 0;
+};
+
+// The captions' rows of this run. A caption row's texts lie in a block of their own somewhere in
+// the heap; sharing each one again on every run reached a block per caption, and a large list's
+// blocks do not stay in the cache. So the table of the last run is kept with the list and used
+// again while the captions are the same rows with the same blocks (a changed row has a block of
+// its own, and the table holds the old ones, so none of them can be given to another row).
+std::shared_ptr<const CaptionCache> captionsOf(const lists::ListModel& list, std::vector<int>&& rows) {
+    auto kept = std::static_pointer_cast<const CaptionCache>(list.calculationCache());
+    const auto same = [&] {
+        if (!kept || kept->rows != rows) return false;
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (!list.row(rows[i]).cells.sharesBlockWith((*kept->cells)[i + 1])) return false;
+        return true;
+    };
+    if (same()) return kept;
+    auto cells = std::make_shared<CaptionRows>();
+    cells->reserve(rows.size() + 1);
+    cells->emplace_back();
+    auto made = std::make_shared<CaptionCache>();
+    for (int r : rows) {
+        cells->push_back(list.row(r).cells);
+        made->longestText =
+            std::max(made->longestText,
+                     static_cast<int>(cells->back().value(lists::requirementCol::kText - 1).size()));
+    }
+    made->rows = std::move(rows);
+    made->cells = std::move(cells);
+    list.calculationCache() = made;
+    return made;
 }
 
 void countRequirement(QualityRecord& rec, OpenGroup& phase, OpenGroup& sub, const RowFacts& f) {
@@ -201,6 +244,7 @@ void countRequirement(QualityRecord& rec, OpenGroup& phase, OpenGroup& sub, cons
 
 QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
     QualityRecord rec;
+    std::vector<int> captionRows;
     // The open work phase (level 1) and sub-phase (level 2); both start in slot 0.
     OpenGroup phase, sub;
     for (int r = 1; r <= list.rows(); ++r) {
@@ -209,12 +253,12 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
             case RowKind::Phase:
                 storeGroup(rec, phase);
                 storeGroup(rec, sub);
-                phase = openGroup(rec, list.row(r).cells);
+                phase = openGroup(rec, captionRows, r);
                 sub = {};
                 break;
             case RowKind::SubPhase:
                 storeGroup(rec, sub);
-                sub = openGroup(rec, list.row(r).cells);
+                sub = openGroup(rec, captionRows, r);
                 break;
             case RowKind::Other:
                 break;
@@ -226,6 +270,10 @@ QualityRecord CalculateQualityIndex(const lists::ListModel& list) {
     }
     storeGroup(rec, phase);
     storeGroup(rec, sub);
+    const std::shared_ptr<const CaptionCache> captions = captionsOf(list, std::move(captionRows));
+    rec.groupLittera = CaptionTexts(lists::requirementCol::kLittera, true, captions->cells);
+    rec.groupText = CaptionTexts(lists::requirementCol::kText, false, captions->cells);
+    rec.longestGroupText = captions->longestText;
     rec.groupCount = static_cast<int>(rec.groupText.size()) - 1;
     if (rec.totalMax != 0) rec.qualityNumber = rec.totalRealized / rec.totalMax * 100;
     return rec;

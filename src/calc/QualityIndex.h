@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QString>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -32,28 +33,32 @@ struct CaptionInfo {
 
 CaptionInfo ListViewCaption(const lists::ListModel& list, int row, int captionColumn);
 
-// One text of each work-phase group's caption, kept as the caption row itself: the record
-// shares the row's texts with the list, as an undo step does, so a run copies no text and the
-// record stays whole when the list changes after it. A text is made when it is asked for.
+// The captions' rows of one run, slot 0 (the requirements above the first caption) an empty
+// row: the record shares the rows' texts with the list, as an undo step does, so a run copies no
+// text and the record stays whole when the list changes after it. Runs over a list whose caption
+// rows are unchanged share one such table.
+using CaptionRows = std::vector<lists::RowCells>;
+
+// One text of each work-phase group's caption, read from the shared caption rows when asked.
 class CaptionTexts {
 public:
     // `column` of the caption rows (1-based); an empty one reads as a space when `emptyAsSpace`.
-    CaptionTexts(int column, bool emptyAsSpace)
-        : m_cell(column - 1)
+    CaptionTexts(int column, bool emptyAsSpace);
+    CaptionTexts(int column, bool emptyAsSpace, std::shared_ptr<const CaptionRows> rows)
+        : m_rows(std::move(rows))
+        , m_cell(column - 1)
         , m_emptyAsSpace(emptyAsSpace) {}
-    // Slot 0, the requirements above the first caption, has an empty text.
     QStringView view(std::size_t g) const {
-        const lists::RowCells& row = m_rows[g];
+        const lists::RowCells& row = (*m_rows)[g];
         const QStringView text = row.value(m_cell);
         return text.isEmpty() && m_emptyAsSpace && !row.isEmpty() ? QStringView(u" ") : text;
     }
     QString operator[](std::size_t g) const { return view(g).toString(); }
-    std::size_t size() const { return m_rows.size(); }
-    void push_back(const lists::RowCells& captionRow) { m_rows.push_back(captionRow); }
+    std::size_t size() const { return m_rows->size(); }
     std::vector<QString> toVector() const;
 
 private:
-    std::vector<lists::RowCells> m_rows{lists::RowCells()};
+    std::shared_ptr<const CaptionRows> m_rows;
     qsizetype m_cell;
     bool m_emptyAsSpace;
 };

@@ -74,6 +74,10 @@ public:
     // the new text or nothing to keep it, and tells the views once: renumbering touches every
     // row and must not signal per cell.
     void updateColumn(int c, const std::function<std::optional<QString>(int r, QStringView cell)>& fn);
+    // What a calculation keeps of this list between its runs (the quality index keeps its
+    // caption rows here). The list only holds it: the calculation checks it against the rows
+    // before it uses it, so no change of the list has to drop it.
+    std::shared_ptr<const void>& calculationCache() const { return m_calculationCache; }
     const QString& rowTag(int r) const { return m_rows[r - 1].tag; }
     void setRowTag(int r, const QString& tag) { m_rows[r - 1].tag = tag; }
 
@@ -159,6 +163,8 @@ private:
     QString m_stepText;
     int m_stepDepth = 0;
     bool m_applying = false;
+    // Read and written on the list's own thread only, as the rows' memos are.
+    mutable std::shared_ptr<const void> m_calculationCache;
 };
 
 // "00001" for 1: the five-digit row-number text.

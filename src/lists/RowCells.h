@@ -84,6 +84,12 @@ public:
     std::uint64_t memo() const { return m_memo; }
     void setMemo(std::uint64_t memo) const { m_memo = memo; }
 
+    // Whether both share one block, as a copy does until either changes: their texts are then
+    // the same. Tells so without reading the block.
+    bool sharesBlockWith(const RowCells& other) const {
+        return m_d.constData() == other.m_d.constData() && m_d.size() == other.m_d.size();
+    }
+
     // Rows are equal when their texts are; the memo is no part of the value.
     friend bool operator==(const RowCells& a, const RowCells& b) { return a.m_d == b.m_d; }
     friend bool operator!=(const RowCells& a, const RowCells& b) { return !(a == b); }

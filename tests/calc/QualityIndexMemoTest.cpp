@@ -147,6 +147,13 @@ TEST(QualityIndexMemo, EveryChangeOfTheTextsIsSeenByTheNextRun) {
         {"cell edit of the weight", [&](ListModel& l) { return PutToListView(l, 13, 11, "15", client); }},
         {"cell edit of the result", [&](ListModel& l) { return PutToListView(l, 4, 21, kNo, client); }},
         {"cell edit of the factor", [&](ListModel& l) { return PutToListView(l, 3, 24, "0,9", client); }},
+        // A caption keeps its row; the runs before and after share no caption table.
+        {"cell edit of a caption's text, same length",
+         [&](ListModel& l) {
+             return PutToListView(l, 2, 3, QString::fromUtf8("KAIVUT JA PENGERTYÖX"), client);
+         }},
+        {"cell edit of a caption's littera",
+         [&](ListModel& l) { return PutToListView(l, 2, 1, "7119", client); }},
         {"cell edit making a caption", [&](ListModel& l) { return PutToListView(l, 13, 1, "7130", client); }},
         {"insert rows",
          [&](ListModel& l) {
