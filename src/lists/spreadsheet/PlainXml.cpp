@@ -147,11 +147,22 @@ private:
     bool fill();
     Step step();
     Step declaration();
+    // The declaration's pseudo-attributes between `at` and `stop`, in their order, each at most
+    // once: whether they are as this scanner reads them.
+    static bool pseudoAttributesFine(const char* at, const char* stop);
     Step startTag();
+    // One attribute at p, after its blank: name, "=", quoted value.
+    static Step attribute(const char*& p, const char* end, Attribute& a);
+    bool repeatedAttribute() const;
+    // The attributes as libxml2 gives them, into m_saxAttributes; gives their count.
+    int saxAttributes();
     Step endTag();
     Step text();
     // A name at p; More when it reaches `end`.
     static Step name(const char*& p, const char* end, Name& out);
+    static bool isNamespaceDeclaration(const Name& n) {
+        return n.qualified() == "xmlns" || n.prefix() == "xmlns";
+    }
 
     const char* data() const { return m_buffer.data(); }
     char* writable(const char* at) { return m_buffer.data() + (at - data()); }
@@ -250,9 +261,13 @@ Scanner::Step Scanner::declaration() {
     const char* close = static_cast<const char*>(memchr(p, '>', static_cast<std::size_t>(end - p)));
     if (!close) return Step::More;
     if (close[-1] != '?') return Step::Bad;
-    // Pseudo-attributes in their order, each at most once.
-    const char* at = p + 5;
-    const char* stop = close - 1;
+    if (!pseudoAttributesFine(p + 5, close - 1)) return Step::Bad;
+    m_pos = close + 1 - data();
+    m_state = State::Prolog;
+    return Step::Ok;
+}
+
+bool Scanner::pseudoAttributesFine(const char* at, const char* stop) {
     const char* names[] = {"version", "encoding", "standalone"};
     int next = 0;
     bool any = false;
@@ -261,26 +276,26 @@ Scanner::Step Scanner::declaration() {
         while (at < stop && isSpace(static_cast<unsigned char>(*at)))
             ++at;
         if (at == stop) break;
-        if (at == spaceAt) return Step::Bad;
+        if (at == spaceAt) return false;
         const char* nameEnd = at;
         while (nameEnd < stop && isNameChar(static_cast<unsigned char>(*nameEnd)))
             ++nameEnd;
         const std::string_view key(at, static_cast<std::size_t>(nameEnd - at));
         while (next < 3 && key != names[next])
             ++next;
-        if (next == 3 || (!any && next != 0)) return Step::Bad;
+        if (next == 3 || (!any && next != 0)) return false;
         at = nameEnd;
         while (at < stop && isSpace(static_cast<unsigned char>(*at)))
             ++at;
-        if (at == stop || *at != '=') return Step::Bad;
+        if (at == stop || *at != '=') return false;
         ++at;
         while (at < stop && isSpace(static_cast<unsigned char>(*at)))
             ++at;
-        if (at == stop || (*at != '"' && *at != '\'')) return Step::Bad;
+        if (at == stop || (*at != '"' && *at != '\'')) return false;
         const char quote = *at++;
         const char* valueEnd =
             static_cast<const char*>(memchr(at, quote, static_cast<std::size_t>(stop - at)));
-        if (!valueEnd) return Step::Bad;
+        if (!valueEnd) return false;
         const std::string_view value(at, static_cast<std::size_t>(valueEnd - at));
         bool fine = false;
         if (next == 0) {
@@ -294,15 +309,12 @@ Scanner::Step Scanner::declaration() {
         } else {
             fine = value == "yes" || value == "no";
         }
-        if (!fine) return Step::Bad;
+        if (!fine) return false;
         any = true;
         ++next;
         at = valueEnd + 1;
     }
-    if (!any) return Step::Bad;
-    m_pos = close + 1 - data();
-    m_state = State::Prolog;
-    return Step::Ok;
+    return any;
 }
 
 Scanner::Step Scanner::name(const char*& p, const char* end, Name& out) {
@@ -321,6 +333,74 @@ Scanner::Step Scanner::name(const char*& p, const char* end, Name& out) {
     if (p == end) return Step::More;
     out.end = p;
     return Step::Ok;
+}
+
+Scanner::Step Scanner::attribute(const char*& p, const char* end, Attribute& a) {
+    if (const Step s = name(p, end, a.name); s != Step::Ok) return s;
+    while (p < end && isSpace(static_cast<unsigned char>(*p)))
+        ++p;
+    if (p == end) return Step::More;
+    if (*p != '=') return Step::Bad;
+    ++p;
+    while (p < end && isSpace(static_cast<unsigned char>(*p)))
+        ++p;
+    if (p == end) return Step::More;
+    if (*p != '"' && *p != '\'') return Step::Bad;
+    const char quote = *p++;
+    a.value = p;
+    // Values that need more than reading (references, blanks the parser would normalise)
+    // are left to libxml2.
+    while (p < end && *p != quote) {
+        const auto c = static_cast<unsigned char>(*p);
+        if ((kBytes[c] & kPlainText) || c == ']') {
+            ++p;
+            continue;
+        }
+        if (c < 0x80) return Step::Bad; // "<", "&" or a control character
+        const int n = utf8Length(reinterpret_cast<const unsigned char*>(p),
+                                 reinterpret_cast<const unsigned char*>(end));
+        if (n < 0) return Step::More;
+        if (n == 0) return Step::Bad;
+        p += n;
+    }
+    if (p == end) return Step::More;
+    a.valueEnd = p++;
+    return Step::Ok;
+}
+
+// An attribute given twice (by name, or by local name under two prefixes that might stand
+// for the same namespace) is for libxml2 to judge.
+bool Scanner::repeatedAttribute() const {
+    for (std::size_t i = 0; i < m_attributes.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j) {
+            const Name& a = m_attributes[i].name;
+            const Name& b = m_attributes[j].name;
+            if (a.qualified() == b.qualified() ||
+                (!isNamespaceDeclaration(a) && !isNamespaceDeclaration(b) && a.local() == b.local()))
+                return true;
+        }
+    return false;
+}
+
+// The attributes as libxml2 gives them, namespace declarations left out. Their names end
+// with NUL: written over the byte after each name (a blank or "=") and over the colon of a
+// prefix, in the buffer, which is not read again.
+int Scanner::saxAttributes() {
+    m_saxAttributes.clear();
+    for (const Attribute& a : m_attributes) {
+        if (isNamespaceDeclaration(a.name)) continue;
+        const bool xml = a.name.prefix() == "xml";
+        const char* local = a.name.colon ? a.name.colon + 1 : a.name.begin;
+        const char* prefix = a.name.colon ? a.name.begin : nullptr;
+        *writable(a.name.end) = '\0';
+        if (prefix) *writable(a.name.colon) = '\0';
+        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(local));
+        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(prefix));
+        m_saxAttributes.push_back(xml ? reinterpret_cast<const xmlChar*>(kXmlNamespace) : nullptr);
+        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(a.value));
+        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(a.valueEnd));
+    }
+    return static_cast<int>(m_saxAttributes.size() / 5);
 }
 
 Scanner::Step Scanner::startTag() {
@@ -350,71 +430,17 @@ Scanner::Step Scanner::startTag() {
         }
         if (!spaced) return Step::Bad;
         Attribute a;
-        if (const Step s = name(p, end, a.name); s != Step::Ok) return s;
-        while (p < end && isSpace(static_cast<unsigned char>(*p)))
-            ++p;
-        if (p == end) return Step::More;
-        if (*p != '=') return Step::Bad;
-        ++p;
-        while (p < end && isSpace(static_cast<unsigned char>(*p)))
-            ++p;
-        if (p == end) return Step::More;
-        if (*p != '"' && *p != '\'') return Step::Bad;
-        const char quote = *p++;
-        a.value = p;
-        // Values that need more than reading (references, blanks the parser would normalise)
-        // are left to libxml2.
-        while (p < end && *p != quote) {
-            const auto c = static_cast<unsigned char>(*p);
-            if ((kBytes[c] & kPlainText) || c == ']') {
-                ++p;
-                continue;
-            }
-            if (c < 0x80) return Step::Bad; // "<", "&" or a control character
-            const int n = utf8Length(reinterpret_cast<const unsigned char*>(p),
-                                     reinterpret_cast<const unsigned char*>(end));
-            if (n < 0) return Step::More;
-            if (n == 0) return Step::Bad;
-            p += n;
-        }
-        if (p == end) return Step::More;
-        a.valueEnd = p++;
+        if (const Step s = attribute(p, end, a); s != Step::Ok) return s;
         m_attributes.push_back(a);
     }
-    // An attribute given twice (by name, or by local name under two prefixes that might stand
-    // for the same namespace) is for libxml2 to judge.
-    auto declares = [](const Name& n) { return n.qualified() == "xmlns" || n.prefix() == "xmlns"; };
-    for (std::size_t i = 0; i < m_attributes.size(); ++i)
-        for (std::size_t j = 0; j < i; ++j) {
-            const Name& a = m_attributes[i].name;
-            const Name& b = m_attributes[j].name;
-            if (a.qualified() == b.qualified() || (!declares(a) && !declares(b) && a.local() == b.local()))
-                return Step::Bad;
-        }
+    if (repeatedAttribute()) return Step::Bad;
     m_pos = p - data();
     if (!empty) {
         if (m_open.size() <= m_depth) m_open.emplace_back();
         m_open[m_depth++].assign(element.qualified());
     }
 
-    // The attributes as libxml2 gives them, namespace declarations left out. Their names end
-    // with NUL: written over the byte after each name (a blank or "=") and over the colon of a
-    // prefix, in the buffer, which is not read again.
-    m_saxAttributes.clear();
-    for (const Attribute& a : m_attributes) {
-        if (declares(a.name)) continue;
-        const bool xml = a.name.prefix() == "xml";
-        const char* local = a.name.colon ? a.name.colon + 1 : a.name.begin;
-        const char* prefix = a.name.colon ? a.name.begin : nullptr;
-        *writable(a.name.end) = '\0';
-        if (prefix) *writable(a.name.colon) = '\0';
-        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(local));
-        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(prefix));
-        m_saxAttributes.push_back(xml ? reinterpret_cast<const xmlChar*>(kXmlNamespace) : nullptr);
-        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(a.value));
-        m_saxAttributes.push_back(reinterpret_cast<const xmlChar*>(a.valueEnd));
-    }
-    const int count = static_cast<int>(m_saxAttributes.size() / 5);
+    const int count = saxAttributes();
     m_state = State::Content;
     if (!m_events.start(element.local(), m_saxAttributes.data(), count)) return Step::Ended;
     if (empty) {
