@@ -84,26 +84,35 @@ std::vector<int> collationRanks(const ListModel& list, int column, const std::ve
     return rank;
 }
 
-// Row numbers are digit texts of five digits, six from row 100000 on: they go by their value
-// (the shorter digits first once leading zeros are set aside), and a text that is not a number
-// (a damaged file's) after all numbers, in plain text order.
-bool rowNumberBefore(QStringView a, QStringView b) {
-    const auto digitsOnly = [](QStringView t) {
-        return !t.isEmpty() &&
-               std::all_of(t.begin(), t.end(), [](QChar c) { return c.isDigit() && c.unicode() < 128; });
-    };
-    const bool na = digitsOnly(a), nb = digitsOnly(b);
-    if (na != nb) return na;
-    if (!na) return a < b;
-    const auto significant = [](QStringView t) {
+// Row numbers are digit texts of five digits, six from row 100000 on: they go by their value,
+// and a text that is not a number (a damaged file's) after all numbers, in plain text order.
+// Each row's number is read once.
+std::vector<int> rowNumberOrder(const ListModel& list) {
+    constexpr qsizetype kLongestNumber = 18; // digits that fit a long long
+    const int n = list.rows();
+    std::vector<long long> value(static_cast<std::size_t>(n) + 1, -1);
+    for (int r = 1; r <= n; ++r) {
+        const QStringView t = list.rowNumberText(r);
         qsizetype zeros = 0;
-        while (zeros + 1 < t.size() && t[zeros] == QLatin1Char('0'))
+        while (zeros + 1 < t.size() && t[zeros] == u'0')
             ++zeros;
-        return t.mid(zeros);
-    };
-    const QStringView sa = significant(a), sb = significant(b);
-    if (sa.size() != sb.size()) return sa.size() < sb.size();
-    return sa < sb;
+        const bool number = !t.isEmpty() && t.size() - zeros <= kLongestNumber &&
+                            std::all_of(t.begin(), t.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+        if (!number) continue;
+        long long v = 0;
+        for (const QChar c : t.mid(zeros))
+            v = v * 10 + (c.unicode() - u'0');
+        value[static_cast<std::size_t>(r)] = v;
+    }
+    std::vector<int> order(static_cast<std::size_t>(n));
+    std::iota(order.begin(), order.end(), 1);
+    std::stable_sort(order.begin(), order.end(), [&](int x, int y) {
+        const long long a = value[static_cast<std::size_t>(x)], b = value[static_cast<std::size_t>(y)];
+        if (a >= 0 && b >= 0) return a < b;
+        if (a >= 0 || b >= 0) return a >= 0;
+        return list.rowNumberText(x) < list.rowNumberText(y);
+    });
+    return order;
 }
 
 } // namespace
@@ -113,12 +122,7 @@ std::vector<int> SortedOrder(const ListModel& list, int keyColumn) {
     std::vector<int> order(static_cast<std::size_t>(n));
     std::iota(order.begin(), order.end(), 1);
     if (n == 0 || keyColumn < 1 || keyColumn > list.cols()) return order;
-    if (keyColumn == list.cols()) {
-        std::stable_sort(order.begin(), order.end(), [&](int x, int y) {
-            return rowNumberBefore(list.rowNumberText(x), list.rowNumberText(y));
-        });
-        return order;
-    }
+    if (keyColumn == list.cols()) return rowNumberOrder(list);
     TextGroups groups = groupTexts(list, keyColumn);
     const std::vector<int> rank = collationRanks(list, keyColumn, groups.firstRow);
     groups.firstRow = {};
