@@ -86,8 +86,20 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
         {src.basicText(basic::BridgeName),
          join({src.basicText(basic::RoadSection), src.basicCombo(basic::Municipality)}, QStringLiteral("/"))},
         QStringLiteral("  "));
-    const QString first =
-        run.wrap(identification, 9, kIdentificationShare * m.UsableWidth).value(0).trimmed();
+    // One line, broken between words. An identification that goes on ends with "…" within the
+    // width its first line took, so that the title beside it keeps its room (the mark takes the
+    // end of the line's last word when it must), and the run says a value was cut.
+    const QStringList identificationLines = run.wrap(identification, 9, kIdentificationShare * m.UsableWidth);
+    QString first = identificationLines.value(0).trimmed();
+    if (identificationLines.size() > 1) {
+        const Font font{run.settings().PrinterFont, 9};
+        const QString mark = QStringLiteral(" …");
+        const double width = run.fonts().width(font, first);
+        while (!first.isEmpty() && run.fonts().width(font, first + mark) > width)
+            first.chop(1);
+        first = first.trimmed() + mark;
+        run.inform(kValueCut);
+    }
     s.text(m.OriginX, m.OriginY, first);
     const Parties parties = PartiesOf(run, e.document);
     s.text(m.OriginX, m.OriginY + m.LineHeight9,

@@ -428,6 +428,29 @@ TEST(Reports, ALongIdentificationLeavesTheHeaderTitleItsWordsWhole) {
     }
 }
 
+// The header's identification has one line: one too long for it is cut with "…" (not silently
+// at a word), and the run says a value was cut.
+TEST(Reports, AnIdentificationTooLongForItsLineEndsWithAnEllipsisAndIsTold) {
+    TestProject t;
+    t.source.basicTexts[0] = QStringLiteral(
+        "Kirkkojoen ylikulkusilta valtatien 4 ja Jyväskylän läntisen ohikulkutien eritasoliittymässä");
+    t.source.basicTexts[1] = QStringLiteral("Vt 4");
+    t.setQuantities({entry(QStringLiteral("Kaivu"))});
+    auto run = t.run({print::doc::Quantities});
+    QStringList told;
+    run->setInform([&told](const QString& m) { told << m; });
+    ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
+    const auto body = recordPage(*run, 2);
+    QStringList left;
+    for (const print::TextItem& i : body)
+        if (std::abs(i.y - run->page().OriginY) < 1 && std::abs(i.x - run->page().OriginX) < 1)
+            left << i.text;
+    ASSERT_EQ(left.size(), 1);
+    EXPECT_TRUE(left[0].endsWith(QStringLiteral("…"))) << left[0].toStdString();
+    EXPECT_TRUE(left[0].startsWith(QStringLiteral("Kirkkojoen ylikulkusilta"))) << left[0].toStdString();
+    EXPECT_TRUE(told.contains(print::kValueCut));
+}
+
 TEST(Reports, FrontPagesKeepTheirColumnsAboveTheSignaturesUprightOrLandscape) {
     // Two long names: the second fills the line in the regular font but not in the bold one.
     const QString names[] = {
