@@ -5,6 +5,7 @@
 #include "print/CardLayout.h"
 #include "print/PrintRun.h"
 #include "print/Reports.h"
+#include "print/TextLines.h"
 
 #include <algorithm>
 #include <cmath>
@@ -173,10 +174,16 @@ void drawLayout(PrintRun& run, Surface& s, const CardLayout& layout, const QStri
             CellText(run, s, f, p.sx, p.sy, p.x0 + p.sx * left, p.x0 + p.sx * right, y, text, align);
             continue;
         }
-        // A multi-line field: its own lines, wrapped to the card's right edge.
-        s.setFont(Font{fontName, 11 * p.sy, slot.alignment % 2 == 1, false});
-        const QStringList lines = run.wrap(text, 11 * p.sy / std::max(0.01f, m.ScaleY),
-                                           std::max(500.0 * p.sx, cardRight - x - 100 * p.sx));
+        // A multi-line field: its own lines, wrapped to the card's right edge in the type they
+        // are drawn in (the card's font, bold where the slot says so).
+        const bool bold = slot.alignment % 2 == 1;
+        s.setFont(Font{fontName, 11 * p.sy, bold, false});
+        const double room =
+            std::max(500.0 * p.sx, cardRight - x - 100 * p.sx) / (m.ScaleX > 0 ? m.ScaleX : 1.0);
+        bool tooLong = false;
+        const QStringList lines = WrapLines(
+            fonts, Font{fontName, 11 * p.sy / std::max(0.01f, m.ScaleY), bold, false}, text, room, &tooLong);
+        if (tooLong) run.inform(kWordTooLong);
         for (int k = 0; k < lines.size(); ++k)
             drawSlotText(s, x, y + k * lh, slot.alignment, lines[k]);
     }

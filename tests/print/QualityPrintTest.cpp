@@ -587,6 +587,42 @@ TEST(CardLayouts, FieldsArePlacedByTheirAlignmentAndBoldIsANegativeSize) {
     EXPECT_DOUBLE_EQ(big.sy, 1.0);
 }
 
+// A field of several lines in a bold slot is wrapped in the bold type it is drawn in, so that
+// none of its lines runs past the card's right edge.
+TEST(CardLayouts, AFieldOfSeveralLinesInABoldSlotStaysOnTheCard) {
+    QTemporaryDir dir;
+    QFile f(dir.filePath(print::kCardLayoutFile));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    QByteArray layout = kGoodLayout;
+    layout.replace("\"Nimi\",1000,2000,0", "\"Nimi\",1000,2000,1");
+    f.write(layout);
+    f.close();
+    TestProject t;
+    QString words;
+    for (int i = 0; i < 40; ++i)
+        words += QStringLiteral("laakeri ja liikuntasauma ");
+    t.source.cardFields = {QString(), QStringLiteral("Kirkkojoen silta\n") + words.trimmed(), QString(),
+                           QString()};
+    t.selection = print::Selection{};
+    t.selection.DocumentSelected[print::doc::Card] = true;
+    print::PrintSettings settings;
+    settings.appPath = dir.path() + QLatin1Char('/');
+    print::PrintRun cardRun(t.source, t.selection, settings);
+    ASSERT_EQ(cardRun.PageCount(), PageCountResult::Done);
+    const auto items = recordPage(cardRun, 1);
+    const print::CardPlacement p = print::PlaceCard(cardRun.page(), 10000, 14000);
+    print::FontBook& fonts = cardRun.fonts();
+    int lines = 0;
+    for (const print::TextItem& i : items) {
+        if (!i.text.contains(QStringLiteral("laakeri")) && i.text != QStringLiteral("Kirkkojoen silta"))
+            continue;
+        ++lines;
+        EXPECT_TRUE(i.font.bold) << i.text.toStdString();
+        EXPECT_LE(i.x + fonts.width(i.font, i.text), p.x(10000) - 100 * p.sx + 0.5) << i.text.toStdString();
+    }
+    EXPECT_GT(lines, 5);
+}
+
 TEST(CardLayouts, DamagedOrMissingFilesAreNamedWithTheLineAndTheRunGoesOn) {
     const struct {
         QByteArray bytes;
