@@ -93,11 +93,7 @@ void PrintTopHeader(PrintRun& run, Surface& s, int p, const QString& title) {
     QString first = identificationLines.value(0).trimmed();
     if (identificationLines.size() > 1) {
         const Font font{run.settings().PrinterFont, 9};
-        const QString mark = QStringLiteral(" …");
-        const double width = run.fonts().width(font, first);
-        while (!first.isEmpty() && run.fonts().width(font, first + mark) > width)
-            first.chop(1);
-        first = first.trimmed() + mark;
+        first = CutToWidth(run.fonts(), font, first, QStringLiteral(" …"), run.fonts().width(font, first));
         run.inform(kValueCut);
     }
     s.text(m.OriginX, m.OriginY, first);

@@ -201,11 +201,8 @@ FittedText PrintRun::fit(const QString& text, const Font& base, double room, dou
         return out;
     }
     // The last line takes the rest of the text as far as it goes.
-    QString last = QStringList(wrapped.mid(keep - 1)).join(QString()).trimmed();
-    const QString ellipsis = QStringLiteral("…");
-    while (!last.isEmpty() && m_fonts.width(font, last + ellipsis) > room)
-        last.chop(1);
-    out.lines.last() = last.trimmed() + ellipsis;
+    const QString last = QStringList(wrapped.mid(keep - 1)).join(QString()).trimmed();
+    out.lines.last() = CutToWidth(m_fonts, font, last, QStringLiteral("…"), room);
     inform(kValueCut);
     return out;
 }

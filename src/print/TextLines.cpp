@@ -114,4 +114,10 @@ int LastSpace(const QString& text) {
     return static_cast<int>(text.lastIndexOf(QLatin1Char(' ')) + 1);
 }
 
+QString CutToWidth(FontBook& fonts, const Font& font, QString text, const QString& mark, double maxWidth) {
+    while (!text.isEmpty() && fonts.width(font, text + mark) > maxWidth)
+        text.chop(1);
+    return text.trimmed() + mark;
+}
+
 } // namespace print

@@ -21,6 +21,10 @@ QStringList WrapLines(FontBook& fonts, const Font& font, const QString& text, do
 bool InsertLineFeeds(FontBook& fonts, QString& text, const QString& fontName, double size, double maxWidth);
 inline const QString kWordTooLong = QStringLiteral("Sanan pituus on liian suuri. Rivitys ei onnistu.");
 
+// `text` cut at its end until it with `mark` after it fits `maxWidth` twips in `font`; blanks at
+// the cut go. A value that goes on past its room ends with "…" so.
+QString CutToWidth(FontBook& fonts, const Font& font, QString text, const QString& mark, double maxWidth);
+
 // The number of CR LF pairs in a text; 0 for an empty text.
 int EvaluateNRows(const QString& text);
 

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <memory>
 #include <gtest/gtest.h>
 
 using print::PageCountResult;
@@ -536,22 +537,29 @@ const QByteArray kGoodLayout = "\"\"\r\n"
                                "\"Määrä\",5000,2000,3\r\n"
                                "\"Keskellä\",8000,2000,4\r\n";
 
-} // namespace
-
-TEST(CardLayouts, FieldsArePlacedByTheirAlignmentAndBoldIsANegativeSize) {
-    QTemporaryDir dir;
+// A print run of the bridge card alone, with `layout` as the card layout file in `dir`.
+std::unique_ptr<print::PrintRun> cardAlone(TestProject& t, const QTemporaryDir& dir,
+                                           const QByteArray& layout) {
     QFile f(dir.filePath(print::kCardLayoutFile));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(kGoodLayout);
+    if (!f.open(QIODevice::WriteOnly) || f.write(layout) != layout.size()) return nullptr;
     f.close();
-    TestProject t;
-    t.source.cardFields = {QString(), QStringLiteral("Kirkkojoen silta"), QStringLiteral("1234"),
-                           QStringLiteral("keski")};
     t.selection = print::Selection{};
     t.selection.DocumentSelected[print::doc::Card] = true;
     print::PrintSettings settings;
     settings.appPath = dir.path() + QLatin1Char('/');
-    print::PrintRun cardRun(t.source, t.selection, settings);
+    return std::make_unique<print::PrintRun>(t.source, t.selection, settings);
+}
+
+} // namespace
+
+TEST(CardLayouts, FieldsArePlacedByTheirAlignmentAndBoldIsANegativeSize) {
+    QTemporaryDir dir;
+    TestProject t;
+    t.source.cardFields = {QString(), QStringLiteral("Kirkkojoen silta"), QStringLiteral("1234"),
+                           QStringLiteral("keski")};
+    const std::unique_ptr<print::PrintRun> run = cardAlone(t, dir, kGoodLayout);
+    ASSERT_TRUE(run);
+    print::PrintRun& cardRun = *run;
     ASSERT_EQ(cardRun.PageCount(), PageCountResult::Done);
     ASSERT_EQ(cardRun.TotalPages(), 1);
     const auto items = recordPage(cardRun, 1);
@@ -591,23 +599,17 @@ TEST(CardLayouts, FieldsArePlacedByTheirAlignmentAndBoldIsANegativeSize) {
 // none of its lines runs past the card's right edge.
 TEST(CardLayouts, AFieldOfSeveralLinesInABoldSlotStaysOnTheCard) {
     QTemporaryDir dir;
-    QFile f(dir.filePath(print::kCardLayoutFile));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     QByteArray layout = kGoodLayout;
     layout.replace("\"Nimi\",1000,2000,0", "\"Nimi\",1000,2000,1");
-    f.write(layout);
-    f.close();
     TestProject t;
     QString words;
     for (int i = 0; i < 40; ++i)
         words += QStringLiteral("laakeri ja liikuntasauma ");
     t.source.cardFields = {QString(), QStringLiteral("Kirkkojoen silta\n") + words.trimmed(), QString(),
                            QString()};
-    t.selection = print::Selection{};
-    t.selection.DocumentSelected[print::doc::Card] = true;
-    print::PrintSettings settings;
-    settings.appPath = dir.path() + QLatin1Char('/');
-    print::PrintRun cardRun(t.source, t.selection, settings);
+    const std::unique_ptr<print::PrintRun> run = cardAlone(t, dir, layout);
+    ASSERT_TRUE(run);
+    print::PrintRun& cardRun = *run;
     ASSERT_EQ(cardRun.PageCount(), PageCountResult::Done);
     const auto items = recordPage(cardRun, 1);
     const print::CardPlacement p = print::PlaceCard(cardRun.page(), 10000, 14000);

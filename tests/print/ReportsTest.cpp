@@ -368,6 +368,18 @@ TEST(Reports, LargeValuesStayWithinTheirCellsShrunkOrCut) {
     }
 }
 
+namespace {
+
+// The texts at the page header's first line on the left: the identification.
+QStringList headerLeft(const print::PrintRun& run, const std::vector<print::TextItem>& page) {
+    QStringList left;
+    for (const print::TextItem& i : page)
+        if (std::abs(i.y - run.page().OriginY) < 1 && std::abs(i.x - run.page().OriginX) < 1) left << i.text;
+    return left;
+}
+
+} // namespace
+
 TEST(Reports, TheHeaderJoinsOnlyTheBridgeFieldsThatHaveText) {
     const struct {
         const char* name;
@@ -389,10 +401,7 @@ TEST(Reports, TheHeaderJoinsOnlyTheBridgeFieldsThatHaveText) {
         ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
         const auto body = recordPage(*run, 2);
         // The header's first line at the left: the identification, and nothing with a lone "/".
-        QStringList left;
-        for (const print::TextItem& i : body)
-            if (std::abs(i.y - run->page().OriginY) < 1 && std::abs(i.x - run->page().OriginX) < 1)
-                left << i.text;
+        const QStringList left = headerLeft(*run, body);
         const QString shown = QString::fromUtf8(c.shown);
         EXPECT_EQ(left, shown.isEmpty() ? QStringList() : QStringList{shown}) << c.shown;
     }
@@ -441,10 +450,7 @@ TEST(Reports, AnIdentificationTooLongForItsLineEndsWithAnEllipsisAndIsTold) {
     run->setInform([&told](const QString& m) { told << m; });
     ASSERT_EQ(run->PageCount(), print::PageCountResult::Done);
     const auto body = recordPage(*run, 2);
-    QStringList left;
-    for (const print::TextItem& i : body)
-        if (std::abs(i.y - run->page().OriginY) < 1 && std::abs(i.x - run->page().OriginX) < 1)
-            left << i.text;
+    const QStringList left = headerLeft(*run, body);
     ASSERT_EQ(left.size(), 1);
     EXPECT_TRUE(left[0].endsWith(QStringLiteral("…"))) << left[0].toStdString();
     EXPECT_TRUE(left[0].startsWith(QStringLiteral("Kirkkojoen ylikulkusilta"))) << left[0].toStdString();
