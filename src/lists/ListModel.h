@@ -32,8 +32,8 @@ struct Column {
 class RowTag {
 public:
     RowTag() = default;
-    RowTag(
-        const QString& text) // NOLINT(google-explicit-constructor): rows are built as {cells, tag, selected}
+    // Not explicit: rows are built as {cells, tag, selected}.
+    RowTag(const QString& text) // NOLINT(google-explicit-constructor)
         : m_text(text.isEmpty() ? nullptr : std::make_unique<const QString>(text)) {}
     RowTag(const RowTag& other)
         : RowTag(other.text()) {}
@@ -43,7 +43,6 @@ public:
         return *this;
     }
     RowTag& operator=(RowTag&&) noexcept = default;
-    ~RowTag() = default;
     const QString& text() const { return m_text ? *m_text : none(); }
 
 private:
